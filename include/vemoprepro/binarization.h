@@ -1,0 +1,138 @@
+/* Turning grey and colour pages bitonal.
+ *
+ * Use: bi_setup(reader), any setters, any number of bi_thresh_do() calls, bi_upset(). The one-shot
+ * functions do all of that in one call.
+ *
+ * The source is pulled row by row through a reader of the caller; a region x0 <= x < x1, y0 <= y <
+ * y1 of it is binarized. The result has y1 - y0 rows of 4 * ceil((x1 - x0) / 32) bytes.
+ *
+ * Keep true: a handle is used by one thread at a time; different handles may run concurrently. A
+ * reader can be rewound as often as the library likes, and cannot fail: its return value is not
+ * looked at. */
+#ifndef VEMOPREPRO_BINARIZATION_H_
+#define VEMOPREPRO_BINARIZATION_H_
+
+#include "vemoprepro/frame.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Source types: what one pixel of a source row is. */
+enum {
+    PREPRO_SOURCE_GREY = 1, /* 1 byte */
+    PREPRO_SOURCE_BGR = 2,  /* 3 bytes: blue, green, red */
+    PREPRO_SOURCE_RGB = 3   /* 3 bytes: red, green, blue */
+};
+
+/* Copies a source row into `row` (width bytes for grey, 3 * width for colour): the top row for mode
+ * 0, the row below the one delivered last for mode 1. ctx is the pointer that the caller gave to
+ * the do call. Called on the calling thread only. */
+typedef int (*prepro_row_reader)(void* ctx, int mode, unsigned char* row);
+
+/* Returns 1 when ink of this colour is to be dropped. `colour` is the pixel's three bytes as the
+ * source stores them. */
+typedef int (*prepro_dropout)(void* context, const unsigned char* colour);
+
+/* The settings object; created by bi_setup(), freed by bi_upset(). */
+typedef struct bi_settings bi_settings;
+
+/* A settings object with defaults, or null when it cannot be allocated. The caller owns it. */
+VEMOPREPRO_API bi_settings* bi_setup(prepro_row_reader reader);
+/* Frees the object; null is ignored. Returns 0. */
+VEMOPREPRO_API int bi_upset(bi_settings* settings);
+
+/* Setters: 0, or -1 for a null handle. Values are stored as given. */
+
+/* 3 x 3 smoothing of the grey image: 0 off (default), 1 .. 255 from weak to strong. A do call
+ * raises a value that is not 0 by 2 (at most to 255) and keeps it raised: set it again before each
+ * call for the same smoothing. */
+VEMOPREPRO_API int bi_set_smooth(bi_settings* settings, unsigned char smooth);
+/* Not 0: find and undo halftone screens before smoothing (default off). Needs smoothing on. */
+VEMOPREPRO_API int bi_set_undithering(bi_settings* settings, unsigned char undithering);
+/* Grey values below this become black (default 128); 0 chooses it by Otsu's method. */
+VEMOPREPRO_API int bi_set_thresh(bi_settings* settings, unsigned char thresh);
+/* Not 0: fill areas of unclear contrast by their mean (default off). */
+VEMOPREPRO_API int bi_set_fill_mean(bi_settings* settings, unsigned char fill_mean);
+/* Kept for bi_get_satur(); no binarization reads it (default 0). */
+VEMOPREPRO_API int bi_set_satur(bi_settings* settings, unsigned char satur);
+/* Sets delta1 and delta2 together: c = 0 gives 1 and 1; 1 .. 15 gives c and (c + 1) / 2; from 16 on
+ * c and c - 8. */
+VEMOPREPRO_API int bi_set_contrast(bi_settings* settings, unsigned char contrast);
+/* Strong and weak edge contrast of the gradient method (defaults 40 and 32). */
+VEMOPREPRO_API int bi_set_delta1(bi_settings* settings, unsigned char delta1);
+VEMOPREPRO_API int bi_set_delta2(bi_settings* settings, unsigned char delta2);
+/* Sets black1 to b and black2 to 3 * b / 4. */
+VEMOPREPRO_API int bi_set_brightness(bi_settings* settings, unsigned char brightness);
+/* Dark levels of the gradient method (defaults 0). */
+VEMOPREPRO_API int bi_set_black1(bi_settings* settings, unsigned char black1);
+VEMOPREPRO_API int bi_set_black2(bi_settings* settings, unsigned char black2);
+/* Weight of the deviation in the Sobel-statistics variant, -128 .. 127 (default 0). */
+VEMOPREPRO_API int bi_set_sigma(bi_settings* settings, signed char sigma);
+/* Colour dropout: black pixels whose source colour the function wants dropped become white. A null
+ * function or a null context switches it off (default). The context stays the caller's. */
+VEMOPREPRO_API int bi_set_dropout(bi_settings* settings, prepro_dropout dropout, void* context);
+/* Gradient method: stretch the gradient magnitude to the full range (default 0, off). */
+VEMOPREPRO_API int bi_set_normalize_magnitude(bi_settings* settings, unsigned char normalize);
+/* Gradient method: smooth with a Gaussian kernel before the gradient is taken (default 0, off). */
+VEMOPREPRO_API int bi_set_internal_gaussian_smoothing(bi_settings* settings,
+                                                      unsigned char smoothing);
+/* Folder for debug output; the path is copied. -1 also for a null path. */
+VEMOPREPRO_API int bi_set_debug_folder(bi_settings* settings, const char* path);
+/* Threads that a do call may use, at least 1 (default). -1 for fewer, which changes nothing. Each
+ * thread gets at least 50 rows. */
+VEMOPREPRO_API int bi_set_nb_threads(bi_settings* settings, int nb_threads);
+/* The whole source image, `width * 3` bytes a row, which a do call on several threads reads instead
+ * of calling the reader when the source is PREPRO_SOURCE_RGB. Stays the caller's. A null handle is
+ * ignored. */
+VEMOPREPRO_API void bi_set_image_pointer(bi_settings* settings, const void* image);
+
+/* Getters: 0, or -1 for a null handle or a null target. */
+VEMOPREPRO_API int bi_get_smooth(bi_settings* settings, unsigned char* smooth);
+VEMOPREPRO_API int bi_get_thresh(bi_settings* settings, unsigned char* thresh);
+VEMOPREPRO_API int bi_get_satur(bi_settings* settings, unsigned char* satur);
+VEMOPREPRO_API int bi_get_delta1(bi_settings* settings, unsigned char* delta1);
+VEMOPREPRO_API int bi_get_delta2(bi_settings* settings, unsigned char* delta2);
+VEMOPREPRO_API int bi_get_black1(bi_settings* settings, unsigned char* black1);
+VEMOPREPRO_API int bi_get_black2(bi_settings* settings, unsigned char* black2);
+VEMOPREPRO_API int bi_get_sigma(bi_settings* settings, signed char* sigma);
+
+/* Binarizes a region by one threshold: a grey value below it becomes black.
+ * ctx: handed to the reader. type: PREPRO_SOURCE_*. width: pixels of a full source row (>= 1).
+ * x0, x1, y0, y1: the region, 0 <= x0 < x1, 0 <= y0 < y1, ends exclusive.
+ * out: (y1 - y0) rows of 4 * ceil((x1 - x0) / 32) bytes; padding bits become 0.
+ * The automatic threshold is Otsu's (N. Otsu, A threshold selection method from gray-level
+ * histograms, 1979) over the region; the level found is itself white. Returns 0; -1 for arguments
+ * that cannot be worked on or a failed allocation (out untouched), or when the dropout pass failed
+ * (out holds the binarized region). */
+VEMOPREPRO_API int bi_thresh_do(bi_settings* settings, void* ctx, int type, int width, int x0,
+                                int x1, int y0, int y1, unsigned char* out);
+
+/* The same in one call. mode: 0 plain, 1 smoothed, any other value smoothed and undithered. Of
+ * `thresh` only the low byte counts. */
+VEMOPREPRO_API int bi_thresh(int mode, int thresh, prepro_row_reader reader, void* ctx, int type,
+                             int width, int x0, int x1, int y0, int y1, unsigned char* out);
+
+/* The same with colour dropout. */
+VEMOPREPRO_API int bi_thresh_dropout(int mode, int thresh, prepro_row_reader reader, void* ctx,
+                                     prepro_dropout dropout, void* dropout_context, int type,
+                                     int width, int x0, int x1, int y0, int y1, unsigned char* out);
+
+/* The grey image that the binarizations of this header start from: luminance
+ * (19595 R + 38470 G + 7471 B) >> 16, strongly coloured light pixels held at 200, then undithering
+ * and smoothing where asked for and where neighbouring pixels differ by more than 112 somewhere.
+ * smooth: used as given. image_record: for several threads on PREPRO_SOURCE_RGB, four pointer-sized
+ * words whose last is the address of the whole source image (rows of width * 3 bytes); else not
+ * looked at. resolution: dots per inch, chooses the analysis window of the undithering. out:
+ * receives the first out_size bytes of the grey image; the caller makes out_size (x1 - x0) * (y1 -
+ * y0). Returns 0, or -1 with nothing copied. */
+VEMOPREPRO_API int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
+                                    const void* image_record, int type, int width, int resolution,
+                                    int x0, int x1, int y0, int y1, unsigned char* out,
+                                    int out_size, int nb_threads, unsigned char undithering);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VEMOPREPRO_BINARIZATION_H_ */

@@ -1,0 +1,10 @@
+/* The whole library in one include. */
+#ifndef VEMOPREPRO_PREPRO_H_
+#define VEMOPREPRO_PREPRO_H_
+
+#include "vemoprepro/binarization.h"
+#include "vemoprepro/deskew.h"
+#include "vemoprepro/frame.h"
+#include "vemoprepro/geometry.h"
+
+#endif /* VEMOPREPRO_PREPRO_H_ */
