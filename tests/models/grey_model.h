@@ -1,0 +1,240 @@
+// Grey preparation, global threshold and colour dropout, one pixel at a time.
+//
+// The source is delivered by the caller's reader (mode 0: top row, mode 1: next row) exactly as
+// often and in the same order as by the library, so a reader that records its calls can compare the
+// two. The undithering stage is taken as one that finds nothing to undo. The caller keeps the
+// region inside the source.
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "pixels.h"
+
+namespace model {
+
+using RowReader = int (*)(void* ctx, int mode, unsigned char* row);
+using Dropout = int (*)(void* context, const unsigned char* colour);
+
+struct Region {
+    int width;  // of a source row
+    int x0, x1, y0, y1;
+    int w() const { return x1 - x0; }
+    int h() const { return y1 - y0; }
+    bool valid() const {
+        return x0 >= 0 && x1 >= 0 && y0 >= 0 && y1 >= 0 && width >= 1 && w() >= 1 && h() >= 1;
+    }
+};
+
+inline int luminance(int red, int green, int blue) {
+    return (19595 * red + 38470 * green + 7471 * blue) >> 16;
+}
+
+inline int pixel_luminance(int type, const unsigned char* pixel) {
+    return type == 2 ? luminance(pixel[2], pixel[1], pixel[0])
+                     : luminance(pixel[0], pixel[1], pixel[2]);
+}
+
+inline bool strongly_coloured(const unsigned char* pixel) {
+    return std::max({pixel[0], pixel[1], pixel[2]}) - std::min({pixel[0], pixel[1], pixel[2]}) > 84;
+}
+
+// Delivers source row y0 first and the rows below it one by one.
+struct Rows {
+    RowReader reader;
+    void* ctx;
+    std::vector<unsigned char> row;
+
+    Rows(RowReader r, void* c, int bytes, int y0)
+        : reader(r), ctx(c), row(static_cast<std::size_t>(bytes)) {
+        reader(ctx, 0, row.data());
+        for (int y = 0; y < y0; ++y) next();
+    }
+    void next() { reader(ctx, 1, row.data()); }
+    const unsigned char* pixel(int x, int bytes_per_pixel) const {
+        return row.data() + offset(x, bytes_per_pixel, 0);
+    }
+};
+
+using Grey = std::vector<unsigned char>;
+
+inline void grey_from_reader(RowReader reader, void* ctx, int type, const Region& at, Grey& grey) {
+    const int bytes = type == 1 ? 1 : 3;
+    Rows first(reader, ctx, at.width * bytes, at.y0);
+    for (int k = 0; k < at.h(); ++k) {
+        if (k > 0) first.next();
+        for (int j = 0; j < at.w(); ++j) {
+            const unsigned char* pixel = first.pixel(at.x0 + j, bytes);
+            grey[offset(k, at.w(), j)] =
+                static_cast<unsigned char>(type == 1 ? *pixel : pixel_luminance(type, pixel));
+        }
+    }
+    if (type == 1) return;
+    Rows second(reader, ctx, at.width * bytes, at.y0);
+    for (int k = 0; k < at.h(); ++k) {
+        if (k > 0) second.next();
+        for (int j = 0; j < at.w(); ++j) {
+            unsigned char& value = grey[offset(k, at.w(), j)];
+            if (value > 200 && strongly_coloured(second.pixel(at.x0 + j, bytes))) value = 200;
+        }
+    }
+}
+
+inline void grey_from_image(const unsigned char* image, const Region& at, Grey& grey) {
+    for (int k = 0; k < at.h(); ++k)
+        for (int j = 0; j < at.w(); ++j) {
+            const unsigned char* pixel = image + offset(at.y0 + k, 3 * at.width, 3 * (at.x0 + j));
+            const int value = pixel_luminance(3, pixel);
+            grey[offset(k, at.w(), j)] =
+                static_cast<unsigned char>(value > 200 && strongly_coloured(pixel) ? 200 : value);
+        }
+}
+
+inline bool has_steep_edge(const Grey& grey, int h, int w) {
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            const int here = grey[offset(y, w, x)];
+            if (x > 0 && std::abs(here - grey[offset(y, w, x - 1)]) > 112) return true;
+            if (y > 0 && std::abs(here - grey[offset(y - 1, w, x)]) > 112) return true;
+        }
+    return false;
+}
+
+inline Grey smoothed(const Grey& grey, int h, int w, int p) {
+    Grey result = grey;
+    const int n = 1024 / (p + 8);
+    for (int y = 1; y < h - 1; ++y)
+        for (int x = 1; x < w - 1; ++x) {
+            const int c = grey[offset(y, w, x)];
+            int s = -c;
+            for (int dy = -1; dy <= 1; ++dy)
+                for (int dx = -1; dx <= 1; ++dx) s += grey[offset(y + dy, w, x + dx)];
+            result[offset(y, w, x)] =
+                static_cast<unsigned char>((n * s + 8 * (128 - n) * c) / 1024);
+        }
+    return result;
+}
+
+// `image_record` points at four words, of which the fourth is the address of the whole source.
+inline int prepare_grey(int smooth, RowReader reader, void* ctx, const void* image_record, int type,
+                        const Region& at, int nb_threads, Grey& grey) {
+    if (!at.valid() || type < 1 || type > 3) return -1;
+    grey.assign(offset(at.h(), at.w(), 0), 0);
+    if (type == 3 && std::min(nb_threads, at.h() / 50) >= 2) {
+        const auto* words = static_cast<const unsigned char* const*>(image_record);
+        if (!words || !words[3]) return -1;
+        grey_from_image(words[3], at, grey);
+    } else {
+        grey_from_reader(reader, ctx, type, at, grey);
+    }
+    if (at.h() > 1 && at.w() > 1 && smooth != 0 && has_steep_edge(grey, at.h(), at.w()))
+        grey = smoothed(grey, at.h(), at.w(), 256 - smooth);
+    return 0;
+}
+
+inline int bi_color2greybuf(unsigned char smooth, RowReader reader, void* ctx,
+                            const void* image_record, int type, int width, int /*resolution*/,
+                            int x0, int x1, int y0, int y1, unsigned char* out, int out_size,
+                            int nb_threads, unsigned char /*undithering*/) {
+    Grey grey;
+    if (prepare_grey(smooth, reader, ctx, image_record, type, {width, x0, x1, y0, y1}, nb_threads,
+                     grey) != 0)
+        return -1;
+    std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
+    return 0;
+}
+
+// The level that maximises the variance between the classes (Otsu 1979); 0 for a uniform picture.
+inline int otsu_threshold(const Grey& grey) {
+    double histogram[256] = {};
+    for (unsigned char value : grey) histogram[value] += 1;
+    double n = 0;
+    double sum = 0;
+    for (int i = 0; i < 256; ++i) {
+        n += histogram[i];
+        sum += i * histogram[i];
+    }
+    const double mean = n == 0 ? 0 : sum / n;
+    double best = 0;
+    int threshold = 0;
+    double w0 = 0;
+    double s0 = 0;
+    for (int t = 0; t < 256; ++t) {
+        w0 += histogram[t];
+        s0 += t * histogram[t];
+        const double w1 = n - w0;
+        const double m0 = w0 == 0 ? 0 : s0 / w0;
+        const double m1 = w1 == 0 ? 0 : (sum - s0) / w1;
+        const double between = w0 * ((m0 - mean) * (m0 - mean)) + w1 * ((m1 - mean) * (m1 - mean));
+        if (between > best) {
+            best = between;
+            threshold = t;
+        }
+    }
+    return threshold;
+}
+
+inline int drop_colours(Dropout dropout, void* context, RowReader reader, void* ctx,
+                        const Region& at, unsigned char* out) {
+    if (!at.valid()) return -1;
+    Rows rows(reader, ctx, at.width * 3, at.y0);
+    for (int k = 0; k < at.h(); ++k) {
+        if (k > 0) rows.next();
+        for (int j = 0; j < at.w(); ++j)
+            if (get_bit(out, word_stride(at.w()), j, k) &&
+                dropout(context, rows.pixel(at.x0 + j, 3)) == 1)
+                set_bit(out, word_stride(at.w()), j, k, false);
+    }
+    return 0;
+}
+
+struct BiSettings {
+    RowReader reader = nullptr;
+    const unsigned char* image_record[4] = {};  // the fourth is the image pointer
+    unsigned char smooth = 0;
+    unsigned char thresh = 128;  // 0: automatic
+    int nb_threads = 1;
+    Dropout dropout = nullptr;
+    void* dropout_context = nullptr;
+};
+
+inline int bi_thresh_do(BiSettings& settings, void* ctx, int type, int width, int x0, int x1,
+                        int y0, int y1, unsigned char* out) {
+    if (settings.smooth != 0)
+        settings.smooth = static_cast<unsigned char>(std::min(settings.smooth + 2, 255));
+    const Region at{width, x0, x1, y0, y1};
+    Grey grey;
+    if (prepare_grey(settings.smooth, settings.reader, ctx, settings.image_record, type, at,
+                     settings.nb_threads, grey) != 0)
+        return -1;
+    const int stride = word_stride(at.w());
+    const int threshold = settings.thresh == 0 ? otsu_threshold(grey) : settings.thresh;
+    std::memset(out, 0, offset(at.h(), stride, 0));
+    for (int k = 0; k < at.h(); ++k)
+        for (int j = 0; j < at.w(); ++j)
+            if (grey[offset(k, at.w(), j)] < threshold) set_bit(out, stride, j, k, true);
+    if (type == 1 || !settings.dropout || !settings.dropout_context) return 0;
+    return drop_colours(settings.dropout, settings.dropout_context, settings.reader, ctx, at, out);
+}
+
+inline int bi_thresh_dropout(int mode, int thresh, RowReader reader, void* ctx, Dropout dropout,
+                             void* dropout_context, int type, int width, int x0, int x1, int y0,
+                             int y1, unsigned char* out) {
+    BiSettings settings;
+    settings.reader = reader;
+    settings.smooth = mode == 0 ? 0 : 248;
+    settings.thresh = static_cast<unsigned char>(thresh & 255);
+    settings.dropout = dropout;
+    settings.dropout_context = dropout_context;
+    return model::bi_thresh_do(settings, ctx, type, width, x0, x1, y0, y1, out);
+}
+
+inline int bi_thresh(int mode, int thresh, RowReader reader, void* ctx, int type, int width, int x0,
+                     int x1, int y0, int y1, unsigned char* out) {
+    return model::bi_thresh_dropout(mode, thresh, reader, ctx, nullptr, nullptr, type, width, x0,
+                                    x1, y0, y1, out);
+}
+
+}  // namespace model
