@@ -1,3 +1,5 @@
+cmake_minimum_required(VERSION 3.25)
+
 # Writes OUTPUT with the revision of the source tree, 40 zeros outside of a git checkout; leaves the file
 # alone when nothing changed so that nothing is rebuilt for it.
 execute_process(COMMAND git -C ${SOURCE} rev-parse --verify HEAD

@@ -1,0 +1,135 @@
+#include "diag/file_sink.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <boost/filesystem.hpp>
+#include <boost/iostreams/stream.hpp>
+#include <fstream>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "diag/debug_file.h"
+#include "diag/folder.h"
+
+namespace {
+
+namespace fs = boost::filesystem;
+using std::ios_base;
+
+std::string contents(const fs::path& path) {
+    std::ifstream in(path.string());
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class DebugFiles : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        folder = fs::temp_directory_path() / fs::unique_path("vemoprepro-%%%%-%%%%");
+        fs::create_directory(folder);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    std::string failure(const fs::path& path, ios_base::openmode mode) {
+        try {
+            diag::open_file(path.string(), mode);
+        } catch (const std::string& text) {
+            return text;
+        }
+        return "";
+    }
+
+    fs::path folder;
+};
+
+TEST_F(DebugFiles, ModesThatMakeNoSenseAreRefused) {
+    EXPECT_EQ(failure(folder / "a", ios_base::in),
+              "ofstream can not be used to read files, please use ifstream instead.");
+    EXPECT_EQ(failure(folder / "a", ios_base::app), "selected openmode not managed");
+    EXPECT_EQ(failure(folder / "a", ios_base::trunc), "selected openmode not managed");
+    EXPECT_FALSE(fs::exists(folder / "a"));
+}
+
+TEST_F(DebugFiles, AppendKeepsAndWriteReplaces) {
+    const fs::path path = folder / "deep" / "er" / "log";
+    const auto write = [&](ios_base::openmode mode, const char* text) {
+        diag::easy_file_sink<char> sink;
+        sink.open(path.string(), mode);
+        boost::iostreams::stream<diag::easy_file_sink<char>> out;
+        out.open(sink);
+        EXPECT_THROW(out.open(sink), std::ios_base::failure);
+        out << text;
+    };
+    write(ios_base::out, "one");
+    write(ios_base::out | ios_base::app | ios_base::binary, "two");
+    EXPECT_EQ(contents(path), "onetwo");
+    write(ios_base::in | ios_base::out | ios_base::app, "three");
+    EXPECT_EQ(contents(path), "onetwothree");
+    // A new file, not the old one cut short: whoever holds the old one open keeps it.
+    std::ifstream reader(path.string());
+    write(ios_base::in | ios_base::out, "new");
+    EXPECT_EQ(contents(path), "new");
+    std::string old;
+    reader >> old;
+    EXPECT_EQ(old, "onetwothree");
+}
+
+TEST_F(DebugFiles, TheStreamReadsAndSeeks) {
+    diag::easy_file_sink<char> sink;
+    sink.open((folder / "log").string(), ios_base::in | ios_base::out);
+    boost::iostreams::stream<diag::easy_file_sink<char>> file(sink);
+    file << "hello" << std::flush;
+    file.seekg(1);
+    char text[5] = {};
+    file.read(text, 4);
+    EXPECT_STREQ(text, "ello");
+}
+
+TEST_F(DebugFiles, WhatCannotBeMadeSaysWhy) {
+    std::ofstream((folder / "file").string()) << "x";
+    EXPECT_EQ(failure(folder / "file" / "log", ios_base::out).substr(0, 46),
+              "creation of easy_file_sink failed for file: " +
+                  (folder / "file" / "log").string().substr(0, 2));
+    const std::string nested = failure(folder / "file" / "b" / "log", ios_base::out);
+    EXPECT_EQ(nested.rfind("error while creating directory " + (folder / "file" / "b").string(), 0),
+              0U)
+        << nested;
+    const std::string deeper = failure(folder / "file" / "b" / "c" / "log", ios_base::out);
+    EXPECT_EQ(
+        deeper.rfind("while creating: \"" + (folder / "file" / "b" / "c").string() + "\"\n", 0), 0U)
+        << deeper;
+    fs::create_directories(folder / "full" / "log" / "inside");
+    ::testing::internal::CaptureStdout();
+    const std::string removal = failure(folder / "full" / "log", ios_base::out);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), removal + "\n");
+    EXPECT_EQ(removal.rfind("error could not remove file : ", 0), 0U) << removal;
+}
+
+TEST_F(DebugFiles, ThreadsMakeOverlappingFoldersTogether) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            const fs::path path =
+                folder / "a" / "b" / "c" / std::to_string(i % 2) / std::to_string(i);
+            EXPECT_NO_THROW(diag::open_file(path.string(), ios_base::out));
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_TRUE(fs::exists(folder / "a" / "b" / "c" / "1" / "7"));
+}
+
+TEST_F(DebugFiles, TracesLandInTheNamedOrTheCurrentFolder) {
+    const std::string deep = (folder / "x" / "y" / "z").string();
+    *diag::open_debug_file(deep.c_str(), "trace.log") << "there";
+    EXPECT_EQ(contents(deep + "/trace.log"), "there");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder);
+    *diag::open_debug_file(nullptr, "trace.log") << 1.0 / 3;
+    fs::current_path(before);
+    EXPECT_EQ(contents(folder / "trace.log"), "0.333333");
+}
+
+}  // namespace

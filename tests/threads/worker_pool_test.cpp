@@ -1,0 +1,55 @@
+#include "threads/worker_pool.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <new>
+#include <string>
+
+#include "support/allocation_limit.h"
+
+namespace {
+
+std::string text(const std::vector<threads::Band>& bands) {
+    std::string out;
+    for (const auto& band : bands) {
+        out += "[" + std::to_string(band.first) + "," + std::to_string(band.last) + ")";
+    }
+    return out;
+}
+
+TEST(Bands, CoverTheRowsAsTheLayoutSays) {
+    EXPECT_EQ(threads::effective_threads(8, 120), 2);
+    EXPECT_EQ(threads::effective_threads(8, 99), 1);
+    EXPECT_EQ(threads::effective_threads(1, 5000), 1);
+    EXPECT_EQ(threads::effective_threads(3, 5000), 3);
+    EXPECT_EQ(text(threads::open_bands(120, 2)), "[0,60)[60,120)");
+    EXPECT_EQ(text(threads::open_bands(101, 2)), "[0,50)[50,100)[100,101)");
+    EXPECT_EQ(text(threads::closed_bands(101, 2)), "[0,50)[50,101)");
+    EXPECT_EQ(text(threads::open_bands(3, 8)), "[0,3)");  // fewer rows than threads: no empty band
+}
+
+TEST(WorkerPool, RunsEveryTaskOnceAndShowsItsResults) {
+    std::vector<int> rows(1000, 0);
+    threads::run_in_bands(threads::open_bands(1000, 7), 7, [&](threads::Band band) {
+        for (int y = band.first; y < band.last; ++y) ++rows[static_cast<std::size_t>(y)];
+    });
+    EXPECT_EQ(rows, std::vector<int>(1000, 1));
+}
+
+// A pool whose n-th allocation fails must neither hang nor leave a thread behind nor leak.
+TEST(WorkerPool, FailsCleanlyAtEveryAllocation) {
+    const auto bands = threads::open_bands(400, 4);
+    std::atomic<int> done{0};
+    const int allocations = support::fail_each_allocation([&] {
+        try {
+            threads::run_in_bands(bands, 4, [&](threads::Band) { ++done; });
+            return 0;
+        } catch (const std::bad_alloc&) {
+            return -1;
+        }
+    });
+    EXPECT_GT(allocations, 4);
+}
+
+}  // namespace
