@@ -1,0 +1,157 @@
+// A row is read as 64-bit words with the leftmost pixel in the most significant bit. A word XOR
+// itself moved right by one pixel (the last pixel of the word before moving in) has a 1 exactly
+// where the colour changes, so the runs are the positions of those ones, and a word of one colour
+// costs nothing. The scan starts from paper and is followed by paper, which opens and closes the
+// runs at its ends.
+//
+// With AVX-512 VBMI2 the ones of a word are turned into positions by one byte compression; the
+// other targets take them one at a time.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/run_edges_hwy.cpp"
+#include <hwy/foreach_target.h>
+// Highway's own order: foreach_target before highway.
+#include <hwy/highway.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "simd/run_edges.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace simd::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+HWY_INLINE std::uint64_t load_word(const std::uint8_t* bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof(word));
+    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+    return word;
+}
+
+// The first `bits` (1 .. 63) pixels of the bytes, paper behind them.
+HWY_INLINE std::uint64_t load_tail(const std::uint8_t* bytes, std::int64_t bits,
+                                   std::uint64_t flip) {
+    std::uint8_t padded[8] = {};
+    std::memcpy(padded, bytes, static_cast<std::size_t>((bits + 7) / 8));
+    return (load_word(padded) ^ flip) & ~(~std::uint64_t{0} >> bits);
+}
+
+// Calls visit(edges, position of the word's first pixel) for each word of the scan; returns true
+// when ink reaches the end of the last word.
+template <class Visit>
+HWY_INLINE bool visit_edges(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
+                            bool invert, Visit visit) {
+    const std::int32_t skipped = x_start % 8;
+    const std::uint8_t* bytes = row + x_start / 8;
+    const std::int64_t bits = std::int64_t{skipped} + width;
+    const std::uint64_t flip = invert ? ~std::uint64_t{0} : 0;
+    std::uint64_t inside = ~std::uint64_t{0} >> skipped;
+    std::uint64_t before = 0;  // the last pixel of the word before
+    std::int32_t x = x_start - skipped;
+    std::int64_t left = bits;
+    for (; left >= 64; left -= 64, bytes += 8) {
+        const std::uint64_t word = (load_word(bytes) ^ flip) & inside;
+        visit(word ^ (word >> 1 | before << 63), x);
+        inside = ~std::uint64_t{0};
+        before = word & 1;
+        if (left > 64) x += 64;
+    }
+    if (left == 0) return before != 0;
+    const std::uint64_t word = load_tail(bytes, left, flip) & inside;
+    visit(word ^ (word >> 1 | before << 63), x);
+    return false;
+}
+
+// Writes the positions of the edges of a word whose first pixel is x.
+HWY_INLINE std::int32_t* write_edges(std::uint64_t edges, std::int32_t x, std::int32_t* out) {
+    while (edges != 0) {
+        const int position = std::countl_zero(edges);
+        *out++ = x + position;
+        edges &= ~(std::uint64_t{1} << 63 >> position);
+    }
+    return out;
+}
+
+std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
+                          bool invert, std::int32_t* out) {
+    std::int32_t* end = out;
+    const bool open = visit_edges(row, x_start, width, invert,
+                                  [&](std::uint64_t edges, std::int32_t x)
+                                      HWY_ATTR { end = write_edges(edges, x, end); });
+    if (open) *end++ = x_start + width;
+    return static_cast<std::int32_t>(end - out);
+}
+
+void count_runs(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t height,
+                std::int32_t width, bool invert, std::size_t* offsets) {
+    offsets[0] = 0;
+    for (std::int32_t y = 0; y < height; ++y) {
+        std::size_t edges_in_row = 0;
+        const bool open = visit_edges(
+            rows + y * stride, 0, width, invert, [&](std::uint64_t edges, std::int32_t) HWY_ATTR {
+                edges_in_row += static_cast<std::size_t>(std::popcount(edges));
+            });
+        offsets[y + 1] = offsets[y] + (edges_in_row + (open ? 1 : 0)) / 2;
+    }
+}
+
+void extract_rows(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t height,
+                  std::int32_t width, bool invert, std::int32_t* out) {
+    for (std::int32_t y = 0; y < height; ++y) {
+        const bool open = visit_edges(rows + y * stride, 0, width, invert,
+                                      [&](std::uint64_t edges, std::int32_t x)
+                                          HWY_ATTR { out = write_edges(edges, x, out); });
+        if (open) *out++ = width;
+    }
+}
+
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(extract_runs);
+HWY_EXPORT(count_runs);
+HWY_EXPORT(extract_rows);
+
+std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
+                          bool invert, std::int32_t* out) {
+    return HWY_DYNAMIC_DISPATCH(extract_runs)(row, x_start, width, invert, out);
+}
+
+void count_runs(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t height,
+                std::int32_t width, bool invert, std::size_t* offsets) {
+    HWY_DYNAMIC_DISPATCH(count_runs)(rows, stride, height, width, invert, offsets);
+}
+
+void extract_rows(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t height,
+                  std::int32_t width, bool invert, std::int32_t* out) {
+    HWY_DYNAMIC_DISPATCH(extract_rows)(rows, stride, height, width, invert, out);
+}
+
+namespace plain {
+
+std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
+                          bool invert, std::int32_t* out) {
+    std::int32_t written = 0;
+    bool inside = false;
+    for (std::int32_t i = 0; i < width; ++i) {
+        const std::int32_t x = x_start + i;
+        const bool ink = ((row[x / 8] >> (7 - x % 8) & 1) != 0) != invert;
+        if (ink != inside) out[written++] = x;
+        inside = ink;
+    }
+    if (inside) out[written++] = x_start + width;
+    return written;
+}
+
+}  // namespace plain
+
+}  // namespace simd
+#endif
