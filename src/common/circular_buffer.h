@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 #include "frame/memory.h"
 
@@ -48,7 +47,7 @@ class CircularBuffer2D<int> {
         } else {
             write_index_ = 1;
             write_row_ = base_;
-            previous_row_ += row_length_;
+            previous_row_ = base_ + std::ptrdiff_t{capacity_ - 1} * row_length_;
         }
         if (count_ == capacity_) {
             oldest_row_ = write_row_;
