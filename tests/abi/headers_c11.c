@@ -5,4 +5,6 @@
 #include "vemoprepro/geometry.h"
 #include "vemoprepro/prepro.h"
 
-const char* version_through_c(void) { return prepro_get_version_number(); }
+const char* version_through_c(void) {
+    return prepro_get_version_number();
+}
