@@ -1,30 +1,35 @@
-/* Draws a tilted bitonal page of ruled lines, measures its skew and straightens it. */
+/* Straightens a bitonal page: raw PBM on standard input, raw PBM on standard output. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <vemoprepro/prepro.h>
 
 int main(void) {
-    enum { kHeight = 800, kWidth = 1200, kStride = (kWidth + 31) / 32 * 4 };
-    unsigned char* page = calloc(kHeight, kStride);
+    int width, height;
+    if (scanf("P4 %d %d%*c", &width, &height) != 2 || width < 32 || height < 32) return 1;
+    const size_t stride = ((size_t)width + 31) / 32 * 4;
+    unsigned char* page = calloc((size_t)height, stride);
     if (page == NULL) return 1;
-    for (int line = 60; line < kHeight - 60; line += 40) {
-        for (int x = 100; x < 1100; ++x) { /* rises 12 pixels over 512 pixels of width */
-            const int y = line - (x * 12) / 512 + 20;
-            for (int thick = 0; thick < 6; ++thick)
-                page[(y + thick) * kStride + x / 8] |= 0x80 >> (x % 8);
-        }
+    for (int y = 0; y < height; ++y) {
+        if (fread(page + (size_t)y * stride, ((size_t)width + 7) / 8, 1, stdin) != 1) return 1;
     }
 
-    int skew, scale, height, width;
-    if (skbitmap_mem(page, kHeight, kWidth, kStride, &skew, &scale, &height, &width) != 0) return 1;
-    const int stride = (width + 31) / 32 * 4;
-    unsigned char* straight = malloc((size_t)height * (size_t)stride);
-    if (straight == NULL) return 1;
-    if (skrotbmp_mem(skew, scale, page, kHeight, kWidth, kStride, straight, height, width, stride,
-                     NULL) != 0)
+    int skew, scale, out_height, out_width;
+    if (skbitmap_mem(page, height, width, (int)stride, &skew, &scale, &out_height, &out_width) != 0)
         return 1;
-    printf("skew %d / %d, straight page %d x %d\n", skew, scale, width, height);
+
+    const size_t out_stride = ((size_t)out_width + 31) / 32 * 4;
+    unsigned char* straight = malloc((size_t)out_height * out_stride);
+    if (straight == NULL) return 1;
+    if (skrotbmp_mem(skew, scale, page, height, width, (int)stride, straight, out_height, out_width,
+                     (int)out_stride, NULL) != 0)
+        return 1;
+
+    printf("P4\n%d %d\n", out_width, out_height);
+    for (int y = 0; y < out_height; ++y) {
+        fwrite(straight + (size_t)y * out_stride, ((size_t)out_width + 7) / 8, 1, stdout);
+    }
+    fprintf(stderr, "skew: %d pixels over %d\n", skew, scale);
     free(straight);
     free(page);
-    return skew == 12 ? 0 : 1;
+    return 0;
 }
