@@ -1,0 +1,77 @@
+// Single 64-bit words of bitonal rows: pixel 0 of a word is its most significant bit.
+//
+// Use: word_at(row, pixels, bytes, x) reads the 64 pixels from any x on, paper beyond both ends of
+// the row; store_word() writes a word, or the part of it that the row still has room for.
+//
+// Keep true: row points at `bytes` readable bytes that hold at least `pixels` pixels.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace deskew {
+
+constexpr std::int64_t kWordPixels = 64;
+constexpr std::int64_t kWordBytes = 8;
+
+inline std::uint64_t big_endian(std::uint64_t word) {
+    if constexpr (std::endian::native == std::endian::little) return __builtin_bswap64(word);
+    return word;
+}
+
+inline std::uint32_t big_endian(std::uint32_t word) {
+    if constexpr (std::endian::native == std::endian::little) return __builtin_bswap32(word);
+    return word;
+}
+
+inline std::uint64_t load_word(const std::uint8_t* bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof(word));
+    return big_endian(word);
+}
+
+// Writes the first `room` bytes of the word (at most all 8).
+inline void store_word(std::uint8_t* bytes, std::uint64_t word, std::ptrdiff_t room = kWordBytes) {
+    const std::uint64_t stored = big_endian(word);
+    if (room >= kWordBytes) {
+        std::memcpy(bytes, &stored, sizeof(stored));
+    } else if (room > 0) {
+        std::memcpy(bytes, &stored, static_cast<std::size_t>(room));
+    }
+}
+
+// Ones at pixels from .. to - 1 of a word; 0 <= from < to <= 64.
+inline std::uint64_t span_mask(std::int64_t from, std::int64_t to) {
+    return (~std::uint64_t{0} >> from) & (~std::uint64_t{0} << (kWordPixels - to));
+}
+
+// word_at() where the word overlaps an end of the row: put together byte by byte.
+inline std::uint64_t word_at_end(const std::uint8_t* row, std::int64_t pixels, std::int64_t x) {
+    if (x <= -kWordPixels || x >= pixels) return 0;
+    const std::int64_t first = x >> 3;  // rounds down, also left of the row
+    const int offset = static_cast<int>(x & 7);
+    const std::int64_t end = (pixels + 7) / 8;
+    std::uint64_t word = 0;
+    for (std::int64_t i = 0; i <= kWordBytes; ++i) {
+        const std::int64_t index = first + i;
+        const std::uint64_t value = index >= 0 && index < end ? row[index] : 0;
+        const std::int64_t left = 56 - 8 * i + offset;  // pixel 0 of the byte, from bit 7 up
+        word |= left >= 0 ? value << left : value >> -left;
+    }
+    return x + kWordPixels <= pixels ? word : word & span_mask(0, pixels - x);
+}
+
+inline std::uint64_t word_at(const std::uint8_t* row, std::int64_t pixels, std::ptrdiff_t bytes,
+                             std::int64_t x) {
+    if (x < 0 || x + kWordPixels > pixels || (x >> 3) + kWordBytes >= bytes) {
+        return word_at_end(row, pixels, x);
+    }
+    const std::uint8_t* from = row + (x >> 3);
+    const int offset = static_cast<int>(x & 7);
+    return load_word(from) << offset | static_cast<std::uint64_t>(from[kWordBytes] >> (8 - offset));
+}
+
+}  // namespace deskew
