@@ -1,0 +1,53 @@
+// Sums over the lines of an image of cells that are shifted against each other by a slope, and what
+// surrounds them: the kernels of the skew search.
+//
+// Use: lay the cells out in lines along the direction in which the sums are indexed, so that a
+// candidate slope moves each line as a whole; see deskew::EdgeLines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace simd {
+
+// Zero cells that must stand before and behind every line: the kernels read whole blocks of sums.
+// Neighbouring lines share them.
+constexpr std::size_t kLineMargin = 128;
+
+// A slope is in 64ths of a cell per line.
+constexpr std::int64_t kSlopeScale = 64;
+
+struct CellLines {
+    const std::uint16_t* cells = nullptr;  // cell 0 of line 0
+    std::size_t lines = 0;                 // at least 1
+    std::size_t length = 0;                // cells of a line, at least 1
+    std::size_t pitch = 0;                 // cells from line to line, at least length + kLineMargin
+    std::uint32_t largest = 0;             // no cell is greater; 1 .. 65535
+};
+
+// Cells by which a line moves, rounded toward zero.
+constexpr std::int64_t line_shift(std::int64_t line, int slope) {
+    return line * slope / kSlopeScale;
+}
+
+// Number of different sums of sum_sheared_lines().
+constexpr std::size_t sheared_length(std::size_t lines, std::size_t length, int slope) {
+    const std::int64_t shift = line_shift(static_cast<std::int64_t>(lines) - 1, slope);
+    return length + static_cast<std::size_t>(shift < 0 ? -shift : shift);
+}
+
+// sums[j] = sum over the lines of cell j + first - line_shift(line, slope), cells outside a line
+// being zero, where first is the lowest of the shifts: that of the last line when the slope is
+// negative, otherwise 0. |slope| is below 2^20. `sums` has room for sheared_length() values and
+// kLineMargin more, which become zero or are left alone.
+void sum_sheared_lines(const CellLines& image, int slope, double* sums);
+
+// Sum of the squares in any order: equal to the sum in ascending order whenever the values are
+// whole numbers and the result is below 2^53.
+double sum_of_squares(const double* values, std::size_t count);
+
+// out[i] = the four cells 2i and 2i + 1 of both lines together, which must fit in 16 bits.
+void add_cells_2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
+                   std::uint16_t* out);
+
+}  // namespace simd

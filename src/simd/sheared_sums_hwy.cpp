@@ -1,0 +1,204 @@
+// Kernels of the skew search.
+//
+// Sheared sums are taken block by block of the result: the block stays in registers while every
+// line that meets it is added from its own offset, so that a cell costs one unaligned load and one
+// addition of 16 bits. 16-bit lanes hold as many lines as the largest cell allows (2047 lines of
+// bitonal edges), then they are widened to 32 bits, and these to doubles, in which whole numbers
+// below 2^53 add exactly.
+#include "simd/sheared_sums.h"
+
+#include <algorithm>
+#include <limits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/sheared_sums_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace simd::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Cells = hn::CappedTag<std::uint16_t, kLineMargin / 4>;
+using Sums = hn::Repartition<std::uint32_t, Cells>;
+using Doubles = hn::Repartition<double, Cells>;
+
+constexpr std::size_t kMaxBlock = kLineMargin;  // cells of four vectors
+
+// Where a line is read for a block of sums: at `cells + line * pitch + offset(line)`.
+class Shear {
+  public:
+    Shear(const CellLines& image, int slope)
+        : lines_(static_cast<std::int64_t>(image.lines)),
+          length_(static_cast<std::int64_t>(image.length)),
+          steepness_(slope < 0 ? -static_cast<std::int64_t>(slope) : slope),
+          falling_(slope < 0),
+          last_drift_(drift(lines_ - 1)) {}
+
+    std::int64_t offset(std::int64_t first_sum, std::int64_t line) const {
+        return falling_ ? first_sum - last_drift_ + drift(line) : first_sum - drift(line);
+    }
+
+    // The lines that meet the sums first_sum .. first_sum + block - 1: those whose offset is above
+    // -block and below the length of a line. The drift never falls from line to line.
+    std::int64_t first_line(std::int64_t first_sum, std::int64_t block) const {
+        return drifting_from(falling_ ? last_drift_ - first_sum - block + 1
+                                      : first_sum - length_ + 1);
+    }
+    std::int64_t end_line(std::int64_t first_sum, std::int64_t block) const {
+        return drifting_from(falling_ ? length_ + last_drift_ - first_sum : first_sum + block);
+    }
+
+  private:
+    std::int64_t drift(std::int64_t line) const {
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(line * steepness_) /
+                                         static_cast<std::uint64_t>(kSlopeScale));
+    }
+
+    // The first line that drifts by at least `least` cells, or the number of lines.
+    std::int64_t drifting_from(std::int64_t least) const {
+        if (least <= 0) return 0;
+        if (least > last_drift_) return lines_;
+        return (least * kSlopeScale + steepness_ - 1) / steepness_;
+    }
+
+    std::int64_t lines_;
+    std::int64_t length_;
+    std::int64_t steepness_;  // |slope|
+    bool falling_;
+    std::int64_t last_drift_;
+};
+
+// 32-bit sums of four vectors of cells, the even cells apart from the odd ones.
+struct WideSums {
+    hn::Vec<Sums> even[4];
+    hn::Vec<Sums> odd[4];
+};
+
+// The sums of lines begin .. end - 1, which fit in 32 bits.
+HWY_INLINE WideSums sum_lines(const CellLines& image, const Shear& shear, std::int64_t first_sum,
+                              std::int64_t begin, std::int64_t end) {
+    const Cells d16;
+    const Sums d32;
+    const std::size_t lanes = hn::Lanes(d16);
+    const auto low_half = hn::Set(d32, 0xFFFF);
+    // At most this many lines fit in 16-bit lanes.
+    const std::int64_t most = 0xFFFF / image.largest;
+    const auto pitch = static_cast<std::int64_t>(image.pitch);
+
+    WideSums wide;
+    for (int i = 0; i < 4; ++i) wide.even[i] = wide.odd[i] = hn::Zero(d32);
+    for (std::int64_t line = begin; line < end;) {
+        auto sum0 = hn::Zero(d16), sum1 = sum0, sum2 = sum0, sum3 = sum0;
+        const std::int64_t stop = std::min(end, line + most);
+        for (; line < stop; ++line) {
+            const std::uint16_t* from = image.cells + line * pitch + shear.offset(first_sum, line);
+            sum0 = hn::Add(sum0, hn::LoadU(d16, from));
+            sum1 = hn::Add(sum1, hn::LoadU(d16, from + lanes));
+            sum2 = hn::Add(sum2, hn::LoadU(d16, from + 2 * lanes));
+            sum3 = hn::Add(sum3, hn::LoadU(d16, from + 3 * lanes));
+        }
+        const hn::Vec<Sums> pairs[4] = {hn::BitCast(d32, sum0), hn::BitCast(d32, sum1),
+                                        hn::BitCast(d32, sum2), hn::BitCast(d32, sum3)};
+        for (int i = 0; i < 4; ++i) {
+            wide.even[i] = hn::Add(wide.even[i], hn::And(pairs[i], low_half));
+            wide.odd[i] = hn::Add(wide.odd[i], hn::ShiftRight<16>(pairs[i]));
+        }
+    }
+    return wide;
+}
+
+// sums[i] += the wide sums, in order.
+HWY_INLINE void add_to_doubles(const WideSums& wide, double* sums) {
+    const hn::RebindToSigned<Sums> d32;
+    const Doubles d64;
+    const hn::Rebind<std::int32_t, Doubles> half_d32;
+    const std::size_t vector = 2 * hn::Lanes(d32);
+    std::int32_t in_order[kMaxBlock];
+    for (std::size_t i = 0; i < 4; ++i)
+        hn::StoreInterleaved2(hn::BitCast(d32, wide.even[i]), hn::BitCast(d32, wide.odd[i]), d32,
+                              in_order + i * vector);
+    for (std::size_t i = 0; i < 4 * vector; i += hn::Lanes(d64)) {
+        const auto more = hn::PromoteTo(d64, hn::LoadU(half_d32, in_order + i));
+        hn::StoreU(hn::Add(hn::LoadU(d64, sums + i), more), d64, sums + i);
+    }
+}
+
+void SumShearedLines(const CellLines& image, int slope, double* sums) {
+    const Shear shear(image, slope);
+    const auto block = static_cast<std::int64_t>(4 * hn::Lanes(Cells()));
+    const auto count = static_cast<std::int64_t>(sheared_length(image.lines, image.length, slope));
+    // Signed 32-bit sums hold this many lines.
+    const std::int64_t most = std::numeric_limits<std::int32_t>::max() / image.largest;
+    for (std::int64_t first_sum = 0; first_sum < count; first_sum += block) {
+        double* out = sums + first_sum;
+        std::fill_n(out, block, 0.0);
+        const std::int64_t end = shear.end_line(first_sum, block);
+        for (std::int64_t line = shear.first_line(first_sum, block); line < end; line += most) {
+            const std::int64_t stop = std::min(end, line + most);
+            add_to_doubles(sum_lines(image, shear, first_sum, line, stop), out);
+        }
+    }
+}
+
+double SumOfSquares(const double* values, std::size_t count) {
+    const hn::ScalableTag<double> d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto sum0 = hn::Zero(d), sum1 = sum0;
+    std::size_t i = 0;
+    for (; i + 2 * lanes <= count; i += 2 * lanes) {
+        const auto value0 = hn::LoadU(d, values + i);
+        const auto value1 = hn::LoadU(d, values + i + lanes);
+        sum0 = hn::Add(sum0, hn::Mul(value0, value0));
+        sum1 = hn::Add(sum1, hn::Mul(value1, value1));
+    }
+    double sum = hn::GetLane(hn::SumOfLanes(d, hn::Add(sum0, sum1)));
+    for (; i < count; ++i) sum += values[i] * values[i];
+    return sum;
+}
+
+void AddCells2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
+                 std::uint16_t* out) {
+    const hn::ScalableTag<std::uint16_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t i = 0;
+    for (; i + lanes <= out_count; i += lanes) {
+        hn::Vec<decltype(d)> upper_even, upper_odd, lower_even, lower_odd;
+        hn::LoadInterleaved2(d, upper + 2 * i, upper_even, upper_odd);
+        hn::LoadInterleaved2(d, lower + 2 * i, lower_even, lower_odd);
+        hn::StoreU(hn::Add(hn::Add(upper_even, upper_odd), hn::Add(lower_even, lower_odd)), d,
+                   out + i);
+    }
+    for (; i < out_count; ++i)
+        out[i] = static_cast<std::uint16_t>(upper[2 * i] + upper[2 * i + 1] + lower[2 * i] +
+                                            lower[2 * i + 1]);
+}
+
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(SumShearedLines);
+HWY_EXPORT(SumOfSquares);
+HWY_EXPORT(AddCells2x2);
+
+void sum_sheared_lines(const CellLines& image, int slope, double* sums) {
+    HWY_DYNAMIC_DISPATCH(SumShearedLines)(image, slope, sums);
+}
+
+double sum_of_squares(const double* values, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(SumOfSquares)(values, count);
+}
+
+void add_cells_2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
+                   std::uint16_t* out) {
+    HWY_DYNAMIC_DISPATCH(AddCells2x2)(upper, lower, out_count, out);
+}
+
+}  // namespace simd
+#endif
