@@ -1,0 +1,21 @@
+// Colour dropout: ink of the colours that a caller does not want, such as the lines of a form,
+// leaves the binarized page.
+#pragma once
+
+#include "binarization/source.h"
+#include "common/views.h"
+
+namespace binarization {
+
+struct Dropout {
+    prepro_dropout function = nullptr;
+    void* context = nullptr;
+};
+
+// Asks the function about the source colour of every black pixel, row by row from the left, and
+// makes the pixel white when the answer is exactly 1. Reads the source once more from the top. The
+// source is colour and has a reader. Throws std::bad_alloc before anything is changed.
+void drop_colours(const Dropout& dropout, const Source& source, const Region& region,
+                  const common::MutableBitonalView& page);
+
+}  // namespace binarization

@@ -1,0 +1,115 @@
+// Rows are converted while they are hot from the reader, and searched for contrast in the same
+// visit. The reader is run once for the conversion and, for colour, a second time for the hold on
+// strongly coloured pixels: a caller sees the same calls whatever the page holds.
+//
+// A page in memory needs no reader, so its rows can be converted by several threads, each on its
+// own band.
+#include "binarization/grey_preparation.h"
+
+#include <cstring>
+
+#include "binarization/smoothing.h"
+#include "binarization/undithering.h"
+#include "common/views.h"
+#include "simd/grey_rows.h"
+#include "threads/worker_pool.h"
+
+namespace binarization {
+namespace {
+
+using common::MutableGreyView;
+
+simd::ChannelOrder channel_order(const Source& source) {
+    return source.type == SourceType::kRgb ? simd::ChannelOrder::kRedFirst
+                                           : simd::ChannelOrder::kBlueFirst;
+}
+
+// A whole row goes straight to its place; a part of one has to be cut out of the row.
+void read_grey(const Source& source, const Region& region, const MutableGreyView& grey,
+               ContrastSearch& contrast) {
+    const bool whole_rows = region.width() == source.width;
+    frame::Buffer<std::uint8_t> row(whole_rows ? 0 : source.row_bytes());
+    RowStream rows(source, region.y0);
+    for (int y = 0; y < grey.height; ++y) {
+        if (whole_rows) {
+            rows.next(grey.row(y));
+        } else {
+            rows.next(row.data());
+            std::memcpy(grey.row(y), row.data() + region.x0, static_cast<std::size_t>(grey.width));
+        }
+        contrast.visit(grey, y);
+    }
+}
+
+void read_colour(const Source& source, const Region& region, const MutableGreyView& grey,
+                 ContrastSearch& contrast) {
+    const auto width = static_cast<std::size_t>(grey.width);
+    const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
+    frame::Buffer<std::uint8_t> row(source.row_bytes());
+    RowStream rows(source, region.y0);
+    for (int y = 0; y < grey.height; ++y) {
+        rows.next(row.data());
+        simd::luminance_row(row.data() + skipped, width, channel_order(source), grey.row(y));
+    }
+    RowStream rows_again(source, region.y0);
+    for (int y = 0; y < grey.height; ++y) {
+        rows_again.next(row.data());
+        simd::hold_saturated(row.data() + skipped, width, grey.row(y));
+        contrast.visit(grey, y);
+    }
+}
+
+void convert_in_bands(const Source& source, const Region& region, const MutableGreyView& grey,
+                      int threads) {
+    const auto convert = [&](const threads::Band& band) {
+        const auto width = static_cast<std::size_t>(grey.width);
+        for (std::int32_t y = band.first; y < band.last; ++y) {
+            const std::size_t source_row = static_cast<std::size_t>(region.y0 + y);
+            const std::uint8_t* colour = source.image + source_row * source.row_bytes() +
+                                         static_cast<std::size_t>(region.x0) * 3;
+            simd::luminance_row(colour, width, channel_order(source), grey.row(y));
+            simd::hold_saturated(colour, width, grey.row(y));
+        }
+    };
+    threads::run_in_bands(threads::open_bands(grey.height, threads), threads, convert);
+}
+
+}  // namespace
+
+bool reads_image(SourceType type, const Region& region, int threads) {
+    return type == SourceType::kRgb && threads::effective_threads(threads, region.height()) > 1;
+}
+
+bool reachable(const Source& source, const Region& region, int threads) {
+    return reads_image(source.type, region, threads) ? source.image != nullptr
+                                                     : source.reader != nullptr;
+}
+
+frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& region,
+                                         const GreyOptions& options) {
+    const auto width = static_cast<std::size_t>(region.width());
+    frame::Buffer<std::uint8_t> pixels(width * static_cast<std::size_t>(region.height()));
+    const MutableGreyView grey{pixels.data(), region.height(), region.width(), region.width()};
+    ContrastSearch contrast(options.smooth != 0 && grey.height > 1 && grey.width > 1);
+
+    if (reads_image(source.type, region, options.threads)) {
+        const int threads = threads::effective_threads(options.threads, grey.height);
+        convert_in_bands(source, region, grey, threads);
+        for (int y = 0; y < grey.height; ++y) contrast.visit(grey, y);
+    } else if (source.colour()) {
+        read_colour(source, region, grey, contrast);
+    } else {
+        read_grey(source, region, grey, contrast);
+    }
+
+    if (contrast.found()) {
+        const Smoothing smoothing(options.smooth);
+        if (options.undithering) {
+            undither(grey, smoothing.undithering_parameter(), options.resolution);
+        }
+        smoothing.apply(grey);
+    }
+    return pixels;
+}
+
+}  // namespace binarization

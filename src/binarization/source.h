@@ -1,0 +1,83 @@
+// Where a binarization gets its pixels from: the caller's row reader, the part of the page that is
+// wanted, and the page itself where the caller has it in memory.
+//
+// Use: check acceptable() once, then RowStream rows(source, region.y0); rows.next(buffer) delivers
+// source rows y0, y0 + 1, ... A second RowStream starts again from the top.
+//
+// Keep true: the reader's buffer has room for a whole source row, row_bytes(), whatever the region;
+// one RowStream is finished with before the next is begun, since they share the reader's position.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "vemoprepro/binarization.h"
+
+namespace binarization {
+
+enum class SourceType {
+    kGrey = PREPRO_SOURCE_GREY,
+    kBgr = PREPRO_SOURCE_BGR,
+    kRgb = PREPRO_SOURCE_RGB
+};
+
+struct Source {
+    prepro_row_reader reader = nullptr;
+    void* context = nullptr;              // handed to the reader
+    const std::uint8_t* image = nullptr;  // the whole page, rows packed, or null
+    SourceType type = SourceType::kGrey;
+    int width = 0;  // pixels of a whole row
+
+    bool colour() const { return type != SourceType::kGrey; }
+    std::size_t row_bytes() const { return static_cast<std::size_t>(width) * (colour() ? 3 : 1); }
+};
+
+// Pixels x0 <= x < x1 of rows y0 <= y < y1.
+struct Region {
+    int x0 = 0;
+    int x1 = 0;
+    int y0 = 0;
+    int y1 = 0;
+
+    int width() const { return x1 - x0; }
+    int height() const { return y1 - y0; }
+};
+
+// Whether the region can be taken from rows of this width. A region that reaches beyond the right
+// end of the row is refused: there is nothing there to binarize. There is no such check for the
+// bottom, since only the reader knows where the page ends.
+inline bool acceptable(int width, const Region& region) {
+    return width >= 1 && region.x0 >= 0 && region.y0 >= 0 && region.x1 > region.x0 &&
+           region.y1 > region.y0 && region.x1 <= width;
+}
+
+inline bool known_type(int type) {
+    return type == PREPRO_SOURCE_GREY || type == PREPRO_SOURCE_BGR || type == PREPRO_SOURCE_RGB;
+}
+
+// Source rows from `first_row` on, in order. Row 0 is asked for with mode 0, every further row with
+// mode 1; the rows above first_row pass through the buffer of the first next().
+class RowStream {
+  public:
+    RowStream(const Source& source, int first_row) : source_(source), rows_above_(first_row) {}
+
+    void next(std::uint8_t* row) {
+        if (started_) {
+            source_.reader(source_.context, kNextRow, row);
+            return;
+        }
+        started_ = true;
+        source_.reader(source_.context, kTopRow, row);
+        for (int y = 0; y < rows_above_; ++y) source_.reader(source_.context, kNextRow, row);
+    }
+
+  private:
+    static constexpr int kTopRow = 0;
+    static constexpr int kNextRow = 1;
+
+    const Source& source_;
+    int rows_above_;
+    bool started_ = false;
+};
+
+}  // namespace binarization

@@ -1,0 +1,24 @@
+// Binarization by one threshold for the whole region.
+#pragma once
+
+#include "binarization/grey_preparation.h"
+#include "binarization/source.h"
+#include "common/views.h"
+
+namespace binarization {
+
+// The threshold that stands for "choose it by Otsu's method".
+constexpr std::uint8_t kAutomaticThreshold = 0;
+
+// Black where the prepared grey value is below the threshold (strictly: the level that Otsu's
+// method finds is itself white). `page` is region.height() rows of region.width() pixels at the
+// stride bitonal_stride(width); every byte of it is written, the padding bits with 0. Throws before
+// anything is written.
+void binarize_by_threshold(const Source& source, const Region& region, const GreyOptions& options,
+                           std::uint8_t threshold, const common::MutableBitonalView& page);
+
+// The same for a grey image that is already there.
+void binarize_by_threshold(const common::GreyView& grey, std::uint8_t threshold,
+                           const common::MutableBitonalView& page);
+
+}  // namespace binarization

@@ -1,0 +1,88 @@
+// Rows on their way from colour to a smoothed grey page: luminance, the hold on strongly coloured
+// light pixels, the search for contrast and the 3 x 3 smoothing.
+//
+// Use: one call per row. The forms in simd::plain say what each computes; the vector forms give the
+// same bytes.
+//
+// Keep true: input and output rows do not overlap, except that hold_saturated() works in place.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "common/luminance.h"
+
+namespace simd {
+
+// Which of a pixel's three bytes comes first.
+enum class ChannelOrder { kRedFirst, kBlueFirst };
+
+constexpr int kHeldGrey = 200;        // what light pixels of strong colour are held at
+constexpr int kSaturatedSpread = 84;  // difference between channels above which a colour is strong
+
+// Weight of the neighbours in smooth_row(), of 1024 for all nine; 1 .. 127. The centre keeps the
+// rest.
+using NeighbourWeight = std::int16_t;
+
+// The luminance of each of `width` pixels of 3 bytes.
+void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
+                   std::uint8_t* grey);
+
+// Grey values above kHeldGrey become kHeldGrey where the pixel's colour is strong.
+void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey);
+
+// Whether |first[x] - second[x]| > limit anywhere.
+bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
+                   std::uint8_t limit);
+
+// Inner pixels of `row` drawn towards their 8 neighbours; the first and the last pixel are copied.
+void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                std::size_t width, NeighbourWeight weight, std::uint8_t* out);
+
+namespace plain {
+
+inline void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
+                          std::uint8_t* grey) {
+    const std::size_t red = order == ChannelOrder::kRedFirst ? 0 : 2;
+    for (std::size_t x = 0; x < width; ++x, colour += 3) {
+        grey[x] = common::luminance(colour[red], colour[1], colour[2 - red]);
+    }
+}
+
+inline void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+    for (std::size_t x = 0; x < width; ++x, colour += 3) {
+        const auto [least, most] = std::minmax({colour[0], colour[1], colour[2]});
+        if (grey[x] > kHeldGrey && most - least > kSaturatedSpread) grey[x] = kHeldGrey;
+    }
+}
+
+inline bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
+                          std::uint8_t limit) {
+    for (std::size_t x = 0; x < count; ++x) {
+        if (std::abs(first[x] - second[x]) > limit) return true;
+    }
+    return false;
+}
+
+inline std::uint8_t smoothed(const std::uint8_t* above, const std::uint8_t* row,
+                             const std::uint8_t* below, NeighbourWeight weight) {
+    const int neighbours =
+        above[-1] + above[0] + above[1] + row[-1] + row[1] + below[-1] + below[0] + below[1];
+    return static_cast<std::uint8_t>((weight * neighbours + 8 * (128 - weight) * row[0]) / 1024);
+}
+
+inline void smooth_row(const std::uint8_t* above, const std::uint8_t* row,
+                       const std::uint8_t* below, std::size_t width, NeighbourWeight weight,
+                       std::uint8_t* out) {
+    if (width == 0) return;
+    out[0] = row[0];
+    for (std::size_t x = 1; x + 1 < width; ++x) {
+        out[x] = smoothed(above + x, row + x, below + x, weight);
+    }
+    out[width - 1] = row[width - 1];
+}
+
+}  // namespace plain
+}  // namespace simd

@@ -1,0 +1,212 @@
+// Vector forms of grey_rows.h.
+//
+// All of them work on 16-bit lanes that hold two pixels, one in each byte: the even pixels are the
+// low bytes, the odd pixels the high bytes, so that nothing has to be widened or packed.
+//
+// Luminance: with each weight split as 256 * high + low, the sum of products is 256 * H + L and
+// (256 * H + L) >> 16 == (H + (L >> 8)) >> 8. H <= 255 * 255 and L <= 255 * 256, so every step fits
+// in 16 unsigned bits.
+//
+// Smoothing: with d = neighbours - 8 * centre, (weight * neighbours + 8 * (128 - weight) * centre)
+// / 1024 == centre + floor(weight * d / 1024), and floor(weight * d / 1024) is the high half of the
+// 16-bit product (64 * weight) * d; |d| <= 2040 and 64 * weight <= 8128.
+//
+// A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
+// all four are functions of their input pixels alone (the hold of a held pixel changes nothing).
+#include "simd/grey_rows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/grey_rows_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace simd {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Bytes = hn::ScalableTag<std::uint8_t>;
+using Words = hn::Repartition<std::uint16_t, Bytes>;
+using SignedWords = hn::Repartition<std::int16_t, Bytes>;
+using ByteVector = hn::Vec<Bytes>;
+using WordVector = hn::Vec<Words>;
+
+constexpr Bytes kBytes;
+constexpr Words kWords;
+constexpr SignedWords kSignedWords;
+
+HWY_INLINE WordVector even_bytes(ByteVector bytes) {
+    return hn::And(hn::BitCast(kWords, bytes), hn::Set(kWords, std::uint16_t{0xFF}));
+}
+
+HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
+    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
+}
+
+// 256 times the luminance, with dirt in the low byte.
+HWY_INLINE WordVector scaled_luminance(WordVector red, WordVector green, WordVector blue) {
+    const auto weighted = [&](std::uint32_t r, std::uint32_t g, std::uint32_t b) HWY_ATTR {
+        const auto weight = [](std::uint32_t value) HWY_ATTR {
+            return hn::Set(kWords, static_cast<std::uint16_t>(value));
+        };
+        return hn::Add(hn::Add(hn::Mul(red, weight(r)), hn::Mul(green, weight(g))),
+                       hn::Mul(blue, weight(b)));
+    };
+    const WordVector high =
+        weighted(common::kRedWeight >> 8, common::kGreenWeight >> 8, common::kBlueWeight >> 8);
+    const WordVector low = weighted(common::kRedWeight & 0xFF, common::kGreenWeight & 0xFF,
+                                    common::kBlueWeight & 0xFF);
+    return hn::Add(high, hn::ShiftRight<8>(low));
+}
+
+// Even lanes' results are in the low bytes, odd lanes' in the low bytes too.
+HWY_INLINE ByteVector interleave(WordVector even, WordVector odd) {
+    return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
+}
+
+HWY_INLINE void luminance_vector(const std::uint8_t* colour, bool red_first, std::uint8_t* grey) {
+    ByteVector first, green, last;
+    hn::LoadInterleaved3(kBytes, colour, first, green, last);
+    const ByteVector red = red_first ? first : last;
+    const ByteVector blue = red_first ? last : first;
+    const WordVector even = scaled_luminance(even_bytes(red), even_bytes(green), even_bytes(blue));
+    const WordVector odd = scaled_luminance(odd_bytes(red), odd_bytes(green), odd_bytes(blue));
+    hn::StoreU(interleave(hn::ShiftRight<8>(even), hn::ShiftRight<8>(odd)), kBytes, grey);
+}
+
+void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
+                   std::uint8_t* grey) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    if (width < lanes) return plain::luminance_row(colour, width, order, grey);
+    const bool red_first = order == ChannelOrder::kRedFirst;
+    for (std::size_t x = 0; x + lanes < width; x += lanes) {
+        luminance_vector(colour + 3 * x, red_first, grey + x);
+    }
+    const std::size_t last = width - lanes;
+    luminance_vector(colour + 3 * last, red_first, grey + last);
+}
+
+HWY_INLINE void hold_vector(const std::uint8_t* colour, std::uint8_t* grey) {
+    ByteVector first, second, third;
+    hn::LoadInterleaved3(kBytes, colour, first, second, third);
+    const ByteVector spread =
+        hn::Sub(hn::Max(hn::Max(first, second), third), hn::Min(hn::Min(first, second), third));
+    const ByteVector values = hn::LoadU(kBytes, grey);
+    const ByteVector held = hn::Min(values, hn::Set(kBytes, std::uint8_t{kHeldGrey}));
+    const auto strong = hn::Gt(spread, hn::Set(kBytes, std::uint8_t{kSaturatedSpread}));
+    hn::StoreU(hn::IfThenElse(strong, held, values), kBytes, grey);
+}
+
+void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    if (width < lanes) return plain::hold_saturated(colour, width, grey);
+    for (std::size_t x = 0; x + lanes < width; x += lanes) hold_vector(colour + 3 * x, grey + x);
+    const std::size_t last = width - lanes;
+    hold_vector(colour + 3 * last, grey + last);
+}
+
+// Not zero where the difference is above the limit.
+HWY_INLINE ByteVector excess(const std::uint8_t* first, const std::uint8_t* second,
+                             ByteVector limit) {
+    const ByteVector a = hn::LoadU(kBytes, first);
+    const ByteVector b = hn::LoadU(kBytes, second);
+    const ByteVector difference = hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
+    return hn::SaturatedSub(difference, limit);
+}
+
+bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
+                   std::uint8_t limit) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    if (count < lanes) return plain::differs_above(first, second, count, limit);
+    const ByteVector limits = hn::Set(kBytes, limit);
+    const std::size_t last = count - lanes;
+    ByteVector found = excess(first + last, second + last, limits);
+    for (std::size_t x = 0; x < last; x += lanes) {
+        found = hn::Or(found, excess(first + x, second + x, limits));
+    }
+    return !hn::AllTrue(kBytes, hn::Eq(found, hn::Zero(kBytes)));
+}
+
+// `sum` of the nine pixels around and at `centre`.
+HWY_INLINE WordVector drawn_to_neighbours(WordVector sum, WordVector centre,
+                                          hn::Vec<SignedWords> scale) {
+    const WordVector nine = hn::Add(hn::ShiftLeft<3>(centre), centre);
+    const auto pull = hn::BitCast(kSignedWords, hn::Sub(sum, nine));
+    return hn::Add(centre, hn::BitCast(kWords, hn::MulHigh(pull, scale)));
+}
+
+// Lanes pixels from `row` on. With `left` the three rows one pixel to the left and `right` one
+// pixel to the right, the even lane x has x - 1 and x in the bytes of `left`, x + 1 and x + 2 in
+// those of `right`: the columns that the even and the odd pixel need, two of them in common.
+HWY_INLINE void smooth_vector(const std::uint8_t* above, const std::uint8_t* row,
+                              const std::uint8_t* below, hn::Vec<SignedWords> scale,
+                              std::uint8_t* out) {
+    const ByteVector above_left = hn::LoadU(kBytes, above - 1);
+    const ByteVector above_right = hn::LoadU(kBytes, above + 1);
+    const ByteVector below_left = hn::LoadU(kBytes, below - 1);
+    const ByteVector below_right = hn::LoadU(kBytes, below + 1);
+    const ByteVector left = hn::LoadU(kBytes, row - 1);
+    const ByteVector right = hn::LoadU(kBytes, row + 1);
+    const WordVector even_centre = odd_bytes(left);
+    const WordVector odd_centre = even_bytes(right);
+    const WordVector column0 =
+        hn::Add(hn::Add(even_bytes(above_left), even_bytes(below_left)), even_bytes(left));
+    const WordVector column1 =
+        hn::Add(hn::Add(odd_bytes(above_left), odd_bytes(below_left)), even_centre);
+    const WordVector column2 =
+        hn::Add(hn::Add(even_bytes(above_right), even_bytes(below_right)), odd_centre);
+    const WordVector column3 =
+        hn::Add(hn::Add(odd_bytes(above_right), odd_bytes(below_right)), odd_bytes(right));
+    const WordVector shared = hn::Add(column1, column2);
+    const WordVector even = drawn_to_neighbours(hn::Add(column0, shared), even_centre, scale);
+    const WordVector odd = drawn_to_neighbours(hn::Add(shared, column3), odd_centre, scale);
+    hn::StoreU(interleave(even, odd), kBytes, out);
+}
+
+void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                std::size_t width, NeighbourWeight weight, std::uint8_t* out) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    if (width < lanes + 2) return plain::smooth_row(above, row, below, width, weight, out);
+    const auto scale = hn::Set(kSignedWords, static_cast<std::int16_t>(weight * 64));
+    out[0] = row[0];
+    const std::size_t last = width - 1 - lanes;
+    for (std::size_t x = 1; x < last; x += lanes) {
+        smooth_vector(above + x, row + x, below + x, scale, out + x);
+    }
+    smooth_vector(above + last, row + last, below + last, scale, out + last);
+    out[width - 1] = row[width - 1];
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace simd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(luminance_row);
+HWY_EXPORT(hold_saturated);
+HWY_EXPORT(differs_above);
+HWY_EXPORT(smooth_row);
+
+void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
+                   std::uint8_t* grey) {
+    HWY_DYNAMIC_DISPATCH(luminance_row)(colour, width, order, grey);
+}
+
+void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+    HWY_DYNAMIC_DISPATCH(hold_saturated)(colour, width, grey);
+}
+
+bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
+                   std::uint8_t limit) {
+    return HWY_DYNAMIC_DISPATCH(differs_above)(first, second, count, limit);
+}
+
+void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                std::size_t width, NeighbourWeight weight, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(smooth_row)(above, row, below, width, weight, out);
+}
+
+}  // namespace simd
+#endif  // HWY_ONCE

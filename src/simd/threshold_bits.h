@@ -1,0 +1,28 @@
+// A grey row turned into bits by one threshold.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace simd {
+
+// Bit x of `bits`, most significant first, is grey[x] < threshold, for x < width. Writes
+// ceil(width / 8) bytes; the bits behind the last pixel become 0.
+void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t threshold,
+                std::uint8_t* bits);
+
+namespace plain {
+
+inline void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t threshold,
+                       std::uint8_t* bits) {
+    for (std::size_t x = 0; x < width; x += 8) {
+        unsigned byte = 0;
+        for (std::size_t i = 0; i < 8 && x + i < width; ++i) {
+            if (grey[x + i] < threshold) byte |= 0x80U >> i;
+        }
+        bits[x / 8] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+}  // namespace plain
+}  // namespace simd
