@@ -25,20 +25,20 @@ constexpr std::size_t round_up(std::size_t value, std::size_t unit) {
 
 // Edges of both directions: text lines from columns of wide cells, stems from rows of tall cells.
 struct PageEdges {
-    EdgeLines rows;
-    EdgeLines columns;
+    EdgeLines<std::uint8_t> rows;
+    EdgeLines<std::uint8_t> columns;
 };
 
 // Stored are the cells that the counted bytes touch, made even for halving, and of the stems also
 // the edge behind the last counted byte.
-PageEdges make_edges(const common::BitonalView& page) {
+PageEdges shape_edges(const common::BitonalView& page) {
     const std::int64_t bytes = page.width / 8;
     const LineShape wide = {page.stride / 2, page.height / 2};
     const LineShape tall = {page.height / 16, page.stride * 4};
     const std::int64_t wide_columns = std::min<std::int64_t>((bytes + 3) / 4 * 2, wide.lines);
     const std::int64_t tall_columns = std::min<std::int64_t>(bytes * 4 + 2, tall.length);
-    return {EdgeLines(wide, {wide_columns, wide.length}, kLargestEdge),
-            EdgeLines(tall, {tall.lines, tall_columns}, kLargestEdge)};
+    return {EdgeLines<std::uint8_t>(wide, {wide_columns, wide.length}, kLargestEdge),
+            EdgeLines<std::uint8_t>(tall, {tall.lines, tall_columns}, kLargestEdge)};
 }
 
 void fill_edges(const common::BitonalView& page, PageEdges& edges) {
@@ -78,12 +78,22 @@ void fill_edges(const common::BitonalView& page, PageEdges& edges) {
 }  // namespace
 
 SkewEstimate estimate_bitonal_skew(const common::BitonalView& page, SkewTrace* trace) {
-    PageEdges edges = make_edges(page);
+    PageEdges edges = shape_edges(page);
+    // One block for all images: the C library keeps a single block of this size for the next call
+    // where it would return several to the system and fault their pages in again.
+    const std::size_t rows_size = edges.rows.storage();
+    const std::size_t columns_size = edges.columns.storage();
+    const std::size_t half_size =
+        std::max(edges.rows.half_shape().storage(), edges.columns.half_shape().storage());
+    frame::Buffer<std::uint8_t> block(rows_size + columns_size + half_size);
+    edges.rows.place(block.data());
+    edges.columns.place(block.data() + rows_size);
+    std::uint8_t* half_block = block.data() + rows_size + columns_size;
+
     fill_edges(page, edges);
-    const LineEstimate rows =
-        estimate_along(edges.rows, halved(edges.rows), Direction::kRows, trace);
+    const LineEstimate rows = estimate_along(edges.rows, half_block, Direction::kRows, trace);
     const LineEstimate columns =
-        estimate_along(edges.columns, halved(edges.columns), Direction::kColumns, trace);
+        estimate_along(edges.columns, half_block, Direction::kColumns, trace);
     return choose_skew(rows, columns, trace);
 }
 

@@ -1,4 +1,4 @@
-// Storage of the edge cells.
+// Layout of the edge cells.
 //
 // Lines start an odd number of cache lines apart, so that walking across them, as filling and
 // searching do, spreads over all sets of the cache.
@@ -12,44 +12,53 @@ namespace deskew {
 
 namespace {
 
-constexpr std::size_t kCacheLineCells = 64 / sizeof(std::uint16_t);
-
+template <class Cell>
 constexpr std::size_t line_pitch(std::size_t length) {
-    return ((length + simd::kLineMargin + kCacheLineCells - 1) / kCacheLineCells | 1) *
-           kCacheLineCells;
-}
-
-std::size_t block_size(std::size_t lines, std::size_t pitch) {
-    if (lines > (std::numeric_limits<std::size_t>::max() - simd::kLineMargin) / pitch)
-        throw std::bad_alloc();
-    return simd::kLineMargin + lines * pitch;
+    constexpr std::size_t kUnit = 64 / sizeof(Cell);
+    return ((length + simd::kLineMargin<Cell> + kUnit - 1) / kUnit | 1) * kUnit;
 }
 
 }  // namespace
 
-EdgeLines::EdgeLines(LineShape whole, LineShape stored, std::uint32_t largest)
+template <class Cell>
+EdgeLines<Cell>::EdgeLines(LineShape whole, LineShape stored, std::uint32_t largest)
     : whole_(whole),
       lines_(static_cast<std::size_t>(stored.lines)),
       length_(static_cast<std::size_t>(stored.length)),
-      pitch_(line_pitch(length_)),
-      largest_(largest),
-      cells_(block_size(lines_, pitch_)) {}
+      pitch_(line_pitch<Cell>(length_)),
+      largest_(largest) {}
 
-void EdgeLines::close_margins() {
-    std::fill_n(cells_.data(), simd::kLineMargin, std::uint16_t{0});
+template <class Cell>
+std::size_t EdgeLines<Cell>::storage() const {
+    // Small enough that a few images together can be counted in bytes.
+    constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max() / 8;
+    if (lines_ > kMost / pitch_) throw std::bad_alloc();
+    return simd::kLineMargin<Cell> + lines_ * pitch_;
+}
+
+template <class Cell>
+void EdgeLines<Cell>::close_margins() {
+    std::fill_n(first_ - simd::kLineMargin<Cell>, simd::kLineMargin<Cell>, Cell{0});
     for (std::size_t i = 0; i < lines_; ++i)
-        std::fill_n(line(i) + length_, pitch_ - length_, std::uint16_t{0});
+        std::fill_n(line(i) + length_, pitch_ - length_, Cell{0});
 }
 
-EdgeLines halved(const EdgeLines& edges) {
-    const LineShape whole = {edges.whole().lines / 2, edges.whole().length / 2};
-    const auto lines = static_cast<std::int64_t>(edges.lines() / 2);
-    const auto length = static_cast<std::int64_t>(edges.length() / 2);
-    EdgeLines half(whole, {lines, length}, 4 * edges.largest());
-    for (std::size_t i = 0; i < half.lines(); ++i)
-        simd::add_cells_2x2(edges.line(2 * i), edges.line(2 * i + 1), half.length(), half.line(i));
-    half.close_margins();
-    return half;
+template <class Cell>
+EdgeLines<Cell> EdgeLines<Cell>::half_shape() const {
+    return EdgeLines(
+        {whole_.lines / 2, whole_.length / 2},
+        {static_cast<std::int64_t>(lines_ / 2), static_cast<std::int64_t>(length_ / 2)},
+        4 * largest_);
 }
+
+template <class Cell>
+void EdgeLines<Cell>::halve(EdgeLines& half) const {
+    for (std::size_t i = 0; i < half.lines(); ++i)
+        simd::add_cells_2x2(line(2 * i), line(2 * i + 1), half.length(), half.line(i));
+    half.close_margins();
+}
+
+template class EdgeLines<std::uint8_t>;
+template class EdgeLines<std::uint16_t>;
 
 }  // namespace deskew

@@ -14,6 +14,7 @@
 #include <cstdlib>
 
 #include "deskew/skew_unit.h"
+#include "frame/buffer.h"
 
 namespace deskew {
 
@@ -37,7 +38,8 @@ struct SumRange {
 // Every cell of the whole image takes part in a sum, also one of zero, so the lowest and highest
 // sum follow from the size. The lowest is a partial one and left out; so is the highest of the
 // columns.
-SumRange counted_sums(const EdgeLines& edges, Direction direction, int slope) {
+template <class Cell>
+SumRange counted_sums(const EdgeLines<Cell>& edges, Direction direction, int slope) {
     const std::int64_t whole_shift = simd::line_shift(edges.whole().lines - 1, slope);
     const auto last_stored = static_cast<std::int64_t>(edges.lines()) - 1;
     const std::int64_t first_stored_sum =
@@ -59,7 +61,8 @@ double power(const double* sums, std::size_t count) {
 }
 
 // The power of one slope; `sums` is working space.
-double measure(const EdgeLines& edges, Direction direction, int slope, double* sums,
+template <class Cell>
+double measure(const EdgeLines<Cell>& edges, Direction direction, int slope, double* sums,
                SkewTrace* trace) {
     simd::sum_sheared_lines(edges.cells(), slope, sums);
     const auto stored =
@@ -79,10 +82,12 @@ double measure(const EdgeLines& edges, Direction direction, int slope, double* s
 
 }  // namespace
 
-SearchResult search_skew(const EdgeLines& edges, Direction direction, Fan fan, SkewTrace* trace) {
+template <class Cell>
+SearchResult search_skew(const EdgeLines<Cell>& edges, Direction direction, Fan fan,
+                         SkewTrace* trace) {
     const int steepest = std::abs(fan.centre) + fan.range;
     frame::Buffer<double> sums(simd::sheared_length(edges.lines(), edges.length(), steepest) +
-                               simd::kLineMargin);
+                               simd::kLineMargin<Cell>);
     if (trace != nullptr) trace->line("line projections:");
     SearchResult result{{fan.centre, 0.0}, {}};
     bool first = true;
@@ -107,10 +112,14 @@ SearchResult search_skew(const EdgeLines& edges, Direction direction, Fan fan, S
     return result;
 }
 
-LineEstimate estimate_along(const EdgeLines& edges, const EdgeLines& halved, Direction direction,
+template <class Cell>
+LineEstimate estimate_along(const EdgeLines<Cell>& edges, Cell* half_block, Direction direction,
                             SkewTrace* trace) {
     if (trace != nullptr) trace->line("rough estimation on ", long_name(direction));
-    const SearchResult rough = search_skew(halved, direction, kCoarseFan, trace);
+    EdgeLines<Cell> half = edges.half_shape();
+    half.place(half_block);
+    edges.halve(half);
+    const SearchResult rough = search_skew(half, direction, kCoarseFan, trace);
     if (trace != nullptr) {
         trace->line("confidence on ", short_name(direction), ": ",
                     rough.best.power / rough.worst.power);
@@ -150,5 +159,12 @@ SkewEstimate choose_skew(const LineEstimate& rows, const LineEstimate& columns, 
     if (doubtful) chosen.yskew = 0;
     return chosen;
 }
+
+template SearchResult search_skew(const EdgeLines<std::uint8_t>&, Direction, Fan, SkewTrace*);
+template SearchResult search_skew(const EdgeLines<std::uint16_t>&, Direction, Fan, SkewTrace*);
+template LineEstimate estimate_along(const EdgeLines<std::uint8_t>&, std::uint8_t*, Direction,
+                                     SkewTrace*);
+template LineEstimate estimate_along(const EdgeLines<std::uint16_t>&, std::uint16_t*, Direction,
+                                     SkewTrace*);
 
 }  // namespace deskew

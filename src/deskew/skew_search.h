@@ -1,8 +1,8 @@
 // Finding the slope along which the edges of a page line up: the part of the skew estimators that
 // does not care where the edges came from.
 //
-// Use: per direction make the edge image and its halved() form and call estimate_along(); then
-// choose_skew(). All of them take a trace, which may be null.
+// Use: per direction make the edge image and call estimate_along() with room for its halved form;
+// then choose_skew(). All of them take a trace, which may be null.
 #pragma once
 
 #include <cstddef>
@@ -33,7 +33,9 @@ struct Fan {
     int step;   // at least 1
 };
 
-SearchResult search_skew(const EdgeLines& edges, Direction direction, Fan fan, SkewTrace* trace);
+template <class Cell>
+SearchResult search_skew(const EdgeLines<Cell>& edges, Direction direction, Fan fan,
+                         SkewTrace* trace);
 
 // What one direction of a page tells.
 struct LineEstimate {
@@ -42,8 +44,9 @@ struct LineEstimate {
 };
 
 // Searches the halved image coarsely, and the full one around the best and around the worst slope
-// of that.
-LineEstimate estimate_along(const EdgeLines& edges, const EdgeLines& halved, Direction direction,
+// of that. half_block: room for the storage() of edges.half_shape().
+template <class Cell>
+LineEstimate estimate_along(const EdgeLines<Cell>& edges, Cell* half_block, Direction direction,
                             SkewTrace* trace);
 
 constexpr double kLeastConfidence = 1.5;

@@ -20,7 +20,7 @@ struct CountBand {
     // Cells of 2 rows x 16 pixels: the absolute difference to the cell above goes to
     // row_edges[column * pitch + pair], for 8 pairs of rows and `columns` columns: at most half of
     // `bytes` rounded up to a multiple of 4. Ink beyond the bytes counts 0.
-    std::uint16_t* row_edges;
+    std::uint8_t* row_edges;
     std::size_t pitch;
     std::size_t columns;
     // The counts of the pair of rows above, replaced by those of the last pair: room for half of
@@ -37,6 +37,6 @@ struct CountBand {
 void count_band(const CountBand& band);
 
 // out[i] = |values[i] - values[i - 1]| for i = 0 .. count - 1; values[-1] exists.
-void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint16_t* out);
+void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint8_t* out);
 
 }  // namespace simd

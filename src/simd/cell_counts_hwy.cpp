@@ -33,9 +33,11 @@ HWY_INLINE hn::Vec<Cells> wide_cells(hn::Vec<Bytes> upper, hn::Vec<Bytes> lower)
 
 // Eight vectors of cells, one per pair of rows, to eight cells down each column: three perfect
 // shuffles turn (row, column) into (column, row) in every 128-bit block.
-HWY_INLINE void store_transposed(hn::Vec<Cells> (&rows)[kBandPairs], std::uint16_t* out,
+HWY_INLINE void store_transposed(hn::Vec<Cells> (&rows)[kBandPairs], std::uint8_t* out,
                                  std::size_t pitch, std::size_t columns) {
     const Cells d16;
+    const hn::RebindToSigned<Cells> di16;
+    const hn::Rebind<std::uint8_t, Cells> d8;
     for (int round = 0; round < 3; ++round) {
         hn::Vec<Cells> shuffled[kBandPairs];
         for (int i = 0; i < 4; ++i) {
@@ -44,12 +46,12 @@ HWY_INLINE void store_transposed(hn::Vec<Cells> (&rows)[kBandPairs], std::uint16
         }
         for (int i = 0; i < 8; ++i) rows[i] = shuffled[i];
     }
-    std::uint16_t tile[kBandPairs * kCountBlock / 2];
+    std::uint8_t tile[kBandPairs * kCountBlock / 2];
     const std::size_t lanes = hn::Lanes(d16);
-    for (std::size_t i = 0; i < kBandPairs; ++i) hn::StoreU(rows[i], d16, tile + i * lanes);
+    for (std::size_t i = 0; i < kBandPairs; ++i)
+        hn::StoreU(hn::DemoteTo(d8, hn::BitCast(di16, rows[i])), d8, tile + i * lanes);
     for (std::size_t column = 0; column < columns; ++column)
-        std::memcpy(out + column * pitch, tile + column % 8 * lanes + column / 8 * 8,
-                    kBandPairs * sizeof(std::uint16_t));
+        std::memcpy(out + column * pitch, tile + column % 8 * lanes + column / 8 * 8, kBandPairs);
 }
 
 // Ink of 16 rows x 2 pixels, four cells per byte.
@@ -116,20 +118,18 @@ void CountBandRows(const CountBand& band) {
     count_block(band, from, byte);
 }
 
-void AdjacentDifferences(const std::uint8_t* values, std::size_t count, std::uint16_t* out) {
-    const Cells d16;
-    const hn::Rebind<std::uint8_t, Cells> d8;
-    const std::size_t lanes = hn::Lanes(d16);
+void AdjacentDifferences(const std::uint8_t* values, std::size_t count, std::uint8_t* out) {
+    const Bytes d8;
+    const std::size_t lanes = hn::Lanes(d8);
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
         const auto value = hn::LoadU(d8, values + i);
         const auto before = hn::LoadU(d8, values + i - 1);
-        const auto difference = hn::Sub(hn::Max(value, before), hn::Min(value, before));
-        hn::StoreU(hn::PromoteTo(d16, difference), d16, out + i);
+        hn::StoreU(hn::Sub(hn::Max(value, before), hn::Min(value, before)), d8, out + i);
     }
     for (const std::uint8_t* value = values + i; i < count; ++i, ++value)
-        out[i] = static_cast<std::uint16_t>(std::max(value[0], value[-1]) -
-                                            std::min(value[0], value[-1]));
+        out[i] = static_cast<std::uint8_t>(std::max(value[0], value[-1]) -
+                                           std::min(value[0], value[-1]));
 }
 
 }  // namespace
@@ -146,7 +146,7 @@ void count_band(const CountBand& band) {
     HWY_DYNAMIC_DISPATCH(CountBandRows)(band);
 }
 
-void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint16_t* out) {
+void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(AdjacentDifferences)(values, count, out);
 }
 

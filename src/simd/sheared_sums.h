@@ -12,17 +12,20 @@ namespace simd {
 
 // Zero cells that must stand before and behind every line: the kernels read whole blocks of sums.
 // Neighbouring lines share them.
-constexpr std::size_t kLineMargin = 128;
+template <class Cell>
+constexpr std::size_t kLineMargin = 256 / sizeof(Cell);
 
 // A slope is in 64ths of a cell per line.
 constexpr std::int64_t kSlopeScale = 64;
 
+// Cell: std::uint8_t or std::uint16_t.
+template <class Cell>
 struct CellLines {
-    const std::uint16_t* cells = nullptr;  // cell 0 of line 0
-    std::size_t lines = 0;                 // at least 1
-    std::size_t length = 0;                // cells of a line, at least 1
-    std::size_t pitch = 0;                 // cells from line to line, at least length + kLineMargin
-    std::uint32_t largest = 0;             // no cell is greater; 1 .. 65535
+    const Cell* cells = nullptr;  // cell 0 of line 0
+    std::size_t lines = 0;        // at least 1
+    std::size_t length = 0;       // cells of a line, at least 1
+    std::size_t pitch = 0;        // cells from line to line, at least length + kLineMargin
+    std::uint32_t largest = 0;    // at least 1; no cell is greater
 };
 
 // Cells by which a line moves, rounded toward zero.
@@ -40,13 +43,16 @@ constexpr std::size_t sheared_length(std::size_t lines, std::size_t length, int 
 // being zero, where first is the lowest of the shifts: that of the last line when the slope is
 // negative, otherwise 0. |slope| is below 2^20. `sums` has room for sheared_length() values and
 // kLineMargin more, which become zero or are left alone.
-void sum_sheared_lines(const CellLines& image, int slope, double* sums);
+void sum_sheared_lines(const CellLines<std::uint8_t>& image, int slope, double* sums);
+void sum_sheared_lines(const CellLines<std::uint16_t>& image, int slope, double* sums);
 
 // Sum of the squares in any order: equal to the sum in ascending order whenever the values are
 // whole numbers and the result is below 2^53.
 double sum_of_squares(const double* values, std::size_t count);
 
-// out[i] = the four cells 2i and 2i + 1 of both lines together, which must fit in 16 bits.
+// out[i] = the four cells 2i and 2i + 1 of both lines together, which must fit in a cell.
+void add_cells_2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t out_count,
+                   std::uint8_t* out);
 void add_cells_2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
                    std::uint16_t* out);
 
