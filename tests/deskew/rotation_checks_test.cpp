@@ -198,7 +198,9 @@ TEST_F(FailingMemory, EveryFailureGivesMinusOneAndNothingLeaks) {
                 status = rotation(yskew, 512, source.data(), page.height, page.width, page.stride,
                                   result.data(), 400, 320, 40, nullptr);
                 counting = false;
+#ifndef __SANITIZE_ADDRESS__  // brings its own sized delete, past the hook, and its own leak check
                 EXPECT_EQ(blocks, 0);
+#endif
                 EXPECT_EQ(source, page.bytes);
                 if (status != -1) break;
             }
