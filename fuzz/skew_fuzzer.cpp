@@ -50,8 +50,7 @@ std::vector<std::uint8_t> cleaned(std::vector<std::uint8_t> page, int height, in
 void check_success(const std::vector<std::uint8_t>& page, int height, int width, int stride,
                    const Outputs& out) {
     check(out.scale == 512 && std::abs(out.yskew) <= 96);
-    check(!(out.confidence < 1.0));
-    check(out.yskew == 0 || out.confidence >= 1.5);
+    check(out.yskew == 0 || !(out.confidence < 1.5));
     int dim_height = 0;
     int dim_width = 0;
     check(skrotbmp_dim(out.yskew, out.scale, height, width, &dim_height, &dim_width) == 0);

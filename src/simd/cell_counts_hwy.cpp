@@ -24,38 +24,51 @@ using Bytes = hn::CappedTag<std::uint8_t, kCountBlock>;
 using Cells = hn::Repartition<std::uint16_t, Bytes>;
 
 // Ink of 2 rows x 16 pixels per 16-bit lane.
-HWY_INLINE hn::Vec<Cells> wide_cells(hn::Vec<Bytes> upper, hn::Vec<Bytes> lower) {
+HWY_INLINE hn::Vec<Cells> wide_cells(const std::uint8_t* upper, const std::uint8_t* lower) {
+    const Bytes d8;
     const Cells d16;
-    const auto bytes =
-        hn::BitCast(d16, hn::Add(hn::PopulationCount(upper), hn::PopulationCount(lower)));
+    const auto bytes = hn::BitCast(d16, hn::Add(hn::PopulationCount(hn::LoadU(d8, upper)),
+                                                hn::PopulationCount(hn::LoadU(d8, lower))));
     return hn::Add(hn::And(bytes, hn::Set(d16, 0xFF)), hn::ShiftRight<8>(bytes));
 }
 
-// Eight vectors of cells, one per pair of rows, to eight cells down each column: three perfect
-// shuffles turn (row, column) into (column, row) in every 128-bit block.
-HWY_INLINE void store_transposed(hn::Vec<Cells> (&rows)[kBandPairs], std::uint8_t* out,
-                                 std::size_t pitch, std::size_t columns) {
-    const Cells d16;
-    const hn::RebindToSigned<Cells> di16;
+// Eight rows of cells, a vector each, to eight bytes down each column: three perfect shuffles turn
+// (row, column) into (column, row) in every 128-bit block.
+HWY_INLINE void store_transposed(const std::uint16_t* rows, std::uint8_t* out, std::size_t pitch,
+                                 std::size_t columns) {
+    const Cells d;
+    const hn::RebindToSigned<Cells> signed_d;
     const hn::Rebind<std::uint8_t, Cells> d8;
-    for (int round = 0; round < 3; ++round) {
-        hn::Vec<Cells> shuffled[kBandPairs];
-        for (int i = 0; i < 4; ++i) {
-            shuffled[2 * i] = hn::InterleaveLower(d16, rows[i], rows[i + 4]);
-            shuffled[2 * i + 1] = hn::InterleaveUpper(d16, rows[i], rows[i + 4]);
-        }
-        for (int i = 0; i < 8; ++i) rows[i] = shuffled[i];
-    }
+    using V = hn::Vec<Cells>;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto low = [](V a, V b) HWY_ATTR { return hn::InterleaveLower(Cells(), a, b); };
+    const auto high = [](V a, V b) HWY_ATTR { return hn::InterleaveUpper(Cells(), a, b); };
+    const auto row = [&](std::size_t i) HWY_ATTR { return hn::LoadU(d, rows + i * lanes); };
+    const V a0 = low(row(0), row(4)), a1 = high(row(0), row(4));
+    const V a2 = low(row(1), row(5)), a3 = high(row(1), row(5));
+    const V a4 = low(row(2), row(6)), a5 = high(row(2), row(6));
+    const V a6 = low(row(3), row(7)), a7 = high(row(3), row(7));
+    const V b0 = low(a0, a4), b1 = high(a0, a4), b2 = low(a1, a5), b3 = high(a1, a5);
+    const V b4 = low(a2, a6), b5 = high(a2, a6), b6 = low(a3, a7), b7 = high(a3, a7);
+
     std::uint8_t tile[kBandPairs * kCountBlock / 2];
-    const std::size_t lanes = hn::Lanes(d16);
-    for (std::size_t i = 0; i < kBandPairs; ++i)
-        hn::StoreU(hn::DemoteTo(d8, hn::BitCast(di16, rows[i])), d8, tile + i * lanes);
+    const auto store = [&](std::size_t i, V cells) HWY_ATTR {
+        hn::StoreU(hn::DemoteTo(d8, hn::BitCast(signed_d, cells)), d8, tile + i * lanes);
+    };
+    store(0, low(b0, b4));
+    store(1, high(b0, b4));
+    store(2, low(b1, b5));
+    store(3, high(b1, b5));
+    store(4, low(b2, b6));
+    store(5, high(b2, b6));
+    store(6, low(b3, b7));
+    store(7, high(b3, b7));
     for (std::size_t column = 0; column < columns; ++column)
         std::memcpy(out + column * pitch, tile + column % 8 * lanes + column / 8 * 8, kBandPairs);
 }
 
 // Ink of 16 rows x 2 pixels, four cells per byte.
-HWY_INLINE void store_tall_cells(const hn::Vec<Bytes> (&rows)[kBandRows], std::uint8_t* out) {
+HWY_INLINE void store_tall_cells(const std::uint8_t* const (&from)[kBandRows], std::uint8_t* out) {
     const Bytes d8;
     const auto even_bits = hn::Set(d8, 0x55);
     const auto even_pairs = hn::Set(d8, 0x33);
@@ -65,8 +78,9 @@ HWY_INLINE void store_tall_cells(const hn::Vec<Bytes> (&rows)[kBandRows], std::u
     for (std::size_t group = 0; group < kBandRows; group += 4) {
         auto left = hn::Zero(d8), right = left;
         for (std::size_t i = group; i < group + 4; ++i) {
-            const auto pairs = hn::Add(hn::And(rows[i], even_bits),
-                                       hn::And(hn::ShiftRight<1>(rows[i]), even_bits));
+            const auto ink = hn::LoadU(d8, from[i]);
+            const auto pairs =
+                hn::Add(hn::And(ink, even_bits), hn::And(hn::ShiftRight<1>(ink), even_bits));
             left = hn::Add(left, hn::And(hn::ShiftRight<2>(pairs), even_pairs));
             right = hn::Add(right, hn::And(pairs, even_pairs));
         }
@@ -81,24 +95,22 @@ HWY_INLINE void store_tall_cells(const hn::Vec<Bytes> (&rows)[kBandRows], std::u
 // One vector of bytes of every row, which starts at byte `byte` of the band.
 HWY_INLINE void count_block(const CountBand& band, const std::uint8_t* const (&from)[kBandRows],
                             std::size_t byte) {
-    const Bytes d8;
     const Cells d16;
-    hn::Vec<Bytes> rows[kBandRows];
-    for (std::size_t i = 0; i < kBandRows; ++i) rows[i] = hn::LoadU(d8, from[i]);
-    store_tall_cells(rows, band.tall_cells + 4 * byte);
+    const std::size_t lanes = hn::Lanes(d16);
+    store_tall_cells(from, band.tall_cells + 4 * byte);
 
     const std::size_t column = byte / 2;
-    hn::Vec<Cells> edges[kBandPairs];
-    auto above = band.first ? wide_cells(rows[0], rows[1]) : hn::LoadU(d16, band.above + column);
+    std::uint16_t edges[kBandPairs * kCountBlock / 2];
+    auto above = band.first ? wide_cells(from[0], from[1]) : hn::LoadU(d16, band.above + column);
     for (std::size_t i = 0; i < kBandPairs; ++i) {
-        const auto counts = wide_cells(rows[2 * i], rows[2 * i + 1]);
-        edges[i] = hn::Sub(hn::Max(counts, above), hn::Min(counts, above));
+        const auto counts = wide_cells(from[2 * i], from[2 * i + 1]);
+        hn::StoreU(hn::Sub(hn::Max(counts, above), hn::Min(counts, above)), d16, edges + i * lanes);
         above = counts;
     }
     hn::StoreU(above, d16, band.above + column);
     if (column < band.columns)
         store_transposed(edges, band.row_edges + column * band.pitch, band.pitch,
-                         std::min(hn::Lanes(d16), band.columns - column));
+                         std::min(lanes, band.columns - column));
 }
 
 void CountBandRows(const CountBand& band) {
