@@ -1,7 +1,10 @@
-// The 8-connected components of a whole page: its runs, the component of each run, and each
-// component's box and pixel count.
+// The 8-connected components of a whole page: each component's box and pixel count, and where
+// wanted the runs of the page with the component of each.
 //
 // Use:
+//     const PageComponents found = find_components(page);
+//     for (std::int32_t i = 0; i < found.count; ++i) use(found.components[i]);
+//
 //     const RunLabels labels = label_runs(page);
 //     for (std::size_t i = labels.row_offsets[y]; i < labels.row_offsets[y + 1]; ++i)
 //         use(labels.runs[i], labels.components[labels.label_of_run[i]]);
@@ -33,6 +36,11 @@ struct LabelledComponent {
     std::int32_t run_count;  // never 0
 };
 
+struct PageComponents {
+    frame::Buffer<LabelledComponent> components;  // may be larger than count
+    std::int32_t count = 0;
+};
+
 struct RunLabels {
     frame::Buffer<std::size_t> row_offsets;  // height + 1: the runs of row y are [y] .. [y + 1] - 1
     frame::Buffer<PixelRun> runs;            // may be larger than run_count
@@ -45,5 +53,8 @@ struct RunLabels {
 // `ink_value` 0 makes 1-bits the ink, any other value 0-bits; bits beyond the width are ignored.
 // Throws std::bad_alloc, also for a page of more than 2,147,483,647 runs.
 RunLabels label_runs(common::BitonalView page, int ink_value = 0);
+
+// The same components without the runs, in less time and memory.
+PageComponents find_components(common::BitonalView page, int ink_value = 0);
 
 }  // namespace cleaning

@@ -66,7 +66,7 @@ HWY_INLINE bool visit_edges(const std::uint8_t* row, std::int32_t x_start, std::
     return false;
 }
 
-// Writes the positions of the edges of a word whose first pixel is x.
+// Writes the positions of the edges of a word whose first pixel is x, and nothing beyond them.
 HWY_INLINE std::int32_t* write_edges(std::uint64_t edges, std::int32_t x, std::int32_t* out) {
     while (edges != 0) {
         const int position = std::countl_zero(edges);
@@ -76,12 +76,65 @@ HWY_INLINE std::int32_t* write_edges(std::uint64_t edges, std::int32_t x, std::i
     return out;
 }
 
+#if HWY_TARGET <= HWY_AVX3_DL
+
+// The same, but may overwrite up to kRunSlack values from `out` on.
+HWY_INLINE std::int32_t* write_edges_loosely(std::uint64_t edges, std::int32_t x,
+                                             std::int32_t* out) {
+    const hn::Full512<std::uint8_t> d8;
+    const hn::Full512<std::int32_t> d32;
+    const auto lane = hn::Iota(d8, 0);
+    const int count = std::popcount(edges);
+    // Compression starts from the least significant bit, the rightmost pixel: turn the order round.
+    const auto from_right = hn::Sub(hn::Set(d8, 63), lane);
+    const __m512i descending = _mm512_maskz_compress_epi8(edges, from_right.raw);
+    const auto turned = hn::Sub(hn::Set(d8, static_cast<std::uint8_t>(count - 1)), lane);
+    const __m512i ascending = _mm512_permutexvar_epi8(turned.raw, descending);
+    const auto origin = hn::Set(d32, x);
+    const auto store = [&](__m128i positions, std::int32_t* to) HWY_ATTR {
+        const hn::Vec128<std::uint8_t> sixteen{positions};
+        hn::StoreU(hn::Add(origin, hn::PromoteTo(d32, sixteen)), d32, to);
+    };
+    store(_mm512_castsi512_si128(ascending), out);
+    if (HWY_UNLIKELY(count > 16)) {
+        store(_mm512_extracti32x4_epi32(ascending, 1), out + 16);
+        store(_mm512_extracti32x4_epi32(ascending, 2), out + 32);
+        store(_mm512_extracti32x4_epi32(ascending, 3), out + 48);
+    }
+    return out + count;
+}
+
+#else
+
+// The same, but may overwrite up to kRunSlack values from `out` on: groups of four whose number
+// rarely changes are easier to foresee than single edges.
+HWY_INLINE std::int32_t* write_edges_loosely(std::uint64_t edges, std::int32_t x,
+                                             std::int32_t* out) {
+    std::int32_t* const end = out + std::popcount(edges);
+    while (out < end) {
+        for (int i = 0; i < 4; ++i) {
+            // Beyond the last edge the position is that of no pixel and will be overwritten.
+            const int position = std::countl_zero(edges | 1);
+            out[i] = x + position;
+            edges &= ~(std::uint64_t{1} << 63 >> position);
+        }
+        out += 4;
+    }
+    return end;
+}
+
+#endif
+
 std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
                           bool invert, std::int32_t* out) {
     std::int32_t* end = out;
-    const bool open = visit_edges(row, x_start, width, invert,
-                                  [&](std::uint64_t edges, std::int32_t x)
-                                      HWY_ATTR { end = write_edges(edges, x, end); });
+    std::int32_t* const loose_end = out + (std::int64_t{width} + 1 - std::int64_t{kRunSlack});
+    const bool open =
+        visit_edges(row, x_start, width, invert, [&](std::uint64_t edges, std::int32_t x) HWY_ATTR {
+            if (edges == 0) return;
+            end =
+                end <= loose_end ? write_edges_loosely(edges, x, end) : write_edges(edges, x, end);
+        });
     if (open) *end++ = x_start + width;
     return static_cast<std::int32_t>(end - out);
 }
@@ -103,8 +156,9 @@ void extract_rows(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t 
                   std::int32_t width, bool invert, std::int32_t* out) {
     for (std::int32_t y = 0; y < height; ++y) {
         const bool open = visit_edges(rows + y * stride, 0, width, invert,
-                                      [&](std::uint64_t edges, std::int32_t x)
-                                          HWY_ATTR { out = write_edges(edges, x, out); });
+                                      [&](std::uint64_t edges, std::int32_t x) HWY_ATTR {
+                                          if (edges != 0) out = write_edges_loosely(edges, x, out);
+                                      });
         if (open) *out++ = width;
     }
 }

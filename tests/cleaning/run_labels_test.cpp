@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "models/components_model.h"
@@ -16,6 +17,18 @@ using Bytes = std::vector<std::uint8_t>;
 Bytes inverted(Bytes bytes) {
     for (auto& value : bytes) value = static_cast<std::uint8_t>(~value);
     return bytes;
+}
+
+void expect_same_components(const cleaning::RunLabels& labels,
+                            const cleaning::PageComponents& found) {
+    ASSERT_EQ(found.count, labels.component_count);
+    for (std::int32_t i = 0; i < found.count; ++i) {
+        const auto index = static_cast<std::size_t>(i);
+        const cleaning::LabelledComponent& a = labels.components[index];
+        const cleaning::LabelledComponent& b = found.components[index];
+        ASSERT_EQ(std::tie(a.x0, a.x1, a.y0, a.y1, a.area, a.run_count),
+                  std::tie(b.x0, b.x1, b.y0, b.y1, b.area, b.run_count));
+    }
 }
 
 void expect_matches_flood_fill(const Bytes& bytes, int height, int width, int stride,
@@ -44,6 +57,8 @@ void expect_matches_flood_fill(const Bytes& bytes, int height, int width, int st
         ASSERT_EQ(component, expected[i]) << "component " << i;
         ASSERT_EQ(static_cast<std::size_t>(found.run_count), runs[i].size());
     }
+    expect_same_components(
+        labels, cleaning::find_components({bytes.data(), height, width, stride}, ink_value));
 }
 
 TEST(RunLabels, MatchFloodFillOnNoiseOfEveryDensity) {
