@@ -20,6 +20,12 @@ namespace cleaning {
 
 class LabelForest {
   public:
+    explicit LabelForest(common::BitonalView page)
+        : first_capacity_(std::clamp<std::size_t>(static_cast<std::size_t>(page.height) *
+                                                      static_cast<std::size_t>(page.width) /
+                                                      kPixelsPerLabel,
+                                                  64, kMaxFirstCapacity)) {}
+
     std::int32_t add(std::int32_t x0, std::int32_t x1, std::int32_t y) {
         if (static_cast<std::size_t>(size_) == parents_.size()) grow();
         const std::int32_t label = size_++;
@@ -81,12 +87,17 @@ class LabelForest {
     frame::Buffer<LabelledComponent> take_components() { return std::move(nodes_); }
 
   private:
+    // More labels than nearly any page of text has: memory that is not touched costs nothing,
+    // growing does.
+    static constexpr std::size_t kPixelsPerLabel = 1024;
+    static constexpr std::size_t kMaxFirstCapacity = std::size_t{1} << 20;
+
     std::int32_t& parent(std::int32_t label) { return parents_[static_cast<std::size_t>(label)]; }
     LabelledComponent& node(std::int32_t label) { return nodes_[static_cast<std::size_t>(label)]; }
 
     void grow() {
         const std::size_t used = static_cast<std::size_t>(size_);
-        const std::size_t capacity = std::max<std::size_t>(1024, 2 * used);
+        const std::size_t capacity = used == 0 ? first_capacity_ : 2 * used;
         frame::Buffer<std::int32_t> parents(capacity);
         frame::Buffer<LabelledComponent> nodes(capacity);
         std::copy_n(parents_.begin(), used, parents.begin());
@@ -95,6 +106,7 @@ class LabelForest {
         nodes_ = std::move(nodes);
     }
 
+    std::size_t first_capacity_;
     frame::Buffer<std::int32_t> parents_;
     frame::Buffer<LabelledComponent> nodes_;
     std::int32_t size_ = 0;

@@ -73,7 +73,7 @@ RunLabels label_runs(common::BitonalView page, int ink_value) {
     result.label_of_run = frame::Buffer<std::int32_t>(result.run_count);
     simd::extract_rows(page.data, page.stride, height, page.width, invert, &result.runs.data()->x0);
 
-    LabelForest forest;
+    LabelForest forest(page);
     LabelledRow above{};
     for (std::int32_t y = 0; y < height; ++y) {
         const LabelledRow row{result.runs.data() + offsets[y],
@@ -95,7 +95,7 @@ PageComponents find_components(common::BitonalView page, int ink_value) {
                                        frame::Buffer<PixelRun>(most_runs + simd::kRunSlack)};
     frame::Buffer<std::int32_t> labels[2] = {frame::Buffer<std::int32_t>(most_runs),
                                              frame::Buffer<std::int32_t>(most_runs)};
-    LabelForest forest;
+    LabelForest forest(page);
     LabelledRow above{};
     for (std::int32_t y = 0; y < page.height; ++y) {
         PixelRun* const row_runs = runs[y % 2].data();
