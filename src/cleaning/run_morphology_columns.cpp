@@ -125,7 +125,7 @@ std::int32_t v_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* 
                          std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                          std::int32_t y1) {
     // A gap is at least a pixel long: none is shorter than 1.
-    if (nothing_to_do(n - 1, x0, x1, y0, y1)) return 0;
+    if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
     const ZoneRows zone(image, stride, x0, x1, y0, y1);
     const std::int64_t top_rows = std::min<std::int64_t>(n - 1, zone.rows);
     const TryBuffer<std::uint8_t> above(static_cast<std::size_t>(top_rows) * zone.size());
