@@ -1,5 +1,6 @@
 // The exported skew estimators against the plain model, and their arguments.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstring>
@@ -58,8 +59,7 @@ void expect_same(const Outputs& got, const Outputs& want) {
 class TemporaryFolder {
   public:
     TemporaryFolder()
-        : path_(std::filesystem::path(testing::TempDir()) /
-                ("skew_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
+        : path_(std::filesystem::path(testing::TempDir()) / ("skew_" + std::to_string(getpid()))) {
         std::filesystem::create_directories(path_);
     }
     ~TemporaryFolder() {
