@@ -199,7 +199,7 @@ TEST(ComponentEngine, KeepsCoordinatesBeyondFifteenBits) {
 // large component.
 TEST(ComponentEngine, ManyMergesStayCheap) {
     const int stride = 256;
-    const int height = 600;
+    const int height = 200;
     const Bytes page = support::random_bitonal(height, stride, 0.45, 8);
     struct CountingRule {
         std::int64_t area = 0;
