@@ -4,8 +4,6 @@
 #include <bit>
 #include <cstring>
 
-#include "frame/buffer.h"
-
 namespace binarization {
 namespace {
 
@@ -36,7 +34,7 @@ void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8
 
 void drop_colours(const Dropout& dropout, const Source& source, const Region& region,
                   const common::MutableBitonalView& page) {
-    frame::Buffer<std::uint8_t> row(source.row_bytes());
+    RowBuffer row(source.row_bytes());
     RowStream rows(source, region.y0);
     for (int y = 0; y < page.height; ++y) {
         rows.next(row.data());

@@ -28,7 +28,7 @@ simd::ChannelOrder channel_order(const Source& source) {
 void read_grey(const Source& source, const Region& region, const MutableGreyView& grey,
                ContrastSearch& contrast) {
     const bool whole_rows = region.width() == source.width;
-    frame::Buffer<std::uint8_t> row(whole_rows ? 0 : source.row_bytes());
+    RowBuffer row(whole_rows ? 0 : source.row_bytes());
     RowStream rows(source, region.y0);
     for (int y = 0; y < grey.height; ++y) {
         if (whole_rows) {
@@ -45,7 +45,7 @@ void read_colour(const Source& source, const Region& region, const MutableGreyVi
                  ContrastSearch& contrast) {
     const auto width = static_cast<std::size_t>(grey.width);
     const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
-    frame::Buffer<std::uint8_t> row(source.row_bytes());
+    RowBuffer row(source.row_bytes());
     RowStream rows(source, region.y0);
     for (int y = 0; y < grey.height; ++y) {
         rows.next(row.data());

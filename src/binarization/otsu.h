@@ -11,6 +11,7 @@ namespace binarization {
 // Pixels at each grey level.
 using Histogram = std::array<std::uint64_t, 256>;
 
+// Throws std::bad_alloc.
 Histogram histogram(const common::GreyView& grey);
 
 // The level t that parts the histogram into 0 .. t and t + 1 .. 255 with the largest variance

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/buffer.h"
 #include "vemoprepro/binarization.h"
 
 namespace binarization {
@@ -54,6 +55,24 @@ inline bool acceptable(int width, const Region& region) {
 inline bool known_type(int type) {
     return type == PREPRO_SOURCE_GREY || type == PREPRO_SOURCE_BGR || type == PREPRO_SOURCE_RGB;
 }
+
+// Room for one source row, at the start of a cache line: readers copy whole rows, and copies to
+// such a place are the fastest.
+class RowBuffer {
+  public:
+    // Throws std::bad_alloc.
+    explicit RowBuffer(std::size_t bytes) : block_(bytes + kCacheLine - 1) {}
+
+    std::uint8_t* data() {
+        const auto address = reinterpret_cast<std::uintptr_t>(block_.data());
+        return block_.data() + (kCacheLine - address % kCacheLine) % kCacheLine;
+    }
+
+  private:
+    static constexpr std::size_t kCacheLine = 64;
+
+    frame::Buffer<std::uint8_t> block_;
+};
 
 // Source rows from `first_row` on, in order. Row 0 is asked for with mode 0, every further row with
 // mode 1; the rows above first_row pass through the buffer of the first next().

@@ -19,7 +19,7 @@ void binarize_row(const std::uint8_t* grey, std::uint8_t threshold,
 
 void binarize_as_read(const Source& source, const Region& region, std::uint8_t threshold,
                       const common::MutableBitonalView& page) {
-    frame::Buffer<std::uint8_t> row(source.row_bytes());
+    RowBuffer row(source.row_bytes());
     RowStream rows(source, region.y0);
     for (int y = 0; y < page.height; ++y) {
         rows.next(row.data());

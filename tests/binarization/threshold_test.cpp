@@ -174,6 +174,33 @@ TEST(Threshold, RulesSeenOnSmallRows) {
     }
 }
 
+// Large enough for the counting that pays on pages, at odd widths, with noise, flat runs and
+// alternating pixels.
+TEST(Threshold, AutomaticThresholdOfLargeRegions) {
+    for (const int width : {1029, 2000, 31}) {
+        const int height = 270000 / width;
+        const auto row = static_cast<std::size_t>(width);
+        support::Random random(static_cast<std::uint32_t>(width));
+        Bytes bytes(row * static_cast<std::size_t>(height));
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            bytes[i] = i % 1000 < 300   ? std::uint8_t{250}
+                       : i % 1000 < 600 ? static_cast<std::uint8_t>(i % 2 == 0 ? 40 : 60)
+                                        : static_cast<std::uint8_t>(random.between(0, 255));
+        }
+        RecordingReader source(bytes, row);
+        RecordingReader model_source = source;
+        const model::Region at{width, 0, width, 0, height};
+        Bytes out(bitonal_size(at));
+        Bytes expected(out.size());
+        ASSERT_EQ(bi_thresh(0, 0, RecordingReader::read, &source, 1, width, 0, width, 0, height,
+                            out.data()),
+                  0);
+        model::bi_thresh(0, 0, RecordingReader::read, &model_source, 1, width, 0, width, 0, height,
+                         expected.data());
+        EXPECT_EQ(out, expected) << width;
+    }
+}
+
 // Everything that is refused leaves the output alone and calls nobody; smooth is raised all the
 // same.
 TEST(Threshold, RefusesWhatCannotBeWorkedOn) {
