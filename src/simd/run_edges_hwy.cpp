@@ -53,12 +53,29 @@ HWY_INLINE bool visit_edges(const std::uint8_t* row, std::int32_t x_start, std::
     std::uint64_t before = 0;  // the last pixel of the word before
     std::int32_t x = x_start - skipped;
     std::int64_t left = bits;
-    for (; left >= 64; left -= 64, bytes += 8) {
-        const std::uint64_t word = (load_word(bytes) ^ flip) & inside;
-        visit(word ^ (word >> 1 | before << 63), x);
-        inside = ~std::uint64_t{0};
-        before = word & 1;
-        if (left > 64) x += 64;
+    const hn::ScalableTag<std::uint8_t> d8;
+    const std::int64_t block = 8 * static_cast<std::int64_t>(hn::Lanes(d8));
+    while (left >= 64) {
+        std::int64_t words = 1;
+        if (block >= 64 && left >= block && inside == ~std::uint64_t{0}) {
+            // A vector of the colour that came before it has no edge.
+            const std::uint64_t uniform = (std::uint64_t{0} - before) ^ flip;
+            const auto same = hn::Set(d8, static_cast<std::uint8_t>(uniform));
+            words = block / 64;
+            if (hn::AllTrue(d8, hn::Eq(hn::LoadU(d8, bytes), same))) {
+                bytes += block / 8;
+                left -= block;
+                if (left > 0) x += static_cast<std::int32_t>(block);
+                continue;
+            }
+        }
+        for (; words > 0; --words, bytes += 8, left -= 64) {
+            const std::uint64_t word = (load_word(bytes) ^ flip) & inside;
+            visit(word ^ (word >> 1 | before << 63), x);
+            inside = ~std::uint64_t{0};
+            before = word & 1;
+            if (left > 64) x += 64;
+        }
     }
     if (left == 0) return before != 0;
     const std::uint64_t word = load_tail(bytes, left, flip) & inside;
