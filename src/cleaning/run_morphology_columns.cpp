@@ -35,11 +35,12 @@ class ZoneRows {
           size_(static_cast<std::size_t>((std::int64_t{x1} + 7) / 8 - x0 / 8)),
           head_(static_cast<std::uint8_t>(0xFF >> (x0 % 8))),
           tail_(static_cast<std::uint8_t>(0xFF << (7 - (x1 - 1) % 8))),
-          rows(std::int64_t{y1} - y0) {
+          rows_(std::int64_t{y1} - y0) {
         if (size_ == 1) head_ = tail_ = head_ & tail_;
     }
 
-    std::size_t size() const { return size_; }
+    std::size_t size() const { return size_; }  // bytes of a row
+    std::int64_t rows() const { return rows_; }
     std::uint8_t* row(std::int64_t y) const { return first_row_ + y * stride_; }
 
     void or_row(std::uint8_t* dst, const std::uint8_t* src) const {
@@ -69,9 +70,7 @@ class ZoneRows {
     std::size_t size_;
     std::uint8_t head_;
     std::uint8_t tail_;
-
-  public:
-    std::int64_t rows;
+    std::int64_t rows_;
 };
 
 enum class Combine { kOr, kAnd };
@@ -81,13 +80,13 @@ enum class Outside { kIgnored, kWhite };
 // Combines each row with the following (kDown) or preceding (kUp) length - 1 rows.
 template <Combine kCombine, Direction kDirection, Outside kOutside>
 void slide_window(const ZoneRows& zone, std::int64_t length) {
-    length = std::min(length, zone.rows + 1);  // one more than all rows reaches outside already
+    length = std::min(length, zone.rows() + 1);  // one more than all rows reaches outside already
     const auto row_from_end = [&](std::int64_t i) {
-        return zone.row(kDirection == Direction::kDown ? i : zone.rows - 1 - i);
+        return zone.row(kDirection == Direction::kDown ? i : zone.rows() - 1 - i);
     };
     for (std::int64_t have = 1; have < length;) {
         const std::int64_t step = std::min(have, length - have);
-        for (std::int64_t i = 0; i < zone.rows - step; ++i) {
+        for (std::int64_t i = 0; i < zone.rows() - step; ++i) {
             if constexpr (kCombine == Combine::kOr) {
                 zone.or_row(row_from_end(i), row_from_end(i + step));
             } else {
@@ -96,7 +95,8 @@ void slide_window(const ZoneRows& zone, std::int64_t length) {
         }
         if constexpr (kOutside == Outside::kWhite) {
             static_assert(kCombine == Combine::kAnd);
-            for (std::int64_t i = std::max<std::int64_t>(zone.rows - step, 0); i < zone.rows; ++i) {
+            for (std::int64_t i = std::max<std::int64_t>(zone.rows() - step, 0); i < zone.rows();
+                 ++i) {
                 zone.clear_row(row_from_end(i));
             }
         }
@@ -127,7 +127,7 @@ std::int32_t v_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* 
     // A gap is at least a pixel long: none is shorter than 1.
     if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
     const ZoneRows zone(image, stride, x0, x1, y0, y1);
-    const std::int64_t top_rows = std::min<std::int64_t>(n - 1, zone.rows);
+    const std::int64_t top_rows = std::min<std::int64_t>(n - 1, zone.rows());
     const TryBuffer<std::uint8_t> above(static_cast<std::size_t>(top_rows) * zone.size());
     if (!above) {
         diag::report(logger, diag::kOwner, diag::kErrorLevel, diag::kListGrowthCode,

@@ -1,11 +1,11 @@
 // A row is read as 64-bit words with the leftmost pixel in the most significant bit. A word XOR
 // itself moved right by one pixel (the last pixel of the word before moving in) has a 1 exactly
-// where the colour changes, so the runs are the positions of those ones, and a word of one colour
-// costs nothing. The scan starts from paper and is followed by paper, which opens and closes the
-// runs at its ends.
+// where the colour changes, so the runs are the positions of those ones. The scan starts from paper
+// and is followed by paper, which opens and closes the runs at its ends; vectors of one colour are
+// skipped.
 //
 // With AVX-512 VBMI2 the ones of a word are turned into positions by one byte compression; the
-// other targets take them one at a time.
+// other targets count leading zeros.
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/run_edges_hwy.cpp"

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <tuple>
 #include <vector>
 
@@ -216,17 +217,36 @@ TEST(ComponentEngine, ManyMergesStayCheap) {
     EXPECT_EQ(rule.area, cleaning::count_black_pixels(page.data(), height, stride));
 }
 
-TEST(ComponentEngine, EveryAllocationMayFail) {
-    struct PlainRule {
-        std::int32_t finished(ComponentEngine&, std::int32_t) { return 0; }
-        bool settled(const component&) const { return false; }
-    };
+struct PlainRule {
+    std::int32_t finished(ComponentEngine&, std::int32_t) { return 0; }
+    bool settled(const component&) const { return false; }
+};
+
+// Counts the expected records without memory of its own.
+class RecordCounter : public diag::Logger {
+  public:
+    std::int32_t log(std::uint32_t owner, std::int32_t at, std::uint32_t code,
+                     const char* text) override {
+        const bool expected = owner == 0x1AA0 && at == 192 && code == 34 &&
+                              std::strcmp(text, "Cannot allocate memory.") == 0;
+        ++(expected ? matching : others);
+        return 0;
+    }
+    int matching = 0;
+    int others = 0;
+};
+
+TEST(ComponentEngine, LogsEveryFailedAllocationOnce) {
     const Bytes page = support::random_bitonal(12, 4, 0.4, 9);
+    RecordCounter counter;
+    diag::Logger* slot = &counter;
     const int allocations = support::fail_each_allocation([&] {
         PlainRule rule;
-        return cleaning::scan_components({page.data(), 12, 32, 4}, 0, 32, 0, nullptr, rule);
+        return cleaning::scan_components({page.data(), 12, 32, 4}, 0, 32, 0, &slot, rule);
     });
     EXPECT_GT(allocations, 12);
+    EXPECT_EQ(counter.matching, allocations);
+    EXPECT_EQ(counter.others, 0);
 }
 
 }  // namespace

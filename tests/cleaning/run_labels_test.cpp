@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <tuple>
 #include <vector>
 
 #include "models/components_model.h"
+#include "support/allocation_limit.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
 
@@ -92,6 +94,22 @@ TEST(RunLabels, EmptyPagesHaveNoComponents) {
     EXPECT_EQ(cleaning::label_runs({page.data(), 2, 32, 4}).component_count, 0);
     EXPECT_EQ(cleaning::label_runs({page.data(), 0, 32, 4}).component_count, 0);
     EXPECT_EQ(cleaning::label_runs({page.data(), 2, 0, 4}).component_count, 0);
+}
+
+TEST(RunLabels, ReportMissingMemoryByException) {
+    const Bytes page = support::random_bitonal(60, 40, 0.1, 4);
+    const auto code_of = [&](auto label) {
+        return [&page, label] {
+            try {
+                label(common::BitonalView{page.data(), 60, 320, 40}, 0);
+            } catch (const std::bad_alloc&) {
+                return -1;
+            }
+            return 0;
+        };
+    };
+    EXPECT_GE(support::fail_each_allocation(code_of(cleaning::label_runs)), 5);
+    EXPECT_GE(support::fail_each_allocation(code_of(cleaning::find_components)), 6);
 }
 
 }  // namespace
