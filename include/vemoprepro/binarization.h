@@ -99,7 +99,7 @@ VEMOPREPRO_API int bi_get_sigma(bi_settings* settings, signed char* sigma);
 
 /* Binarizes a region by one threshold: a grey value below it becomes black.
  * ctx: handed to the reader. type: PREPRO_SOURCE_*. width: pixels of a full source row (>= 1).
- * x0, x1, y0, y1: the region, 0 <= x0 < x1, 0 <= y0 < y1, ends exclusive.
+ * x0, x1, y0, y1: the region, 0 <= x0 < x1 <= width, 0 <= y0 < y1, ends exclusive.
  * out: (y1 - y0) rows of 4 * ceil((x1 - x0) / 32) bytes; padding bits become 0.
  * The automatic threshold is Otsu's (N. Otsu, A threshold selection method from gray-level
  * histograms, 1979) over the region; the level found is itself white. Returns 0; -1 for arguments
@@ -125,7 +125,8 @@ VEMOPREPRO_API int bi_thresh_dropout(int mode, int thresh, prepro_row_reader rea
  * words whose last is the address of the whole source image (rows of width * 3 bytes); else not
  * looked at. resolution: dots per inch, chooses the analysis window of the undithering. out:
  * receives the first out_size bytes of the grey image; the caller makes out_size (x1 - x0) * (y1 -
- * y0). Returns 0, or -1 with nothing copied. */
+ * y0), fewer bytes are fine, more or a negative number are refused. out is no part of the source.
+ * Returns 0, or -1 with nothing copied. */
 VEMOPREPRO_API int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
                                     const void* image_record, int type, int width, int resolution,
                                     int x0, int x1, int y0, int y1, unsigned char* out,

@@ -267,6 +267,11 @@ int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
         const Source source = source_of(reader, ctx, image, type, width);
         const GreyOptions options{smooth, undithering != 0, resolution, nb_threads};
         if (!binarization::reachable(source, region, nb_threads)) return kFailure;
+        if (out_size == grey_size && binarization::only_converts(source, region, options)) {
+            binarization::convert_rows(source, region,
+                                       {out, region.height(), region.width(), region.width()});
+            return kSuccess;
+        }
         const auto grey = binarization::prepare_grey(source, region, options);
         if (out_size > 0) std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
         return kSuccess;

@@ -74,6 +74,19 @@ void convert_in_bands(const Source& source, const Region& region, const MutableG
     threads::run_in_bands(threads::open_bands(grey.height, threads), threads, convert);
 }
 
+void read_rows(const Source& source, const Region& region, const MutableGreyView& grey,
+               ContrastSearch& contrast) {
+    if (source.colour()) {
+        read_colour(source, region, grey, contrast);
+    } else {
+        read_grey(source, region, grey, contrast);
+    }
+}
+
+bool may_smooth(const Region& region, const GreyOptions& options) {
+    return options.smooth != 0 && region.height() > 1 && region.width() > 1;
+}
+
 }  // namespace
 
 bool reads_image(SourceType type, const Region& region, int threads) {
@@ -90,16 +103,14 @@ frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& reg
     const auto width = static_cast<std::size_t>(region.width());
     frame::Buffer<std::uint8_t> pixels(width * static_cast<std::size_t>(region.height()));
     const MutableGreyView grey{pixels.data(), region.height(), region.width(), region.width()};
-    ContrastSearch contrast(options.smooth != 0 && grey.height > 1 && grey.width > 1);
+    ContrastSearch contrast(may_smooth(region, options));
 
     if (reads_image(source.type, region, options.threads)) {
         const int threads = threads::effective_threads(options.threads, grey.height);
         convert_in_bands(source, region, grey, threads);
         for (int y = 0; y < grey.height; ++y) contrast.visit(grey, y);
-    } else if (source.colour()) {
-        read_colour(source, region, grey, contrast);
     } else {
-        read_grey(source, region, grey, contrast);
+        read_rows(source, region, grey, contrast);
     }
 
     if (contrast.found()) {
@@ -110,6 +121,15 @@ frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& reg
         smoothing.apply(grey);
     }
     return pixels;
+}
+
+bool only_converts(const Source& source, const Region& region, const GreyOptions& options) {
+    return !reads_image(source.type, region, options.threads) && !may_smooth(region, options);
+}
+
+void convert_rows(const Source& source, const Region& region, const MutableGreyView& grey) {
+    ContrastSearch none(false);
+    read_rows(source, region, grey, none);
 }
 
 }  // namespace binarization

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "binarization/source.h"
+#include "common/views.h"
 #include "frame/buffer.h"
 
 namespace binarization {
@@ -32,5 +33,14 @@ bool reachable(const Source& source, const Region& region, int threads);
 // start of a thread throws.
 frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& region,
                                          const GreyOptions& options);
+
+// Whether nothing follows the conversion of the rows that the reader delivers. The grey image can
+// then be made where it is wanted, by convert_rows(), instead of being copied there.
+bool only_converts(const Source& source, const Region& region, const GreyOptions& options);
+
+// What prepare_grey() gives where only_converts() holds, straight into `grey`, the packed region.
+// Throws std::bad_alloc before anything is written. The rows that the reader delivers do not come
+// from `grey`: for colour they are read again when it is already written.
+void convert_rows(const Source& source, const Region& region, const common::MutableGreyView& grey);
 
 }  // namespace binarization
