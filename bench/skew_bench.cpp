@@ -1,25 +1,9 @@
 // Skew of a bitonal page beside Leptonica's search by differential projections.
-#include <leptonica/allheaders.h>
-
-#include <cstring>
-#include <memory>
-
 #include "harness.h"
+#include "leptonica_page.h"
 #include "vemoprepro/deskew.h"
 
 namespace {
-
-using LeptonicaPage = std::shared_ptr<PIX>;
-
-LeptonicaPage to_leptonica(const bench::Page& page) {
-    PIX* pix = pixCreate(page.width, page.height, 1);
-    for (int y = 0; y < page.height; ++y)
-        std::memcpy(pixGetData(pix) + static_cast<std::ptrdiff_t>(y) * pixGetWpl(pix),
-                    page.data.data() + static_cast<std::ptrdiff_t>(y) * page.stride,
-                    4 * static_cast<std::size_t>(pixGetWpl(pix)));
-    pixEndianByteSwap(pix);
-    return {pix, [](PIX* held) { pixDestroy(&held); }};
-}
 
 bench::Sides find_skew(const bench::Page& page) {
     return {.ours =
@@ -31,7 +15,7 @@ bench::Sides find_skew(const bench::Page& page) {
                                                   &confidence, &height, &width);
                 },
             .theirs =
-                [pix = to_leptonica(page)] {
+                [pix = bench::to_leptonica(page)] {
                     float angle, confidence;
                     pixFindSkew(pix.get(), &angle, &confidence);
                 }};
