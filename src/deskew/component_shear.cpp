@@ -51,8 +51,10 @@ void add_ink(std::uint8_t* row, std::int32_t x0, std::int32_t x1) {
     const std::uint32_t tail = ~std::uint32_t{0} << (kLast - ((x1 - 1) & kLast));
     if (first == last) return add(first, head & tail);
     add(first, head);
-    std::memset(row + std::ptrdiff_t{first + 1} * 4, 0xFF,
-                static_cast<std::size_t>(last - first - 1) * 4);
+    if (last - first > 1) {
+        std::memset(row + std::ptrdiff_t{first + 1} * 4, 0xFF,
+                    static_cast<std::size_t>(last - first - 1) * 4);
+    }
     add(last, tail);
 }
 

@@ -14,7 +14,7 @@ namespace deskew {
 namespace {
 
 constexpr std::int64_t kReportInterval = 256;  // rows, then byte columns
-constexpr std::int64_t kStripBytes = 8;
+constexpr std::int64_t kStripBytes = kStripPixels / 8;
 
 std::int64_t intervals(std::int64_t count) {
     return (count + kReportInterval - 1) / kReportInterval;

@@ -1,8 +1,9 @@
-// A strip is a column of 64-bit words. Its words of the row-sheared page are read straight out of
-// the source, at any bit offset, into one array from top to bottom; a shear of columns then is, for
-// each group of columns that move together, "or the array under the group's mask into a second
-// array, some places further": a loop over consecutive words that compilers turn into vectors. No
-// page-sized working image is needed, and the result is written once.
+// A strip is a column of 64-bit words, two words wide so that the cache lines it walks down serve
+// both. Its words of the row-sheared page are read straight out of the source, at any bit offset,
+// into arrays from top to bottom; a shear of columns then is, for each group of columns that move
+// together, "or the array under the group's mask into a second array, some places further": a loop
+// over consecutive words that compilers turn into vectors. No page-sized working image is needed,
+// and the result is written once.
 #include "deskew/strip_shear.h"
 
 #include <algorithm>
@@ -11,6 +12,15 @@
 #include "simd/shift_bits.h"
 
 namespace deskew {
+namespace {
+
+constexpr std::int64_t kStripWords = kStripPixels / kWordPixels;
+
+frame::Buffer<std::uint64_t> strip_words(std::int32_t height) {
+    return frame::Buffer<std::uint64_t>(static_cast<std::size_t>(height * kStripWords));
+}
+
+}  // namespace
 
 StripShear::StripShear(common::BitonalView source, const frame::Buffer<std::int64_t>& row_shifts,
                        const std::vector<ColumnStep>& steps, common::MutableBitonalView result)
@@ -18,47 +28,57 @@ StripShear::StripShear(common::BitonalView source, const frame::Buffer<std::int6
       row_shifts_(row_shifts),
       steps_(steps),
       result_(result),
-      sheared_(static_cast<std::size_t>(source.height)),
-      moved_(static_cast<std::size_t>(result.height)) {}
+      sheared_(strip_words(source.height)),
+      moved_(strip_words(result.height)) {}
 
 std::int64_t StripShear::strips() const {
-    return (std::int64_t{result_.width} + kWordPixels - 1) / kWordPixels;
+    return (std::int64_t{result_.width} + kStripPixels - 1) / kStripPixels;
 }
 
 void StripShear::run(std::int64_t strip) {
     gather_rows(strip);
-    move_columns(strip);
+    std::fill(moved_.begin(), moved_.end(), std::uint64_t{0});
+    for (std::int64_t word = 0; word < kStripWords; ++word) move_columns(strip, word);
     store_rows(strip);
 }
 
 void StripShear::gather_rows(std::int64_t strip) {
     for (std::int32_t y = 0; y < source_.height; ++y) {
-        const auto row = static_cast<std::size_t>(y);
-        sheared_[row] = word_at(source_.row(y), source_.width, source_.stride,
-                                strip * kWordPixels - row_shifts_[row]);
+        const std::uint8_t* row = source_.row(y);
+        std::int64_t x = strip * kStripPixels - row_shifts_[static_cast<std::size_t>(y)];
+        std::uint64_t* to = sheared_.data() + y;
+        for (std::int64_t word = 0; word < kStripWords; ++word) {
+            to[word * source_.height] = word_at(row, source_.width, source_.stride, x);
+            x += kWordPixels;
+        }
     }
 }
 
-void StripShear::move_columns(std::int64_t strip) {
-    std::fill(moved_.begin(), moved_.end(), std::uint64_t{0});
-    const std::int64_t left = strip * kWordPixels;
+void StripShear::move_columns(std::int64_t strip, std::int64_t word) {
+    const std::int64_t left = strip * kStripPixels + word * kWordPixels;
     const std::int64_t right = left + kWordPixels;
+    const std::uint64_t* from = sheared_.data() + word * source_.height;
+    std::uint64_t* words = moved_.data() + word * result_.height;
     const auto ends_left = [left](const ColumnStep& step) { return step.end <= left; };
     auto step = std::partition_point(steps_.begin(), steps_.end(), ends_left);
     for (; step != steps_.end() && step->begin < right; ++step) {
         const std::uint64_t mask =
             span_mask(std::max(step->begin, left) - left, std::min(step->end, right) - left);
-        const std::uint64_t* from = sheared_.data();
-        std::uint64_t* to = moved_.data() + step->down;
-        for (std::size_t y = 0; y < sheared_.size(); ++y) to[y] |= from[y] & mask;
+        std::uint64_t* to = words + step->down;
+        for (std::int32_t y = 0; y < source_.height; ++y) to[y] |= from[y] & mask;
     }
 }
 
 void StripShear::store_rows(std::int64_t strip) const {
-    const std::int64_t byte = strip * kWordBytes;
-    const std::int64_t room = common::bitonal_bytes(result_.width) - byte;
+    const std::int64_t begin = strip * kStripWords * kWordBytes;
+    const std::int64_t bytes = common::bitonal_bytes(result_.width);
     for (std::int32_t y = 0; y < result_.height; ++y) {
-        store_word(result_.row(y) + byte, moved_[static_cast<std::size_t>(y)], room);
+        const std::uint64_t* from = moved_.data() + y;
+        std::uint8_t* row = result_.row(y);
+        for (std::int64_t word = 0; word < kStripWords; ++word) {
+            const std::int64_t byte = begin + word * kWordBytes;
+            store_word(row + byte, from[word * result_.height], bytes - byte);
+        }
     }
 }
 

@@ -2,8 +2,8 @@
 // whole rows.
 //
 // Use: StripShear shear(source, row_shifts, column_steps, result); for every strip from 0 to
-// shear.strips() - 1, in any order, shear.run(strip) writes the strip's 64 columns of all rows of
-// the result. The columns beyond the last strip are not written. shear_rows() is the shear of the
+// shear.strips() - 1, in any order, shear.run(strip) writes the strip's columns of all rows of the
+// result. The columns beyond the last strip are not written. shear_rows() is the shear of the
 // rows alone.
 //
 // Keep true: source.width pixels of each row take part, with or without meaning. row_shifts has a
@@ -20,6 +20,8 @@
 #include "frame/buffer.h"
 
 namespace deskew {
+
+constexpr std::int64_t kStripPixels = 128;  // a strip's columns: whole 64-bit words
 
 // Neighbouring columns that move together.
 struct ColumnStep {
@@ -51,15 +53,16 @@ class StripShear {
 
   private:
     void gather_rows(std::int64_t strip);
-    void move_columns(std::int64_t strip);
+    void move_columns(std::int64_t strip, std::int64_t word);
     void store_rows(std::int64_t strip) const;
 
     common::BitonalView source_;
     const frame::Buffer<std::int64_t>& row_shifts_;
     const std::vector<ColumnStep>& steps_;
     common::MutableBitonalView result_;
-    frame::Buffer<std::uint64_t> sheared_;  // the strip's word of each source row
-    frame::Buffer<std::uint64_t> moved_;    // the strip's word of each result row
+    // The strip's words, the first of each row, then the second of each row, and so on.
+    frame::Buffer<std::uint64_t> sheared_;  // of the source's rows
+    frame::Buffer<std::uint64_t> moved_;    // of the result's rows
 };
 
 // Writes every row of the result: the source's row of the same number moved right by its shift. The
