@@ -42,7 +42,8 @@ VEMOPREPRO_API int skbitmap_mem(const unsigned char* src, int height, int width,
                                 int* yskew, int* scale, int* out_height, int* out_width);
 
 /* Size of the page after skrotbmp_mem() with this skew. Returns 0, or -1 (nothing stored) for a
- * null pointer, a scale of 0 or a skew out of range. */
+ * null pointer, a skew out of range, a scale of 0 with a skew that is not 0, or a size beyond int.
+ */
 VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int* out_height,
                                 int* out_width);
 
@@ -53,7 +54,8 @@ VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int*
  * written: what the page does not cover becomes white (0). progress: called on the calling thread
  * as rows are done; may be null. Returns 0; -2 when a stride is below 4 * ceil(width / 32) of its
  * image or the destination is too small; -1 for a skew out of range, a null buffer, sizes below 1
- * or above 65,535, or when an allocation failed (the destination is then partly written). */
+ * or above 65,535, or when an allocation failed (the destination is then partly written). The
+ * strides are checked first, the size of the destination last. */
 VEMOPREPRO_API int skrotbmp_mem(int skew, int scale, const unsigned char* src, int height,
                                 int width, int bytes_per_line, unsigned char* dst, int out_height,
                                 int out_width, int out_bytes_per_line, prepro_progress progress);
@@ -69,8 +71,10 @@ VEMOPREPRO_API int skrotbmp_b_mem(int skew, int scale, unsigned char* src, int h
  * exact shears, or three for more than 25 units of skew, so that a mask lines up with its colour
  * page. dst: the rotated page is written as one block of its own height times 4 * ceil(its width /
  * 32) bytes; out_bytes_per_line must be that stride for the rows to land where the caller expects
- * them. Bytes after the block are left alone. Returns as skrotbmp_mem(), except that a destination
- * smaller than the rotated page gives -1. */
+ * them. Bytes after the block are left alone; without a skew the page is copied row by row into the
+ * whole destination. Returns as skrotbmp_mem(), except that a destination smaller than the rotated
+ * page gives -1, that larger sizes are taken as long as the block stays below 2 GiB, and that a
+ * failed allocation leaves the destination as it was. */
 VEMOPREPRO_API int skew_binary_image_aligned_with_skrotimg_mem(
     int skew, int scale, const unsigned char* src, int height, int width, int bytes_per_line,
     unsigned char* dst, int out_height, int out_width, int out_bytes_per_line,

@@ -33,12 +33,12 @@ inline std::uint64_t load_word(const std::uint8_t* bytes) {
     return big_endian(word);
 }
 
-// Writes the first `room` bytes of the word (at most all 8).
-inline void store_word(std::uint8_t* bytes, std::uint64_t word, std::ptrdiff_t room = kWordBytes) {
+// Writes the first bytes of the word, all 8 or as many as there is room for.
+inline void store_word(std::uint8_t* bytes, std::uint64_t word, std::ptrdiff_t room) {
     const std::uint64_t stored = big_endian(word);
     if (room >= kWordBytes) {
         std::memcpy(bytes, &stored, sizeof(stored));
-    } else if (room > 0) {
+    } else {
         std::memcpy(bytes, &stored, static_cast<std::size_t>(room));
     }
 }

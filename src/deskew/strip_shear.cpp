@@ -77,6 +77,7 @@ void StripShear::store_rows(std::int64_t strip) const {
         std::uint8_t* row = result_.row(y);
         for (std::int64_t word = 0; word < kStripWords; ++word) {
             const std::int64_t byte = begin + word * kWordBytes;
+            if (byte >= bytes) break;
             store_word(row + byte, from[word * result_.height], bytes - byte);
         }
     }
