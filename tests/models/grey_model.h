@@ -142,7 +142,7 @@ inline int bi_color2greybuf(unsigned char smooth, RowReader reader, void* ctx,
     if (prepare_grey(smooth, reader, ctx, image_record, type, {width, x0, x1, y0, y1}, nb_threads,
                      grey) != 0)
         return -1;
-    std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
+    if (out_size > 0) std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
     return 0;
 }
 
