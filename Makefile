@@ -4,7 +4,9 @@ PRESET ?= release
 
 .PHONY: demo check build setup install format bench clean
 
-demo: build
+demo: setup
+	@cmake --preset $(PRESET) > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
+	@cmake --build --preset $(PRESET) --target vemoprepro
 	@build/$(PRESET)/vemoprepro clean --overwrite -o out examples/pages/*.jpg examples/pages/*.png examples/pages/*.tif
 	@echo "The cleaned pages are in out/; the pages as they were scanned are in examples/pages/."
 

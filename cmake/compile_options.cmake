@@ -3,10 +3,13 @@
 # Results are fixed to the bit, so floating-point contraction is off everywhere and no fast-math flag may
 # be added. Vector code is compiled for several instruction sets by Highway and chosen at run time; the
 # rest of the tree stays at the platform's baseline so that one binary runs everywhere.
+#
+# The library defines the plain allocation operators only; without the sized forms, what it allocates
+# through them goes back through them directly.
 
 add_library(vemoprepro_options INTERFACE)
 target_compile_options(vemoprepro_options INTERFACE
-    -ffp-contract=off -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow)
+    -ffp-contract=off $<$<COMPILE_LANGUAGE:CXX>:-fno-sized-deallocation> -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow)
 # SSE4 is the least that x86-64 machines of the last fifteen years have; the ones without fall back to the
 # scalar form.
 target_compile_definitions(vemoprepro_options INTERFACE HWY_WANT_SSE4=1 HWY_WANT_AVX3_DL=1)

@@ -50,7 +50,7 @@ TEST(ShiftBits, EveryLengthAndRemainder) {
 TEST(ShiftBits, RowsOfDifferentSizes) {
     const Bytes src = support::random_bytes(70, 7);
     support::on_every_target([&] {
-        for (const std::size_t dst_bytes : {0, 1, 2, 63, 69, 71, 140}) {
+        for (const std::size_t dst_bytes : {0U, 1U, 2U, 63U, 69U, 71U, 140U}) {
             for (unsigned bits = 0; bits <= 1200; bits += bits < 40 ? 1 : 57) {
                 check(src, bits, dst_bytes);
             }

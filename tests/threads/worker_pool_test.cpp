@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <new>
+#include <sstream>
 #include <string>
 
 #include "support/allocation_limit.h"
@@ -11,11 +12,9 @@
 namespace {
 
 std::string text(const std::vector<threads::Band>& bands) {
-    std::string out;
-    for (const auto& band : bands) {
-        out += "[" + std::to_string(band.first) + "," + std::to_string(band.last) + ")";
-    }
-    return out;
+    std::ostringstream out;
+    for (const auto& band : bands) out << "[" << band.first << "," << band.last << ")";
+    return out.str();
 }
 
 TEST(Bands, CoverTheRowsAsTheLayoutSays) {

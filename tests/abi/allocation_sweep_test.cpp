@@ -1,0 +1,226 @@
+// Every exported function with each of its allocations failing in turn, through the shared library
+// as a host links it, so that the containers inside allocate through the library's own operators.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/allocation_limit.h"
+#include "support/random_page.h"
+#include "vemoprepro/prepro.h"
+
+namespace {
+
+constexpr int kHeight = 300;
+constexpr int kWidth = 333;
+constexpr int kStride = 44;
+
+// The pages that all calls share; the calls own nothing, so what they keep is a leak.
+struct Fixture {
+    std::vector<std::uint8_t> text = support::random_text(kHeight, kWidth, kStride, 5);
+    std::vector<std::uint8_t> colour = support::random_bytes(std::size_t{3} * kWidth * kHeight, 6);
+    std::vector<std::uint8_t> out = std::vector<std::uint8_t>(std::size_t{1} << 20);
+    std::string folder = std::filesystem::temp_directory_path() / "vemoprepro-sweep";
+    int row = 0;
+    int numbers[5] = {};
+    double confidence = 0;
+    unsigned int stride = 0;
+
+    ~Fixture() { std::filesystem::remove_all(folder); }
+};
+
+Fixture& fixture() {
+    static Fixture shared;
+    return shared;
+}
+
+int read_row(void*, int mode, unsigned char* row) {
+    Fixture& f = fixture();
+    f.row = mode == 0 ? 0 : f.row + 1;
+    std::memcpy(row, f.colour.data() + std::size_t{3} * kWidth * static_cast<std::size_t>(f.row),
+                std::size_t{3} * kWidth);
+    return 0;
+}
+
+int drop_dark_red(void*, const unsigned char* colour) {
+    return colour[0] > 200 ? 1 : 0;
+}
+
+using Rotation = int (*)(int, int, unsigned char*, int, int, int, unsigned char*, int, int, int,
+                         prepro_progress);
+
+int skrotbmp(int skew, int scale, unsigned char* src, int height, int width, int stride,
+             unsigned char* dst, int out_height, int out_width, int out_stride,
+             prepro_progress progress) {
+    return skrotbmp_mem(skew, scale, src, height, width, stride, dst, out_height, out_width,
+                        out_stride, progress);
+}
+
+int aligned(int skew, int scale, unsigned char* src, int height, int width, int stride,
+            unsigned char* dst, int out_height, int out_width, int out_stride,
+            prepro_progress progress) {
+    return skew_binary_image_aligned_with_skrotimg_mem(skew, scale, src, height, width, stride, dst,
+                                                       out_height, out_width, out_stride, progress);
+}
+
+int rotate(Rotation rotation, int skew) {
+    Fixture& f = fixture();
+    const std::vector<std::uint8_t>& before = f.text;
+    static std::vector<std::uint8_t> page;
+    page.assign(before.begin(), before.end());  // keeps its capacity: allocates the first time only
+    const int result = rotation(skew, 512, page.data(), kHeight, kWidth, kStride, f.out.data(),
+                                kHeight + 200, kWidth + 200, (kWidth + 200 + 31) / 32 * 4, nullptr);
+    EXPECT_EQ(std::memcmp(page.data(), before.data(), page.size()), 0)
+        << "the source was not restored";
+    return result;
+}
+
+int estimate(int debug) {
+    Fixture& f = fixture();
+    return estimate_skew_of_binary_image(debug, f.folder.c_str(), f.text.data(), kHeight, kWidth,
+                                         kStride, &f.numbers[0], &f.numbers[1], &f.confidence,
+                                         &f.numbers[2], &f.numbers[3]);
+}
+
+int grey(int nb_threads, unsigned char undithering) {
+    Fixture& f = fixture();
+    const void* const record[4] = {nullptr, nullptr, nullptr, f.colour.data()};
+    return bi_color2greybuf(248, read_row, nullptr, record, PREPRO_SOURCE_RGB, kWidth, 300, 0,
+                            kWidth, 0, kHeight, f.out.data(), kWidth * kHeight, nb_threads,
+                            undithering);
+}
+
+int with_handle(const std::function<int(bi_settings*)>& call) {
+    bi_settings* handle = bi_setup(read_row);
+    if (handle == nullptr) return -1;
+    const int result = call(handle);
+    bi_upset(handle);
+    return result;
+}
+
+struct Case {
+    const char* name;
+    bool allocates;
+    std::function<int()> call;
+};
+
+std::vector<Case> cases() {
+    Fixture& f = fixture();
+    auto* const out = f.out.data();
+    const auto* const text = f.text.data();
+    const auto threshold = [](bi_settings* handle) {
+        Fixture& shared = fixture();
+        return bi_thresh_do(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
+                            shared.out.data());
+    };
+    return {
+        {"kyd_rotate_180", false,
+         [=, &f] {
+             return kyd_rotate_180(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_270", false,
+         [=, &f] {
+             return kyd_rotate_270(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_090", false,
+         [=, &f] {
+             return kyd_rotate_090(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_bitmap", false,
+         [=, &f] {
+             return kyd_rotate_bitmap(3, text, kHeight, kWidth, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_color", false,
+         [=, &f] {
+             return kyd_rotate_color(1, 3, f.colour.data(), kHeight, kWidth, out, &f.numbers[0],
+                                     &f.numbers[1]);
+         }},
+        {"estimate_skew_of_binary_image", true, [] { return estimate(0); }},
+        {"estimate_skew_of_binary_image, traced", true, [] { return estimate(1); }},
+        {"skbitmap_mem", true,
+         [=, &f] {
+             return skbitmap_mem(text, kHeight, kWidth, kStride, &f.numbers[0], &f.numbers[1],
+                                 &f.numbers[2], &f.numbers[3]);
+         }},
+        {"skrotbmp_mem, components", true, [] { return rotate(skrotbmp, 20); }},
+        {"skrotbmp_mem, plain", true, [] { return rotate(skrotbmp, -90); }},
+        {"skrotbmp_b_mem", true, [] { return rotate(skrotbmp_b_mem, -20); }},
+        {"aligned, two shears", true, [] { return rotate(aligned, 20); }},
+        {"aligned, three shears", true, [] { return rotate(aligned, -40); }},
+        {"aligned, black background", true,
+         [] { return rotate(skew_binary_image_aligned_with_skrotimg_mem_black_background, 20); }},
+        {"bi_setup", true, [] { return with_handle([](bi_settings*) { return 0; }); }},
+        {"bi_set_debug_folder", true,
+         [] {
+             return with_handle([](bi_settings* handle) {
+                 const std::string_view longer =
+                     "/a/folder/whose/path/is/longer/than/a/short/string";
+                 return bi_set_debug_folder(handle, "/tmp") |
+                        bi_set_debug_folder(handle, longer.data());
+             });
+         }},
+        {"bi_thresh_do, Otsu, dropout", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 static int context;
+                 bi_set_thresh(handle, 0);
+                 bi_set_dropout(handle, drop_dark_red, &context);
+                 return threshold(handle);
+             });
+         }},
+        {"bi_thresh_do, threads", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 bi_set_nb_threads(handle, 4);
+                 bi_set_image_pointer(handle, fixture().colour.data());
+                 return threshold(handle);
+             });
+         }},
+        {"bi_thresh", true,
+         [=] {
+             return bi_thresh(2, 0, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
+                              kHeight, out);
+         }},
+        {"bi_thresh_dropout", true,
+         [=, &f] {
+             return bi_thresh_dropout(1, 100, read_row, nullptr, drop_dark_red, &f,
+                                      PREPRO_SOURCE_BGR, kWidth, 0, kWidth, 0, kHeight, out);
+         }},
+        {"bi_color2greybuf", true, [] { return grey(1, 0); }},
+        {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
+        {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+    };
+}
+
+TEST(AllocationSweep, EveryAllocationOfEveryFunctionFails) {
+    for (const Case& c : cases()) {
+        SCOPED_TRACE(c.name);
+        c.call();  // whatever the process allocates once is there from now on
+        const int allocations = support::fail_each_allocation(c.call);
+        EXPECT_EQ(allocations > 0, c.allocates) << allocations;
+    }
+}
+
+#if !VEMOPREPRO_SANITIZED  // a sanitizer brings operators of its own
+// With the library linked, the operators of the process are the library's: a container of the host
+// counts.
+TEST(AllocationSweep, TheOperatorsOfTheProcessAreTheLibrarys) {
+    prepro_redefine_malloc(support::failing_malloc);
+    prepro_redefine_free(support::counted_free);
+    const long before = support::blocks_held;
+    auto* block = new std::string;
+    const long with_block = support::blocks_held;
+    delete block;
+    const long after = support::blocks_held;
+    prepro_redefine_malloc(nullptr);
+    prepro_redefine_free(nullptr);
+    EXPECT_EQ(with_block, before + 1);
+    EXPECT_EQ(after, before);
+}
+#endif
+
+}  // namespace
