@@ -299,6 +299,11 @@ TEST(SkewEstimate, EveryAllocationMayFail) {
     const SkewPage page = support::turned_text(100, 100, 16, 10, 1);
     const std::string where = folder / "trace";
     for (const int debug : {0, 1}) {
+#ifdef __SANITIZE_ADDRESS__
+        // The sanitizer's own sized operator delete hides the strings of the trace from the hooks;
+        // its leak check sees to them.
+        if (debug != 0) continue;
+#endif
         const Outputs want = estimate(page, debug, where.c_str());
         const int allocations = support::fail_each_allocation([&] {
             const Outputs found = estimate(page, debug, where.c_str());
