@@ -1,0 +1,185 @@
+"""What the clean command finds, does and reports."""
+
+import json
+import os
+import unittest
+
+import numpy as np
+from PIL import Image
+
+from tool_case import ROOT, ToolCase, as_array, text_page
+
+SAMPLES = os.path.join(ROOT, "examples", "pages")
+
+
+def line_contrast(image):
+    """How sharply the rows of ink and of paper alternate: highest when the lines lie level."""
+    ink = 1.0 - as_array(image)
+    return np.abs(np.diff(ink.sum(axis=1))).sum() / ink.sum()
+
+
+class Clean(ToolCase):
+    def test_known_skews_are_measured_and_straightened(self):
+        for degrees in (-4.0, -1.5, -0.4, 0.5, 2.0, 7.0):
+            self.save("a.png", text_page(degrees))
+            file, = self.record("clean", "a.png", "-o", "a.tif", "--overwrite")
+            skew = file["pages"][0]["skew"]
+            self.assertAlmostEqual(skew["degrees"], degrees, delta=0.1)
+            self.assertGreater(skew["confidence"], 1.5)
+            straight, = self.pages("a.tif")
+            self.assertGreater(straight.width, 600)
+            self.assertGreater(line_contrast(straight), 1.4 * line_contrast(text_page(degrees)))
+            again, = self.record("clean", "a.tif", "-o", "b.tif", "--overwrite")
+            self.assertAlmostEqual(again["pages"][0]["skew"]["degrees"], 0, delta=0.15)
+
+    def test_sample_pages(self):
+        for name, degrees in (("letter.jpg", 1.3), ("form.jpg", 3.3)):
+            sample = os.path.join(SAMPLES, name)
+            with self.subTest(name=name):
+                page = self.record("clean", sample, "-o", "out.tif", "--overwrite")[0]["pages"][0]
+                self.assertAlmostEqual(page["skew"]["degrees"], degrees, delta=0.12)
+                self.assertEqual(page["output"]["kind"], "bitonal")
+
+    def test_thresholds(self):
+        ramp = np.tile(np.arange(256, dtype=np.uint8), (40, 1))
+        self.save("a.png", ramp)
+        for threshold in (1, 100, 255):
+            self.good("binarize", "a.png", "-o", "a.tif", "--overwrite", "--threshold", threshold)
+            self.assertTrue((as_array(self.pages("a.tif")[0]) == (ramp >= threshold)).all())
+        page = self.record("binarize", "a.png", "-o", "a.tif", "--overwrite")[0]["pages"][0]
+        self.assertTrue((as_array(self.pages("a.tif")[0]) == (ramp >= page["threshold"])).all())
+        self.assertIn(page["threshold"], range(120, 136))
+
+    def test_ink_of_a_single_grey_is_not_lost(self):
+        pixels = np.full((50, 70), 200, np.uint8)
+        pixels[10:20, 10:40] = 50
+        self.save("a.png", pixels)
+        page = self.record("binarize", "a.png", "-o", "a.tif")[0]["pages"][0]
+        self.assertTrue((as_array(self.pages("a.tif")[0]) == (pixels == 200)).all())
+        self.assertEqual(page["threshold"], 51)
+
+    def test_skipped_steps_say_why(self):
+        noise = np.random.default_rng(3).integers(0, 256, (300, 200), dtype=np.uint8)
+        cases = [(noise, [], "no clear skew (confidence "),
+                 (np.full((300, 200), 255, np.uint8), [], "no ink on the page"),
+                 (noise[:31], [], "smaller than 32 pixels a side"),
+                 (text_page(), [], "already straight (confidence "),
+                 (text_page(2), ["--no-deskew"], "switched off"),
+                 (text_page(2), ["--skew", "0"], "already straight (as given)")]
+        for image, options, why in cases:
+            with self.subTest(why=why):
+                self.save("a.png", image)
+                arguments = ["clean", "a.png", "-o", "a.tif", "--overwrite", *options]
+                page = self.record(*arguments)[0]["pages"][0]
+                step = page["steps"][-1]
+                self.assertEqual((step["name"], step["status"]), ("deskew", "skipped"))
+                self.assertTrue(step["why"].startswith(why), step["why"])
+                self.assertEqual((page["output"]["width"], page["output"]["height"]),
+                                 (page["width"], page["height"]))
+                words = self.good(*arguments, "-v").stdout.decode()
+                self.assertIn("  deskew: skipped: " + step["why"] + "\n", words)
+
+    def test_given_skew(self):
+        self.save("a.png", text_page(3))
+        page = self.record("clean", "a.png", "-o", "a.tif", "--skew", "3")[0]["pages"][0]
+        self.assertEqual(page["skew"], {"degrees": page["skew"]["degrees"], "numerator": 27,
+                                        "denominator": 512, "confidence": None})
+        self.assertGreater(line_contrast(self.pages("a.tif")[0]), 1.4 * line_contrast(text_page(3)))
+
+
+class Record(ToolCase):
+    def test_schema(self):
+        self.save("in.tif", text_page(2).convert("RGB"), text_page(), dpi=(300, 300))
+        document = json.loads(self.good("clean", "in.tif", "-o", "out.tif", "--json").stdout)
+        self.assertEqual(list(document), ["program", "files"])
+        file, = document["files"]
+        self.assertEqual({key: file[key] for key in ("input", "format", "error", "outputs")},
+                         {"input": "in.tif", "format": "TIFF", "error": None,
+                          "outputs": ["out.tif"]})
+        self.assertEqual([page["page"] for page in file["pages"]], [1, 2])
+        page = file["pages"][0]
+        self.assertEqual(set(page), {"page", "kind", "width", "height", "dpi", "dpi_source", "skew",
+                                     "threshold", "steps", "output", "seconds"})
+        self.assertEqual(set(page["skew"]), {"degrees", "numerator", "denominator", "confidence"})
+        self.assertEqual([step["name"] for step in page["steps"]],
+                         ["orientation", "binarize", "deskew"])
+        for step in page["steps"]:
+            self.assertEqual(set(step), {"name", "status", "why", "seconds"})
+        self.assertEqual(set(page["output"]), {"kind", "width", "height"})
+        self.assertGreater(page["seconds"], 0)
+
+    def test_failures_are_recorded(self):
+        self.save("a.png", text_page())
+        done = self.run_tool("clean", "a.png", "missing.png", "-o", ".", "--json")
+        self.assertEqual(done.returncode, 1)
+        good, bad = json.loads(done.stdout)["files"]
+        self.assertEqual((good["error"], good["outputs"]), (None, ["./a.tif"]))
+        self.assertEqual((bad["error"], bad["pages"], bad["outputs"]),
+                         ("No such file or directory", [], []))
+
+    def test_record_and_page_on_one_stream_do_not_mix(self):
+        self.save("a.png", text_page(2))
+        self.good("clean", "a.png", "-o", "a.tif")
+        done = self.run_tool("clean", "a.png", "-o", "-", "--json")
+        self.assertEqual(done.stdout, self.read("a.tif"))
+        self.assertEqual(json.loads(done.stderr)["files"][0]["outputs"], ["-"])
+
+    def test_apply_gives_the_same_pages_again(self):
+        self.save("in.tif", text_page(2), text_page(-1), text_page(0))
+        record = self.good("clean", "in.tif", "-o", "out.tif", "--json").stdout
+        self.write("found.json", record)
+        self.good("clean", "in.tif", "-o", "again.tif", "--apply", "found.json")
+        self.assertEqual(self.read("again.tif"), self.read("out.tif"))
+
+    def test_apply_to_another_scan(self):
+        self.save("in.png", text_page(3))
+        self.write("found.json", self.good("clean", "in.png", "-o", "a.tif", "--json").stdout)
+        self.save("blank.png", np.full((500, 400), 240, np.uint8))
+        page = self.record("clean", "blank.png", "-o", "b.tif", "--apply", "found.json")[0]["pages"][0]
+        found = json.loads(self.read("found.json"))["files"][0]["pages"][0]
+        self.assertEqual(page["threshold"], found["threshold"])
+        self.assertEqual(page["skew"]["numerator"], found["skew"]["numerator"])
+        self.assertEqual([step["why"].split("(")[1] for step in page["steps"][1:]],
+                         ["as recorded)", "as recorded)"])
+
+    def test_apply_refuses_what_does_not_fit(self):
+        self.save("two.tif", text_page(), text_page())
+        self.save("a.png", text_page())
+        self.write("found.json", self.run_tool("clean", "a.png", "-o", "-", "--json").stderr)
+        self.fails("clean", "two.tif", "-o", "o.tif", "--apply", "found.json",
+                   lines=["two.tif: holds 2 pages, but found.json records 1"])
+        self.fails("clean", "two.tif", "-o", "o.tif", "--apply", "none.json",
+                   lines=["none.json: No such file or directory"])
+        self.write("odd.json", b'{"files": [{"pages": [{"skew": 7, "threshold": null}]}]}')
+        done = self.run_tool("clean", "a.png", "-o", "o.tif", "--apply", "odd.json")
+        self.assertEqual(done.returncode, 1)
+        self.assertTrue(done.errors[0].startswith("vemoprepro: odd.json: not a record of --json"))
+
+
+class SideBySide(ToolCase):
+    def test_jobs_change_nothing(self):
+        pages = [text_page(angle / 2, (300 + 60 * (angle % 3), 500)) for angle in range(-5, 6)]
+        self.save("in.tif", *pages)
+        records = []
+        for jobs in (1, 2, 5):
+            self.good("clean", "in.tif", "-o", f"out{jobs}.tif", "-j", jobs)
+            self.assertEqual(self.read(f"out{jobs}.tif"), self.read("out1.tif"))
+            lines = self.good("clean", "in.tif", "-o", "o.tif", "--overwrite", "-j", jobs).stdout
+            records.append(lines)
+        self.assertEqual(records[0].count(b"\n"), 11)
+        self.assertEqual(records, [records[0]] * 3)
+
+    def test_a_failure_leaves_the_other_inputs_alone(self):
+        for index in range(6):
+            self.save(f"{index}.png", text_page(index / 2, (300, 400)))
+        self.write("3.png", self.read("3.png")[:2000])
+        os.mkdir(self.path("out"))
+        for jobs in (1, 4):
+            self.fails("clean", *[f"{index}.png" for index in range(6)], "-o", "out", "--overwrite",
+                       "-j", jobs, lines=["3.png: damaged or truncated PNG file"])
+            self.assertEqual(sorted(os.listdir(self.path("out"))),
+                             [f"{index}.tif" for index in range(6) if index != 3])
+
+
+if __name__ == "__main__":
+    unittest.main()

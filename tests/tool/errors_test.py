@@ -1,0 +1,178 @@
+"""Everything that can go wrong: one line each, the right exit status, and nothing left behind."""
+
+import os
+import resource
+import signal
+import subprocess
+import time
+import unittest
+
+import numpy as np
+from PIL import Image
+
+from tool_case import PROGRAM, ToolCase, text_page
+
+
+class Errors(ToolCase):
+    def setUp(self):
+        super().setUp()
+        self.save("a.png", text_page(1))
+
+    def test_inputs_that_cannot_be_read(self):
+        self.write("empty.png", b"")
+        self.write("words.txt", b"not an image")
+        self.write("a.gif", b"GIF89a" + bytes(40))
+        os.mkdir(self.path("folder"))
+        for name, what in (("none.png", "No such file or directory"), ("folder", "Is a directory"),
+                           ("empty.png", "not a TIFF, PNG, JPEG or PNM file"),
+                           ("words.txt", "not a TIFF, PNG, JPEG or PNM file"),
+                           ("a.gif", "not a TIFF, PNG, JPEG or PNM file")):
+            self.fails("clean", name, "-o", "out.tif", lines=[f"{name}: {what}"])
+        self.fails("clean", "-", "-o", "out.tif", lines=["-: not a TIFF, PNG, JPEG or PNM file"])
+
+    def test_truncated_files(self):
+        colour = np.random.default_rng(5).integers(0, 256, (200, 300, 3), dtype=np.uint8)
+        bits = Image.fromarray(colour).convert("1")
+        files = [("t.jpg", colour, {}), ("p.jpg", colour, {"progressive": True}), ("t.png", colour, {}),
+                 ("t.tif", colour, {}), ("l.tif", colour, {"compression": "tiff_lzw"}),
+                 ("j.tif", colour, {"compression": "jpeg"}), ("g.tif", bits, {"compression": "group4"}),
+                 ("t.ppm", colour, {}), ("t.pbm", bits, {})]
+        for name, image, options in files:
+            self.save(name, image, **options)
+            whole = self.read(name)
+            self.good("info", name)
+            for share in (0.3, 0.6, 0.98):
+                with self.subTest(name=name, share=share):
+                    self.write(name, whole[:int(len(whole) * share)])
+                    before = os.listdir(self.here)
+                    done = self.run_tool("clean", name, "-o", "out.tif")
+                    self.assertEqual((done.returncode, len(done.errors)), (1, 1), done.errors)
+                    self.assertRegex(done.errors[0],
+                                     f"^vemoprepro: {name}: damaged or truncated [A-Z]+ file")
+                    self.assertEqual(os.listdir(self.here), before)
+
+    def test_damage_in_the_middle(self):
+        for name, options in (("d.png", {}), ("d.tif", {"compression": "tiff_lzw"}), ("d.jpg", {})):
+            self.save(name, np.random.default_rng(6).integers(0, 256, (200, 300, 3), dtype=np.uint8),
+                      **options)
+            data = bytearray(self.read(name))
+            data[len(data) // 2:len(data) // 2 + 400] = b"\xff\xd9" * 200
+            self.write(name, bytes(data))
+            done = self.run_tool("clean", name, "-o", "out.tif")
+            self.assertEqual((done.returncode, len(done.errors)), (1, 1), (name, done.errors))
+
+    def test_a_damaged_page_fails_the_whole_file(self):
+        self.save("in.tif", *[text_page(i) for i in range(4)], compression="raw")
+        data = self.read("in.tif")
+        self.write("in.tif", data[:len(data) - 300000])
+        before = os.listdir(self.here)
+        done = self.run_tool("clean", "in.tif", "-o", ".", "--format", "png")
+        self.assertEqual((done.returncode, len(done.errors)), (1, 1), done.errors)
+        self.assertEqual(os.listdir(self.here), before)
+
+    def test_pages_that_are_too_large(self):
+        self.save("w.png", Image.new("1", (32768, 3)))
+        self.save("h.tif", Image.new("1", (3, 32768)))
+        self.save("ok.tif", Image.new("1", (32767, 3)))
+        limit = "pixels are too large, the limit is 32767 a side"
+        self.fails("clean", "w.png", "-o", "o.tif", lines=[f"w.png: 32768 x 3 {limit}"])
+        self.fails("clean", "h.tif", "-o", "o.tif", lines=[f"h.tif: 3 x 32768 {limit}"])
+        self.write("bomb.ppm", b"P3\n2000000000 2000000000\n255\n0 0 0")
+        done = self.run_tool("clean", "bomb.ppm", "-o", "o.tif")
+        self.assertEqual((done.returncode, len(done.errors)), (1, 1))
+        self.good("clean", "ok.tif", "-o", "o.tif")
+
+    def test_outputs_that_are_in_the_way(self):
+        self.good("clean", "a.png", "-o", "a.tif")
+        old = self.read("a.tif")
+        self.fails("clean", "a.png", "-o", "a.tif",
+                   lines=["a.tif: exists already (--overwrite replaces it)"])
+        self.good("binarize", "a.png", "-o", "a.tif", "--overwrite")
+        self.assertNotEqual(self.read("a.tif"), old)
+        os.link(self.path("a.png"), self.path("same.png"))
+        for name in ("a.png", "./a.png", "same.png"):
+            self.fails("clean", "a.png", "-o", name, "--overwrite",
+                       lines=[f"{name}: the output would overwrite an input"])
+        self.fails("clean", "a.png", "a.tif", "-o", ".", "--overwrite",
+                   lines=["./a.tif: the output would overwrite an input"] * 2)
+
+    def test_links_are_followed(self):
+        os.mkdir(self.path("real"))
+        self.write("real/old.tif", b"old")
+        os.symlink("real/old.tif", self.path("link.tif"))
+        self.good("clean", "a.png", "-o", "link.tif", "--overwrite")
+        self.assertTrue(os.path.islink(self.path("link.tif")))
+        self.assertEqual(os.listdir(self.path("real")), ["old.tif"])
+        self.assertEqual(self.pages("real/old.tif")[0].mode, "1")
+
+    def test_inputs_of_the_same_name(self):
+        os.mkdir(self.path("b"))
+        os.mkdir(self.path("out"))
+        self.save("b/a.jpg", text_page())
+        self.fails("clean", "a.png", "b/a.jpg", "-o", "out/",
+                   lines=["b/a.jpg: gives the same output as a.png: out/a.tif"])
+        self.assertEqual(os.listdir(self.path("out")), ["a.tif"])
+
+    def test_places_that_cannot_be_written(self):
+        self.fails("clean", "a.png", "-o", "none/a.tif", lines=["none/a.tif: no such folder: none/"])
+        self.fails("clean", "a.png", "-o", "none/", lines=["none/: no such folder"])
+        self.fails("clean", "a.png", "a.png", "-o", "none", lines=["none: no such folder"])
+        os.mkdir(self.path("closed"), 0o555)
+        if os.getuid() == 0:
+            os.chmod(self.here, 0o755)
+        self.fails("clean", "a.png", "-o", "closed/a.tif", lines=["closed/a.tif: Permission denied"],
+                   user="nobody" if os.getuid() == 0 else None)
+
+    def test_several_pages_into_one_png(self):
+        self.save("two.tif", text_page(), text_page())
+        self.fails("clean", "two.tif", "-o", "o.png",
+                   lines=["two.tif: holds 2 pages and a PNG file only one; "
+                          "name a folder, or a TIFF file"])
+
+    def test_full_disk(self):
+        full = "No space left on device"
+        for name in ("tiff", "png", "pbm"):
+            self.fails("clean", "a.png", "-o", "/dev/full", "--format", name,
+                       lines=[f"/dev/full: {full}"])
+            with open("/dev/full", "wb") as device:
+                self.fails("clean", "a.png", "-o", "-", "-q", "--format", name, stdout=device,
+                           lines=[f"-: {full}"])
+        with open("/dev/full", "wb") as device:
+            done = self.run_tool("info", "a.png", stdout=device)
+            self.assertEqual((done.returncode, len(done.errors)), (1, 1))
+
+    def test_file_size_limit(self):
+        """A write that fails in the middle of a page, in every format."""
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (3000, 3000))
+        self.save("many.tif", text_page(1), text_page(2))
+        for name in ("o.tif", "o.pbm", "."):
+            done = self.fails("clean", "many.tif", "-o", name, "--format",
+                              {"o.tif": "tiff", "o.pbm": "pbm"}.get(name, "png"), preexec_fn=limit,
+                              lines=[("./many-1.png" if name == "." else name) + ": File too large"])
+            self.assertEqual(done.returncode, 1)
+
+    def test_closed_pipe(self):
+        reader, writer = os.pipe()
+        os.close(reader)
+        try:
+            self.fails("clean", "a.png", "-o", "-", "-q", stdout=writer, lines=["-: Broken pipe"])
+        finally:
+            os.close(writer)
+
+    def test_signals_remove_what_is_unfinished(self):
+        self.save("in.tif", *[text_page(1, (1200, 1600))] * 12)
+        for number in (signal.SIGTERM, signal.SIGINT):
+            with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1"], cwd=self.here,
+                                  stdout=subprocess.PIPE) as running:
+                running.stdout.readline()
+                self.assertEqual(len([n for n in os.listdir(self.here) if n[0] == "."]), 1)
+                running.send_signal(number)
+                running.stdout.read()
+                self.assertEqual(running.wait(), -number)
+            self.assertEqual(sorted(os.listdir(self.here)), ["a.png", "in.tif"])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,192 @@
+"""Every kind of file in, every kind of file out, and what is kept on the way."""
+
+import json
+import unittest
+
+import numpy as np
+from PIL import Image, ImageOps
+
+from tool_case import ToolCase, as_array, text_page
+
+
+def grey_sample(height=45, width=61):
+    return np.random.default_rng(1).integers(1, 255, (height, width), dtype=np.uint8)
+
+
+def colour_sample(height=45, width=61):
+    return np.random.default_rng(2).integers(0, 256, (height, width, 3), dtype=np.uint8)
+
+
+class FormatsIn(ToolCase):
+    def info(self, *names):
+        return json.loads(self.good("info", *names, "--json").stdout)["files"]
+
+    def test_kind_of_every_format(self):
+        grey, colour = Image.fromarray(grey_sample()), Image.fromarray(colour_sample())
+        bits = grey.point(lambda v: 255 * (v > 99))
+        cases = [
+            ("grey", "L", grey, ["a.png", "a.tif", "a.jpg", "a.pgm"]),
+            ("colour", "RGB", colour, ["b.png", "b.tif", "b.jpg", "b.ppm"]),
+            ("bitonal", "1", bits, ["c.png", "c.tif", "c.pbm"]),
+            ("bitonal", "L", bits, ["d.png", "d.tif", "d.pgm"]),
+            ("bitonal", "RGB", bits, ["e.png", "e.tif", "e.ppm"]),
+            ("grey", "RGB", grey, ["f.png", "f.tif", "f.ppm"]),
+            ("colour", "P", colour, ["g.png", "g.tif"]),
+            ("bitonal", "P", bits, ["h.png", "h.tif"]),
+            ("colour", "RGBA", colour, ["i.png", "i.tif"]),
+            ("colour", "CMYK", colour, ["j.jpg", "j.tif"]),
+        ]
+        formats = {"png": "PNG", "tif": "TIFF", "jpg": "JPEG"}
+        for kind, mode, image, names in cases:
+            for name in names:
+                with self.subTest(name=name, mode=mode):
+                    self.save(name, image.convert(mode))
+                    file, = self.info(name)
+                    page, = file["pages"]
+                    self.assertEqual(file["format"], formats.get(name[2:], "PNM"))
+                    self.assertEqual((page["kind"], page["width"], page["height"], page["dpi"]),
+                                     (kind, 61, 45, None))
+
+    def test_pixels_arrive_unchanged(self):
+        """A turn by 180 degrees, twice, through formats that lose nothing."""
+        bits = as_array(Image.fromarray(grey_sample()).point(lambda v: 255 * (v > 99)))
+        for pixels in (grey_sample(), colour_sample(), Image.fromarray(bits)):
+            for width in (1, 2, 7, 8, 9, 31, 32, 33, 61):
+                cut = Image.fromarray(np.asarray(pixels)[:, :width])
+                self.save("in.png", cut)
+                self.good("rotate", 180, "in.png", "-o", "turned.tif", "--overwrite")
+                turned, = self.pages("turned.tif")
+                self.assertEqual(turned.mode, cut.mode)
+                self.assertSamePixels(turned, cut.rotate(180))
+                if width in (1, 9, 33):
+                    for name in ("back.pnm", "back.png"):
+                        self.good("rotate", 180, "turned.tif", "-o", name, "--overwrite")
+                        self.assertSamePixels(self.pages(name)[0], cut)
+
+    def test_transparent_parts_are_white_paper(self):
+        pixels = np.zeros((40, 50, 4), np.uint8)
+        pixels[:, :20] = (10, 20, 30, 255)
+        pixels[:, 20:30] = (0, 0, 0, 0)
+        pixels[:, 30:] = (100, 100, 100, 128)
+        for name in ("a.png", "a.tif"):
+            self.save(name, pixels)
+            self.good("rotate", 180, name, "-o", "out.png", "--overwrite")
+            row = np.asarray(self.pages("out.png")[0])[0].astype(int)
+            for x, wanted in ((49, (10, 20, 30)), (25, (255, 255, 255)), (0, (177, 177, 177))):
+                self.assertLessEqual(abs(row[x] - wanted).max(), 1, (name, x))
+
+    def test_sixteen_bits_keep_their_upper_byte(self):
+        grey = grey_sample()
+        deep = grey.astype(np.uint16) * 256 + 77
+        self.save("a.png", Image.fromarray(deep))
+        self.save("a.tif", Image.fromarray(deep))
+        self.write("a.pgm", b"P5\n61 45\n65535\n" + deep.astype(">u2").tobytes())
+        for name in ("a.png", "a.tif", "a.pgm"):
+            self.good("rotate", 180, name, "-o", "out.png", "--overwrite")
+            self.assertSamePixels(self.pages("out.png")[0], grey[::-1, ::-1], name)
+
+    def test_exif_orientation(self):
+        page = Image.fromarray(np.kron(grey_sample(6, 4), np.ones((16, 16), np.uint8)))
+        for orientation in range(1, 9):
+            exif = Image.Exif()
+            exif[0x0112] = orientation
+            self.save("a.jpg", page, exif=exif.tobytes(), quality=100)
+            upright = ImageOps.exif_transpose(Image.open(self.path("a.jpg")))
+            self.good("rotate", 180, "a.jpg", "-o", "out.png", "--overwrite")
+            self.assertSamePixels(self.pages("out.png")[0].rotate(180), upright)
+
+    def test_orientation_turns_the_page_and_is_recorded(self):
+        exif = Image.Exif()
+        exif[0x0112] = 6
+        self.save("a.jpg", text_page().rotate(90, expand=True), exif=exif.tobytes(), dpi=(100, 150))
+        file, = self.record("clean", "a.jpg", "-o", "a.tif")
+        step = file["pages"][0]["steps"][0]
+        self.assertEqual((step["name"], step["status"]), ("orientation", "done"))
+        self.assertIn("90 degrees clockwise", step["why"])
+        page, = self.pages("a.tif")
+        self.assertEqual(page.size, (600, 800))
+        self.assertEqual(page.info["dpi"], (150, 100))
+
+    def test_several_images_in_a_pnm_stream(self):
+        one, other = text_page(), text_page(2).resize((300, 400))
+        for name, image in (("a.pbm", one.point(lambda v: 255 * (v > 99)).convert("1")), ("b.pgm", other)):
+            self.save(name, image)
+        self.write("both.pnm", self.read("a.pbm") + self.read("b.pgm"))
+        pages = self.info("both.pnm")[0]["pages"]
+        self.assertEqual([(p["kind"], p["width"]) for p in pages], [("bitonal", 600), ("grey", 300)])
+
+
+class FormatsOut(ToolCase):
+    def setUp(self):
+        super().setUp()
+        self.save("a.png", text_page(), dpi=(240, 240))
+
+    def test_format_by_name_and_by_option(self):
+        cases = [("a.tif", [], "TIFF"), ("b.TIFF", [], "TIFF"), ("c.png", [], "PNG"),
+                 ("d.pbm", [], "PPM"), ("e.xyz", ["--format", "png"], "PNG"),
+                 ("f.png", ["--format", "tiff"], "TIFF"), ("g", ["--format", "pbm"], "PPM")]
+        for name, options, wanted in cases:
+            self.good("clean", "a.png", "-o", name, *options)
+            image, = self.pages(name)
+            self.assertEqual((image.format, image.mode), (wanted, "1"), name)
+
+    def test_same_pixels_in_every_format(self):
+        results = []
+        for name in ("a.tif", "b.png", "c.pbm"):
+            self.good("clean", "a.png", "-o", name)
+            results.append(as_array(self.pages(name)[0]))
+        self.assertTrue((results[0] == results[1]).all() and (results[0] == results[2]).all())
+        self.assertLess(0.02, 1 - results[0].mean())
+
+    def test_bitonal_tiff_is_group_4(self):
+        self.good("clean", "a.png", "-o", "a.tif")
+        tags = self.pages("a.tif")[0].tags
+        self.assertEqual((tags[258], tags[259], tags[262]), ((1,), 4, 0))
+
+    def test_resolution_is_kept(self):
+        for name in ("in.png", "in.jpg", "in.tif"):
+            self.save(name, text_page(), dpi=(240, 240))
+            for out in ("out.tif", "out.png"):
+                self.good("clean", name, "-o", out, "--overwrite")
+                self.assertEqual(round(self.pages(out)[0].info["dpi"][0]), 240, (name, out))
+
+    def test_resolution_by_default_and_as_given(self):
+        self.save("none.png", text_page())
+        cases = [("none.png", [], 300, "default"), ("none.png", ["--dpi", 150], 150, "option"),
+                 ("a.png", ["--dpi", 600], 600, "option"), ("a.png", [], 240, "file")]
+        for name, options, dpi, source in cases:
+            file, = self.record("clean", name, "-o", "out.tif", "--overwrite", *options)
+            page = file["pages"][0]
+            self.assertEqual((page["dpi"], page["dpi_source"]), ([dpi, dpi], source))
+            self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
+        words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
+        self.assertIn("300 dpi (the file has none)", words)
+
+    def test_standard_input_and_output(self):
+        self.good("clean", "a.png", "-o", "a.tif")
+        done = self.run_tool("clean", "-", "-o", "-", stdin=self.read("a.png"))
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual(done.stdout, self.read("a.tif"))
+        self.assertEqual(len(done.errors), 1)
+        self.assertTrue(done.errors[0].startswith("-: grey, 600 x 800 pixels, 240 dpi"))
+        done = self.good("clean", "-", "-o", "-", "-q", "--format", "pbm", stdin=done.stdout)
+        self.assertTrue(done.stdout.startswith(b"P4\n600 800\n"))
+        self.good("clean", "-", "-o", ".", "-q", stdin=self.read("a.png"))
+        self.assertEqual(self.read("stdin.tif"), self.read("a.tif"))
+
+    def test_multi_page_to_every_format(self):
+        sizes = [(320 + 8 * i, 400) for i in range(11)]
+        self.save("many.tif", *[text_page(0, size) for size in sizes])
+        self.good("clean", "many.tif", "-o", "out.tif")
+        self.assertEqual([p.size for p in self.pages("out.tif")], sizes)
+        self.good("clean", "many.tif", "-o", ".", "--format", "png")
+        for number, size in enumerate(sizes, 1):
+            self.assertEqual(self.pages(f"many-{number:02}.png")[0].size, size)
+        self.good("clean", "many.tif", "-o", "out.pbm")
+        stream = self.good("info", "out.pbm", "--json")
+        pages = json.loads(stream.stdout)["files"][0]["pages"]
+        self.assertEqual([(p["width"], p["height"]) for p in pages], sizes)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,116 @@
+"""The commands that do one thing: binarize, deskew, rotate, info; help and version."""
+
+import json
+import unittest
+
+import numpy as np
+from PIL import Image
+
+from tool_case import ToolCase, as_array, text_page
+
+
+class SingleSteps(ToolCase):
+    def test_rotate_keeps_the_kind(self):
+        random = np.random.default_rng(4)
+        grey = random.integers(0, 256, (70, 99), dtype=np.uint8)
+        images = [Image.fromarray(grey), Image.fromarray(grey > 128),
+                  Image.fromarray(random.integers(0, 256, (70, 99, 3), dtype=np.uint8))]
+        turns = {90: Image.ROTATE_270, 180: Image.ROTATE_180, 270: Image.ROTATE_90}
+        for image in images:
+            self.save("in.tif", image, dpi=(200, 100))
+            for angle, turn in turns.items():
+                self.good("rotate", angle, "in.tif", "-o", "out.tif", "--overwrite")
+                out, = self.pages("out.tif")
+                self.assertEqual(out.mode, image.mode)
+                self.assertSamePixels(out, image.transpose(turn))
+                self.assertEqual(out.info["dpi"], (200, 100) if angle == 180 else (100, 200))
+
+    def test_rotate_into_a_bitmap(self):
+        self.save("in.png", text_page(1))
+        self.fails("rotate", 90, "in.png", "-o", "out.pbm",
+                   lines=["out.pbm: a grey page does not fit into a PBM file, name it .pnm"])
+        self.good("rotate", 90, "in.png", "-o", "out.pgm")
+        self.assertEqual(self.pages("out.pgm")[0].mode, "L")
+
+    def test_binarize_does_not_straighten(self):
+        self.save("in.png", text_page(2))
+        page = self.record("binarize", "in.png", "-o", "out.png")[0]["pages"][0]
+        self.assertEqual([step["name"] for step in page["steps"]], ["orientation", "binarize"])
+        self.assertIsNone(page["skew"])
+        self.assertEqual(self.pages("out.png")[0].size, (600, 800))
+
+    def test_binarize_then_deskew_is_clean(self):
+        self.save("in.png", text_page(2))
+        self.good("binarize", "in.png", "-o", "bits.tif")
+        self.good("deskew", "bits.tif", "-o", "straight.tif")
+        self.good("clean", "in.png", "-o", "clean.tif")
+        self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
+
+    def test_deskew_takes_bitonal_pages_only(self):
+        self.save("in.tif", text_page(0).point(lambda v: 255 * (v > 99)), text_page(2))
+        self.fails("deskew", "in.tif", "-o", "out.tif",
+                   lines=["in.tif: page 2: deskew takes bitonal pages, this one is grey "
+                          "(clean binarizes first)"])
+
+    def test_info(self):
+        self.save("in.tif", text_page(), text_page().resize((40, 50)).convert("RGB"), dpi=(96, 96))
+        exif = Image.Exif()
+        exif[0x0112] = 8
+        self.save("b.jpg", text_page(1), exif=exif.tobytes())
+        words = self.good("info", "in.tif", "b.jpg").stdout.decode()
+        self.assertEqual(words, "in.tif: TIFF, 2 pages\n"
+                                "  page 1: grey, 600 x 800 pixels, 96 dpi\n"
+                                "  page 2: grey, 40 x 50 pixels, 96 dpi\n"
+                                "b.jpg: JPEG, 1 page\n"
+                                "  page 1: grey, 600 x 800 pixels, no resolution, "
+                                "to be turned 270 degrees clockwise\n")
+        done = self.run_tool("info", "in.tif", "none", "--json")
+        self.assertEqual((done.returncode, done.errors),
+                         (1, ["vemoprepro: none: No such file or directory"]))
+        good, bad = json.loads(done.stdout)["files"]
+        self.assertEqual(good["pages"][1], {"page": 2, "kind": "grey", "width": 40, "height": 50,
+                                            "dpi": [96, 96], "turn": 0})
+        self.assertEqual(bad["error"], "No such file or directory")
+
+
+class Words(ToolCase):
+    def test_help_and_version(self):
+        self.assertIn(b"vemoprepro 16.", self.good("--version").stdout)
+        self.assertIn(b"Examples:", self.good("--help").stdout)
+        for command in ("clean", "binarize", "deskew", "rotate", "info"):
+            self.assertIn(b"INPUT", self.good(command, "--help").stdout)
+
+    def test_wrong_usage(self):
+        for arguments in ([], ["clean"], ["clean", "a.png"], ["polish", "a.png", "-o", "b.tif"],
+                          ["clean", "a.png", "-o", "b.xyz"], ["clean", "a.png", "-o", ""],
+                          ["clean", "a", "-o", "b.tif", "--skew", "10.7"],
+                          ["clean", "a", "-o", "b.tif", "--skew", "-90"],
+                          ["clean", "a", "-o", "b.tif", "--skew", "nan"],
+                          ["clean", "a", "-o", "b.tif", "--skew", "1", "--no-deskew"],
+                          ["clean", "a", "-o", "b.tif", "--threshold", "256"],
+                          ["clean", "a", "-o", "b.tif", "--threshold", "dark"],
+                          ["clean", "a", "-o", "b.tif", "--binarize", "magic"],
+                          ["clean", "a", "-o", "b.tif", "-j", "0"],
+                          ["clean", "a", "-o", "b.tif", "--dpi", "0"],
+                          ["clean", "a", "-o", "b.tif", "-q", "-v"],
+                          ["clean", "a", "-o", "b.tif", "--format", "gif"],
+                          ["clean", "a", "b", "-o", "-"], ["clean", "-", "-", "-o", "."],
+                          ["rotate", "45", "a", "-o", "b.tif"], ["deskew", "a", "--threshold", "9"]):
+            self.usage(*arguments)
+
+    def test_quiet(self):
+        self.save("a.png", text_page())
+        self.assertEqual(self.good("clean", "a.png", "-o", "a.tif", "-q").stdout, b"")
+
+    def test_verbose(self):
+        self.save("a.png", text_page(2), dpi=(300, 300))
+        lines = self.good("clean", "a.png", "-o", "a.tif", "-v").stdout.decode().splitlines()
+        self.assertEqual(lines[:2], ["a.png: grey, 600 x 800 pixels, 300 dpi",
+                                     "  orientation: skipped: already upright"])
+        self.assertRegex(lines[2], r"^  binarize: done: threshold \d+ \(Otsu's method\)$")
+        self.assertRegex(lines[3], r"^  deskew: done: skew 2\.\d\d degrees \(confidence \d\.\d\d\)$")
+        self.assertRegex(lines[4], r"^  written: bitonal, 6\d\d x 8\d\d pixels, to a\.tif \(.* s\)$")
+
+
+if __name__ == "__main__":
+    unittest.main()

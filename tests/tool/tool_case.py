@@ -1,0 +1,115 @@
+"""What the tests of the command-line program share: a folder per test, pages with text lines at a known
+angle, and a way to run the program."""
+
+import io
+import json
+import os
+import subprocess
+import tempfile
+import unittest
+
+import numpy as np
+from PIL import Image, ImageDraw
+
+PROGRAM = os.environ["VEMOPREPRO"]
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+
+
+def text_page(degrees=0.0, size=(600, 800), ink=20, paper=235):
+    """Words as rows of strokes, in lines that rise to the right by `degrees`."""
+    page = Image.new("L", (2 * size[0], 2 * size[1]), paper)
+    draw = ImageDraw.Draw(page)
+    random = np.random.default_rng(7)
+    for y in range(0, 2 * size[1], 28):
+        x = 0
+        while x < 2 * size[0]:
+            for _ in range(random.integers(2, 9)):
+                draw.rectangle([x, y + random.integers(0, 5), x + 3, y + 14], fill=ink)
+                draw.line([x, y + 7, x + 7, y + 7], fill=ink, width=2)
+                x += 9
+            x += 12
+    page = page.rotate(degrees, Image.BICUBIC, fillcolor=paper)
+    left, top = size[0] // 2, size[1] // 2
+    page = page.crop((left, top, left + size[0], top + size[1]))
+    frame = Image.new("L", size, paper)
+    frame.paste(page.crop((60, 60, size[0] - 60, size[1] - 60)), (60, 60))
+    return frame
+
+
+def as_array(image):
+    return np.asarray(image.convert("1")).astype(bool)
+
+
+class ToolCase(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.here = self.folder.name
+
+    def path(self, name):
+        return os.path.join(self.here, name)
+
+    def save(self, name, *images, **options):
+        first, *rest = [Image.fromarray(i) if isinstance(i, np.ndarray) else i for i in images]
+        if rest:
+            options.update(save_all=True, append_images=rest)
+        first.save(self.path(name), **options)
+        return name
+
+    def write(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+        return name
+
+    def read(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def run_tool(self, *arguments, stdin=b"", **options):
+        done = subprocess.run([PROGRAM, *map(str, arguments)], input=stdin, cwd=self.here,
+                              stdout=options.pop("stdout", subprocess.PIPE), stderr=subprocess.PIPE,
+                              timeout=60, **options)
+        done.errors = done.stderr.decode().splitlines()
+        return done
+
+    def good(self, *arguments, **options):
+        done = self.run_tool(*arguments, **options)
+        self.assertEqual((done.returncode, done.errors), (0, []))
+        return done
+
+    def record(self, *arguments):
+        return json.loads(self.good(*arguments, "--json").stdout)["files"]
+
+    def fails(self, *arguments, lines, status=1, **options):
+        """The run says exactly these lines, and leaves nothing that was not there before."""
+        before = sorted(os.listdir(self.here))
+        done = self.run_tool(*arguments, **options)
+        self.assertEqual(done.errors, ["vemoprepro: " + line for line in lines])
+        self.assertEqual(done.returncode, status)
+        self.assertEqual(sorted(os.listdir(self.here)), before)
+        return done
+
+    def usage(self, *arguments):
+        done = self.run_tool(*arguments)
+        self.assertEqual(done.returncode, 2, arguments)
+        self.assertTrue(done.errors[0].startswith("vemoprepro: "), done.errors)
+        self.assertEqual(done.errors[1:], ["Try 'vemoprepro --help'."])
+
+    def pages(self, name_or_bytes):
+        """All pages of an image file, as copies."""
+        source = name_or_bytes
+        pages = []
+        with Image.open(io.BytesIO(source) if isinstance(source, bytes) else
+                        self.path(source)) as image:
+            for index in range(getattr(image, "n_frames", 1)):
+                image.seek(index)
+                page = image.copy()
+                page.format = image.format
+                page.info = dict(image.info)
+                if hasattr(image, "tag_v2"):
+                    page.tags = dict(image.tag_v2)
+                pages.append(page)
+        return pages
+
+    def assertSamePixels(self, one, other, what=None):
+        self.assertTrue(np.array_equal(np.asarray(one), np.asarray(other)), what)

@@ -1,0 +1,46 @@
+/* vemoprepro: cleans up scanned pages from the command line. */
+#include <malloc.h>
+
+#include <cstdio>
+#include <exception>
+
+#include "file_error.h"
+#include "image_file.h"
+#include "info.h"
+#include "messages.h"
+#include "output_file.h"
+#include "output_plan.h"
+#include "run.h"
+
+namespace {
+
+int run_command(const tool::Options& options) {
+    try {
+        return options.command == tool::Command::info ? tool::print_info(options)
+                                                      : tool::run(options);
+    } catch (const tool::UsageError& error) {
+        std::fprintf(tool::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
+                     error.what());
+        return tool::kExitUsage;
+    } catch (const tool::FileError& error) {
+        tool::complain(error.file(), error.what());
+    } catch (const std::exception& error) {
+        std::fprintf(tool::error_stream(), "vemoprepro: %s\n", error.what());
+    }
+    return tool::kExitFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    tool::take_standard_error();
+    /* Page buffers go straight back to the system when they are freed, whatever size came before.
+     */
+    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    int exit_status = tool::kExitDone;
+    const auto options = tool::parse_options(argc, argv, exit_status);
+    if (!options) return exit_status;
+    tool::remove_unfinished_outputs_on_signals();
+    tool::prepare_decoders();
+    return run_command(*options);
+}

@@ -1,0 +1,50 @@
+/* The command line. */
+#ifndef VEMOPREPRO_TOOL_OPTIONS_H_
+#define VEMOPREPRO_TOOL_OPTIONS_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "page_record.h"
+#include "page_writer.h"
+
+namespace tool {
+
+enum class Command { clean, binarize, deskew, rotate, info };
+
+struct Options {
+    Command command = Command::clean;
+    std::vector<std::string> inputs;
+    std::string output;                 /* a file, a folder or "-" */
+    std::optional<OutputFormat> format; /* none: by the name of the output */
+    unsigned jobs = 1;
+    std::optional<int> dpi;
+    bool straighten = true;
+    std::optional<Skew> skew; /* none: measured */
+    int threshold = 0;        /* 0: automatic */
+    std::string findings;     /* file of --apply; empty: none */
+    int quarter_turns = 0;    /* clockwise, of the rotate command */
+    bool quiet = false;
+    bool verbose = false;
+    bool overwrite = false;
+    bool json = false;
+
+    /* Standard output carries the page, so no words may go there. */
+    [[nodiscard]] bool output_is_stdout() const { return output == "-"; }
+};
+
+constexpr int kExitDone = 0;
+constexpr int kExitFailed = 1; /* some file could not be worked on */
+constexpr int kExitUsage = 2;
+
+/* None when there is nothing to run: help was asked for or the usage was wrong; both have been
+ * answered and `exit_status` is set. */
+std::optional<Options> parse_options(int argc, char** argv, int& exit_status);
+
+/* The format that a file name's extension asks for. */
+std::optional<OutputFormat> format_by_name(const std::string& name);
+
+}  // namespace tool
+
+#endif  // VEMOPREPRO_TOOL_OPTIONS_H_

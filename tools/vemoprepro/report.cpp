@@ -1,0 +1,124 @@
+/* Standard output belongs to the page with -o -, else to the record with --json, else to the words.
+ */
+#include "report.h"
+
+#include <unistd.h>
+
+#include "messages.h"
+
+namespace tool {
+namespace {
+
+std::string page_label(const std::string& input, const PageRecord& record, std::size_t pages) {
+    if (pages == 1) return input + ": ";
+    return input + ": page " + std::to_string(record.number) + " of " + std::to_string(pages) +
+           ": ";
+}
+
+/* "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)" */
+std::string summary(const PageRecord& record) {
+    std::string text = describe(record);
+    for (const StepRecord& step : record.steps) {
+        if (step.done) text += "; " + step.why;
+        if (!step.done && step.name == "deskew") text += "; not straightened: " + step.why;
+    }
+    return text;
+}
+
+std::string resolution_source(const PageRecord& record) {
+    if (record.dpi_source == "default") return " (the file has none)";
+    return record.dpi_source == "option" ? " (as given)" : "";
+}
+
+/* JSON is UTF-8; file names need not be. */
+std::string json_text(const nlohmann::ordered_json& json) {
+    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+}  // namespace
+
+bool print_json(std::FILE* stream, const nlohmann::ordered_json& files) {
+    const nlohmann::ordered_json document = {{"program", "vemoprepro " VEMOPREPRO_VERSION},
+                                             {"files", files}};
+    return std::fprintf(stream, "%s\n", json_text(document).c_str()) > 0 &&
+           std::fflush(stream) == 0;
+}
+
+nlohmann::ordered_json file_json(const std::string& input, const std::string& format) {
+    nlohmann::ordered_json json = {{"input", input}, {"format", nullptr}};
+    if (!format.empty()) json["format"] = format;
+    json["error"] = nullptr;
+    json["pages"] = nlohmann::ordered_json::array();
+    return json;
+}
+
+Report::Report(const Options& options)
+    : quiet_(options.quiet || (options.json && !options.verbose)),
+      verbose_(options.verbose),
+      json_(options.json),
+      words_(options.output_is_stdout() || options.json ? error_stream() : stdout),
+      record_(options.output_is_stdout() ? error_stream() : stdout),
+      terminal_(!verbose_ && isatty(fileno(words_)) == 1) {}
+
+void Report::start(const std::string& input, const std::string& format, std::size_t page_count) {
+    input_ = input;
+    page_count_ = page_count;
+    if (json_) {
+        files_.push_back(file_json(input, format));
+        files_.back()["outputs"] = nlohmann::ordered_json::array();
+    }
+}
+
+void Report::page(PageRecord record, const std::string& output) {
+    if (!quiet_) {
+        const std::string label = page_label(input_, record, page_count_);
+        if (verbose_) {
+            std::fprintf(words_, "%s%s%s\n", label.c_str(), describe(record).c_str(),
+                         resolution_source(record).c_str());
+            print_steps(record, output);
+        } else {
+            std::fprintf(words_, terminal_ ? "\r\x1b[K%s%s" : "%s%s\n", label.c_str(),
+                         summary(record).c_str());
+            progress_shown_ = terminal_;
+        }
+        std::fflush(words_);
+    }
+    if (json_) files_.back()["pages"].push_back(to_json(record));
+}
+
+void Report::print_steps(const PageRecord& record, const std::string& output) {
+    for (const StepRecord& step : record.steps) std::fprintf(words_, "  %s\n", step.line().c_str());
+    std::fprintf(words_, "  written: %s, %d x %d pixels, to %s (%.2f s)\n",
+                 name_of(record.output_kind), record.output_width, record.output_height,
+                 output.c_str(), record.seconds);
+}
+
+void Report::finish_input(const std::vector<std::string>& outputs) {
+    if (json_) files_.back()["outputs"] = outputs;
+}
+
+void Report::fail_input(const FileError& error) {
+    clear_progress();
+    std::fflush(words_);
+    complain(error.file(), error.what());
+    if (json_)
+        files_.back()["error"] =
+            error.file() == input_ ? std::string(error.what()) : error.file() + ": " + error.what();
+    status_ = kExitFailed;
+}
+
+void Report::clear_progress() {
+    if (progress_shown_) std::fputs("\n", words_);
+    progress_shown_ = false;
+}
+
+int Report::finish() {
+    clear_progress();
+    bool good = !json_ || print_json(record_, files_);
+    if (std::fflush(words_) != 0) good = false;
+    if (good) return status_;
+    complain("standard output", "cannot be written");
+    return kExitFailed;
+}
+
+}  // namespace tool

@@ -1,0 +1,82 @@
+/* Pages are decoded and worked on side by side, one per job, and written in order. Between the two
+ * wait at most as many finished pages as there are jobs; with bitonal results these are small, else
+ * none wait. */
+#include "run.h"
+
+#include <chrono>
+
+#include "ordered_queue.h"
+#include "output_collector.h"
+#include "steps.h"
+
+namespace tool {
+namespace {
+
+constexpr int kDefaultDpi = 300;
+
+void settle_resolution(const Options& options, Page& page, PageRecord& record) {
+    record.dpi_source = "file";
+    if (page.dpi.x <= 0) page.dpi.x = page.dpi.y;
+    if (page.dpi.y <= 0) page.dpi.y = page.dpi.x;
+    if (options.dpi || page.dpi.x <= 0) {
+        record.dpi_source = options.dpi ? "option" : "default";
+        page.dpi.x = page.dpi.y = options.dpi.value_or(kDefaultDpi);
+    }
+}
+
+std::string page_prefix(const PageTask& task) {
+    if (task.input->page_count() == 1) return "";
+    return "page " + std::to_string(task.page + 1) + ": ";
+}
+
+void work_on(const Options& options, const Pipeline& pipeline, const PageTask& task,
+             PageResult& result) {
+    const auto start = std::chrono::steady_clock::now();
+    result.data = task.input->file->read_page(task.page);
+    settle_resolution(options, result.data, result.record);
+    result.record.number = task.page + 1;
+    describe_source(result.record, result.data);
+    const PageFindings findings =
+        task.input->findings.empty() ? PageFindings{} : task.input->findings[task.page];
+    process(pipeline, result.data, findings, result.record);
+    result.record.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+PageResult result_of(const Options& options, const Pipeline& pipeline, const PageTask& task) {
+    PageResult result;
+    result.input = task.input;
+    result.page = task.page;
+    result.error = task.error;
+    if (result.error || task.input->failed) return result;
+    try {
+        work_on(options, pipeline, task, result);
+        return result;
+    } catch (const FileError& error) {
+        result.error = error;
+    } catch (const StepError& error) {
+        result.error = FileError(task.input->name, page_prefix(task) + error.what());
+    } catch (const std::bad_alloc&) {
+        result.error = FileError(task.input->name, page_prefix(task) + "not enough memory");
+    }
+    result.data = {};
+    task.input->failed = true;
+    return result;
+}
+
+}  // namespace
+
+int run(const Options& options) {
+    const Pipeline pipeline = make_pipeline(options);
+    InputFeeder feeder(options);
+    Report report(options);
+    OutputCollector collector(options, report);
+    const std::size_t window = options.command == Command::rotate ? options.jobs : 2 * options.jobs;
+    OrderedQueue<PageTask, PageResult> queue(
+        window, [&] { return feeder.next(); },
+        [&](PageTask& task) { return result_of(options, pipeline, task); });
+    queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
+    return report.finish();
+}
+
+}  // namespace tool

@@ -1,0 +1,50 @@
+/* The steps that a page goes through.
+ *
+ * Use: make_pipeline() gives the steps of a command in their order; process() runs them on one page
+ * and notes in the page's record what each found and whether it was done, and why.
+ *
+ * Keep true: a step either replaces the page or leaves it alone; it holds no state, so that any
+ * number of pages can go through the same pipeline at once. What a page does not allow is thrown as
+ * StepError. */
+#ifndef VEMOPREPRO_TOOL_STEPS_H_
+#define VEMOPREPRO_TOOL_STEPS_H_
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "options.h"
+#include "page.h"
+#include "page_record.h"
+
+namespace tool {
+
+class StepError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Outcome {
+    bool done;
+    std::string why;
+};
+
+struct Step {
+    const char* name;
+    std::function<Outcome(Page&, const PageFindings&, PageRecord&)> run;
+};
+using Pipeline = std::vector<Step>;
+
+Pipeline make_pipeline(const Options& options);
+
+/* findings: what is to be used instead of being measured; empty members are measured. */
+void process(const Pipeline& pipeline, Page& page, const PageFindings& findings,
+             PageRecord& record);
+
+/* Measures the skew of a bitonal page (or takes the one of the findings or of --skew) and turns the
+ * page straight. */
+Step deskew_step(const Options& options);
+
+}  // namespace tool
+
+#endif  // VEMOPREPRO_TOOL_STEPS_H_
