@@ -7,6 +7,7 @@ PRESET ?= release
 demo: setup
 	@cmake --preset $(PRESET) > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
 	@cmake --build --preset $(PRESET) --target vemoprepro
+	@mkdir -p out
 	@build/$(PRESET)/vemoprepro clean --overwrite -o out examples/pages/*.jpg examples/pages/*.png examples/pages/*.tif
 	@echo "The cleaned pages are in out/; the pages as they were scanned are in examples/pages/."
 
