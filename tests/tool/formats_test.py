@@ -95,6 +95,18 @@ class FormatsIn(ToolCase):
             self.good("rotate", 180, "a.jpg", "-o", "out.png", "--overwrite")
             self.assertSamePixels(self.pages("out.png")[0].rotate(180), upright)
 
+    def test_tiff_orientation(self):
+        colour = Image.fromarray(colour_sample(48, 64))
+        for image, options in ((colour, {}), (colour, {"compression": "jpeg"}),
+                               (colour.convert("L"), {}), (colour.convert("1"), {})):
+            for orientation in range(1, 9):
+                self.save("a.tif", image, tiffinfo={274: orientation}, **options)
+                self.good("rotate", 180, "a.tif", "-o", "out.png", "--overwrite")
+                upright, = self.pages("a.tif")
+                upright = upright.convert(image.mode)
+                self.assertSamePixels(self.pages("out.png")[0].rotate(180), upright,
+                                      (image.mode, options, orientation))
+
     def test_orientation_turns_the_page_and_is_recorded(self):
         exif = Image.Exif()
         exif[0x0112] = 6

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <utility>
 
+#include "orientation.h"
 #include "tiff_pages.h"
 
 namespace tool {
@@ -164,12 +165,10 @@ Decoded decode_tiff(const std::string& path, std::size_t offset) {
     return decoded;
 }
 
-Page page_of(Decoded decoded, Orientation orientation) {
+Page page_of(Decoded decoded, int orientation_tag) {
     Page page;
     page.dpi = {pixGetXRes(decoded.image.get()), pixGetYRes(decoded.image.get())};
-    page.quarter_turns = orientation.quarter_turns;
     PixOwner image = plain_image(std::move(decoded.image));
-    if (orientation.mirror) pixFlipLR(image.get(), image.get());
     page.width = pixGetWidth(image.get());
     page.height = pixGetHeight(image.get());
     switch (pixGetDepth(image.get())) {
@@ -184,6 +183,7 @@ Page page_of(Decoded decoded, Orientation orientation) {
             break;
     }
     image.reset();
+    orient(page, orientation_tag);
     reduce_kind(page);
     shrink(page);
     return page;

@@ -8,7 +8,6 @@
 #include <memory>
 #include <string>
 
-#include "jpeg_orientation.h"
 #include "page.h"
 
 namespace tool {
@@ -36,9 +35,10 @@ Decoded decode_tiff(const std::string& path, std::size_t offset);
  * grey one with nothing but 0 and 255 bitonal. */
 void reduce_kind(Page& page);
 
-/* The image as a page of the least kind. Transparent parts lie on white paper; 16 bits become 8.
- * The pixels stay in the decoder's block wherever they can. */
-Page page_of(Decoded decoded, Orientation orientation);
+/* The image as a page of the least kind, oriented by the tag (see orientation.h). Transparent parts
+ * lie on white paper; 16 bits become 8. The pixels stay in the decoder's block wherever they can.
+ */
+Page page_of(Decoded decoded, int orientation_tag);
 
 }  // namespace tool
 

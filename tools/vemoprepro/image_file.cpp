@@ -16,7 +16,7 @@
 
 #include "decode.h"
 #include "file_error.h"
-#include "jpeg_orientation.h"
+#include "orientation.h"
 #include "pnm_pages.h"
 #include "tiff_pages.h"
 
@@ -206,7 +206,7 @@ Page ImageFile::read_page(std::size_t index) const {
     }
     std::rewind(file.get());
     Decoded decoded;
-    Orientation orientation;
+    int orientation_tag = kUprightTag;
     switch (format_) {
         case FileFormat::tiff:
             decoded = decode_tiff(file_.path(), places_[index].offset);
@@ -215,7 +215,7 @@ Page ImageFile::read_page(std::size_t index) const {
             decoded = decode_png(file.get());
             break;
         case FileFormat::jpeg:
-            orientation = jpeg_orientation(file.get());
+            orientation_tag = jpeg_orientation(file.get());
             std::rewind(file.get());
             decoded = decode_jpeg(file.get());
             break;
@@ -224,7 +224,7 @@ Page ImageFile::read_page(std::size_t index) const {
             break;
     }
     if (!decoded.image) throw FileError(name_, damage(index, decoded.reason));
-    return page_of(std::move(decoded), orientation);
+    return page_of(std::move(decoded), orientation_tag);
 }
 
 }  // namespace tool

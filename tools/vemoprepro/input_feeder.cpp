@@ -12,7 +12,7 @@ InputFeeder::InputFeeder(const Options& options) : options_(options), plan_(opti
 }
 
 std::optional<PageTask> InputFeeder::next() {
-    if (current_ && !current_->failed && next_page_ < current_->page_count())
+    if (current_ && current_->failed_page == Input::kNone && next_page_ < current_->page_count())
         return PageTask{current_, next_page_++, std::nullopt};
     current_.reset();
     if (next_input_ == options_.inputs.size()) return std::nullopt;

@@ -3,6 +3,7 @@
 #define VEMOPREPRO_TOOL_INPUT_FEEDER_H_
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,8 +23,16 @@ struct Input {
     std::optional<ImageFile> file; /* none when it could not be opened */
     OutputNames outputs;
     std::vector<PageFindings> findings; /* of --apply, one per page; else empty */
-    std::atomic<bool> failed = false;   /* its remaining pages need no work */
+    /* Set when a page fails: the pages behind it need no work. Those before it are still worked on,
+     * so that what is reported does not depend on which page came first. */
+    std::atomic<std::size_t> failed_page = kNone;
+    static constexpr std::size_t kNone = SIZE_MAX;
 
+    void fail_from(std::size_t page) {
+        std::size_t earlier = failed_page;
+        while (page < earlier && !failed_page.compare_exchange_weak(earlier, page)) {
+        }
+    }
     [[nodiscard]] std::size_t page_count() const { return file ? file->page_count() : 0; }
 };
 

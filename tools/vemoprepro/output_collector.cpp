@@ -39,7 +39,13 @@ void OutputSet::append(std::size_t index, Page page) {
 
 void OutputSet::publish() {
     finish_file();
-    for (const auto& file : files_) file->publish();
+    std::size_t published = 0;
+    try {
+        for (; published < files_.size(); ++published) files_[published]->publish();
+    } catch (const FileError&) {
+        while (published > 0) files_[--published]->withdraw();
+        throw;
+    }
 }
 
 void OutputCollector::deliver(PageResult& result) {
@@ -67,7 +73,7 @@ void OutputCollector::write(PageResult& result) {
 }
 
 void OutputCollector::fail(PageResult& result, const FileError& error) {
-    result.input->failed = true;
+    result.input->fail_from(result.page);
     failed_ = result.input;
     outputs_.reset();
     if (result.page == 0) report_.start(result.input->name, "", 0);

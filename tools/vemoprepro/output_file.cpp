@@ -158,6 +158,10 @@ void OutputFile::publish() {
     aside_.clear();
 }
 
+void OutputFile::withdraw() {
+    if (!stream_) unlink(target_.c_str());
+}
+
 void remove_unfinished_outputs_on_signals() {
     sigset_t signals;
     sigemptyset(&signals);

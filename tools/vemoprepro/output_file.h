@@ -26,6 +26,8 @@ class OutputFile {
     [[nodiscard]] int descriptor() const { return file_; }
     void close();
     void publish();
+    /* Removes the file again after publish(). */
+    void withdraw();
 
   private:
     void open_aside();

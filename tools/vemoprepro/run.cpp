@@ -48,7 +48,7 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
     result.input = task.input;
     result.page = task.page;
     result.error = task.error;
-    if (result.error || task.input->failed) return result;
+    if (result.error || task.page > task.input->failed_page) return result;
     try {
         work_on(options, pipeline, task, result);
         return result;
@@ -60,7 +60,7 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
         result.error = FileError(task.input->name, page_prefix(task) + "not enough memory");
     }
     result.data = {};
-    task.input->failed = true;
+    task.input->fail_from(task.page);
     return result;
 }
 

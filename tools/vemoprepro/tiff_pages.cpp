@@ -10,6 +10,8 @@
 #include <cstring>
 #include <memory>
 
+#include "orientation.h"
+
 namespace tool {
 namespace {
 
@@ -52,16 +54,22 @@ int tag_of(TIFF* tiff, std::uint32_t tag) {
     return value;
 }
 
+/* True when scan lines are packed grey or red, green, blue bytes. JPEG data becomes so on request.
+ */
 bool is_packed(TIFF* tiff) {
-    const int compression = tag_of(tiff, TIFFTAG_COMPRESSION);
-    const int colours = tag_of(tiff, TIFFTAG_PHOTOMETRIC);
+    int colours = tag_of(tiff, TIFFTAG_PHOTOMETRIC);
     const int samples = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL);
-    return !TIFFIsTiled(tiff) && compression != COMPRESSION_JPEG &&
-           compression != COMPRESSION_OJPEG && tag_of(tiff, TIFFTAG_BITSPERSAMPLE) == 8 &&
-           tag_of(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG &&
-           tag_of(tiff, TIFFTAG_ORIENTATION) == ORIENTATION_TOPLEFT &&
-           ((colours == PHOTOMETRIC_RGB && samples == 3) ||
-            (colours == PHOTOMETRIC_MINISBLACK && samples == 1));
+    const int compression = tag_of(tiff, TIFFTAG_COMPRESSION);
+    if (TIFFIsTiled(tiff) || compression == COMPRESSION_OJPEG ||
+        tag_of(tiff, TIFFTAG_BITSPERSAMPLE) != 8 ||
+        tag_of(tiff, TIFFTAG_PLANARCONFIG) != PLANARCONFIG_CONTIG)
+        return false;
+    if (compression == COMPRESSION_JPEG && colours == PHOTOMETRIC_YCBCR) {
+        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        colours = PHOTOMETRIC_RGB;
+    }
+    return (colours == PHOTOMETRIC_RGB && samples == 3) ||
+           (colours == PHOTOMETRIC_MINISBLACK && samples == 1);
 }
 
 int dots_per_inch(TIFF* tiff, std::uint32_t tag) {
@@ -131,6 +139,7 @@ std::optional<Page> read_packed_tiff(const std::string& path, std::size_t offset
     page.bytes = allocate_pixels(page.size());
     for (int y = 0; y < page.height; ++y)
         if (TIFFReadScanline(tiff.get(), page.row(y), static_cast<std::uint32_t>(y), 0) != 1) break;
+    orient(page, tag_of(tiff.get(), TIFFTAG_ORIENTATION));
     return page;
 }
 

@@ -1,9 +1,10 @@
 /* A JPEG file is a chain of segments: FF, a marker byte, and a big-endian length that counts
  * itself. The EXIF data is the segment FFE1 that starts with "Exif\0\0"; the rest of it is laid out
- * as a TIFF file, of which only the first directory is of interest. Decoders leave the tag alone,
- * so it is read here. */
-#include "jpeg_orientation.h"
+ * as a TIFF file, of which only the first directory is of interest. Decoders of JPEG leave the tag
+ * alone, so it is read here. */
+#include "orientation.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -70,21 +71,38 @@ int next_segment(std::FILE* file, std::vector<std::uint8_t>& body) {
     return std::fread(body.data(), 1, body.size(), file) == body.size() ? marker : -1;
 }
 
+template <std::size_t kBytes>
+void mirror_row(unsigned char* row, int width) {
+    unsigned char* left = row;
+    unsigned char* right = row + kBytes * static_cast<std::size_t>(width - 1);
+    for (; left < right; left += kBytes, right -= kBytes)
+        std::swap_ranges(left, left + kBytes, right);
+}
+
 }  // namespace
 
-Orientation jpeg_orientation(std::FILE* file) {
-    /* Indexed by the tag's value: what brings an image with that tag upright. */
-    static constexpr Orientation kUpright[] = {
-        {}, {}, {true, 0}, {false, 2}, {true, 2}, {true, 3}, {false, 1}, {true, 1}, {false, 3}};
+int jpeg_orientation(std::FILE* file) {
     std::rewind(file);
-    if (std::getc(file) != 0xFF || std::getc(file) != 0xD8) return {};
+    if (std::getc(file) != 0xFF || std::getc(file) != 0xD8) return kUprightTag;
     std::vector<std::uint8_t> body;
     for (int marker; (marker = next_segment(file, body)) >= 0 && marker != kStartOfScan;) {
         if (marker != kExifSegment) continue;
         const int tag = orientation_in(body);
-        if (tag >= 1 && tag <= 8) return kUpright[tag];
+        if (tag != 0) return tag;
     }
-    return {};
+    return kUprightTag;
+}
+
+void orient(Page& page, int tag) {
+    if (tag < 1 || tag > 8) return;
+    constexpr bool kMirror[] = {false, true, false, true, true, false, true, false};
+    constexpr int kQuarterTurns[] = {0, 0, 2, 2, 3, 1, 1, 3};
+    page.quarter_turns = kQuarterTurns[tag - 1];
+    if (!kMirror[tag - 1]) return;
+    for (int y = 0; y < page.height; ++y) {
+        if (page.kind == PageKind::grey) mirror_row<1>(page.row(y), page.width);
+        if (page.kind == PageKind::colour) mirror_row<3>(page.row(y), page.width);
+    }
 }
 
 }  // namespace tool
