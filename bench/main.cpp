@@ -6,6 +6,7 @@
 // over the run, so that a change of the machine's speed meets both sides alike. `--rows=TEXT` keeps
 // the rows whose name contains TEXT. Exit status 1 when a row falls short.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -120,6 +121,10 @@ bool add(Row row) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
+    // Freed pages stay with the process: otherwise whether a side pays for fresh ones in every call
+    // would depend on what the other rows have allocated before it.
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
     const std::string wanted = wanted_rows(argc, argv);
     std::string interleave = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments(argv, argv + argc);

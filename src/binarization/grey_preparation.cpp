@@ -27,36 +27,31 @@ simd::ChannelOrder channel_order(const Source& source) {
 // A whole row goes straight to its place; a part of one has to be cut out of the row.
 void read_grey(const Source& source, const Region& region, const MutableGreyView& grey,
                ContrastSearch& contrast) {
-    const bool whole_rows = region.width() == source.width;
-    RowBuffer row(whole_rows ? 0 : source.row_bytes());
-    RowStream rows(source, region.y0);
-    for (int y = 0; y < grey.height; ++y) {
-        if (whole_rows) {
+    if (region.width() == source.width) {
+        RowStream rows(source, region.y0);
+        for (int y = 0; y < grey.height; ++y) {
             rows.next(grey.row(y));
-        } else {
-            rows.next(row.data());
-            std::memcpy(grey.row(y), row.data() + region.x0, static_cast<std::size_t>(grey.width));
+            contrast.visit(grey, y);
         }
-        contrast.visit(grey, y);
+        return;
     }
+    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+        std::memcpy(grey.row(y), row + region.x0, static_cast<std::size_t>(grey.width));
+        contrast.visit(grey, y);
+    });
 }
 
 void read_colour(const Source& source, const Region& region, const MutableGreyView& grey,
                  ContrastSearch& contrast) {
     const auto width = static_cast<std::size_t>(grey.width);
     const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
-    RowBuffer row(source.row_bytes());
-    RowStream rows(source, region.y0);
-    for (int y = 0; y < grey.height; ++y) {
-        rows.next(row.data());
-        simd::luminance_row(row.data() + skipped, width, channel_order(source), grey.row(y));
-    }
-    RowStream rows_again(source, region.y0);
-    for (int y = 0; y < grey.height; ++y) {
-        rows_again.next(row.data());
-        simd::hold_saturated(row.data() + skipped, width, grey.row(y));
+    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+        simd::luminance_row(row + skipped, width, channel_order(source), grey.row(y));
+    });
+    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+        simd::hold_saturated(row + skipped, width, grey.row(y));
         contrast.visit(grey, y);
-    }
+    });
 }
 
 void convert_in_bands(const Source& source, const Region& region, const MutableGreyView& grey,

@@ -1,17 +1,16 @@
 // The automatic threshold of a grey image.
 #pragma once
 
-#include <array>
 #include <cstdint>
 
 #include "common/views.h"
+#include "simd/level_counts.h"
 
 namespace binarization {
 
 // Pixels at each grey level.
-using Histogram = std::array<std::uint64_t, 256>;
+using Histogram = simd::LevelCounts;
 
-// Throws std::bad_alloc.
 Histogram histogram(const common::GreyView& grey);
 
 // The level t that parts the histogram into 0 .. t and t + 1 .. 255 with the largest variance

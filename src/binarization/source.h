@@ -8,6 +8,7 @@
 // one RowStream is finished with before the next is begun, since they share the reader's position.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -98,5 +99,28 @@ class RowStream {
     int rows_above_;
     bool started_ = false;
 };
+
+// Calls visit(k, row) for the rows of the region from the top, k from 0; `row` is a whole source
+// row, valid during the call. Several rows are read before the first of them is visited: a reader
+// that copies out of a page in memory then runs through it in long stretches, which the processor
+// fetches ahead, where single rows with work in between would start anew each time.
+template <class Visit>
+void visit_rows(const Source& source, const Region& region, Visit&& visit) {
+    // Stays in the second-level cache, and below the size from which the C library maps fresh
+    // pages.
+    constexpr std::size_t kBlockBytes = std::size_t{96} << 10;
+    const auto height = static_cast<std::size_t>(region.height());
+    const std::size_t row_bytes = (source.row_bytes() + 63) / 64 * 64;
+    const std::size_t block_rows = std::clamp<std::size_t>(kBlockBytes / row_bytes, 1, height);
+    RowBuffer block(block_rows * row_bytes);
+    RowStream rows(source, region.y0);
+    for (std::size_t first = 0; first < height; first += block_rows) {
+        const std::size_t count = std::min(block_rows, height - first);
+        for (std::size_t i = 0; i < count; ++i) rows.next(block.data() + i * row_bytes);
+        for (std::size_t i = 0; i < count; ++i) {
+            visit(static_cast<int>(first + i), block.data() + i * row_bytes);
+        }
+    }
+}
 
 }  // namespace binarization

@@ -19,12 +19,9 @@ void binarize_row(const std::uint8_t* grey, std::uint8_t threshold,
 
 void binarize_as_read(const Source& source, const Region& region, std::uint8_t threshold,
                       const common::MutableBitonalView& page) {
-    RowBuffer row(source.row_bytes());
-    RowStream rows(source, region.y0);
-    for (int y = 0; y < page.height; ++y) {
-        rows.next(row.data());
-        binarize_row(row.data() + region.x0, threshold, page, y);
-    }
+    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+        binarize_row(row + region.x0, threshold, page, y);
+    });
 }
 
 }  // namespace

@@ -106,11 +106,17 @@ HWY_INLINE ByteVector excess(const std::uint8_t* first, const std::uint8_t* seco
     return hn::SaturatedSub(difference, limit);
 }
 
-// Whether neighbouring bytes of `lanes` pixels, channels of one pixel or the last and the first of
-// two, differ by more than half of kSaturatedSpread: none of the pixels is strongly coloured
-// otherwise, since a spread is at most the sum of two such differences. Reads one byte behind the
-// pixels.
+// False only when none of the pixels from `colour` on can be strongly coloured, for either of two
+// reasons: every channel is so light that no spread above the limit fits under white, as on paper;
+// or neighbouring bytes, channels of one pixel or the last and the first of two, differ by at most
+// half of the limit, and a spread is at most the sum of two such differences. Reads one byte behind
+// the pixels.
 HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) {
+    const ByteVector darkest =
+        hn::Min(hn::Min(hn::LoadU(kBytes, colour), hn::LoadU(kBytes, colour + lanes)),
+                hn::LoadU(kBytes, colour + 2 * lanes));
+    const ByteVector light = hn::Set(kBytes, std::uint8_t{255 - kSaturatedSpread});
+    if (hn::AllTrue(kBytes, hn::Eq(hn::Min(darkest, light), light))) return false;
     const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedSpread / 2});
     const ByteVector found = hn::Or(
         hn::Or(excess(colour, colour + 1, half), excess(colour + lanes, colour + lanes + 1, half)),
