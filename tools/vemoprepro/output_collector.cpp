@@ -1,5 +1,6 @@
 #include "output_collector.h"
 
+#include <new>
 #include <utility>
 
 namespace tool {
@@ -55,6 +56,8 @@ void OutputCollector::deliver(PageResult& result) {
         write(result);
     } catch (const FileError& error) {
         fail(result, error);
+    } catch (const std::bad_alloc&) {
+        fail(result, FileError(result.input->name, "not enough memory"));
     }
 }
 

@@ -4,9 +4,7 @@
 
 #include <leptonica/allheaders.h>
 #include <tiffio.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -76,36 +74,7 @@ class TiffWriter final : public PageWriter {
     TIFF* tiff_ = nullptr;
 };
 
-/* A buffered stream on a descriptor of its own, checked when it is closed. */
-class BufferedStream {
-  public:
-    explicit BufferedStream(const OutputFile& file) : name_(file.name()) {
-        const int copy = dup(file.descriptor());
-        stream_ = copy < 0 ? nullptr : fdopen(copy, "wb");
-        if (!stream_) throw system_error_of(name_);
-    }
-    ~BufferedStream() {
-        if (stream_) std::fclose(stream_);
-    }
-    BufferedStream(const BufferedStream&) = delete;
-    BufferedStream& operator=(const BufferedStream&) = delete;
-
-    [[nodiscard]] std::FILE* get() const { return stream_; }
-    void close() {
-        const bool failed = std::ferror(stream_) != 0;
-        const int error = errno;
-        std::FILE* stream = stream_;
-        stream_ = nullptr;
-        if (std::fclose(stream) != 0) throw system_error_of(name_);
-        if (failed) throw system_error_of(name_, error);
-    }
-
-  private:
-    std::string name_;
-    std::FILE* stream_ = nullptr;
-};
-
-/* A Leptonica image over the page's block, in Leptonica's word order. */
+/* The page as a Leptonica image, in Leptonica's word order. */
 PixOwner image_of(Page& page) {
     const l_int32 depth = page.kind == PageKind::bitonal ? 1 : page.kind == PageKind::grey ? 8 : 32;
     PixOwner image(pixCreate(page.width, page.height, depth));
@@ -130,17 +99,19 @@ PixOwner image_of(Page& page) {
     return image;
 }
 
+/* The file is made in memory: Leptonica loses a block whenever it cannot write to a stream. */
 class PngWriter final : public PageWriter {
   public:
     explicit PngWriter(const OutputFile& file) : file_(file) {}
 
     void append(Page page) override {
         const PixOwner image = image_of(page);
-        BufferedStream stream(file_);
-        errno = 0;
-        if (pixWriteStreamPng(stream.get(), image.get(), 0) != 0)
-            throw system_error_of(file_.name(), errno ? errno : EIO);
-        stream.close();
+        l_uint8* bytes = nullptr;
+        std::size_t size = 0;
+        const bool failed = pixWriteMemPng(&bytes, &size, image.get(), 0) != 0;
+        const PixelBlock owner(bytes);
+        if (failed) throw std::bad_alloc();
+        write_all(file_.descriptor(), bytes, size, file_.name());
     }
     void finish() override {}
 
