@@ -49,7 +49,7 @@ std::shared_ptr<FileAutoClose> open_file(const std::string& path, std::ios_base:
     const std::string file_mode = c_mode(mode);
     const boost::filesystem::path file_path(path);
     const boost::filesystem::path folder = file_path.parent_path();
-    if (!folder.empty() && !entry_exists(folder)) create_folder(folder);
+    if (!entry_exists(folder)) create_folder(folder);
     if (entry_exists(file_path) && file_mode[0] != 'a') remove_old(file_path);
     // Made before the file is opened, so that nothing can fail between opening and owning.
     auto handle = std::make_shared<FileAutoClose>();

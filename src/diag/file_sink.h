@@ -28,9 +28,9 @@ class FileAutoClose {
     std::FILE* file = nullptr;
 };
 
-// Opens `path` and returns its owner. Missing folders above it are made; an existing file is
-// removed first unless the mode appends. Throws the reason as std::string. Modes: out, out|trunc
-// "w"; out|app "a"; in|out, in|out|trunc "w+"; in|out|app "a+"; each with binary.
+// Opens `path`, which names a folder, and returns its owner. Missing folders above it are made; an
+// existing file is removed first unless the mode appends. Throws the reason as std::string. Modes:
+// out, out|trunc "w"; out|app "a"; in|out, in|out|trunc "w+"; in|out|app "a+"; each with binary.
 std::shared_ptr<FileAutoClose> open_file(const std::string& path, std::ios_base::openmode mode);
 
 template <class Char>

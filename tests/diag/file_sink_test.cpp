@@ -101,6 +101,8 @@ TEST_F(DebugFiles, WhatCannotBeMadeSaysWhy) {
     EXPECT_EQ(
         deeper.rfind("while creating: \"" + (folder / "file" / "b" / "c").string() + "\"\n", 0), 0U)
         << deeper;
+    EXPECT_EQ(failure("log", ios_base::out), "could not create: \"\" root does not exist");
+    EXPECT_FALSE(fs::exists("log"));
     fs::create_directories(folder / "full" / "log" / "inside");
     ::testing::internal::CaptureStdout();
     const std::string removal = failure(folder / "full" / "log", ios_base::out);
