@@ -31,8 +31,8 @@ std::string c_mode(std::ios_base::openmode mode) {
     return text;
 }
 
-// A file of the same name that other processes still read keeps its contents for them; and a name
-// that is a folder is refused by the open that follows or here.
+// Removed rather than cut short: whoever still reads the old file keeps its contents. An empty
+// folder of that name goes too; one that holds something is refused.
 void remove_old(const boost::filesystem::path& path) {
     boost::system::error_code error;
     boost::filesystem::remove(path, error);

@@ -103,6 +103,10 @@ TEST_F(DebugFiles, WhatCannotBeMadeSaysWhy) {
         << deeper;
     EXPECT_EQ(failure("log", ios_base::out), "could not create: \"\" root does not exist");
     EXPECT_FALSE(fs::exists("log"));
+    fs::create_directory(folder / "empty");
+    EXPECT_EQ(failure(folder / "empty", ios_base::app | ios_base::out).rfind("creation of", 0), 0U);
+    EXPECT_EQ(failure(folder / "empty", ios_base::out), "");
+    EXPECT_TRUE(fs::is_regular_file(folder / "empty"));
     fs::create_directories(folder / "full" / "log" / "inside");
     ::testing::internal::CaptureStdout();
     const std::string removal = failure(folder / "full" / "log", ios_base::out);
