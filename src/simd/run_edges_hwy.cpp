@@ -145,12 +145,13 @@ HWY_INLINE std::int32_t* write_edges_loosely(std::uint64_t edges, std::int32_t x
 std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
                           bool invert, std::int32_t* out) {
     std::int32_t* end = out;
-    std::int32_t* const loose_end = out + (std::int64_t{width} + 1 - std::int64_t{kRunSlack});
+    // Negative for short rows: compared as a number, since there is no such place before `out`.
+    const std::int64_t last_loose = std::int64_t{width} + 1 - std::int64_t{kRunSlack};
     const bool open =
         visit_edges(row, x_start, width, invert, [&](std::uint64_t edges, std::int32_t x) HWY_ATTR {
             if (edges == 0) return;
-            end =
-                end <= loose_end ? write_edges_loosely(edges, x, end) : write_edges(edges, x, end);
+            end = end - out <= last_loose ? write_edges_loosely(edges, x, end)
+                                          : write_edges(edges, x, end);
         });
     if (open) *end++ = x_start + width;
     return static_cast<std::int32_t>(end - out);
