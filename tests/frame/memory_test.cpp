@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
+#include <cstring>
 #include <new>
 
 #include "frame/buffer.h"
@@ -72,6 +75,43 @@ TEST_F(MemoryHooks, BufferFailsCleanlyAndOwnsItsBlock) {
         free_calls = 0;
     }
     EXPECT_EQ(free_calls, 1);
+}
+
+// Installs a marker in one slot at a time: that slot alone holds it, and null brings the default
+// back.
+template <class Hook>
+void expect_own_slot(void (*install)(Hook), Hook marker, Hook frame::HookTable::*slot) {
+    const auto bytes = [](const frame::HookTable& table) {
+        std::array<std::byte, sizeof(table)> copy{};
+        std::memcpy(copy.data(), &table, sizeof(table));
+        return copy;
+    };
+    frame::HookTable expected = frame::kDefaultHooks;
+    expected.*slot = marker;
+    install(marker);
+    const auto installed = bytes(frame::hooks);
+    install(nullptr);
+    EXPECT_EQ(installed, bytes(expected));
+    EXPECT_EQ(bytes(frame::hooks), bytes(frame::kDefaultHooks));
+}
+
+TEST(HookInstallers, EachHasItsOwnSlotAndNullRestoresIt) {
+    using frame::HookTable;
+    expect_own_slot(prepro_redefine_malloc, recording_malloc, &HookTable::malloc_hook);
+    expect_own_slot(prepro_redefine_free, recording_free, &HookTable::free_hook);
+    expect_own_slot<prepro_realloc_hook>(
+        prepro_redefine_realloc,
+        [](void*, std::uint64_t, void* (*)(void*, std::size_t)) -> void* { return nullptr; },
+        &HookTable::realloc_hook);
+    expect_own_slot<prepro_aligned_malloc_hook>(
+        prepro_redefine_aligned_malloc,
+        [](std::uint64_t, std::uint64_t, void* (*)(std::size_t, std::size_t)) -> void* {
+            return nullptr;
+        },
+        &HookTable::aligned_malloc_hook);
+    expect_own_slot(prepro_redefine_aligned_free, recording_free, &HookTable::aligned_free_hook);
+    expect_own_slot(prepro_redefine_gpu_malloc, recording_malloc, &HookTable::gpu_malloc_hook);
+    expect_own_slot(prepro_redefine_gpu_free, recording_free, &HookTable::gpu_free_hook);
 }
 
 TEST_F(MemoryHooks, DefaultsForwardToTheirLastArgument) {
