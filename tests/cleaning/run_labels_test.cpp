@@ -33,9 +33,11 @@ void expect_same_components(const cleaning::RunLabels& labels,
     }
 }
 
-void expect_matches_flood_fill(const Bytes& bytes, int height, int width, int stride,
+void expect_matches_flood_fill(const Bytes& page, int height, int width, int stride,
                                int ink_value) {
-    const Bytes ink = ink_value == 0 ? bytes : inverted(bytes);
+    const Bytes ink = ink_value == 0 ? page : inverted(page);
+    // Ends with the last row's pixels: a touch of its padding shows under the sanitizer.
+    const Bytes bytes(page.begin(), page.begin() + (height - 1) * stride + (width + 7) / 8);
     const auto expected = model::components(ink.data(), height, width, stride);
     const cleaning::RunLabels labels =
         cleaning::label_runs({bytes.data(), height, width, stride}, ink_value);
