@@ -26,7 +26,7 @@ BasicImage noise(int height, int width, int type, std::uint32_t seed) {
     return image;
 }
 
-// An image that is not a BasicImage: rows that begin inside a byte.
+// An image whose rows begin inside a byte.
 class OffsetImage : public BasicImage {
   public:
     OffsetImage(int height, int width, int bit_offset, std::uint32_t seed)
@@ -42,6 +42,26 @@ class OffsetImage : public BasicImage {
   private:
     int width_;
     int bit_offset_;
+};
+
+// An image of another class altogether.
+class ForeignImage : public common::Image {
+  public:
+    int getHeight() const override { return 0; }
+    int getWidth() const override { return 0; }
+    int getBytesPerLine() const override { return 0; }
+    int getXResolution() const override { return 0; }
+    int getYResolution() const override { return 0; }
+    int getType() const override { return 0; }
+    std::uint8_t* getRow(int) const override { return nullptr; }
+    int getBitOffset() const override { return 0; }
+    bool getBytesPerPixel(int&) const override { return false; }
+    common::WhiteRectangle findLargestWhiteRectangle() const override { return {}; }
+    std::uint32_t getPixel(int, int) const override { return 0; }
+    void setPixel(int, int, std::uint32_t) override {}
+    void swap(common::Image&) override {}
+    void clampResolution(int, int) override {}
+    std::uint8_t* getData() const override { return nullptr; }
 };
 
 TEST(BasicImage, RowsAndPixelsFollowTheType) {
@@ -173,9 +193,9 @@ TEST(BasicImage, LargestWhiteRectangleIsTheFirstOfTheLargest) {
     }
 }
 
-// Each constructor and the assignment under a hook that gives nothing: the documented text, nothing
-// kept.
-TEST(BasicImage, SaysWhatCouldNotBeAllocated) {
+// Each constructor and the assignment under a hook that gives nothing, and a swap that cannot be:
+// the documented text in the documented type, nothing kept.
+TEST(BasicImage, SaysWhatWentWrong) {
     const BasicImage bitonal = noise(4, 9, common::kBitonal, 1);
     BasicImage target(2, 2, common::kGrey, 1, 1);
     const auto text_of = [](auto&& action) -> std::string {
@@ -183,12 +203,16 @@ TEST(BasicImage, SaysWhatCouldNotBeAllocated) {
         try {
             action();
         } catch (const std::string& text) {
-            return text;
+            return "string: " + text;
         } catch (const char* text) {
             return text;
         }
         return "";
     };
+    ForeignImage foreign;
+    EXPECT_EQ(text_of([&] { target.swap(foreign); }),
+              "The images you want to swap must be both of type BasicImage.");
+    EXPECT_EQ(target.getWidth(), 2);
     prepro_redefine_malloc(support::failing_malloc);
     const std::string constructed = text_of([] { BasicImage(12, 34, common::kGrey, 300, 300); });
     const std::string copied = text_of([&] { BasicImage copy(bitonal); });
@@ -197,9 +221,9 @@ TEST(BasicImage, SaysWhatCouldNotBeAllocated) {
         text_of([&] { BasicImage grey(static_cast<const common::Image&>(bitonal)); });
     support::allocations_until_failure = -1;
     prepro_redefine_malloc(nullptr);
-    EXPECT_EQ(
-        constructed,
-        "error while constructing BasicImage 12 x 34 no data, could not allocate enough memory");
+    EXPECT_EQ(constructed,
+              "string: error while constructing BasicImage 12 x 34 no data, could not allocate "
+              "enough memory");
     EXPECT_EQ(copied, "error while copying image, could not allocate enough memory");
     EXPECT_EQ(assigned, copied);
     EXPECT_EQ(target.getData(), nullptr);
