@@ -76,17 +76,17 @@ int kyd_rotate_color(int mode, int bytes_per_pixel, const unsigned char* src, in
     if (mode < PREPRO_TURN_COUNTER_CLOCKWISE || mode > PREPRO_TURN_CLOCKWISE) return kFailure;
     if (out_height == nullptr || out_width == nullptr) return kFailure;
     const auto turn = static_cast<Turn>(mode);
-    if (height >= 1 && width >= 1) {
-        if (src == nullptr || dst == nullptr || bytes_per_pixel < 1) return kFailure;
-        guarded([&] {
+    const bool empty = height < 1 || width < 1;
+    if (!empty && (src == nullptr || dst == nullptr || bytes_per_pixel < 1)) return kFailure;
+    return guarded([&] {
+        if (!empty) {
             const geometry::PackedImage image{src, static_cast<std::size_t>(height),
                                               static_cast<std::size_t>(width),
                                               static_cast<std::size_t>(bytes_per_pixel)};
             geometry::turn_packed(turn, image, dst);
-            return kSuccess;
-        });
-    }
-    *out_height = turn == Turn::kHalf ? height : width;
-    *out_width = turn == Turn::kHalf ? width : height;
-    return kSuccess;
+        }
+        *out_height = turn == Turn::kHalf ? height : width;
+        *out_width = turn == Turn::kHalf ? width : height;
+        return kSuccess;
+    });
 }
