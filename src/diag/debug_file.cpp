@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/iostreams/stream.hpp>
+#include <locale>
 #include <string>
 
 #include "diag/file_sink.h"
@@ -17,6 +18,7 @@ std::shared_ptr<std::ostream> open_debug_file(const char* folder, const char* fi
     sink.open(where.string() + "/" + file_name, std::ios_base::in | std::ios_base::out);
     auto stream = std::make_shared<boost::iostreams::stream<easy_file_sink<char>>>();
     stream->open(sink);
+    stream->imbue(std::locale::classic());  // the same trace under every global locale of the host
     return stream;
 }
 

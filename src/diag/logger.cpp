@@ -1,6 +1,7 @@
 #include "diag/logger.h"
 
 #include <ios>
+#include <locale>
 #include <sstream>
 
 namespace diag {
@@ -8,6 +9,7 @@ namespace diag {
 std::string format(std::int32_t level, std::uint32_t owner, std::uint32_t code,
                    std::string_view text) {
     std::ostringstream out;
+    out.imbue(std::locale::classic());  // the host's global locale may group digits
     switch (level) {
         case kTraceLevel:
             out << "<TRACE>" << text << "</TRACE>\n";

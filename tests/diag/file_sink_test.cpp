@@ -12,6 +12,7 @@
 
 #include "diag/debug_file.h"
 #include "diag/folder.h"
+#include "support/punctuating_locale.h"
 
 namespace {
 
@@ -133,9 +134,10 @@ TEST_F(DebugFiles, TracesLandInTheNamedOrTheCurrentFolder) {
     EXPECT_EQ(contents(deep + "/trace.log"), "there");
     const fs::path before = fs::current_path();
     fs::current_path(folder);
-    *diag::open_debug_file(nullptr, "trace.log") << 1.0 / 3;
+    const support::PunctuatingLocale host;  // must not show
+    *diag::open_debug_file(nullptr, "trace.log") << 1.0 / 3 << ' ' << 12345;
     fs::current_path(before);
-    EXPECT_EQ(contents(folder / "trace.log"), "0.333333");
+    EXPECT_EQ(contents(folder / "trace.log"), "0.333333 12345");
 }
 
 }  // namespace

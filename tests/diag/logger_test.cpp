@@ -6,6 +6,8 @@
 #include <new>
 #include <string>
 
+#include "support/punctuating_locale.h"
+
 namespace {
 
 class RecordingLogger : public diag::Logger {
@@ -75,6 +77,12 @@ TEST_F(Report, TagsTheTextOfAVerboseLogger) {
         EXPECT_EQ(recording.last_owner, c.owner == 0 ? 0x1800U : c.owner);
         EXPECT_EQ(recording.last_level, c.level);
     }
+}
+
+TEST_F(Report, TheHostsLocaleDoesNotPunctuateNumbers) {
+    const support::PunctuatingLocale host;
+    EXPECT_EQ(diag::format(192, 0x1AA0, 0x12345, "x"),
+              "<ERROR OWNER=\"0x1aa0\" CODE=\"0x12345\">x</ERROR>\n");
 }
 
 // Embeddings build their loggers against this position.
