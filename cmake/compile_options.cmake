@@ -2,7 +2,7 @@
 #
 # Results are fixed to the bit, so floating-point contraction is off everywhere and no fast-math flag may
 # be added. Vector code is compiled for several instruction sets by Highway and chosen at run time; the
-# rest of the tree stays at the platform's baseline so that one binary runs everywhere.
+# rest of the tree stays at the platform's baseline and one binary runs on all machines named below.
 #
 # The library defines the plain allocation operators only; without the sized forms, what it allocates
 # through them goes back through them directly.
@@ -10,8 +10,9 @@
 add_library(vemoprepro_options INTERFACE)
 target_compile_options(vemoprepro_options INTERFACE
     -ffp-contract=off $<$<COMPILE_LANGUAGE:CXX>:-fno-sized-deallocation> -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow)
-# SSE4 is the least that x86-64 machines of the last fifteen years have; the ones without fall back to the
-# scalar form.
+# SSE4.2 with AES and carry-less multiplication is the least that x86-64 machines of the last fifteen years
+# have. It is the least that the kernels are compiled for, too: with these definitions Highway makes no scalar
+# form, so the library does not run on older machines.
 target_compile_definitions(vemoprepro_options INTERFACE HWY_WANT_SSE4=1 HWY_WANT_AVX3_DL=1)
 
 if(VEMOPREPRO_SANITIZE)
