@@ -98,12 +98,7 @@ BasicImage::BasicImage(std::uint8_t* data, int width, int height, int stride, in
 
 BasicImage::BasicImage(const BasicImage& other) : Image(other) {
     take_copy(other);
-    height_ = other.height_;
-    width_ = other.width_;
-    stride_ = other.stride_;
-    x_resolution_ = other.x_resolution_;
-    y_resolution_ = other.y_resolution_;
-    type_ = other.type_;
+    take_geometry(other);
 }
 
 BasicImage& BasicImage::operator=(const BasicImage& other) {
@@ -114,12 +109,7 @@ BasicImage& BasicImage::operator=(const BasicImage& other) {
     } else if (data_ != nullptr && other.data_ != nullptr) {
         std::memcpy(data_, other.data_, static_cast<std::size_t>(size_));
     }
-    height_ = other.height_;
-    width_ = other.width_;
-    stride_ = other.stride_;
-    x_resolution_ = other.x_resolution_;
-    y_resolution_ = other.y_resolution_;
-    type_ = other.type_;
+    take_geometry(other);
     return *this;
 }
 
@@ -150,6 +140,16 @@ void BasicImage::take_copy(const BasicImage& other) {
     size_ = other.size_;
     owns_data_ = true;
     std::memcpy(data_, other.data_, static_cast<std::size_t>(size_));
+}
+
+// Everything but the memory.
+void BasicImage::take_geometry(const BasicImage& other) noexcept {
+    height_ = other.height_;
+    width_ = other.width_;
+    stride_ = other.stride_;
+    x_resolution_ = other.x_resolution_;
+    y_resolution_ = other.y_resolution_;
+    type_ = other.type_;
 }
 
 void BasicImage::drop() noexcept {

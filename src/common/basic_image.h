@@ -62,6 +62,7 @@ class BasicImage : public Image {
 
   private:
     void take_copy(const BasicImage& other);
+    void take_geometry(const BasicImage& other) noexcept;
     void drop() noexcept;
 
     std::uint8_t* data_ = nullptr;
