@@ -69,7 +69,9 @@ BasicImage::BasicImage(int height, int width, int type, int x_resolution, int y_
       y_resolution_(y_resolution),
       type_(type) {
     const std::int64_t stride = row_bytes(width, type);
-    const std::int64_t size = height * stride;
+    // A row beyond 31 bits is refused whatever its length: cut, so that no product overflows.
+    constexpr std::int64_t kTooLong = std::int64_t{1} << 31;
+    const std::int64_t size = height * std::clamp(stride, -kTooLong, kTooLong);
     if (size == 0) {
         stride_ = static_cast<std::int32_t>(stride);
         return;

@@ -145,6 +145,11 @@ TEST(ComponentEngine, FirstTouchedComponentAbsorbsTheOthers) {
     EXPECT_EQ(whole.segment_count, 3);
     EXPECT_EQ(whole.area, 14U);
     for (std::int32_t s = 0; s < 3; ++s) EXPECT_EQ(engine.component_of(s), 0);
+    // Segment by segment, each from its top: the absorbed ones follow in the order of the merges.
+    std::vector<model::Run> visited;
+    engine.for_each_run(0, [&](const run& r) { visited.push_back({r.x0, r.x1, r.y}); });
+    EXPECT_EQ(visited, (std::vector<model::Run>{
+                           {0, 1, 0}, {0, 1, 1}, {0, 7, 2}, {3, 4, 0}, {4, 7, 1}, {6, 7, 0}}));
     EXPECT_EQ(engine.finish_components(3, rule), 0);
     EXPECT_EQ(engine.components.count, 0);
 }

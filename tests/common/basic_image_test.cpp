@@ -229,6 +229,11 @@ TEST(BasicImage, SaysWhatWentWrong) {
     EXPECT_EQ(target.getData(), nullptr);
     EXPECT_EQ(converted, "error while copy-constructing image, could not allocate enough memory");
     EXPECT_THROW(BasicImage(32767, 32767, common::kColour, 1, 1), std::string);
+    for (const int side : {INT32_MAX, INT32_MIN}) {
+        for (const int type : {common::kColour, common::kFourBytes}) {
+            EXPECT_THROW(BasicImage(side, side, type, 1, 1), std::string);
+        }
+    }
 }
 
 }  // namespace
