@@ -1,33 +1,21 @@
 // Turns by right angles beside Leptonica, libyuv and OpenCV.
-#include <leptonica/allheaders.h>
 #include <libyuv/planar_functions.h>
 #include <libyuv/rotate.h>
 #include <libyuv/rotate_argb.h>
 
-#include <cstring>
 #include <memory>
 #include <opencv2/core.hpp>
 
 #include "harness.h"
+#include "leptonica_page.h"
 #include "vemoprepro/geometry.h"
 
 namespace {
 
 using Bytes = std::shared_ptr<std::vector<std::uint8_t>>;
-using LeptonicaPage = std::shared_ptr<PIX>;
 
 Bytes room(std::size_t size) {
     return std::make_shared<std::vector<std::uint8_t>>(size);
-}
-
-LeptonicaPage to_leptonica(const bench::Page& page) {
-    PIX* pix = pixCreate(page.width, page.height, 1);
-    for (int y = 0; y < page.height; ++y)
-        std::memcpy(pixGetData(pix) + static_cast<std::ptrdiff_t>(y) * pixGetWpl(pix),
-                    page.data.data() + static_cast<std::ptrdiff_t>(y) * page.stride,
-                    4 * static_cast<std::size_t>(pixGetWpl(pix)));
-    pixEndianByteSwap(pix);
-    return {pix, [](PIX* held) { pixDestroy(&held); }};
 }
 
 // quarters: clockwise, as Leptonica counts.
@@ -42,7 +30,7 @@ bench::Sides turn_bitonal(int mode, int quarters) {
                                       dst->data(), static_cast<int>(dst->size()), &stride);
                 },
             .theirs =
-                [pix = to_leptonica(page), quarters] {
+                [pix = bench::to_leptonica(page), quarters] {
                     PIX* turned = pixRotateOrth(pix.get(), quarters);
                     pixDestroy(&turned);
                 }};
