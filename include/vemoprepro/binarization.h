@@ -1,7 +1,7 @@
 /* Turning grey and colour pages bitonal.
  *
- * Use: bi_setup(reader), any setters, any number of bi_thresh_do() calls, bi_upset(). The one-shot
- * functions do all of that in one call.
+ * Use: bi_setup(reader), any setters, any number of bi_gradl_do() or bi_thresh_do() calls,
+ * bi_upset(). The one-shot functions do all of that in one call.
  *
  * The source is pulled row by row through a reader of the caller; a region x0 <= x < x1, y0 <= y <
  * y1 of it is binarized. The result has y1 - y0 rows of 4 * ceil((x1 - x0) / 32) bytes.
@@ -117,6 +117,53 @@ VEMOPREPRO_API int bi_thresh(int mode, int thresh, prepro_row_reader reader, voi
 VEMOPREPRO_API int bi_thresh_dropout(int mode, int thresh, prepro_row_reader reader, void* ctx,
                                      prepro_dropout dropout, void* dropout_context, int type,
                                      int width, int x0, int x1, int y0, int y1, unsigned char* out);
+
+/* Gradient binarization: a threshold for every 4 x 4 block of the page, taken from the edges found
+ * there (J. Canny, A computational approach to edge detection, 1986) and spread over the paper
+ * around them, so that text on shaded, stained or unevenly lit paper is kept. Arguments, result and
+ * `out` as bi_thresh_do(); black1 and black2 are relative to the white level of the region.
+ *
+ * On several threads (bi_set_nb_threads()) regions of at least 100 rows are cut into bands of whole
+ * rows, at least 50 a band. Each band sees 4 rows of its neighbours, has a grid of blocks of its
+ * own, and is worked on without fill mean, internal smoothing and normalization. So the number of
+ * threads changes pixels near the cuts, and everywhere where those settings are on; the same number
+ * of threads always gives the same bytes. */
+VEMOPREPRO_API int bi_gradl_do(bi_settings* settings, void* ctx, int type, int width, int x0,
+                               int x1, int y0, int y1, unsigned char* out);
+
+/* The same for a source of `resolution` dots per inch, which chooses the analysis window of the
+ * undithering; bi_gradl_do() takes 300. */
+VEMOPREPRO_API int bi_gradl_do_with_resolution(bi_settings* settings, void* ctx, int type,
+                                               int width, int resolution, int x0, int x1, int y0,
+                                               int y1, unsigned char* out);
+
+/* The same after bi_set_debug_folder(settings, folder); -1 for a null folder. No file is written.
+ */
+VEMOPREPRO_API int bi_gradl_do_debug(bi_settings* settings, void* ctx, int type, int width, int x0,
+                                     int x1, int y0, int y1, unsigned char* out,
+                                     const char* folder);
+
+/* The same for a grey image of height x width packed bytes that is used as it is: nothing is read,
+ * smoothed or dropped. The stored smoothing is raised as by every do call. */
+VEMOPREPRO_API int bi_grey_gradl_do(bi_settings* settings, unsigned char* grey, int height,
+                                    int width, unsigned char* out);
+
+/* Binarization by the statistics of the Sobel edges around every 4 x 4 block: thresholds from means
+ * and deviations (bi_set_sigma()) of the darkest and lightest greys beside edges. black1 and black2
+ * are grey levels here; the stored smoothing is used as it is. Regions below 13 x 13 pixels are
+ * binarized by Otsu's method. */
+VEMOPREPRO_API int bi_gradl_do_sobel(bi_settings* settings, void* ctx, int type, int width, int x0,
+                                     int x1, int y0, int y1, unsigned char* out);
+
+/* Gradient binarization in one call, with delta1 40, delta2 32, black1 128, black2 96. mode: 0
+ * plain, 1 smoothed, any other value smoothed and undithered. */
+VEMOPREPRO_API int bi_gradl(int mode, prepro_row_reader reader, void* ctx, int type, int width,
+                            int x0, int x1, int y0, int y1, unsigned char* out);
+
+/* The same with colour dropout. */
+VEMOPREPRO_API int bi_gradl_dropout(int mode, prepro_row_reader reader, void* ctx,
+                                    prepro_dropout dropout, void* dropout_context, int type,
+                                    int width, int x0, int x1, int y0, int y1, unsigned char* out);
 
 /* The grey image that the binarizations of this header start from: luminance
  * (19595 R + 38470 G + 7471 B) >> 16, strongly coloured light pixels held at 200, then undithering

@@ -3,6 +3,7 @@
 #define VEMOPREPRO_PREPRO_H_
 
 #include "vemoprepro/binarization.h"
+#include "vemoprepro/cleaning.h"
 #include "vemoprepro/deskew.h"
 #include "vemoprepro/frame.h"
 #include "vemoprepro/geometry.h"
