@@ -1,5 +1,6 @@
 /* The public headers compile as C11, each by itself and all together. */
 #include "vemoprepro/binarization.h"
+#include "vemoprepro/cleaning.h"
 #include "vemoprepro/deskew.h"
 #include "vemoprepro/frame.h"
 #include "vemoprepro/geometry.h"
