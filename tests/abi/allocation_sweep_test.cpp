@@ -102,6 +102,23 @@ int with_handle(const std::function<int(bi_settings*)>& call) {
     return result;
 }
 
+// Line removal works in place: on a copy of the page.
+int remove_lines(int (*call)(unsigned char* image)) {
+    static std::vector<std::uint8_t> page;
+    page = fixture().text;  // keeps its capacity: allocates the first time only
+    return call(page.data());
+}
+
+int remove_lines_with_handle(int (*call)(lrm_settings*)) {
+    static std::vector<std::uint8_t> page;
+    page = fixture().text;
+    lrm_settings* handle = lrm_init_mem(page.data(), kHeight, kWidth, kStride);
+    if (handle == nullptr) return -1;
+    const int result = call(handle);
+    lrm_exit(handle);
+    return result;
+}
+
 struct Case {
     const char* name;
     bool allocates;
@@ -193,6 +210,32 @@ std::vector<Case> cases() {
         {"bi_color2greybuf", true, [] { return grey(1, 0); }},
         {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
         {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+        {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
+        {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
+        {"linerm_h", true,
+         [] {
+             return remove_lines([](unsigned char* image) {
+                 return linerm_h(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
+             });
+         }},
+        {"linerm_v", true,
+         [] {
+             return remove_lines([](unsigned char* image) {
+                 return linerm_v(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
+             });
+         }},
+        {"extract_underline, horizontal", true,
+         [=] {
+             const int covered =
+                 extract_underline(0, 0, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
+             return covered > 0 ? 0 : covered;
+         }},
+        {"extract_underline, vertical", true,
+         [=] {
+             const int covered =
+                 extract_underline(0, 1, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
+             return covered > 0 ? 0 : covered;
+         }},
     };
 }
 
