@@ -1,4 +1,4 @@
-// A grey row turned into bits by one threshold.
+// A grey row turned into bits by one threshold, or by one for every four pixels.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,11 @@ namespace simd {
 void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t threshold,
                 std::uint8_t* bits);
 
+// The same with a threshold for every four pixels: thresholds[x / 4] for pixel x, ceil(width / 4)
+// of them.
+void pack_below_blocks(const std::uint8_t* grey, std::size_t width, const std::uint8_t* thresholds,
+                       std::uint8_t* bits);
+
 namespace plain {
 
 inline void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t threshold,
@@ -19,6 +24,17 @@ inline void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t
         unsigned byte = 0;
         for (std::size_t i = 0; i < 8 && x + i < width; ++i) {
             if (grey[x + i] < threshold) byte |= 0x80U >> i;
+        }
+        bits[x / 8] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+inline void pack_below_blocks(const std::uint8_t* grey, std::size_t width,
+                              const std::uint8_t* thresholds, std::uint8_t* bits) {
+    for (std::size_t x = 0; x < width; x += 8) {
+        unsigned byte = 0;
+        for (std::size_t i = 0; i < 8 && x + i < width; ++i) {
+            if (grey[x + i] < thresholds[(x + i) / 4]) byte |= 0x80U >> i;
         }
         bits[x / 8] = static_cast<std::uint8_t>(byte);
     }

@@ -1,0 +1,83 @@
+// Sums over the pixels and the edge pixels of 4 x 4 blocks, one row of blocks at a time.
+//
+// An edge pixel has a strong gradient (both 3 x 3 Sobel responses, undivided: gx * gx + gy * gy is
+// the measure) and enough contrast (difference of the largest and the smallest of the nine greys
+// around it). The pixels at the page's edge, which lack neighbours, are none.
+//
+// Use: one call per row of blocks; sums[j] is the block of columns 4 j .. 4 j + 3.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace simd {
+
+// The four rows of a row of blocks with the row above and the row below.
+struct BlockRows {
+    const std::uint8_t* row[6];
+    std::size_t width;  // pixels of the page; the last, incomplete block is left out
+    // Rows from .. to - 1 of the four can hold edge pixels; row[from] and row[to + 1] are read,
+    // rows outside row[from] .. row[to + 1] and the four need not exist.
+    std::size_t edges_from = 0;
+    std::size_t edges_to = 4;
+};
+
+struct EdgeLimits {
+    std::int32_t squared_gradient;  // at least; 1 .. 616,225
+    std::uint8_t contrast;          // at least
+};
+
+// An array for each sum, a number for every whole block. `minima` and `maxima` are those of the
+// 3 x 3 pixels around each edge pixel.
+struct EdgeBlockSums {
+    std::int32_t* grey;  // of all sixteen pixels; the others are of the edge pixels only
+    std::int32_t* count;
+    std::int32_t* minima;
+    std::int32_t* maxima;
+    std::int32_t* squared_minima;
+    std::int32_t* squared_maxima;
+};
+
+// Writes width / 4 numbers of each array.
+void sum_edge_blocks(const BlockRows& rows, const EdgeLimits& limits, const EdgeBlockSums& sums);
+
+namespace plain {
+
+inline void add_edge_pixel(const std::uint8_t* above, const std::uint8_t* row,
+                           const std::uint8_t* below, const EdgeLimits& limits, std::size_t block,
+                           const EdgeBlockSums& sums) {
+    const int gx = above[1] + 2 * row[1] + below[1] - above[-1] - 2 * row[-1] - below[-1];
+    const int gy = below[-1] + 2 * below[0] + below[1] - above[-1] - 2 * above[0] - above[1];
+    const auto [least, most] = std::minmax(
+        {above[-1], above[0], above[1], row[-1], row[0], row[1], below[-1], below[0], below[1]});
+    if (gx * gx + gy * gy < limits.squared_gradient || most - least < limits.contrast) return;
+    sums.count[block] += 1;
+    sums.minima[block] += least;
+    sums.maxima[block] += most;
+    sums.squared_minima[block] += least * least;
+    sums.squared_maxima[block] += most * most;
+}
+
+inline void sum_edge_blocks(const BlockRows& rows, const EdgeLimits& limits,
+                            const EdgeBlockSums& sums) {
+    for (std::size_t block = 0; block < rows.width / 4; ++block) {
+        for (auto* sum : {sums.grey, sums.count, sums.minima, sums.maxima, sums.squared_minima,
+                          sums.squared_maxima}) {
+            sum[block] = 0;
+        }
+        for (std::size_t y = 0; y < 4; ++y) {
+            for (std::size_t x = 4 * block; x < 4 * block + 4; ++x) {
+                sums.grey[block] += rows.row[y + 1][x];
+                if (y < rows.edges_from || y >= rows.edges_to || x == 0 || x + 1 == rows.width) {
+                    continue;
+                }
+                add_edge_pixel(rows.row[y] + x, rows.row[y + 1] + x, rows.row[y + 2] + x, limits,
+                               block, sums);
+            }
+        }
+    }
+}
+
+}  // namespace plain
+}  // namespace simd
