@@ -130,4 +130,21 @@ TEST(ThresholdBits, AgreeOnEveryLengthAndThreshold) {
     });
 }
 
+TEST(ThresholdBits, OfBlocksAgreeOnEveryLength) {
+    const Bytes grey = support::random_bytes(400, 4);
+    const Bytes thresholds = support::random_bytes(100, 5);
+    for_all_rows([&](std::size_t width, std::size_t offset) {
+        support::GuardedBuffer bits((width + 7) / 8);
+        Bytes expected((width + 7) / 8);
+        const std::uint8_t* pixels = grey.data() + offset;
+        // Its own block, so that a threshold behind the last one is not there to be read.
+        const Bytes own(thresholds.begin(),
+                        thresholds.begin() + static_cast<std::ptrdiff_t>((width + 3) / 4));
+        simd::pack_below_blocks(pixels, width, own.data(), bits.data());
+        simd::plain::pack_below_blocks(pixels, width, own.data(), expected.data());
+        ASSERT_EQ(bits.contents(), expected) << width;
+        ASSERT_TRUE(bits.guards_intact());
+    });
+}
+
 }  // namespace
