@@ -102,6 +102,7 @@ int with_handle(const std::function<int(bi_settings*)>& call) {
     return result;
 }
 
+<<<<<<< HEAD
 // Line removal works in place: on a copy of the page.
 int remove_lines(int (*call)(unsigned char* image)) {
     static std::vector<std::uint8_t> page;
@@ -117,6 +118,18 @@ int remove_lines_with_handle(int (*call)(lrm_settings*)) {
     const int result = call(handle);
     lrm_exit(handle);
     return result;
+=======
+// Calls `clean(page)` on a copy of the text page.
+template <class Clean>
+int clean_copy(Clean clean) {
+    static std::vector<std::uint8_t> page;
+    page.assign(fixture().text.begin(), fixture().text.end());
+    return clean(page.data());
+}
+
+int erase_narrow(void*, int, int width, int) {
+    return width < 6 ? 1 : 0;
+>>>>>>> f090de6 (Despeckle by area, by rule and in busy regions; filter text components)
 }
 
 struct Case {
@@ -210,6 +223,7 @@ std::vector<Case> cases() {
         {"bi_color2greybuf", true, [] { return grey(1, 0); }},
         {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
         {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+<<<<<<< HEAD
         {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
         {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
         {"linerm_h", true,
@@ -235,6 +249,55 @@ std::vector<Case> cases() {
              const int covered =
                  extract_underline(0, 1, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
              return covered > 0 ? 0 : covered;
+=======
+        {"despeckl_mem, few pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_mem(page, kHeight, kWidth, kStride, 8);
+             });
+         }},
+        {"despeckl_mem, many pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_mem(page, kHeight, kWidth, kStride, 400);
+             });
+         }},
+        {"despeckl_c_mem, few pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 8, 3);
+             });
+         }},
+        {"despeckl_c_mem, many pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 400, 3);
+             });
+         }},
+        {"despeckl_cb_mem", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_cb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr);
+             });
+         }},
+        {"despeckl_ccb_mem", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_ccb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr, 2);
+             });
+         }},
+        {"despeckl_selective", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_selective(page, kHeight, kWidth, kStride, 0, 100, 2);
+             });
+         }},
+        {"pre_tva", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return pre_tva(page, kHeight, kWidth, kStride, 20, 2);
+             });
+>>>>>>> f090de6 (Despeckle by area, by rule and in busy regions; filter text components)
          }},
     };
 }

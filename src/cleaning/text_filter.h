@@ -1,0 +1,21 @@
+// What is not text is erased from a bitonal page: components that are too high, or too sparse for
+// their longer side.
+#pragma once
+
+#include <cstdint>
+
+#include "common/views.h"
+
+namespace cleaning {
+
+struct TextShape {
+    std::int16_t max_height;   // rows
+    std::int16_t min_density;  // pixels per pixel of the longer side
+};
+
+// Erases, in place, the components that have not the shape of text. Single white pixels between two
+// pixels of a row are taken for ink when components are formed and measured; they stay white.
+// Throws std::bad_alloc; the page may then be partly filtered.
+void keep_text(common::MutableBitonalView page, const TextShape& shape);
+
+}  // namespace cleaning
