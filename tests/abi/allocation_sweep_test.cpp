@@ -143,182 +143,179 @@ std::vector<Case> cases() {
          [=, &f] {
              return kyd_rotate_180(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
          }},
-            {"kyd_rotate_270", false,
-             [=, &f] {
-                 return kyd_rotate_270(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
-             }},
-            {"kyd_rotate_090", false,
-             [=, &f] {
-                 return kyd_rotate_090(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
-             }},
-            {"kyd_rotate_bitmap", false,
-             [=, &f] {
-                 return kyd_rotate_bitmap(3, text, kHeight, kWidth, kStride, out, 1 << 20,
-                                          &f.stride);
-             }},
-            {"kyd_rotate_color", false,
-             [=, &f] {
-                 return kyd_rotate_color(1, 3, f.colour.data(), kHeight, kWidth, out, &f.numbers[0],
-                                         &f.numbers[1]);
-             }},
-            {"estimate_skew_of_binary_image", true, [] { return estimate(0); }},
-            {"estimate_skew_of_binary_image, traced", true, [] { return estimate(1); }},
-            {"skbitmap_mem", true,
-             [=, &f] {
-                 return skbitmap_mem(text, kHeight, kWidth, kStride, &f.numbers[0], &f.numbers[1],
-                                     &f.numbers[2], &f.numbers[3]);
-             }},
-            {"skrotbmp_mem, components", true, [] { return rotate(skrotbmp, 20); }},
-            {"skrotbmp_mem, plain", true, [] { return rotate(skrotbmp, -90); }},
-            {"skrotbmp_b_mem", true, [] { return rotate(skrotbmp_b_mem, -20); }},
-            {"aligned, two shears", true, [] { return rotate(aligned, 20); }},
-            {"aligned, three shears", true, [] { return rotate(aligned, -40); }},
-            {"aligned, black background", true,
-             [] {
-                 return rotate(skew_binary_image_aligned_with_skrotimg_mem_black_background, 20);
-             }},
-            {"bi_setup", true, [] { return with_handle([](bi_settings*) { return 0; }); }},
-            {"bi_set_debug_folder", true,
-             [] {
-                 return with_handle([](bi_settings* handle) {
-                     const std::string_view longer =
-                         "/a/folder/whose/path/is/longer/than/a/short/string";
-                     return bi_set_debug_folder(handle, "/tmp") |
-                            bi_set_debug_folder(handle, longer.data());
-                 });
-             }},
-            {"bi_thresh_do, Otsu, dropout", true,
-             [=] {
-                 return with_handle([=](bi_settings* handle) {
-                     static int context;
-                     bi_set_thresh(handle, 0);
-                     bi_set_dropout(handle, drop_dark_red, &context);
-                     return threshold(handle);
-                 });
-             }},
-            {"bi_thresh_do, threads", true,
-             [=] {
-                 return with_handle([=](bi_settings* handle) {
-                     bi_set_nb_threads(handle, 4);
-                     bi_set_image_pointer(handle, fixture().colour.data());
-                     return threshold(handle);
-                 });
-             }},
-            {"bi_thresh", true,
-             [=] {
-                 return bi_thresh(2, 0, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
-                                  kHeight, out);
-             }},
-            {"bi_thresh_dropout", true,
-             [=, &f] {
-                 return bi_thresh_dropout(1, 100, read_row, nullptr, drop_dark_red, &f,
-                                          PREPRO_SOURCE_BGR, kWidth, 0, kWidth, 0, kHeight, out);
-             }},
-            {"bi_color2greybuf", true, [] { return grey(1, 0); }},
-            {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
-            {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
-            {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
-            {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
-            {"linerm_h", true,
-             [] {
-                 return clean_copy([](unsigned char* image) {
-                     return linerm_h(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
-                 });
-             }},
-            {"linerm_v", true,
-             [] {
-                 return clean_copy([](unsigned char* image) {
-                     return linerm_v(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
-                 });
-             }},
-            {"extract_underline, horizontal", true,
-             [=] {
-                 const int covered =
-                     extract_underline(0, 0, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
-                 return covered > 0 ? 0 : covered;
-             }},
-        {
-            "extract_underline, vertical", true, [=] {
-                const int covered =
-                    extract_underline(0, 1, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
-                return covered > 0 ? 0 : covered;
-                {"despeckl_mem, few pixels", true,
-                 [] {
-                     return clean_copy([](unsigned char* page) {
-                         return despeckl_mem(page, kHeight, kWidth, kStride, 8);
-                     });
-                 }},
-                    {"despeckl_mem, many pixels", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_mem(page, kHeight, kWidth, kStride, 400);
-                         });
-                     }},
-                    {"despeckl_c_mem, few pixels", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_c_mem(page, kHeight, kWidth, kStride, 8, 3);
-                         });
-                     }},
-                    {"despeckl_c_mem, many pixels", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_c_mem(page, kHeight, kWidth, kStride, 400, 3);
-                         });
-                     }},
-                    {"despeckl_cb_mem", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_cb_mem(page, kHeight, kWidth, kStride, erase_narrow,
-                                                    nullptr);
-                         });
-                     }},
-                    {"despeckl_ccb_mem", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_ccb_mem(page, kHeight, kWidth, kStride, erase_narrow,
-                                                     nullptr, 2);
-                         });
-                     }},
-                    {"despeckl_selective", true,
-                     [] {
-                         return clean_copy([](unsigned char* page) {
-                             return despeckl_selective(page, kHeight, kWidth, kStride, 0, 100, 2);
-                         });
-                     }},
-                    {"pre_tva", true, [] {
-                         return clean_copy([](unsigned char* page) {
-                             return pre_tva(page, kHeight, kWidth, kStride, 20, 2);
-                         });
-                     }},
-            };
-        }
+        {"kyd_rotate_270", false,
+         [=, &f] {
+             return kyd_rotate_270(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_090", false,
+         [=, &f] {
+             return kyd_rotate_090(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_bitmap", false,
+         [=, &f] {
+             return kyd_rotate_bitmap(3, text, kHeight, kWidth, kStride, out, 1 << 20, &f.stride);
+         }},
+        {"kyd_rotate_color", false,
+         [=, &f] {
+             return kyd_rotate_color(1, 3, f.colour.data(), kHeight, kWidth, out, &f.numbers[0],
+                                     &f.numbers[1]);
+         }},
+        {"estimate_skew_of_binary_image", true, [] { return estimate(0); }},
+        {"estimate_skew_of_binary_image, traced", true, [] { return estimate(1); }},
+        {"skbitmap_mem", true,
+         [=, &f] {
+             return skbitmap_mem(text, kHeight, kWidth, kStride, &f.numbers[0], &f.numbers[1],
+                                 &f.numbers[2], &f.numbers[3]);
+         }},
+        {"skrotbmp_mem, components", true, [] { return rotate(skrotbmp, 20); }},
+        {"skrotbmp_mem, plain", true, [] { return rotate(skrotbmp, -90); }},
+        {"skrotbmp_b_mem", true, [] { return rotate(skrotbmp_b_mem, -20); }},
+        {"aligned, two shears", true, [] { return rotate(aligned, 20); }},
+        {"aligned, three shears", true, [] { return rotate(aligned, -40); }},
+        {"aligned, black background", true,
+         [] { return rotate(skew_binary_image_aligned_with_skrotimg_mem_black_background, 20); }},
+        {"bi_setup", true, [] { return with_handle([](bi_settings*) { return 0; }); }},
+        {"bi_set_debug_folder", true,
+         [] {
+             return with_handle([](bi_settings* handle) {
+                 const std::string_view longer =
+                     "/a/folder/whose/path/is/longer/than/a/short/string";
+                 return bi_set_debug_folder(handle, "/tmp") |
+                        bi_set_debug_folder(handle, longer.data());
+             });
+         }},
+        {"bi_thresh_do, Otsu, dropout", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 static int context;
+                 bi_set_thresh(handle, 0);
+                 bi_set_dropout(handle, drop_dark_red, &context);
+                 return threshold(handle);
+             });
+         }},
+        {"bi_thresh_do, threads", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 bi_set_nb_threads(handle, 4);
+                 bi_set_image_pointer(handle, fixture().colour.data());
+                 return threshold(handle);
+             });
+         }},
+        {"bi_thresh", true,
+         [=] {
+             return bi_thresh(2, 0, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
+                              kHeight, out);
+         }},
+        {"bi_thresh_dropout", true,
+         [=, &f] {
+             return bi_thresh_dropout(1, 100, read_row, nullptr, drop_dark_red, &f,
+                                      PREPRO_SOURCE_BGR, kWidth, 0, kWidth, 0, kHeight, out);
+         }},
+        {"bi_color2greybuf", true, [] { return grey(1, 0); }},
+        {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
+        {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+        {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
+        {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
+        {"linerm_h", true,
+         [] {
+             return clean_copy([](unsigned char* image) {
+                 return linerm_h(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
+             });
+         }},
+        {"linerm_v", true,
+         [] {
+             return clean_copy([](unsigned char* image) {
+                 return linerm_v(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
+             });
+         }},
+        {"extract_underline, horizontal", true,
+         [=] {
+             const int covered =
+                 extract_underline(0, 0, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
+             return covered > 0 ? 0 : covered;
+         }},
+        {"extract_underline, vertical", true,
+         [=] {
+             const int covered =
+                 extract_underline(0, 1, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
+             return covered > 0 ? 0 : covered;
+         }},
+        {"despeckl_mem, few pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_mem(page, kHeight, kWidth, kStride, 8);
+             });
+         }},
+        {"despeckl_mem, many pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_mem(page, kHeight, kWidth, kStride, 400);
+             });
+         }},
+        {"despeckl_c_mem, few pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 8, 3);
+             });
+         }},
+        {"despeckl_c_mem, many pixels", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 400, 3);
+             });
+         }},
+        {"despeckl_cb_mem", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_cb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr);
+             });
+         }},
+        {"despeckl_ccb_mem", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_ccb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr, 2);
+             });
+         }},
+        {"despeckl_selective", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return despeckl_selective(page, kHeight, kWidth, kStride, 0, 100, 2);
+             });
+         }},
+        {"pre_tva", true,
+         [] {
+             return clean_copy([](unsigned char* page) {
+                 return pre_tva(page, kHeight, kWidth, kStride, 20, 2);
+             });
+         }},
+    };
+}
 
-        TEST(AllocationSweep, EveryAllocationOfEveryFunctionFails) {
-            for (const Case& c : cases()) {
-                SCOPED_TRACE(c.name);
-                c.call();  // whatever the process allocates once is there from now on
-                const int allocations = support::fail_each_allocation(c.call);
-                EXPECT_EQ(allocations > 0, c.allocates) << allocations;
-            }
-        }
+TEST(AllocationSweep, EveryAllocationOfEveryFunctionFails) {
+    for (const Case& c : cases()) {
+        SCOPED_TRACE(c.name);
+        c.call();  // whatever the process allocates once is there from now on
+        const int allocations = support::fail_each_allocation(c.call);
+        EXPECT_EQ(allocations > 0, c.allocates) << allocations;
+    }
+}
 
 #if !VEMOPREPRO_SANITIZED  // a sanitizer brings operators of its own
-        // With the library linked, the operators of the process are the library's: a container of
-        // the host counts.
-        TEST(AllocationSweep, TheOperatorsOfTheProcessAreTheLibrarys) {
-            prepro_redefine_malloc(support::failing_malloc);
-            prepro_redefine_free(support::counted_free);
-            const long before = support::blocks_held;
-            auto* block = new std::string;
-            const long with_block = support::blocks_held;
-            delete block;
-            const long after = support::blocks_held;
-            prepro_redefine_malloc(nullptr);
-            prepro_redefine_free(nullptr);
-            EXPECT_EQ(with_block, before + 1);
-            EXPECT_EQ(after, before);
-        }
+// With the library linked, the operators of the process are the library's: a container of the host
+// counts.
+TEST(AllocationSweep, TheOperatorsOfTheProcessAreTheLibrarys) {
+    prepro_redefine_malloc(support::failing_malloc);
+    prepro_redefine_free(support::counted_free);
+    const long before = support::blocks_held;
+    auto* block = new std::string;
+    const long with_block = support::blocks_held;
+    delete block;
+    const long after = support::blocks_held;
+    prepro_redefine_malloc(nullptr);
+    prepro_redefine_free(nullptr);
+    EXPECT_EQ(with_block, before + 1);
+    EXPECT_EQ(after, before);
+}
 #endif
 
-    }  // namespace
+}  // namespace
