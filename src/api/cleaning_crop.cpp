@@ -1,0 +1,79 @@
+// Cropping of page borders.
+#include <cstdint>
+
+#include "api/guard.h"
+#include "cleaning/border_colour.h"
+#include "cleaning/border_crop.h"
+#include "cleaning/border_ink.h"
+#include "vemoprepro/cleaning.h"
+
+using api::guarded;
+using api::kFailure;
+using api::kSuccess;
+
+namespace {
+
+simd::PixelLayout layout_of(int type) {
+    switch (type) {
+        case PREPRO_CROP_BGR:
+            return simd::PixelLayout::kBgr;
+        case PREPRO_CROP_RGB:
+            return simd::PixelLayout::kRgb;
+        case PREPRO_CROP_XRGB:
+            return simd::PixelLayout::kXrgb;
+        default:
+            return simd::PixelLayout::kGrey;
+    }
+}
+
+}  // namespace
+
+int cropbmp(int ink_value, const unsigned char* source, int height, int width, int stride,
+            unsigned char* target) {
+    return guarded([&] {
+        const common::BitonalView page{source, height, width, stride};
+        const auto ink = ink_value == 0 ? cleaning::EdgeInk::kErased : cleaning::EdgeInk::kKept;
+        cleaning::copy_without_edge_ink(page, ink, target);
+        return kSuccess;
+    });
+}
+
+int cropimg(unsigned char* image, int type, int height, int width, int stride, int dark, int light,
+            int step, int* x0, int* x1, int* y0, int* y1) {
+    if (type < PREPRO_CROP_GREY || type > PREPRO_CROP_XRGB) return kFailure;
+    return guarded([&] {
+        const cleaning::BorderPage page{image, height, width, stride, layout_of(type)};
+        const cleaning::ContentBox content = cleaning::crop_border(page, {dark, light, step});
+        *x0 = content.x0;
+        *x1 = content.x1;
+        *y0 = content.y0;
+        *y1 = content.y1;
+        return kSuccess;
+    });
+}
+
+int cropgrey_get(unsigned char* value, const unsigned char* grey, int height, int width,
+                 int stride) {
+    *value = cleaning::inner_grey({grey, height, width, stride});
+    return kSuccess;
+}
+
+int cropgrey_replace(int from, int to, unsigned char* grey, int height, int width, int stride) {
+    cleaning::replace_grey({grey, height, width, stride}, static_cast<std::uint8_t>(from),
+                           static_cast<std::uint8_t>(to));
+    return kSuccess;
+}
+
+int cropcolor_get(unsigned char* value, const unsigned char* colour, int height, int width,
+                  int row_pixels) {
+    const cleaning::Colour mean =
+        cleaning::inner_colour({colour, height, width, std::ptrdiff_t{3} * row_pixels});
+    for (int i = 0; i < 3; ++i) value[i] = mean.bytes[i];
+    return kSuccess;
+}
+
+int cropcolor_replace(const unsigned char* from, const unsigned char* to, unsigned char* colour,
+                      int height, int width, int row_pixels) {
+    cleaning::replace_colour({colour, height, width, std::ptrdiff_t{3} * row_pixels}, from, to);
+    return kSuccess;
+}
