@@ -94,6 +94,21 @@ int grey(int nb_threads, unsigned char undithering) {
                             undithering);
 }
 
+// The page stays as it is when the call fails.
+int crop(int type, int height) {
+    Fixture& f = fixture();
+    static std::vector<std::uint8_t> page;
+    page.assign(f.colour.begin(), f.colour.end());
+    int* const box = f.numbers;
+    const int stride = kWidth * (type == PREPRO_CROP_GREY ? 1 : 3);
+    const int result = cropimg(page.data(), type, height, kWidth, stride, 99, 200, 100, box,
+                               box + 1, box + 2, box + 3);
+    if (result != 0) {
+        EXPECT_EQ(std::memcmp(page.data(), f.colour.data(), page.size()), 0);
+    }
+    return result;
+}
+
 int with_handle(const std::function<int(bi_settings*)>& call) {
     bi_settings* handle = bi_setup(read_row);
     if (handle == nullptr) return -1;
@@ -214,6 +229,22 @@ std::vector<Case> cases() {
         {"bi_color2greybuf", true, [] { return grey(1, 0); }},
         {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
         {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+        {"cropbmp", true, [=] { return cropbmp(0, text, kHeight, kWidth, kStride, out); }},
+        {"cropbmp, paper", true, [=] { return cropbmp(1, text, kHeight, kWidth, kStride, out); }},
+        {"cropimg, grey", true, [] { return crop(PREPRO_CROP_GREY, kHeight); }},
+        {"cropimg, colour", true, [] { return crop(PREPRO_CROP_RGB, kHeight); }},
+        {"cropimg, small", true, [] { return crop(PREPRO_CROP_BGR, 23); }},
+        {"cropgrey_get", false,
+         [=, &f] { return cropgrey_get(out, f.colour.data(), kHeight, kWidth, kWidth); }},
+        {"cropgrey_replace", false,
+         [=] { return cropgrey_replace(255, 0, out, kHeight, kWidth, kWidth); }},
+        {"cropcolor_get", false,
+         [=, &f] { return cropcolor_get(out, f.colour.data(), kHeight, kWidth, kWidth); }},
+        {"cropcolor_replace", false,
+         [=, &f] {
+             const auto* const row = f.colour.data();
+             return cropcolor_replace(row, row, out, kHeight, kWidth, kWidth);
+         }},
         {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
         {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
         {"linerm_h", true,
