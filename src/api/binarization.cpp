@@ -4,25 +4,24 @@
 #include <cstring>
 #include <new>
 
+#include "api/binarization_handle.h"
 #include "api/guard.h"
-#include "binarization/dropout.h"
 #include "binarization/grey_preparation.h"
 #include "binarization/settings.h"
 #include "binarization/threshold.h"
 #include "frame/memory.h"
 
+using api::drop_colours;
 using api::guarded;
 using api::kFailure;
 using api::kSuccess;
+using api::set_mode;
+using api::source_of;
 using binarization::GreyOptions;
 using binarization::Region;
 using binarization::Settings;
 using binarization::Source;
 using binarization::SourceType;
-
-struct bi_settings {
-    Settings values;
-};
 
 namespace {
 
@@ -42,19 +41,6 @@ template <class Member, class Value>
 int fetch(const bi_settings* settings, Member Settings::*member, Value* value) {
     if (settings == nullptr || value == nullptr) return kFailure;
     *value = static_cast<Value>(settings->values.*member);
-    return kSuccess;
-}
-
-Source source_of(prepro_row_reader reader, void* ctx, const void* image, int type, int width) {
-    return {reader, ctx, static_cast<const std::uint8_t*>(image), static_cast<SourceType>(type),
-            width};
-}
-
-int drop_colours(const Settings& settings, const Source& source, const Region& region,
-                 const common::MutableBitonalView& page) {
-    if (!source.colour() || !settings.drops_colours()) return kSuccess;
-    if (source.reader == nullptr) return kFailure;
-    binarization::drop_colours({settings.dropout, settings.dropout_context}, source, region, page);
     return kSuccess;
 }
 
@@ -82,13 +68,6 @@ const void* image_of(const void* image_record) {
     const void* words[4];
     std::memcpy(words, image_record, sizeof words);
     return words[3];
-}
-
-// The one-shot modes: 0 plain, 1 smoothed, any other smoothed and undithered.
-void set_mode(Settings& settings, int mode) {
-    constexpr std::uint8_t kOneShotSmooth = 248;
-    settings.smooth = mode == 0 ? 0 : kOneShotSmooth;
-    settings.undithering = mode != 0 && mode != 1;
 }
 
 }  // namespace

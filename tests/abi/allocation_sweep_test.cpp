@@ -138,6 +138,12 @@ int erase_narrow(void*, int, int width, int) {
     return width < 6 ? 1 : 0;
 }
 
+int gradient(int (*binarize)(bi_settings*, void*, int, int, int, int, int, int, unsigned char*),
+             bi_settings* handle) {
+    return binarize(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
+                    fixture().out.data());
+}
+
 struct Case {
     const char* name;
     bool allocates;
@@ -225,6 +231,59 @@ std::vector<Case> cases() {
          [=, &f] {
              return bi_thresh_dropout(1, 100, read_row, nullptr, drop_dark_red, &f,
                                       PREPRO_SOURCE_BGR, kWidth, 0, kWidth, 0, kHeight, out);
+         }},
+        {"bi_gradl_do, dropout", true,
+         [] {
+             return with_handle([](bi_settings* handle) {
+                 static int context;
+                 bi_set_dropout(handle, drop_dark_red, &context);
+                 bi_set_internal_gaussian_smoothing(handle, 1);
+                 return gradient(bi_gradl_do, handle);
+             });
+         }},
+        {"bi_gradl_do, threads, fill mean", true,
+         [] {
+             return with_handle([](bi_settings* handle) {
+                 bi_set_nb_threads(handle, 4);
+                 bi_set_fill_mean(handle, 1);
+                 bi_set_image_pointer(handle, fixture().colour.data());
+                 return gradient(bi_gradl_do, handle);
+             });
+         }},
+        {"bi_gradl_do_with_resolution", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 return bi_gradl_do_with_resolution(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 150,
+                                                    0, kWidth, 0, kHeight, out);
+             });
+         }},
+        {"bi_gradl_do_debug", true,
+         [=] {
+             return with_handle([=](bi_settings* handle) {
+                 return bi_gradl_do_debug(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
+                                          kHeight, out, "/a/folder/longer/than/a/short/string");
+             });
+         }},
+        {"bi_grey_gradl_do", true,
+         [=, &f] {
+             return with_handle([=, &f](bi_settings* handle) {
+                 return bi_grey_gradl_do(handle, f.colour.data(), kHeight, kWidth, out);
+             });
+         }},
+        {"bi_gradl_do_sobel", true,
+         [] {
+             return with_handle(
+                 [](bi_settings* handle) { return gradient(bi_gradl_do_sobel, handle); });
+         }},
+        {"bi_gradl", true,
+         [=] {
+             return bi_gradl(1, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
+                             out);
+         }},
+        {"bi_gradl_dropout", true,
+         [=, &f] {
+             return bi_gradl_dropout(2, read_row, nullptr, drop_dark_red, &f, PREPRO_SOURCE_BGR,
+                                     kWidth, 0, kWidth, 0, kHeight, out);
          }},
         {"bi_color2greybuf", true, [] { return grey(1, 0); }},
         {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},

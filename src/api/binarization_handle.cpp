@@ -1,0 +1,29 @@
+#include "api/binarization_handle.h"
+
+#include "api/guard.h"
+#include "binarization/dropout.h"
+
+namespace api {
+
+using binarization::Source;
+
+Source source_of(prepro_row_reader reader, void* ctx, const void* image, int type, int width) {
+    return {reader, ctx, static_cast<const std::uint8_t*>(image),
+            static_cast<binarization::SourceType>(type), width};
+}
+
+int drop_colours(const binarization::Settings& settings, const Source& source,
+                 const binarization::Region& region, const common::MutableBitonalView& page) {
+    if (!source.colour() || !settings.drops_colours()) return kSuccess;
+    if (source.reader == nullptr) return kFailure;
+    binarization::drop_colours({settings.dropout, settings.dropout_context}, source, region, page);
+    return kSuccess;
+}
+
+void set_mode(binarization::Settings& settings, int mode) {
+    constexpr std::uint8_t kOneShotSmooth = 248;
+    settings.smooth = mode == 0 ? 0 : kOneShotSmooth;
+    settings.undithering = mode != 0 && mode != 1;
+}
+
+}  // namespace api

@@ -1,0 +1,56 @@
+// Gradient binarization of one band of rows, or of a whole image.
+//
+// Use: GradientBand band(height, width, parameters) allocates all that the work needs, and is the
+// only step that can fail; band.binarize(grey, page).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "binarization/gradient.h"
+#include "binarization/gradient_edges.h"
+#include "binarization/gradient_map.h"
+#include "binarization/padded_rows.h"
+#include "common/views.h"
+#include "frame/buffer.h"
+
+namespace binarization {
+
+class GradientBand {
+  public:
+    // parameters: dark levels on the scale of the page. Throws std::bad_alloc.
+    GradientBand(std::int32_t height, std::int32_t width, const GradientParameters& parameters);
+
+    // Both of the size that the band was made for. Every byte of the page is written.
+    void binarize(const common::GreyView& grey, const common::MutableBitonalView& page);
+
+  private:
+    // Over the pixels of a block.
+    struct BlockSums {
+        std::uint32_t midpoint;  // edge pixels with contrast
+        std::uint32_t contrast;  // the same
+        std::uint32_t pixels;    // how many these are
+        std::uint32_t grey;      // all pixels
+    };
+
+    void mark_edges(const common::GreyView& grey, const common::MutableBitonalView& page);
+    void load_grey(const common::GreyView& grey, std::size_t y);
+    void load_midpoints(const common::GreyView& grey, std::size_t y);
+    void add_to_blocks(std::size_t y);
+    void close_block_row(std::size_t y);
+    void apply_thresholds(const common::GreyView& grey, const common::MutableBitonalView& page);
+
+    GradientParameters parameters_;
+    std::size_t height_;
+    std::size_t width_;
+    EdgeFinder edges_;
+    ThresholdMaps maps_;
+    PaddedRows grey_;
+    PaddedRows midpoints_;
+    PaddedRows contrasts_;
+    frame::Buffer<std::uint64_t> bits_;
+    frame::Buffer<BlockSums> sums_;  // of the row of blocks at work
+    bool hidden_[3] = {};            // of three rows: whether an edge pixel has the midpoint 0
+};
+
+}  // namespace binarization

@@ -1,0 +1,81 @@
+// Edges among the candidates: each candidate strong enough to start one, and what a trace from it
+// reaches.
+//
+// The order decides results, because a trace ends at a depth of 64 and a pixel is traced only by
+// the trace that reaches it first. Starts are taken in raster order; each is at depth 0, also one
+// that an earlier trace has reached already. From a pixel the trace looks at its neighbours in
+// raster order (above left, above, above right, left, right, below left, below, below right). A
+// candidate above the follow threshold that was not reached before becomes an edge, and is traced
+// at once when its depth is at most 64, before the next neighbour is looked at. Pixels at depth 65
+// become edges and end the trace.
+//
+// A pixel once reached is never open again, so the first open neighbour found anew after each
+// return is the next one of the order, and the path is all that a trace has to remember.
+#include <array>
+#include <bit>
+#include <cstring>
+
+#include "binarization/gradient_edges.h"
+
+namespace binarization {
+namespace {
+
+constexpr std::size_t kDeepestTraced = 64;
+
+// Bits of columns x - 1, x and x + 1, in this order from the least significant one. 1 <= x, and
+// column x + 1 exists.
+inline unsigned three_bits(const std::uint64_t* row, std::size_t x) {
+    const std::size_t word = x / 64;
+    const std::size_t bit = x % 64;
+    if (bit == 0) return static_cast<unsigned>(row[word] << 1 | row[word - 1] >> 63) & 7U;
+    if (bit == 63) return static_cast<unsigned>(row[word] >> 62 | row[word + 1] << 2) & 7U;
+    return static_cast<unsigned>(row[word] >> (bit - 1)) & 7U;
+}
+
+inline void clear_bit(std::uint64_t* row, std::size_t x) {
+    row[x / 64] &= ~(std::uint64_t{1} << (x % 64));
+}
+
+struct Position {
+    std::size_t y;
+    std::size_t x;
+};
+
+}  // namespace
+
+void EdgeFinder::trace() {
+    std::memcpy(open_.row(0), follows_.row(0), height_ * words() * sizeof(std::uint64_t));
+    for (std::size_t y = 1; y + 1 < height_; ++y) {
+        const std::uint64_t* starts = starts_.row(y);
+        for (std::size_t i = 0; i < words(); ++i) {
+            for (std::uint64_t left = starts[i]; left != 0; left &= left - 1) {
+                trace_from(y, i * 64 + static_cast<std::size_t>(std::countr_zero(left)));
+            }
+        }
+    }
+}
+
+// Candidates are no border pixels, so that every neighbour is a pixel of the image.
+void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
+    std::array<Position, kDeepestTraced + 1> path;  // by depth
+    std::size_t depth = 0;
+    path[0] = {y, x};
+    clear_bit(open_.row(y), x);
+    for (;;) {
+        const Position at = path[depth];
+        const unsigned around = three_bits(open_.row(at.y - 1), at.x) |
+                                three_bits(open_.row(at.y), at.x) << 3 |
+                                three_bits(open_.row(at.y + 1), at.x) << 6;
+        if (around == 0) {
+            if (depth == 0) return;
+            --depth;
+            continue;
+        }
+        const auto first = static_cast<std::size_t>(std::countr_zero(around));
+        const Position next{at.y + first / 3 - 1, at.x + first % 3 - 1};
+        clear_bit(open_.row(next.y), next.x);
+        if (depth < kDeepestTraced) path[++depth] = next;
+    }
+}
+
+}  // namespace binarization

@@ -1,0 +1,45 @@
+// Grey rows turned into bits by thresholds of their own for every four pixels, and by the darkness
+// of their surroundings.
+//
+// Keep true: rows are padded as for gradient_rows.h; bits are whole words of 64 pixels, pixel 0 in
+// the least significant bit of the first. What is set behind the last pixel is undefined.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "simd/midpoint_rows.h"
+
+namespace simd {
+
+// Sets the bits of pixels darker than thresholds[x / 4].
+void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds, std::size_t words,
+                      std::uint64_t* bits);
+
+// Sets the bits of pixels 1 .. width - 2 that are below `level` and whose neighbourhood of 3 x 3,
+// themselves included, has a sum below 9 * level.
+void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level,
+                    std::uint64_t* bits);
+
+namespace plain {
+
+inline void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds,
+                             std::size_t words, std::uint64_t* bits) {
+    for (std::size_t x = 0; x < 64 * words; ++x) {
+        if (grey[x] < thresholds[x / 4]) bits[x / 64] |= std::uint64_t{1} << (x % 64);
+    }
+}
+
+inline void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level,
+                           std::uint64_t* bits) {
+    for (std::size_t x = 1; x + 1 < width; ++x) {
+        int sum = 0;
+        for (const std::uint8_t* row : {grey.above, grey.row, grey.below}) {
+            sum += row[x - 1] + row[x] + row[x + 1];
+        }
+        if (grey.row[x] < level && sum < 9 * level) bits[x / 64] |= std::uint64_t{1} << (x % 64);
+    }
+}
+
+}  // namespace plain
+}  // namespace simd
