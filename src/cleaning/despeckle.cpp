@@ -5,7 +5,7 @@
 #include <new>
 
 #include "cleaning/busy_regions.h"
-#include "cleaning/component_engine.h"
+#include "cleaning/component_stream.h"
 #include "cleaning/page_copy.h"
 #include "cleaning/run_morphology.h"
 
@@ -14,37 +14,30 @@ namespace {
 
 class AreaRule {
   public:
-    AreaRule(common::MutableBitonalView page, std::int32_t max_area)
-        : page_(page), max_area_(max_area) {}
+    static constexpr bool kInOrder = false;
 
-    std::int32_t finished(ComponentEngine& engine, std::int32_t slot) const {
-        if (!settled(engine.components[slot])) engine.erase_ink(slot, 0, page_.data, page_.stride);
-        return 0;
-    }
-    bool settled(const component& open) const { return std::int64_t{open.area} > max_area_; }
+    explicit AreaRule(std::int32_t max_area) : max_area_(max_area) {}
+
+    bool stays(const OpenComponent& open) const { return open.area > max_area_; }
+    bool erases(const OpenComponent&) const { return true; }
 
   private:
-    common::MutableBitonalView page_;
     std::int64_t max_area_;
 };
 
 class JudgedRule {
   public:
-    JudgedRule(common::MutableBitonalView page, const ComponentJudge& judge)
-        : page_(page), judge_(judge) {}
+    static constexpr bool kInOrder = true;
 
-    std::int32_t finished(ComponentEngine& engine, std::int32_t slot) const {
-        const component& c = engine.components[slot];
-        if (judge_.erases(c.height(), c.width(), c.area)) {
-            engine.erase_ink(slot, 0, page_.data, page_.stride);
-        }
-        return 0;
+    explicit JudgedRule(const ComponentJudge& judge) : judge_(judge) {}
+
+    bool stays(const OpenComponent&) const { return false; }
+    bool erases(const OpenComponent& ended) const {
+        return judge_.erases(ended.height(), ended.width(), ended.area);
     }
-    bool settled(const component&) const { return false; }
 
   private:
-    common::MutableBitonalView page_;
-    const ComponentJudge& judge_;
+    ComponentJudge judge_;
 };
 
 void require(std::int32_t result) {
@@ -52,41 +45,36 @@ void require(std::int32_t result) {
 }
 
 template <class Rule>
-void run_pass(common::MutableBitonalView page, Rule rule) {
-    require(scan_components(page, 0, page.width, 0, nullptr, rule));
-}
-
-template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
     PageCopy copy(page);
     const auto stride = static_cast<std::int32_t>(page.stride);
-    run_pass(page, rule);
+    stream_components(page, rule);
     require(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
     require(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
     or_page(page, copy.view());
-    run_pass(page, rule);
+    stream_components(page, rule);
     and_page(page, copy.view());
 }
 
 }  // namespace
 
 void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
-    run_pass(page, AreaRule(page, max_area));
+    if (max_area > 0) stream_components(page, AreaRule(max_area));
 }
 
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
                              std::int32_t distance) {
     if (distance < 1) return despeckle(page, max_area);
-    run_protected_pass(page, distance, AreaRule(page, max_area));
+    run_protected_pass(page, distance, AreaRule(max_area));
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {
-    run_pass(page, JudgedRule(page, judge));
+    stream_components(page, JudgedRule(judge));
 }
 
 void despeckle_by_rule_away_from_ink(common::MutableBitonalView page, const ComponentJudge& judge,
                                      std::int32_t distance) {
-    run_protected_pass(page, distance, JudgedRule(page, judge));
+    run_protected_pass(page, distance, JudgedRule(judge));
 }
 
 void despeckle_busy_regions(common::MutableBitonalView page, std::int32_t max_area,
