@@ -13,7 +13,7 @@ namespace {
 constexpr int kSpeckSide = 3;        // specks are this large or smaller
 constexpr int kMaxArea = 9;          // as pixels
 constexpr int kDistance = 4;         // that keeps dots with their letters
-constexpr int kDensity = 15;         // changes, of the busy regions
+constexpr int kDensity = 4;          // of the changes in busy regions
 constexpr int kMaxTextHeight = 100;  // at 300 dots per inch
 constexpr int kMinTextDensity = 2;
 

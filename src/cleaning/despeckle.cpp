@@ -2,12 +2,15 @@
 // ink widen what a first pass leaves and look at the components again.
 #include "cleaning/despeckle.h"
 
+#include <algorithm>
 #include <new>
 
 #include "cleaning/busy_regions.h"
 #include "cleaning/component_stream.h"
 #include "cleaning/page_copy.h"
+#include "cleaning/run.h"
 #include "cleaning/run_morphology.h"
+#include "cleaning/specks.h"
 
 namespace cleaning {
 namespace {
@@ -44,13 +47,17 @@ void require(std::int32_t result) {
     if (result < 0) throw std::bad_alloc();
 }
 
+void widen(common::MutableBitonalView page, std::int32_t distance) {
+    const auto stride = static_cast<std::int32_t>(page.stride);
+    require(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    require(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+}
+
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
     PageCopy copy(page);
-    const auto stride = static_cast<std::int32_t>(page.stride);
     stream_components(page, rule);
-    require(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
-    require(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    widen(page, distance);
     or_page(page, copy.view());
     stream_components(page, rule);
     and_page(page, copy.view());
@@ -59,13 +66,26 @@ void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, 
 }  // namespace
 
 void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
-    if (max_area > 0) stream_components(page, AreaRule(max_area));
+    if (max_area < 1) return;
+    if (max_area <= kMaxSpeckArea) return erase_specks(page, max_area);
+    stream_components(page, AreaRule(max_area));
 }
 
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
                              std::int32_t distance) {
     if (distance < 1) return despeckle(page, max_area);
-    run_protected_pass(page, distance, AreaRule(max_area));
+    if (max_area < 1) return;
+    if (max_area > kMaxSpeckArea) {
+        return run_protected_pass(page, distance, AreaRule(max_area));
+    }
+    // What the widened ink touches is what it has pixels in common with when widened by one more.
+    PageCopy specks(page);
+    erase_specks(page, max_area);
+    PageCopy near(page);
+    const std::int32_t reach = std::min(distance, kMaxRunCoordinate) + 1;
+    widen(near.view(), reach);
+    combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
+    restore_specks(specks.view(), near.view(), max_area, page);
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {

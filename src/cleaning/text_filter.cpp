@@ -36,20 +36,25 @@ class TextRule {
     TextShape shape_;
 };
 
-// Copies a row with its single white pixels between ink filled. Bits beyond the pixels may be
+// Copies a row with its single white pixels between ink filled; bits beyond the pixels may be
 // filled too.
 void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t* filled) {
-    const auto bytes = static_cast<std::size_t>(common::bitonal_bytes(width));
-    // Padding must not pass for the ink behind a gap.
-    const auto last = static_cast<std::uint8_t>(row[bytes - 1] & (0xFF00 >> ((width - 1) % 8 + 1)));
-    const auto fill = [](unsigned before, unsigned here, unsigned after) {
-        const unsigned line = before << 16 | here << 8 | after;
-        return static_cast<std::uint8_t>((line | (line >> 1 & line << 1)) >> 8);
+    const auto last = static_cast<std::size_t>(common::bitonal_bytes(width)) - 1;
+    const auto fill = [](int before, int here, int after) {
+        const int with_ink_before = before << 7 | here >> 1;
+        const int with_ink_after = here << 1 | after >> 7;
+        return static_cast<std::uint8_t>(here | (with_ink_before & with_ink_after));
     };
-    const auto byte = [&](std::size_t i) -> unsigned { return i + 1 < bytes ? row[i] : last; };
-    for (std::size_t i = 0; i < bytes; ++i) {
-        filled[i] = fill(i > 0 ? byte(i - 1) : 0, byte(i), i + 1 < bytes ? byte(i + 1) : 0);
+    // Padding must not pass for the ink behind a gap.
+    const int end = row[last] & (0xFF00 >> ((width - 1) % 8 + 1));
+    if (last == 0) {
+        filled[0] = fill(0, end, 0);
+        return;
     }
+    filled[0] = fill(0, row[0], last == 1 ? end : row[1]);
+    for (std::size_t i = 1; i + 1 < last; ++i) filled[i] = fill(row[i - 1], row[i], row[i + 1]);
+    if (last > 1) filled[last - 1] = fill(row[last - 2], row[last - 1], end);
+    filled[last] = fill(row[last - 1], end, 0);
 }
 
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
