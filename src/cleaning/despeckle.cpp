@@ -1,5 +1,10 @@
-// One pass of the component engine with a removal rule. The passes that keep what lies near larger
-// ink widen what a first pass leaves and look at the components again.
+// Few pixels are looked for around first pixels (specks.h), more, and what a rule decides, by
+// labelling the page (component_stream.h).
+//
+// What lies near larger ink is found by widening what a first pass leaves, adding the page's ink
+// and looking at the components again. By area the second look needs the erased specks only: a
+// widened piece of large ink is large, so what it touches is kept; what it does not touch is as
+// small as before, since components that touch each other are one.
 #include "cleaning/despeckle.h"
 
 #include <algorithm>
