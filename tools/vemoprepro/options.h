@@ -11,7 +11,43 @@
 
 namespace tool {
 
-enum class Command { clean, binarize, deskew, rotate, info };
+enum class Command {
+    clean,
+    binarize,
+    deskew,
+    rotate,
+    despeckle,
+    unline,
+    underlines,
+    crop,
+    textmask,
+    info
+};
+
+enum class Binarization { gradient, otsu, fixed };
+
+/* What a step may measure in pixels: none stands for the default, scaled by the resolution. */
+using Pixels = std::optional<int>;
+
+struct DespeckleOptions {
+    bool wanted = false;
+    Pixels max_area;
+    int keep_near = 0; /* pixels; 0: specks near ink go too */
+};
+
+struct LineOptions {
+    bool horizontal = false;
+    bool vertical = false;
+    Pixels min_length;
+    Pixels max_thickness;
+
+    [[nodiscard]] bool wanted() const { return horizontal || vertical; }
+};
+
+struct TextOptions {
+    Pixels max_height;
+    int min_density = 1;
+};
 
 struct Options {
     Command command = Command::clean;
@@ -22,9 +58,17 @@ struct Options {
     std::optional<int> dpi;
     bool straighten = true;
     std::optional<Skew> skew; /* none: measured */
-    int threshold = 0;        /* 0: automatic */
-    std::string findings;     /* file of --apply; empty: none */
-    int quarter_turns = 0;    /* clockwise, of the rotate command */
+    Binarization binarization = Binarization::gradient;
+    int threshold = 0;         /* of fixed binarization */
+    bool for_reading = false;  /* --for ocr */
+    bool crop_border = false;
+    DespeckleOptions despeckle;
+    LineOptions lines;
+    TextOptions text;          /* of the textmask command */
+    bool force = false;        /* steps may take more than a tenth of the ink */
+    std::string findings;      /* file of --apply; empty: none */
+    std::string report_folder; /* of --report; empty: none */
+    int quarter_turns = 0;     /* clockwise, of the rotate command */
     bool quiet = false;
     bool verbose = false;
     bool overwrite = false;

@@ -27,6 +27,16 @@ Json skew_json(const PageRecord& record) {
     return json;
 }
 
+Json box_json(const std::optional<Box>& box) {
+    if (!box) return nullptr;
+    return {{"x", box->x}, {"y", box->y}, {"width", box->width}, {"height", box->height}};
+}
+
+Json share_json(const std::optional<double>& share) {
+    if (!share) return nullptr;
+    return std::round(*share * 1e5) / 1e5;
+}
+
 /* Milliseconds are as fine as a time is worth reading. */
 double rounded(double seconds) {
     return std::round(seconds * 1e4) / 1e4;
@@ -84,11 +94,13 @@ Json to_json(const PageRecord& record) {
     json["dpi_source"] = record.dpi_source;
     json["skew"] = skew_json(record);
     json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
+    json["content"] = box_json(record.content);
     json["steps"] = Json::array();
     for (const StepRecord& step : record.steps)
         json["steps"].push_back({{"name", step.name},
                                  {"status", step.done ? "done" : "skipped"},
                                  {"why", step.why},
+                                 {"ink_removed", share_json(step.ink_removed)},
                                  {"seconds", rounded(step.seconds)}});
     json["output"] = size_json(record.output_kind, record.output_width, record.output_height);
     json["seconds"] = rounded(record.seconds);

@@ -25,10 +25,16 @@ struct Skew {
     [[nodiscard]] double degrees() const;
 };
 
+/* In pixels of the upright page. */
+struct Box {
+    int x, y, width, height;
+};
+
 struct StepRecord {
     std::string name;
     bool done = false;
     std::string why; /* what was done, or why it was skipped */
+    std::optional<double> ink_removed; /* share of the ink before the step */
     double seconds = 0;
 
     /* "deskew: skipped: no clear skew (confidence 1.23)" */
@@ -45,6 +51,7 @@ struct PageRecord {
     std::optional<Skew> skew;
     std::optional<double> confidence; /* none when the skew was not measured */
     std::optional<int> threshold;
+    std::optional<Box> content; /* inside the border that was taken off */
     std::vector<StepRecord> steps;
     PageKind output_kind = PageKind::bitonal;
     int output_width = 0;

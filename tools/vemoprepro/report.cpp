@@ -21,6 +21,7 @@ std::string summary(const PageRecord& record) {
     for (const StepRecord& step : record.steps) {
         if (step.done) text += "; " + step.why;
         if (!step.done && step.name == "deskew") text += "; not straightened: " + step.why;
+        if (!step.done && step.ink_removed) text += "; " + step.name + " skipped: it " + step.why;
     }
     return text;
 }

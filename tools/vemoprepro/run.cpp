@@ -24,6 +24,11 @@ void settle_resolution(const Options& options, Page& page, PageRecord& record) {
     }
 }
 
+/* Results that are not bitonal. */
+bool large_results(Command command) {
+    return command == Command::rotate || command == Command::crop;
+}
+
 std::string page_prefix(const PageTask& task) {
     if (task.input->page_count() == 1) return "";
     return "page " + std::to_string(task.page + 1) + ": ";
@@ -38,7 +43,7 @@ void work_on(const Options& options, const Pipeline& pipeline, const PageTask& t
     describe_source(result.record, result.data);
     const PageFindings findings =
         task.input->findings.empty() ? PageFindings{} : task.input->findings[task.page];
-    process(pipeline, result.data, findings, result.record);
+    process(pipeline, result.data, findings, result.record, nullptr);
     result.record.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
@@ -71,7 +76,7 @@ int run(const Options& options) {
     InputFeeder feeder(options);
     Report report(options);
     OutputCollector collector(options, report);
-    const std::size_t window = options.command == Command::rotate ? options.jobs : 2 * options.jobs;
+    const std::size_t window = large_results(options.command) ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });

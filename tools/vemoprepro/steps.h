@@ -10,6 +10,7 @@
 #define VEMOPREPRO_TOOL_STEPS_H_
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ class StepError : public std::runtime_error {
 struct Outcome {
     bool done;
     std::string why;
+    std::optional<double> ink_removed = {}; /* share of the ink, for steps that take some away */
 };
 
 struct Step {
@@ -37,13 +39,38 @@ using Pipeline = std::vector<Step>;
 
 Pipeline make_pipeline(const Options& options);
 
-/* findings: what is to be used instead of being measured; empty members are measured. */
-void process(const Pipeline& pipeline, Page& page, const PageFindings& findings,
-             PageRecord& record);
+/* Sees a page before its first step and after each step that was done. */
+class PageWatcher {
+  public:
+    virtual ~PageWatcher() = default;
+    virtual void source(const Page& page) = 0;
+    virtual void after(const std::string& step, const Page& page) = 0;
+};
 
+/* findings: what is to be used instead of being measured; empty members are measured. watcher: may
+ * be null. */
+void process(const Pipeline& pipeline, Page& page, const PageFindings& findings, PageRecord& record,
+             PageWatcher* watcher);
+
+/* Turns the page as its file asks for. */
+Step orientation_step();
+/* Turns the page clockwise. */
+Step rotate_step(int quarter_turns);
+/* Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized). */
+Step border_step(const Options& options, bool to_grey);
+/* Makes the page bitonal. */
+Step binarize_step(const Options& options);
 /* Measures the skew of a bitonal page (or takes the one of the findings or of --skew) and turns the
  * page straight. */
 Step deskew_step(const Options& options);
+
+/* Steps on bitonal pages. */
+Step despeckle_step(const Options& options);
+Step unline_step(const Options& options);
+/* Keeps the lines only. */
+Step underlines_step(const Options& options);
+/* Keeps the text only. */
+Step textmask_step(const Options& options);
 
 }  // namespace tool
 

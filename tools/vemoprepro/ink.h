@@ -1,0 +1,48 @@
+/* Steps that take ink off a bitonal page, and the rule that none may take too much unnoticed.
+ *
+ * Use: remove_ink(page, ...) runs a change on a copy and keeps it when it takes no more than a tenth
+ * of the ink, or when `force` says so. */
+#ifndef VEMOPREPRO_TOOL_INK_H_
+#define VEMOPREPRO_TOOL_INK_H_
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "steps.h"
+
+namespace tool {
+
+/* A window of a page; x0 and x1 are multiples of 8, ends exclusive. */
+struct InkWindow {
+    int x0, x1, y0, y1;
+};
+
+/* The whole page, whose padding bits are white. */
+InkWindow whole(const Page& page);
+/* The page without an eighth on each side. */
+InkWindow inner_part(const Page& page);
+
+/* Black pixels of a bitonal page. */
+std::int64_t count_ink(const Page& page, const InkWindow& window);
+
+Page copy_of(const Page& page);
+
+/* Throws StepError unless the page is bitonal. */
+void require_bitonal(const Page& page, const char* step);
+
+/* `window` is where the ink is counted. `what`: what was done, for the record. `change` throws when
+ * it fails. */
+Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
+                   const std::function<void(Page&)>& change);
+
+/* Lengths and areas are chosen for 300 dots per inch. */
+int scaled_length(const Page& page, double pixels_at_300);
+int scaled_area(const Page& page, double pixels_at_300);
+
+/* "0.3 %" */
+std::string percent(double share);
+
+}  // namespace tool
+
+#endif  // VEMOPREPRO_TOOL_INK_H_

@@ -1,0 +1,78 @@
+/* Ruled lines: taking them off a page, or keeping nothing else. */
+#include <vemoprepro/cleaning.h>
+
+#include <utility>
+
+#include "ink.h"
+#include "steps.h"
+
+namespace tool {
+namespace {
+
+/* At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm. */
+constexpr double kShortestLine = 150;
+constexpr double kThickestLine = 10;
+/* Breaks of a line that is printed weakly. */
+constexpr double kGap = 5;
+/* Thick ink (bars, filled boxes) is what has this many pixels in a row, joined across gaps. */
+constexpr double kThickRun = 40;
+constexpr double kThickJoin = 3;
+/* Ragged edges that go with a line. */
+constexpr double kClean = 1;
+/* A line that is not quite level steps aside by this much. */
+constexpr double kStep = 1;
+
+using Removal = int (*)(unsigned char*, int, int, int, int, int, int, int, int, int);
+
+void remove_lines(Page& page, Removal removal, const LineOptions& wanted) {
+    if (removal(page.bytes.get(), page.height, page.width, static_cast<int>(page.stride()),
+                wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
+                wanted.min_length.value_or(scaled_length(page, kShortestLine)),
+                scaled_length(page, kGap), scaled_length(page, kThickRun),
+                scaled_length(page, kThickJoin), scaled_length(page, kClean)) != 0)
+        throw std::bad_alloc();
+}
+
+std::string directions(const LineOptions& wanted) {
+    if (!wanted.horizontal) return "vertical lines";
+    return wanted.vertical ? "horizontal and vertical lines" : "horizontal lines";
+}
+
+}  // namespace
+
+Step unline_step(const Options& options) {
+    const LineOptions wanted = options.lines;
+    const bool force = options.force;
+    return {"unline", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+                if (!wanted.wanted()) return {false, "switched off"};
+                require_bitonal(page, "unline");
+                return remove_ink(page, force, whole(page), directions(wanted), [&](Page& changed) {
+                    if (wanted.horizontal) remove_lines(changed, linerm_h, wanted);
+                    if (wanted.vertical) remove_lines(changed, linerm_v, wanted);
+                });
+            }};
+}
+
+Step underlines_step(const Options& options) {
+    const LineOptions wanted = options.lines;
+    return {"underlines", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+                require_bitonal(page, "underlines");
+                Page lines = copy_of(page);
+                const int stride = static_cast<int>(page.stride());
+                const int length = wanted.min_length.value_or(scaled_length(page, kShortestLine));
+                const int thickness =
+                    wanted.max_thickness.value_or(scaled_length(page, kThickestLine));
+                const int covered = extract_underline(
+                    0, wanted.vertical ? 1 : 0, length, length / 2, thickness,
+                    scaled_length(page, kStep), page.bytes.get(), lines.bytes.get(), page.height,
+                    stride, 0, page.width);
+                if (covered < 0) throw std::bad_alloc();
+                page = std::move(lines);
+                return {true,
+                        "lines over " + std::to_string(covered) +
+                            (wanted.vertical ? " rows" : " columns"),
+                        {}};
+            }};
+}
+
+}  // namespace tool
