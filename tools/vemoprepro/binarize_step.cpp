@@ -95,7 +95,8 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
                  PageRecord& record) {
     if (page.kind == PageKind::bitonal) return {false, "bitonal already"};
     if (page.kind == PageKind::colour) page = grey_of(page);
-    if (findings.threshold) return threshold_by(page, *findings.threshold, " (as recorded)", record);
+    if (findings.threshold)
+        return threshold_by(page, *findings.threshold, " (as recorded)", record);
     if (options.binarization == Binarization::fixed)
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;

@@ -117,13 +117,12 @@ bool box_of_ink(const Page& page, Rectangle& box) {
 }
 
 Outcome crop_bits(Page& page, bool force, PageRecord& record) {
-    Outcome outcome = remove_ink(
-        page, force, inner_part(page), "border", [](Page& changed) {
-            const Page source = copy_of(changed);
-            if (cropbmp(0, source.bytes.get(), source.height, source.width,
-                        static_cast<int>(source.stride()), changed.bytes.get()) != 0)
-                throw std::bad_alloc();
-        });
+    Outcome outcome = remove_ink(page, force, inner_part(page), "border", [](Page& changed) {
+        const Page source = copy_of(changed);
+        if (cropbmp(0, source.bytes.get(), source.height, source.width,
+                    static_cast<int>(source.stride()), changed.bytes.get()) != 0)
+            throw std::bad_alloc();
+    });
     Rectangle content;
     if (!outcome.done) return outcome;
     if (!box_of_ink(page, content)) return {true, "no ink left inside the border"};

@@ -9,7 +9,8 @@ namespace {
 
 /* A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9. */
 constexpr double kSpeck = 6;
-/* What --for ocr takes for a speck: the full stops of small print are kept, being near their word. */
+/* What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
+ */
 constexpr double kSpeckForReading = 9;
 
 /* Capitals of 72 point type. */
@@ -35,9 +36,9 @@ Step despeckle_step(const Options& options) {
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (wanted.keep_near > 0)
                     what += " farther than " + std::to_string(wanted.keep_near) + " from other ink";
-                return remove_ink(
-                    page, force, whole(page), what,
-                    [=](Page& changed) { remove_specks(changed, area, wanted.keep_near); });
+                return remove_ink(page, force, whole(page), what, [=](Page& changed) {
+                    remove_specks(changed, area, wanted.keep_near);
+                });
             }};
 }
 
@@ -45,9 +46,10 @@ Step textmask_step(const Options& options) {
     const TextOptions wanted = options.text;
     return {"textmask", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
                 require_bitonal(page, "textmask");
-                const int height = std::min(
-                    32767, wanted.max_height.value_or(scaled_length(page, kTallestText)));
-                const std::string what = "all but text of up to " + std::to_string(height) + " pixels height";
+                const int height =
+                    std::min(32767, wanted.max_height.value_or(scaled_length(page, kTallestText)));
+                const std::string what =
+                    "all but text of up to " + std::to_string(height) + " pixels height";
                 return remove_ink(page, true, whole(page), what, [=](Page& changed) {
                     if (pre_tva(changed.bytes.get(), changed.height, changed.width,
                                 static_cast<int>(changed.stride()), static_cast<short>(height),

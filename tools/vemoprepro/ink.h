@@ -1,7 +1,7 @@
 /* Steps that take ink off a bitonal page, and the rule that none may take too much unnoticed.
  *
- * Use: remove_ink(page, ...) runs a change on a copy and keeps it when it takes no more than a tenth
- * of the ink, or when `force` says so. */
+ * Use: remove_ink(page, ...) runs a change on a copy and keeps it when it takes no more than a
+ * tenth of the ink, or when `force` says so. */
 #ifndef VEMOPREPRO_TOOL_INK_H_
 #define VEMOPREPRO_TOOL_INK_H_
 

@@ -62,10 +62,10 @@ Step underlines_step(const Options& options) {
                 const int length = wanted.min_length.value_or(scaled_length(page, kShortestLine));
                 const int thickness =
                     wanted.max_thickness.value_or(scaled_length(page, kThickestLine));
-                const int covered = extract_underline(
-                    0, wanted.vertical ? 1 : 0, length, length / 2, thickness,
-                    scaled_length(page, kStep), page.bytes.get(), lines.bytes.get(), page.height,
-                    stride, 0, page.width);
+                const int covered =
+                    extract_underline(0, wanted.vertical ? 1 : 0, length, length / 2, thickness,
+                                      scaled_length(page, kStep), page.bytes.get(),
+                                      lines.bytes.get(), page.height, stride, 0, page.width);
                 if (covered < 0) throw std::bad_alloc();
                 page = std::move(lines);
                 return {true,

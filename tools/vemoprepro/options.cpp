@@ -22,6 +22,7 @@ constexpr const char* kExamples =
     "  vemoprepro clean book.tif -o book-clean.tif     all pages of a file, in order\n"
     "  vemoprepro clean scans/*.png -o out/ -j 4       several files into a folder\n"
     "  vemoprepro clean - -o - <a.png >a.tif           as a filter\n"
+    "  vemoprepro clean form.jpg -o form.tif --for ocr what recognition reads best\n"
     "  vemoprepro clean a.tif -o b.tif --json >a.json  with a record of what was found\n"
     "  vemoprepro clean c.tif -o d.tif --apply a.json  the same skews and thresholds again\n"
     "  vemoprepro rotate 90 page.png -o turned.png     a quarter turn clockwise\n"
@@ -36,7 +37,16 @@ constexpr double kDegreesPerRadian = 57.29577951308232;
 struct Raw {
     std::string format;
     std::string threshold = "auto";
-    std::string method = "threshold";
+    std::string method = "gradient";
+    std::string purpose;
+    std::vector<std::string> lines;
+    bool no_despeckle = false;
+    bool no_crop_border = false;
+    bool no_remove_lines = false;
+    int max_area = 0;
+    int min_length = 0;
+    int max_thickness = 0;
+    int max_height = 0;
     double skew_degrees = 0;
     int dpi = 0;
     int angle = 0;
@@ -81,13 +91,49 @@ void add_outputs(CLI::App& command, Options& options, Raw& raw) {
 }
 
 CLI::Option* add_threshold(CLI::App& command, Raw& raw) {
-    command.add_option("--binarize", raw.method, "Method: threshold (one for the page)")
-        ->check(CLI::IsMember({"threshold"}))
-        ->capture_default_str();
+    auto* method =
+        command
+            .add_option("--binarize", raw.method,
+                        "gradient: a threshold for every spot of the page; otsu: one for "
+                        "the page")
+            ->check(CLI::IsMember({"gradient", "otsu"}))
+            ->capture_default_str();
+    auto* threshold = command.add_option(
+        "--threshold", raw.threshold,
+        "One threshold: darker greys become black, 1 .. 255, or auto (Otsu's method)");
+    threshold->excludes(method);
+    return threshold;
+}
+
+/* A number of pixels that scales with the resolution unless it is given. */
+CLI::Option* add_pixels(CLI::App& command, const char* name, int& value, const std::string& what) {
+    return command.add_option(name, value, what)->check(CLI::Range(0, 1000000000));
+}
+
+void add_keep_near(CLI::App& command, Options& options) {
+    command
+        .add_option("--keep-near,--despeckle-keep-near", options.despeckle.keep_near,
+                    "Keep specks within this many pixels of larger ink")
+        ->check(CLI::Range(0, 32767));
+}
+
+void add_force(CLI::App& command, Options& options) {
+    command.add_flag("--force", options.force,
+                     "Do a step even when it takes more than a tenth of the ink");
+}
+
+CLI::Option* add_directions(CLI::App& command, const char* name, Raw& raw) {
     return command
-        .add_option("--threshold", raw.threshold,
-                    "Darker greys become black: 1 .. 255, or auto (Otsu's method)")
-        ->capture_default_str();
+        .add_option(name, raw.lines, "horizontal, vertical, or both with a comma between them")
+        ->delimiter(',')
+        ->check(CLI::IsMember({"horizontal", "vertical"}));
+}
+
+void add_line_sizes(CLI::App& command, Raw& raw) {
+    add_pixels(command, "--min-length", raw.min_length,
+               "A line is at least this long, in pixels (default: 12.7 mm)");
+    add_pixels(command, "--max-thickness", raw.max_thickness,
+               "What is at least this thick is no line, in pixels (default: 0.85 mm)");
 }
 
 CLI::Option* add_skew(CLI::App& command, Raw& raw) {
@@ -96,11 +142,32 @@ CLI::Option* add_skew(CLI::App& command, Raw& raw) {
                               "rise to the right");
 }
 
+void add_cleaning_steps(CLI::App& command, Options& options, Raw& raw) {
+    command
+        .add_option("--for", raw.purpose,
+                    "Preset; ocr: what recognition reads best, without rules, specks and borders")
+        ->check(CLI::IsMember({"ocr"}));
+    auto* area = add_pixels(command, "--despeckle", raw.max_area,
+                            "Remove specks of up to this many pixels; 0: none (default: very small "
+                            "ones, scaled by the resolution)");
+    command.add_flag("--no-despeckle", raw.no_despeckle, "Keep all specks")->excludes(area);
+    add_keep_near(command, options);
+    auto* crop = command.add_flag("--crop-border", options.crop_border,
+                                  "Paint dark borders over and print the content's rectangle");
+    command.add_flag("--no-crop-border", raw.no_crop_border, "Keep borders, with --for ocr")
+        ->excludes(crop);
+    auto* lines = add_directions(command, "--remove-lines", raw);
+    command.add_flag("--no-remove-lines", raw.no_remove_lines, "Keep lines, with --for ocr")
+        ->excludes(lines);
+    add_force(command, options);
+}
+
 void add_clean(CLI::App& app, Options& options, Raw& raw) {
-    CLI::App* command = app.add_subcommand("clean", "Binarize and straighten pages");
+    CLI::App* command = app.add_subcommand("clean", "Binarize, despeckle and straighten pages");
     add_inputs(*command, options);
     add_outputs(*command, options, raw);
     auto* threshold = add_threshold(*command, raw);
+    add_cleaning_steps(*command, options, raw);
     auto* skew = add_skew(*command, raw);
     auto* no_deskew = command->add_flag("--no-deskew", raw.no_deskew, "Do not straighten");
     no_deskew->excludes(skew);
@@ -109,6 +176,38 @@ void add_clean(CLI::App& app, Options& options, Raw& raw) {
                      "Use skews and thresholds of a record that --json printed, page by page")
         ->excludes(threshold)
         ->excludes(skew);
+}
+
+void add_bitonal_steps(CLI::App& app, Options& options, Raw& raw) {
+    const auto add = [&](const char* name, const char* what) {
+        CLI::App* command = app.add_subcommand(name, what);
+        add_inputs(*command, options);
+        add_outputs(*command, options, raw);
+        return command;
+    };
+    CLI::App* despeckle = add("despeckle", "Remove specks from bitonal pages, nothing else");
+    add_pixels(*despeckle, "--max-area", raw.max_area,
+               "Specks have up to this many pixels (default: very small ones, by the resolution)");
+    add_keep_near(*despeckle, options);
+    add_force(*despeckle, options);
+
+    CLI::App* unline = add("unline", "Remove ruled lines from bitonal pages, nothing else");
+    add_directions(*unline, "--lines", raw);
+    add_line_sizes(*unline, raw);
+    add_force(*unline, options);
+
+    CLI::App* underlines = add("underlines", "Keep nothing but the lines of bitonal pages");
+    underlines->add_flag("--vertical", options.lines.vertical, "Vertical lines, not horizontal");
+    add_line_sizes(*underlines, raw);
+
+    CLI::App* textmask = add("textmask", "Keep nothing but the text of bitonal pages");
+    add_pixels(*textmask, "--max-height", raw.max_height,
+               "Higher ink is no text, in pixels (default: 21 mm)");
+    textmask
+        ->add_option("--min-density", options.text.min_density,
+                     "Text has this many pixels for every pixel of its longer side")
+        ->check(CLI::Range(0, 32767))
+        ->capture_default_str();
 }
 
 void add_single_steps(CLI::App& app, Options& options, Raw& raw) {
@@ -121,6 +220,12 @@ void add_single_steps(CLI::App& app, Options& options, Raw& raw) {
     add_inputs(*deskew, options);
     add_outputs(*deskew, options, raw);
     add_skew(*deskew, raw);
+
+    CLI::App* crop = app.add_subcommand(
+        "crop", "Paint dark borders over, nothing else; the kind and the size are kept");
+    add_inputs(*crop, options);
+    add_outputs(*crop, options, raw);
+    add_force(*crop, options);
 
     CLI::App* rotate = app.add_subcommand("rotate", "Turn pages by right angles; the kind is kept");
     rotate->add_option("ANGLE", raw.angle, "Degrees clockwise: 90, 180 or 270")
@@ -173,11 +278,12 @@ Skew skew_from(double degrees) {
 }
 
 Command command_named(const std::string& name) {
-    static const std::map<std::string, Command> kCommands = {{"clean", Command::clean},
-                                                             {"binarize", Command::binarize},
-                                                             {"deskew", Command::deskew},
-                                                             {"rotate", Command::rotate},
-                                                             {"info", Command::info}};
+    static const std::map<std::string, Command> kCommands = {
+        {"clean", Command::clean},           {"binarize", Command::binarize},
+        {"deskew", Command::deskew},         {"rotate", Command::rotate},
+        {"despeckle", Command::despeckle},   {"unline", Command::unline},
+        {"underlines", Command::underlines}, {"crop", Command::crop},
+        {"textmask", Command::textmask},     {"info", Command::info}};
     return kCommands.at(name);
 }
 
@@ -188,16 +294,54 @@ void check_inputs(const Options& options) {
         refuse("-o -: standard output takes one input");
 }
 
+bool given(const CLI::App& command, const char* name) {
+    const auto* option = command.get_option_no_throw(name);
+    return option && option->count() > 0;
+}
+
+Pixels pixels_of(const CLI::App& command, const char* name, int value) {
+    return given(command, name) ? Pixels(value) : Pixels();
+}
+
+void take_binarization(const CLI::App& command, Options& options, const Raw& raw) {
+    options.threshold = threshold_from(raw.threshold);
+    if (options.threshold > 0)
+        options.binarization = Binarization::fixed;
+    else if (given(command, "--threshold") || raw.method == "otsu")
+        options.binarization = Binarization::otsu;
+}
+
+/* What clean does by default, what --for ocr adds, and what single steps are asked for. */
+void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
+    const bool reading = raw.purpose == "ocr";
+    options.for_reading = reading;
+    options.force |= reading;
+    options.crop_border |= reading && !raw.no_crop_border;
+    options.crop_border |= options.command == Command::crop;
+
+    const char* area = options.command == Command::clean ? "--despeckle" : "--max-area";
+    options.despeckle.max_area = pixels_of(command, area, raw.max_area);
+    options.despeckle.wanted = !raw.no_despeckle && options.despeckle.max_area != 0;
+
+    const bool both = options.command == Command::unline || (reading && !raw.no_remove_lines);
+    for (const std::string& direction : raw.lines)
+        (direction == "vertical" ? options.lines.vertical : options.lines.horizontal) = true;
+    if (both && raw.lines.empty()) options.lines.horizontal = options.lines.vertical = true;
+    options.lines.min_length = pixels_of(command, "--min-length", raw.min_length);
+    options.lines.max_thickness = pixels_of(command, "--max-thickness", raw.max_thickness);
+    options.text.max_height = pixels_of(command, "--max-height", raw.max_height);
+}
+
 Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     options.command = command_named(command.get_name());
     check_inputs(options);
     if (options.command == Command::info) return options;
     if (!raw.format.empty()) options.format = format_named(raw.format);
     if (command.count("--dpi")) options.dpi = raw.dpi;
-    options.threshold = threshold_from(raw.threshold);
+    take_binarization(command, options, raw);
+    take_steps(command, options, raw);
     options.straighten = !raw.no_deskew;
-    if (const auto* skew = command.get_option_no_throw("--skew"); skew && skew->count())
-        options.skew = skew_from(raw.skew_degrees);
+    if (given(command, "--skew")) options.skew = skew_from(raw.skew_degrees);
     options.quarter_turns = raw.angle / 90;
     return options;
 }
@@ -234,6 +378,7 @@ std::optional<Options> parse_options(int argc, char** argv, int& exit_status) {
     app.require_subcommand(1);
     add_clean(app, options, raw);
     add_single_steps(app, options, raw);
+    add_bitonal_steps(app, options, raw);
     add_info(app, options);
     try {
         app.parse(argc, argv);

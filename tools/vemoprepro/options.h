@@ -59,8 +59,8 @@ struct Options {
     bool straighten = true;
     std::optional<Skew> skew; /* none: measured */
     Binarization binarization = Binarization::gradient;
-    int threshold = 0;         /* of fixed binarization */
-    bool for_reading = false;  /* --for ocr */
+    int threshold = 0;        /* of fixed binarization */
+    bool for_reading = false; /* --for ocr */
     bool crop_border = false;
     DespeckleOptions despeckle;
     LineOptions lines;

@@ -33,7 +33,7 @@ struct Box {
 struct StepRecord {
     std::string name;
     bool done = false;
-    std::string why; /* what was done, or why it was skipped */
+    std::string why;                   /* what was done, or why it was skipped */
     std::optional<double> ink_removed; /* share of the ink before the step */
     double seconds = 0;
 
