@@ -43,8 +43,38 @@ class SingleSteps(ToolCase):
         self.save("in.png", text_page(2))
         self.good("binarize", "in.png", "-o", "bits.tif")
         self.good("deskew", "bits.tif", "-o", "straight.tif")
-        self.good("clean", "in.png", "-o", "clean.tif")
+        self.good("clean", "in.png", "-o", "clean.tif", "--no-despeckle")
         self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
+        self.good("despeckle", "bits.tif", "-o", "specks.tif")
+        self.good("deskew", "specks.tif", "-o", "straight.tif", "--overwrite")
+        self.good("clean", "in.png", "-o", "clean.tif", "--overwrite")
+        self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
+
+    def test_steps_on_ink(self):
+        page = np.full((300, 500), 255, np.uint8)
+        page[100:103, 20:480] = 0   # a rule
+        page[150:180, 50:60] = 0    # a letter
+        page[200:202, 200:202] = 0  # a speck
+        page[:, :6] = 0             # a border
+        self.save("in.png", Image.fromarray(page > 0), dpi=(300, 300))
+        rule, letter, speck, border = ((slice(100, 103), slice(20, 480)),
+                                       (slice(150, 180), slice(50, 60)),
+                                       (slice(200, 202), slice(200, 202)), (slice(300), slice(6)))
+        keeps = {("despeckle", "--force"): (1, 1, 0, 1), ("unline", "--force"): (0, 1, 1, 0),
+                 ("unline", "--force", "--lines", "vertical"): (1, 1, 1, 0),
+                 ("underlines",): (1, 0, 0, 0), ("underlines", "--vertical"): (0, 0, 0, 1),
+                 ("crop",): (1, 1, 1, 0), ("textmask", "--max-height", 40, "--min-density", 1):
+                 (1, 1, 1, 0), ("textmask", "--max-height", 40, "--min-density", 5): (0, 1, 0, 0)}
+        for (command, *options), kept in keeps.items():
+            self.good(command, "in.png", "-o", "out.png", "--overwrite", *options)
+            ink = ~as_array(self.pages("out.png")[0])
+            found = tuple(int(ink[part].mean() > 0.5) for part in (rule, letter, speck, border))
+            self.assertEqual(found, kept, (command, options))
+        self.save("grey.png", text_page())
+        for command in ("despeckle", "unline", "underlines", "textmask"):
+            self.fails(command, "grey.png", "-o", "x.png",
+                       lines=[f"grey.png: {command} takes bitonal pages, this one is grey "
+                              "(clean binarizes first)"])
 
     def test_deskew_takes_bitonal_pages_only(self):
         self.save("in.tif", text_page(0).point(lambda v: 255 * (v > 99)), text_page(2))
@@ -77,7 +107,8 @@ class Words(ToolCase):
     def test_help_and_version(self):
         self.assertIn(b"vemoprepro 16.", self.good("--version").stdout)
         self.assertIn(b"Examples:", self.good("--help").stdout)
-        for command in ("clean", "binarize", "deskew", "rotate", "info"):
+        for command in ("clean", "binarize", "deskew", "rotate", "despeckle", "unline", "underlines",
+                        "crop", "textmask", "info"):
             self.assertIn(b"INPUT", self.good(command, "--help").stdout)
 
     def test_wrong_usage(self):
@@ -90,6 +121,11 @@ class Words(ToolCase):
                           ["clean", "a", "-o", "b.tif", "--threshold", "256"],
                           ["clean", "a", "-o", "b.tif", "--threshold", "dark"],
                           ["clean", "a", "-o", "b.tif", "--binarize", "magic"],
+                          ["clean", "a", "-o", "b.tif", "--binarize", "otsu", "--threshold", "9"],
+                          ["clean", "a", "-o", "b.tif", "--despeckle", "-1"],
+                          ["clean", "a", "-o", "b.tif", "--despeckle", "5", "--no-despeckle"],
+                          ["clean", "a", "-o", "b.tif", "--remove-lines", "diagonal"],
+                          ["clean", "a", "-o", "b.tif", "--for", "printing"],
                           ["clean", "a", "-o", "b.tif", "-j", "0"],
                           ["clean", "a", "-o", "b.tif", "--dpi", "0"],
                           ["clean", "a", "-o", "b.tif", "-q", "-v"],
@@ -107,9 +143,11 @@ class Words(ToolCase):
         lines = self.good("clean", "a.png", "-o", "a.tif", "-v").stdout.decode().splitlines()
         self.assertEqual(lines[:2], ["a.png: grey, 600 x 800 pixels, 300 dpi",
                                      "  orientation: skipped: already upright"])
-        self.assertRegex(lines[2], r"^  binarize: done: threshold \d+ \(Otsu's method\)$")
-        self.assertRegex(lines[3], r"^  deskew: done: skew 2\.\d\d degrees \(confidence \d\.\d\d\)$")
-        self.assertRegex(lines[4], r"^  written: bitonal, 6\d\d x 8\d\d pixels, to a\.tif \(.* s\)$")
+        self.assertEqual(lines[2:4], ["  crop: skipped: switched off",
+                                      "  binarize: done: gradient thresholds"])
+        self.assertRegex(lines[4], r"^  despeckle: done: specks of up to 6 pixels, \d\.\d % of the ink$")
+        self.assertRegex(lines[5], r"^  deskew: done: skew 2\.\d\d degrees \(confidence \d\.\d\d\)$")
+        self.assertRegex(lines[7], r"^  written: bitonal, 6\d\d x 8\d\d pixels, to a\.tif \(.* s\)$")
 
 
 if __name__ == "__main__":

@@ -11,10 +11,11 @@
 namespace tool {
 namespace {
 
-/* The gradient method's one-shot settings. */
 constexpr unsigned char kSmooth = 246; /* a do call raises it by 2 */
-constexpr unsigned char kWhiteLevel = 128;
-constexpr unsigned char kLowestThreshold = 96;
+/* Half of the one-shot dark levels, 128 being the middle between the darkest grey and white: with
+ * the full ones paper in the shade becomes black, with none large dark areas fall apart. */
+constexpr unsigned char kFillLevel = 64;
+constexpr unsigned char kLowestThreshold = 48;
 
 struct FreeSettings {
     void operator()(bi_settings* settings) const { bi_upset(settings); }
@@ -43,7 +44,7 @@ Page gradient_bits(const Page& grey) {
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_smooth(settings.get(), kSmooth);
-    bi_set_black1(settings.get(), kWhiteLevel);
+    bi_set_black1(settings.get(), kFillLevel);
     bi_set_black2(settings.get(), kLowestThreshold);
     if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
                     grey.height, bits.bytes.get()) != 0)
