@@ -24,21 +24,25 @@ struct Span {
     std::int32_t end;  // one past the last pixel
 };
 
-// 64 pixels of a row from byte 8 * i on, the leftmost in the most significant bit. Pixels beyond
-// the width are 0.
-std::uint64_t pixel_word(const std::uint8_t* row, std::int32_t i, std::int32_t width) {
-    const auto first = static_cast<std::size_t>(i) * 8;
+// The bytes of 64 pixels of a row from byte 8 * i on, as they lie in memory; 0 beyond the width's
+// last byte.
+std::uint64_t raw_word(const std::uint8_t* row, std::int32_t i, std::int32_t width) {
+    const std::size_t first = static_cast<std::size_t>(i) * 8;
     const std::size_t bytes = static_cast<std::size_t>(common::bitonal_bytes(width)) - first;
-    std::uint8_t loaded[8] = {};
-    if (bytes >= 8) {
-        std::memcpy(loaded, row + first, 8);
-    } else {
-        std::memcpy(loaded, row + first, bytes);
-    }
     std::uint64_t word = 0;
-    for (const std::uint8_t byte : loaded) word = word << 8 | byte;
+    if (bytes >= 8) {
+        std::memcpy(&word, row + first, 8);
+    } else {
+        std::memcpy(&word, row + first, bytes);
+    }
+    return word;
+}
+
+// The leftmost pixel in the most significant bit; pixels beyond the width are 0.
+std::uint64_t pixel_word(std::uint64_t raw, std::int32_t i, std::int32_t width) {
+    if constexpr (std::endian::native == std::endian::little) raw = __builtin_bswap64(raw);
     const std::int64_t pixels = width - std::int64_t{i} * 64;
-    return pixels >= 64 ? word : word & ~(kAll >> pixels);
+    return pixels >= 64 ? raw : raw & ~(kAll >> pixels);
 }
 
 // The ink of a row.
@@ -46,7 +50,9 @@ struct InkRow {
     const std::uint8_t* row;
     std::int32_t width;
 
-    std::uint64_t word(std::int32_t i) const { return pixel_word(row, i, width); }
+    std::uint64_t word(std::int32_t i) const {
+        return pixel_word(raw_word(row, i, width), i, width);
+    }
 };
 
 // The ink that the page has in a row and the target no more.
@@ -56,7 +62,8 @@ struct ErasedRow {
     std::int32_t width;
 
     std::uint64_t word(std::int32_t i) const {
-        return pixel_word(page, i, width) ^ pixel_word(target, i, width);
+        const std::uint64_t raw = raw_word(page, i, width) ^ raw_word(target, i, width);
+        return raw == 0 ? 0 : pixel_word(raw, i, width);
     }
 };
 

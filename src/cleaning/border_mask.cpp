@@ -3,7 +3,8 @@
 // Along columns, rows are combined downwards in place, by doubling: after steps of 1, 2, 4, 8 and 1
 // row y is the OR of rows y .. y + 16. That is what belongs eight rows further down, and since the
 // rows are stored with eight blank ones above, the result is read from where it lies: row 0 of the
-// mask has become the first stored row.
+// mask has become the first stored row. The steps follow one another down the page, each as far
+// behind as it must be: the rows stay in the nearest cache.
 //
 // Along rows, each word is spread inside itself by doubling; of its neighbours only the outermost
 // mark matters, since what it covers reaches from its end of the word without a gap.
@@ -46,6 +47,7 @@ void widen_row(std::uint64_t* row, std::size_t words) {
     for (std::size_t i = 0; i < words; ++i) {
         const std::uint64_t here = row[i];
         const std::uint64_t after = i + 1 < words ? row[i + 1] : 0;
+        if ((before | here | after) == 0) continue;
         std::uint64_t wide = here == 0 ? 0 : spread(here);
         // The last mark of the word before, at bit 56 + i of it, covers bits 0 .. i.
         if (const std::uint64_t spilt = before >> (64 - kBorderMargin); spilt != 0) {
@@ -88,18 +90,24 @@ BorderMask::BorderMask(std::int32_t height, std::int32_t width)
           std::max<std::size_t>(stored_words(height_, words_), 1))) {}
 
 void BorderMask::widen() {
+    struct Step {
+        std::ptrdiff_t rows;
+        std::ptrdiff_t lag;  // to where the rows below have taken the steps before
+    };
+    constexpr Step kSteps[] = {{1, 0}, {2, 2}, {4, 6}, {8, 14}, {1, 15}};
+    constexpr std::ptrdiff_t kLastLag = 15;
+    const std::uint64_t pixels = simd::last_word_pixels(static_cast<std::size_t>(width_));
     const std::ptrdiff_t top = -first_row_;
-    for (const std::ptrdiff_t step : {1, 2, 4, 8, 1}) {
-        for (std::ptrdiff_t y = top; y + step <= height_; ++y) {
-            merge_row(row(y), row(y + step), words_);
+    for (std::ptrdiff_t y = top; y <= height_ + kLastLag; ++y) {
+        for (const auto [rows, lag] : kSteps) {
+            const std::ptrdiff_t to = y - lag;
+            if (to >= top && to + rows <= height_) merge_row(row(to), row(to + rows), words_);
         }
+        if (y - kLastLag < top) continue;
+        widen_row(row(y - kLastLag), words_);
+        row(y - kLastLag)[words_ - 1] &= pixels;
     }
     first_row_ -= kBorderMargin;
-    const std::uint64_t pixels = simd::last_word_pixels(static_cast<std::size_t>(width_));
-    for (std::ptrdiff_t y = 0; y < height_; ++y) {
-        widen_row(row(y), words_);
-        row(y)[words_ - 1] &= pixels;
-    }
 }
 
 void BorderMask::frame() {

@@ -11,6 +11,9 @@
 // K * 33555 >> 22: 33555 = 2^22 / 125 + 0.568, and 31875 * 0.568 / 2^22 is below 1 / 125.
 #include "simd/border_rows.h"
 
+#include <bit>
+#include <cstring>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/border_rows_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -28,6 +31,7 @@ using WordVector = hn::Vec<Words>;
 
 constexpr Bytes kBytes;
 constexpr Words kWords;
+constexpr hn::CappedTag<std::uint64_t, 8> kMarks;
 
 HWY_INLINE WordVector word(std::uint16_t value) {
     return hn::Set(kWords, value);
@@ -96,12 +100,16 @@ HWY_INLINE const std::uint8_t* block_of(const RowShape& shape, GreyLine& line, s
 // A bit for each of 64 pixels for which test(offset) holds.
 template <class Test>
 HWY_INLINE std::uint64_t pixel_bits(const Test& test) {
-    std::uint8_t stored[8 + 8] = {};  // StoreMaskBits may write a whole vector's worth
+    std::uint8_t stored[8 + 8];  // StoreMaskBits may write up to a word
     for (std::size_t i = 0; i < kMaskBlock; i += hn::Lanes(kBytes)) {
         hn::StoreMaskBits(kBytes, test(i), stored + i / 8);
     }
     std::uint64_t bits = 0;
-    for (unsigned i = 0; i < 8; ++i) bits |= std::uint64_t{stored[i]} << (8 * i);
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(&bits, stored, 8);
+    } else {
+        for (unsigned i = 0; i < 8; ++i) bits |= std::uint64_t{stored[i]} << (8 * i);
+    }
     return bits;
 }
 
@@ -154,12 +162,23 @@ HWY_INLINE std::uint64_t fill_down(std::uint64_t open, std::uint64_t seeds) {
     return seeds;
 }
 
+// Whether a vector of words has no marks in either row.
+HWY_INLINE bool blank(const std::uint64_t* neighbour_marks, const std::uint64_t* marks) {
+    const auto both = hn::Or(hn::LoadU(kMarks, neighbour_marks), hn::LoadU(kMarks, marks));
+    return hn::AllTrue(kMarks, hn::Eq(both, hn::Zero(kMarks)));
+}
+
 bool spread_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
                   GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
     const std::size_t words = mask_words(shape.width);
+    const std::size_t lanes = hn::Lanes(kMarks);
     std::uint64_t changed = 0;
     std::uint64_t carry = 0;  // marks of the pixel before the word, here or in the neighbour
     for (std::size_t b = 0; b < words; ++b) {
+        if (carry == 0) {
+            while (b + lanes <= words && blank(neighbour_marks + b, marks + b)) b += lanes;
+            if (b == words) break;
+        }
         const std::uint64_t beside = neighbour_marks[b];
         const std::uint64_t old = marks[b];
         const std::uint64_t both = beside | old;
@@ -183,11 +202,19 @@ bool spread_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row
 bool spread_left(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
                  GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
     const std::size_t words = mask_words(shape.width);
+    const std::size_t lanes = hn::Lanes(kMarks);
     // All pixels but the first of the walk.
     const std::uint64_t tail = last_word_pixels(shape.width) >> 1;
     std::uint64_t changed = 0;
     std::uint64_t carry = 0;
     for (std::size_t b = words; b-- > 0;) {
+        if (carry == 0) {
+            while (b + 1 >= lanes &&
+                   blank(neighbour_marks + b + 1 - lanes, marks + b + 1 - lanes)) {
+                if (b + 1 == lanes) return changed != 0;
+                b -= lanes;
+            }
+        }
         const std::uint64_t beside = neighbour_marks[b];
         const std::uint64_t old = marks[b];
         const std::uint64_t both = beside | old;
