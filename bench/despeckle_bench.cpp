@@ -106,7 +106,7 @@ const bool dirty_page =
     add_beside_leptonica("despeckle a speckled text page", "Leptonica pixSelectBySize", 8.0,
                          speckled_page, by_area, select_large);
 const bool large_specks = add_beside_leptonica(
-    "despeckle a speckled text page, up to 100 pixels", "Leptonica pixSelectBySize", 8.0,
+    "despeckle a speckled text page, up to 100 pixels", "Leptonica pixSelectBySize", 6.0,
     speckled_page, by_large_area, [](PIX* page) {
         return pixSelectBySize(page, 10, 10, 8, L_SELECT_IF_EITHER, L_SELECT_IF_GT, nullptr);
     });

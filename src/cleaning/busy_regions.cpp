@@ -30,24 +30,24 @@ std::int32_t window_pixels(std::int32_t centre, std::int32_t size) {
 class RowCounts {
   public:
     explicit RowCounts(std::size_t bytes)
-        : values_(frame::Buffer<std::uint16_t>::zeroed(bytes + 2 * kWindow)) {}
+        : values_(frame::Buffer<std::int16_t>::zeroed(bytes + 2 * kWindow)) {}
 
-    std::uint16_t* data() { return values_.data() + kBefore; }
-    std::uint16_t& operator[](std::size_t b) { return values_[kBefore + b]; }
+    std::int16_t* data() { return values_.data() + kBefore; }
+    std::int16_t& operator[](std::size_t b) { return values_[kBefore + b]; }
 
     // The sums over the windows of bytes b - kBefore .. b - kBefore + kWindow - 1.
     void sum_windows(std::size_t bytes, RowCounts& sums) {
         static_assert(kWindow == 8);
-        std::uint16_t* const in = values_.data();
-        std::uint16_t* const out = sums.data();
+        std::int16_t* const in = values_.data();
+        std::int16_t* const out = sums.data();
         for (std::size_t b = 0; b < bytes; ++b) {
-            out[b] = static_cast<std::uint16_t>(in[b] + in[b + 1] + in[b + 2] + in[b + 3] +
-                                                in[b + 4] + in[b + 5] + in[b + 6] + in[b + 7]);
+            out[b] = static_cast<std::int16_t>(in[b] + in[b + 1] + in[b + 2] + in[b + 3] +
+                                               in[b + 4] + in[b + 5] + in[b + 6] + in[b + 7]);
         }
     }
 
   private:
-    frame::Buffer<std::uint16_t> values_;
+    frame::Buffer<std::int16_t> values_;
 };
 
 class ChangeWindows {
@@ -79,13 +79,14 @@ class ChangeWindows {
         with_first_.sum_windows(bytes_, across_sums_);
         down_.sum_windows(bytes_, down_sums_);
         choose_thresholds(window_pixels(static_cast<std::int32_t>(row) * kBlock, page_.height));
-        const std::uint16_t* const across = across_sums_.data();
-        const std::uint16_t* const down = down_sums_.data();
-        const std::uint16_t* const next_left = down_left_.data() + kBefore;
+        const std::int16_t* const across = across_sums_.data();
+        const std::int16_t* const down = down_sums_.data();
+        const std::int16_t* const next_left = down_left_.data() + kBefore;
+        const std::int16_t* const thresholds = thresholds_.data();
         unsigned any = 0;
         for (std::size_t b = 0; b < bytes_; ++b) {
-            const std::int32_t fewer = std::min<std::int32_t>(across[b], down[b] + next_left[b]);
-            busy[b] = fewer > thresholds_[b] ? 1 : 0;
+            const auto downwards = static_cast<std::int16_t>(down[b] + next_left[b]);
+            busy[b] = std::min(across[b], downwards) > thresholds[b] ? 1 : 0;
             any |= busy[b];
         }
         return any != 0;
@@ -111,9 +112,9 @@ class ChangeWindows {
 
     template <int kSign = 1>
     void add(RowCounts& sums, const std::uint8_t* values) const {
-        std::uint16_t* const out = sums.data();
+        std::int16_t* const out = sums.data();
         for (std::size_t b = 0; b < bytes_; ++b) {
-            out[b] = static_cast<std::uint16_t>(out[b] + kSign * values[b]);
+            out[b] = static_cast<std::int16_t>(out[b] + kSign * values[b]);
         }
     }
 
@@ -135,7 +136,7 @@ class ChangeWindows {
                 window_pixels(static_cast<std::int32_t>(b) * kBlock, page_.width);
             const float most = static_cast<float>(window_rows * columns) * factor_;
             // Beyond these ends nothing changes, and a large float has no integer.
-            thresholds_[b] = static_cast<std::int32_t>(
+            thresholds_[b] = static_cast<std::int16_t>(
                 std::clamp(most, -1.0F, static_cast<float>(kMostChanges)));
         }
     }
@@ -151,16 +152,17 @@ class ChangeWindows {
     RowCounts with_first_;  // across_ with the first row of the group below
     RowCounts across_sums_;
     RowCounts down_sums_;
-    frame::Buffer<std::int32_t> thresholds_;
+    frame::Buffer<std::int16_t> thresholds_;
     std::int32_t threshold_rows_ = 0;  // rows of the windows that the thresholds are for
 };
 
 // The mask bytes of a row of blocks, given as 1 and 0 and replaced.
 void mark_row(std::uint8_t* blocks, std::size_t count) {
-    for (std::size_t b = 0; b < count; ++b) {
-        const bool ends = b + 1 < count && blocks[b + 1] == 0;
-        if (blocks[b] != 0) blocks[b] = ends ? 0x80 : 0xFF;
-    }
+    const auto mark = [](int busy, int next_busy) {
+        return static_cast<std::uint8_t>(-busy & (0x80 | -next_busy));
+    };
+    for (std::size_t b = 0; b + 1 < count; ++b) blocks[b] = mark(blocks[b], blocks[b + 1]);
+    blocks[count - 1] = mark(blocks[count - 1], 1);
 }
 
 }  // namespace

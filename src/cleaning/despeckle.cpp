@@ -90,7 +90,7 @@ void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_a
     const std::int32_t reach = std::min(distance, kMaxRunCoordinate) + 1;
     widen(near.view(), reach);
     combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
-    restore_specks(specks.view(), near.view(), max_area, page);
+    restore_specks(specks.view(), near.view(), page);
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {

@@ -15,8 +15,9 @@ namespace cleaning {
 namespace {
 
 constexpr std::int32_t kWordPixels = 64;
-constexpr std::int32_t kBefore = kMaxSpeckArea;  // columns of a window before its first pixel
-constexpr std::int32_t kRows = kMaxSpeckArea + 1;
+constexpr std::int32_t kBefore = kMaxSpeckArea;     // columns of a window before its first pixel
+constexpr std::int32_t kAbove = kMaxSpeckArea - 1;  // rows of a speck above any pixel of it
+constexpr std::int32_t kRows = kAbove + kMaxSpeckArea + 1;
 
 std::uint64_t load_word(const std::uint8_t* bytes) {
     std::uint64_t word;
@@ -50,6 +51,15 @@ class Words {
         return x + kWordPixels <= page_.width ? load_word(row + x / 8) : at_end(row, x);
     }
 
+    // Ink and its neighbours to both sides: those beyond the word too.
+    std::uint64_t widened_at(std::int32_t x, const std::uint8_t* row) const {
+        std::uint64_t ink = widened(aligned(x, row));
+        if (x > 0) ink |= static_cast<std::uint64_t>(row[x / 8 - 1] & 1) << 63;
+        const std::int32_t next = x + kWordPixels;
+        if (next < page_.width) ink |= static_cast<std::uint64_t>(row[next / 8] >> 7);
+        return ink;
+    }
+
   private:
     std::uint64_t at_end(const std::uint8_t* row, std::int32_t x) const {
         const std::int32_t first = x >> 3;  // rounds down, also left of the row
@@ -69,50 +79,74 @@ class Words {
     std::int32_t bytes_;
 };
 
-// The ink that is connected to a first pixel, in a window of words.
+// The ink that is connected to a pixel, in a window of words: rows first() .. last() of the window.
 class Speck {
   public:
     // Whether the pixel at (x, y) begins a component of at most `max_area` pixels.
     bool grow(const Words& page, std::int32_t x, std::int32_t y, std::int32_t max_area) {
-        page_ = &page;
-        x_ = x - kBefore;
-        y_ = y;
-        rows_ = 1;
-        ink_[0] = page.at(x_, y);
-        area_ = std::countl_one(ink_[0] << kBefore);
-        if (area_ == 0 || area_ > max_area) return false;
-        found_[0] = ~(~std::uint64_t{0} >> area_) >> kBefore;
+        move_to(page, x, y);
+        const int length = std::countl_one(ink_[kAbove] << kBefore);
+        if (length == 0 || length > max_area) return false;
+        found_[kAbove] = ~(~std::uint64_t{0} >> length) >> kBefore;
+        area_ = length;
         const std::uint64_t above = page.at(x_, y - 1);
-        if ((widened(found_[0]) & above) != 0) return false;
-        max_area_ = max_area;
-        while (grow_down()) {
-            if (area_ > max_area) return false;
+        if ((widened(found_[kAbove]) & above) != 0) return false;
+        while (reach(1)) {
             // Arms that lead up again are followed before the next row down.
-            if (!grow_up() || (widened(found_[0]) & above) != 0) return false;
+            for (bool grown = true; grown && area_ <= max_area;) {
+                grown = sweep_up();
+                if (grown) sweep_down();
+            }
+            if (area_ > max_area || (widened(found_[kAbove]) & above) != 0) return false;
         }
         return true;
     }
 
-    std::int32_t x() const { return x_; }
-    std::int32_t y() const { return y_; }
-    std::int32_t rows() const { return rows_; }
-    std::uint64_t row(std::int32_t i) const { return found_[i]; }
+    // Takes all that is connected to the ink pixel at (x, y), which must belong to a speck.
+    void gather(const Words& page, std::int32_t x, std::int32_t y) {
+        move_to(page, x, y);
+        found_[kAbove] = 0;
+        take(kAbove, std::uint64_t{1} << 63 >> kBefore);
+        for (bool grown = true; grown;) {
+            while (reach(1)) {
+            }
+            while (reach(-1)) {
+            }
+            grown = sweep_up();
+            grown |= sweep_down();
+        }
+    }
+
+    // Calls visit(row of the page, column of the most significant bit, bits).
+    template <class Visit>
+    void for_each_row(Visit visit) const {
+        for (std::int32_t i = first_; i <= last_; ++i) visit(y_ + i, x_, found_[i]);
+    }
 
   private:
-    // Takes what the last row touches in the next one; false when there is nothing.
-    bool grow_down() {
-        if (rows_ == kRows) return false;
-        const std::uint64_t reached = widened(found_[rows_ - 1]);
-        const std::uint64_t below = page_->at(x_, y_ + rows_);
-        if ((reached & below) == 0) return false;
-        ink_[rows_] = below;
-        found_[rows_] = 0;
-        ++rows_;
-        take(rows_ - 1, reached);
+    void move_to(const Words& page, std::int32_t x, std::int32_t y) {
+        page_ = &page;
+        x_ = x - kBefore;
+        y_ = y - kAbove;
+        first_ = last_ = kAbove;
+        ink_[kAbove] = page.at(x_, y);
+    }
+
+    // Takes what the last (1) or first (-1) row touches beyond it; false when that is nothing.
+    bool reach(std::int32_t step) {
+        std::int32_t& end = step > 0 ? last_ : first_;
+        const std::uint64_t reached = widened(found_[end]);
+        const std::uint64_t beyond = page_->at(x_, y_ + end + step);
+        if ((reached & beyond) == 0) return false;
+        end += step;
+        ink_[end] = beyond;
+        found_[end] = 0;
+        take(end, reached);
         return true;
     }
 
-    // Takes the ink of a row that is connected, along the row, to what is reached.
+    // Takes the ink of a row that is connected, along the row, to what is reached; false when all
+    // of that has been found before.
     bool take(std::int32_t i, std::uint64_t reached) {
         std::uint64_t found = found_[i] | (reached & ink_[i]);
         if (found == found_[i]) return false;
@@ -125,27 +159,28 @@ class Speck {
         return true;
     }
 
-    // Follows the ink through the rows so far until it is complete; false when it becomes too much.
-    bool grow_up() {
-        for (bool grown = true; grown;) {
-            grown = false;
-            for (std::int32_t i = rows_ - 2; i >= 0; --i) {
-                grown |= take(i, widened(found_[i + 1]));
-            }
-            if (grown) {
-                for (std::int32_t i = 1; i < rows_; ++i) take(i, widened(found_[i - 1]));
-            }
-            if (area_ > max_area_) return false;
+    bool sweep_up() {
+        bool grown = false;
+        for (std::int32_t i = last_ - 1; i >= first_; --i) {
+            grown |= take(i, widened(found_[i + 1]));
         }
-        return true;
+        return grown;
+    }
+
+    bool sweep_down() {
+        bool grown = false;
+        for (std::int32_t i = first_ + 1; i <= last_; ++i) {
+            grown |= take(i, widened(found_[i - 1]));
+        }
+        return grown;
     }
 
     const Words* page_ = nullptr;
-    std::int32_t x_ = 0;
-    std::int32_t y_ = 0;
-    std::int32_t rows_ = 0;
+    std::int32_t x_ = 0;  // of the most significant bits
+    std::int32_t y_ = 0;  // of row 0 of the window
+    std::int32_t first_ = 0;
+    std::int32_t last_ = 0;
     std::int32_t area_ = 0;
-    std::int32_t max_area_ = 0;
     std::uint64_t ink_[kRows];
     std::uint64_t found_[kRows];
 };
@@ -162,72 +197,71 @@ void change_row(std::uint8_t* row, std::int32_t x, std::uint64_t ink, Change cha
 }
 
 void erase(common::MutableBitonalView page, const Speck& speck) {
-    for (std::int32_t i = 0; i < speck.rows(); ++i) {
-        change_row(
-            page.row(speck.y() + i), speck.x(), speck.row(i),
-            [](std::uint8_t& byte, int bits) { byte = static_cast<std::uint8_t>(byte & ~bits); });
-    }
+    speck.for_each_row([page](std::int32_t y, std::int32_t x, std::uint64_t ink) {
+        change_row(page.row(y), x, ink, [](std::uint8_t& byte, int bits) {
+            byte = static_cast<std::uint8_t>(byte & ~bits);
+        });
+    });
 }
 
 void draw(common::MutableBitonalView page, const Speck& speck) {
-    for (std::int32_t i = 0; i < speck.rows(); ++i) {
-        change_row(
-            page.row(speck.y() + i), speck.x(), speck.row(i),
-            [](std::uint8_t& byte, int bits) { byte = static_cast<std::uint8_t>(byte | bits); });
-    }
+    speck.for_each_row([page](std::int32_t y, std::int32_t x, std::uint64_t ink) {
+        change_row(page.row(y), x, ink, [](std::uint8_t& byte, int bits) {
+            byte = static_cast<std::uint8_t>(byte | bits);
+        });
+    });
 }
 
-// Calls visit(speck) for every speck of the page, once or, with arms that begin in the same row,
-// again unless it has been erased.
+// Calls visit(x) for the ones of a word whose first pixel is x.
 template <class Visit>
-void for_each_speck(common::BitonalView page, std::int32_t max_area, Visit visit) {
-    const Words words(page);
-    Speck speck;
-    for (std::int32_t y = 0; y < page.height; ++y) {
-        const std::uint8_t* const row = page.row(y);
-        const std::uint8_t* const above_row = y > 0 ? page.row(y - 1) : nullptr;
-        const auto above = [&](std::int32_t x) -> std::uint64_t {
-            return above_row != nullptr && x < page.width ? words.aligned(x, above_row) : 0;
-        };
-        std::uint64_t left = 0;  // the pixel before the word
-        for (std::int32_t x = 0; x < page.width; x += kWordPixels) {
-            const std::uint64_t ink = words.aligned(x, row);
-            const std::uint64_t begins = ink & ~(ink >> 1 | left << 63);
-            left = ink & 1;
-            if (begins == 0) continue;
-            const std::uint64_t up = above(x);
-            std::uint64_t first = begins & ~widened(up);
-            if (first == 0) continue;
-            if (x > 0 && above_row != nullptr && (above_row[x / 8 - 1] & 1) != 0) {
-                first &= ~(std::uint64_t{1} << 63);
-            }
-            if ((first & 1) != 0 && above(x + kWordPixels) >> 63 != 0) first &= ~std::uint64_t{1};
-            while (first != 0) {
-                const int position = std::countl_zero(first);
-                first &= ~(std::uint64_t{1} << 63 >> position);
-                if (speck.grow(words, x + position, y, max_area)) visit(speck);
-            }
-        }
+void for_each_one(std::uint64_t word, std::int32_t x, Visit visit) {
+    while (word != 0) {
+        const int position = std::countl_zero(word);
+        word &= ~(std::uint64_t{1} << 63 >> position);
+        visit(x + position);
     }
 }
 
 }  // namespace
 
 void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
-    for_each_speck(page, max_area, [page](const Speck& speck) { erase(page, speck); });
+    const Words words(page);
+    Speck speck;
+    for (std::int32_t y = 0; y < page.height; ++y) {
+        const std::uint8_t* const row = page.row(y);
+        const std::uint8_t* const above = y > 0 ? page.row(y - 1) : nullptr;
+        std::uint64_t left = 0;  // the pixel before the word
+        for (std::int32_t x = 0; x < page.width; x += kWordPixels) {
+            const std::uint64_t ink = words.aligned(x, row);
+            std::uint64_t first = ink & ~(ink >> 1 | left << 63);
+            left = ink & 1;
+            if (first == 0) continue;
+            if (above != nullptr) first &= ~words.widened_at(x, above);
+            for_each_one(first, x, [&](std::int32_t first_x) {
+                if (speck.grow(words, first_x, y, max_area)) erase(page, speck);
+            });
+        }
+    }
 }
 
 void restore_specks(common::MutableBitonalView specks, common::BitonalView near,
-                    std::int32_t max_area, common::MutableBitonalView page) {
+                    common::MutableBitonalView page) {
+    const Words words(specks);
     const Words near_words(near);
-    for_each_speck(specks, max_area, [&](const Speck& speck) {
-        for (std::int32_t i = 0; i < speck.rows(); ++i) {
-            if ((near_words.at(speck.x(), speck.y() + i) & speck.row(i)) == 0) continue;
-            draw(page, speck);
-            erase(specks, speck);
-            return;
+    Speck speck;
+    for (std::int32_t y = 0; y < page.height; ++y) {
+        for (std::int32_t x = 0; x < page.width; x += kWordPixels) {
+            const std::uint64_t near_ink = near_words.aligned(x, near.row(y));
+            const std::uint64_t touched = near_ink & words.aligned(x, specks.row(y));
+            for_each_one(touched, x, [&](std::int32_t touched_x) {
+                // Not when it has gone with a pixel before it.
+                if (words.at(touched_x, y) >> 63 == 0) return;
+                speck.gather(words, touched_x, y);
+                draw(page, speck);
+                erase(specks, speck);
+            });
         }
-    });
+    }
 }
 
 }  // namespace cleaning

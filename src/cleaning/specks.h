@@ -17,9 +17,9 @@ constexpr std::int32_t kMaxSpeckArea = 31;
 void erase_specks(common::MutableBitonalView page, std::int32_t max_area);
 
 // Moves the components of `specks` that have a pixel in common with `near` to the page. All three
-// have the same size; `specks` holds components of at most `max_area` pixels only, and the others
-// are left in it.
+// have the same size. `specks` holds components of at most kMaxSpeckArea pixels; the others are
+// left in it.
 void restore_specks(common::MutableBitonalView specks, common::BitonalView near,
-                    std::int32_t max_area, common::MutableBitonalView page);
+                    common::MutableBitonalView page);
 
 }  // namespace cleaning

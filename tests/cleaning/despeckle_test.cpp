@@ -71,8 +71,8 @@ TEST(Despeckle, ErasesByArea) {
 }
 
 TEST(Despeckle, KeepsWhatLiesNearLargerInk) {
-    for (const int max_area : {-1, 0, 1, 4, 12, 32, 40, 300}) {
-        for (const int distance : {INT_MIN, -1, 0, 1, 2, 3, 4, 7, 9, 31, 64, 90, INT_MAX}) {
+    for (const int max_area : {-1, 1, 4, 12, 31, 32, 300}) {
+        for (const int distance : {INT_MIN, -1, 0, 1, 2, 4, 9, 90, INT_MAX}) {
             SCOPED_TRACE(testing::Message() << max_area << " near " << distance);
             compare_on_pages(
                 static_cast<std::uint32_t>(max_area * 1000 + distance % 100), 1,
@@ -117,7 +117,7 @@ TEST(Despeckle, ErasesInBusyRegionsOnly) {
         for (const int max_area : {6, 5000}) {
             SCOPED_TRACE(testing::Message() << max_area << " where busier than " << density);
             compare_on_pages(
-                static_cast<std::uint32_t>(max_area + density), 1,
+                static_cast<std::uint32_t>(max_area) + static_cast<std::uint32_t>(density), 1,
                 [=](unsigned char* image, int height, int width, int stride, Judge*) {
                     return despeckl_selective(image, height, width, stride, 7, max_area, density);
                 },
