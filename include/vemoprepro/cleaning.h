@@ -64,7 +64,8 @@ VEMOPREPRO_API int pre_tva(unsigned char* image, int height, int width, int stri
 typedef struct lrm_settings lrm_settings;
 
 /* A handle for an image, which stays the caller's and valid until lrm_exit(). The zone is the whole
- * image. Null when the stride does not hold the width, or without memory. */
+ * image. Null when the stride does not hold the width, or without memory. The operations refuse a
+ * null image. */
 VEMOPREPRO_API lrm_settings* lrm_init_mem(unsigned char* image, unsigned short height,
                                           unsigned short width, unsigned short stride);
 /* Frees the handle. -1 for null. */
@@ -98,7 +99,7 @@ VEMOPREPRO_API int lrm_set_vert_clean_x(lrm_settings* lrm, unsigned short pixels
 VEMOPREPRO_API int lrm_set_vert_clean_y(lrm_settings* lrm, unsigned short pixels);
 
 /* Removes the horizontal, or vertical, lines of the zone in place. -1 for a null handle, an image
- * of no bytes or without memory; the image may then be partly processed. */
+ * of no bytes or without memory; the image is then as it was. */
 VEMOPREPRO_API int lrm_do_horz(lrm_settings* lrm);
 VEMOPREPRO_API int lrm_do_vert(lrm_settings* lrm);
 
@@ -107,7 +108,8 @@ VEMOPREPRO_API int lrm_do_vert(lrm_settings* lrm);
  * thickness: ink this high is no line; min_length: of a line; max_gap: gaps shorter than this do
  * not end a line; min_run and join: rows of at least min_run, joined across gaps of fewer than
  * `join` rows, make the thick ink that is kept out of the search; clean: ink this far above or
- * below a line goes with it. An image of no bytes is refused. */
+ * below a line goes with it. A length below 1 skips its step. An image of no bytes is refused; after
+ * a failure the image is as it was. */
 VEMOPREPRO_API int linerm_h(unsigned char* image, int height, int width, int stride, int thickness,
                             int min_length, int max_gap, int min_run, int join, int clean);
 /* The same for vertical lines. */
@@ -115,10 +117,12 @@ VEMOPREPRO_API int linerm_v(unsigned char* image, int height, int width, int str
                             int min_length, int max_gap, int min_run, int join, int clean);
 
 /* Writes the long thin lines of one direction, horizontal (vertical = 0) or vertical, of the source
- * into `target`. Both have `height` rows of `stride` bytes, all bits of which are pixels.
+ * into `target`. Both have `height` rows of `stride` bytes, all bits of which are pixels, and do not
+ * overlap.
  * ink_value: 0 as everywhere. min_extent: a line is longer than this. min_run: so are its parts at
  * least. thickness: what is at least this thick across is no line. dilate: a line may step aside by
- * this much. x0, x1: lines are looked for in the columns x0 <= x < x1.
+ * this much. x0, x1: lines are looked for in the columns x0 <= x < x1, which lie in the image; where
+ * there are none, all candidates stay and none is counted. An image of no bytes has no lines.
  * Returns how many columns (rows when vertical) have a line, or -1; target then holds an
  * intermediate state. At most 100,000 lines are counted. */
 VEMOPREPRO_API int extract_underline(int ink_value, int vertical, int min_extent, int min_run,

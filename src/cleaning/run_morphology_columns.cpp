@@ -19,6 +19,15 @@ constexpr std::size_t kStripWords = simd::kWindowWords;
 constexpr std::size_t kStripBytes = kStripWords * sizeof(std::uint64_t);
 constexpr std::size_t kStripPixels = 64 * kStripWords;
 
+// Most strips are whole: a copy of a size that is known needs no call.
+void copy_strip_row(std::uint8_t* to, const std::uint8_t* from, std::size_t size) {
+    if (size == kStripBytes) {
+        std::memcpy(to, from, kStripBytes);
+    } else {
+        std::memcpy(to, from, size);
+    }
+}
+
 class ColumnStrips {
   public:
     // Windows have up to `length` pixels.
@@ -39,12 +48,8 @@ class ColumnStrips {
     void for_each(Change change) {
         for (std::size_t at = 0; at < bytes_.size; at += kStripBytes) {
             const std::size_t size = std::min(kStripBytes, bytes_.size - at);
-            if (size < kStripBytes) {
-                std::memset(string_.words(), 0, rows_ * kStripBytes);
-                load(at, size);
-            } else {
-                load(at, kStripBytes);
-            }
+            if (size < kStripBytes) std::memset(string_.words(), 0, rows_ * kStripBytes);
+            load(at, size);
             std::memset(string_.words() + rows_ * kStripWords, 0,
                         (count_ - rows_ * kStripWords) * sizeof(std::uint64_t));
             if (!change(string_.words(), count_, kStripPixels)) {
@@ -67,7 +72,7 @@ class ColumnStrips {
         const bool last = at + size == bytes_.size;
         for (std::size_t y = 0; y < rows_; ++y) {
             std::uint8_t* const row = strip_row(y);
-            std::memcpy(row, image_row(y, at), size);
+            copy_strip_row(row, image_row(y, at), size);
             if (first) row[0] &= bytes_.head;
             if (last) row[size - 1] &= bytes_.tail;
         }
@@ -77,6 +82,12 @@ class ColumnStrips {
         const std::uint8_t head = at == 0 ? bytes_.head : 0xFF;
         const std::uint8_t tail = at + size == bytes_.size ? bytes_.tail : 0xFF;
         const std::size_t end = size - 1;
+        if ((head & tail) == 0xFF) {
+            for (std::size_t y = 0; y < rows_; ++y) {
+                copy_strip_row(image_row(y, at), strip_row(y), size);
+            }
+            return;
+        }
         for (std::size_t y = 0; y < rows_; ++y) {
             const std::uint8_t* const from = strip_row(y);
             std::uint8_t* const to = image_row(y, at);
