@@ -108,8 +108,8 @@ VEMOPREPRO_API int lrm_do_vert(lrm_settings* lrm);
  * thickness: ink this high is no line; min_length: of a line; max_gap: gaps shorter than this do
  * not end a line; min_run and join: rows of at least min_run, joined across gaps of fewer than
  * `join` rows, make the thick ink that is kept out of the search; clean: ink this far above or
- * below a line goes with it. A length below 1 skips its step. An image of no bytes is refused; after
- * a failure the image is as it was. */
+ * below a line goes with it. A length below 1 skips its step. An image of no bytes is refused;
+ * after a failure the image is as it was. */
 VEMOPREPRO_API int linerm_h(unsigned char* image, int height, int width, int stride, int thickness,
                             int min_length, int max_gap, int min_run, int join, int clean);
 /* The same for vertical lines. */
@@ -117,14 +117,13 @@ VEMOPREPRO_API int linerm_v(unsigned char* image, int height, int width, int str
                             int min_length, int max_gap, int min_run, int join, int clean);
 
 /* Writes the long thin lines of one direction, horizontal (vertical = 0) or vertical, of the source
- * into `target`. Both have `height` rows of `stride` bytes, all bits of which are pixels, and do not
- * overlap.
- * ink_value: 0 as everywhere. min_extent: a line is longer than this. min_run: so are its parts at
- * least. thickness: what is at least this thick across is no line. dilate: a line may step aside by
- * this much. x0, x1: lines are looked for in the columns x0 <= x < x1, which lie in the image; where
- * there are none, all candidates stay and none is counted. An image of no bytes has no lines.
- * Returns how many columns (rows when vertical) have a line, or -1; target then holds an
- * intermediate state. At most 100,000 lines are counted. */
+ * into `target`. Both have `height` rows of `stride` bytes, all bits of which are pixels, and do
+ * not overlap. ink_value: 0 as everywhere. min_extent: a line is longer than this. min_run: so are
+ * its parts at least. thickness: what is at least this thick across is no line. dilate: a line may
+ * step aside by this much. x0, x1: lines are looked for in the columns x0 <= x < x1, which lie in
+ * the image; where there are none, all candidates stay and none is counted. An image of no bytes
+ * has no lines. Returns how many columns (rows when vertical) have a line, or -1; target then holds
+ * an intermediate state. At most 100,000 lines are counted. */
 VEMOPREPRO_API int extract_underline(int ink_value, int vertical, int min_extent, int min_run,
                                      int thickness, int dilate, const unsigned char* source,
                                      unsigned char* target, int height, int stride, int x0, int x1);
