@@ -92,10 +92,12 @@ class Speck {
         const std::uint64_t above = page.at(x_, y - 1);
         if ((widened(found_[kAbove]) & above) != 0) return false;
         while (reach(1)) {
-            // Arms that lead up again are followed before the next row down.
-            for (bool grown = true; grown && area_ <= max_area;) {
+            // Arms that lead up again are followed before the next row down. Most rows lead to
+            // none.
+            bool grown = take(last_ - 1, widened(found_[last_]));
+            while (grown && area_ <= max_area) {
                 grown = sweep_up();
-                if (grown) sweep_down();
+                grown |= sweep_down();
             }
             if (area_ > max_area || (widened(found_[kAbove]) & above) != 0) return false;
         }
