@@ -136,7 +136,7 @@ Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& param
     const simd::EdgeLimits limits{gradient * gradient, parameters.delta2};
     SumsRing ring(whole_blocks);
     for (std::size_t i = 0; i < whole_rows; ++i) {
-        simd::plain::sum_edge_blocks(rows_of_block(grey, i), limits, ring.row(i));
+        simd::sum_edge_blocks(rows_of_block(grey, i), limits, ring.row(i));
         if (i >= 2) set_thresholds(ring, i - 1, whole_blocks, parameters, maps);
     }
     return maps;

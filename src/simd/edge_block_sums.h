@@ -13,12 +13,12 @@
 
 namespace simd {
 
-// The four rows of a row of blocks with the row above and the row below.
+// The four rows of a row of blocks with the row above and the row below: six rows of `width` bytes.
+// Rows from .. to - 1 of the four can hold edge pixels; a row above or below that the page has not
+// may be any other row of it.
 struct BlockRows {
     const std::uint8_t* row[6];
-    std::size_t width;  // pixels of the page; the last, incomplete block is left out
-    // Rows from .. to - 1 of the four can hold edge pixels; row[from] and row[to + 1] are read,
-    // rows outside row[from] .. row[to + 1] and the four need not exist.
+    std::size_t width;  // pixels of the page; what is left behind the last whole block is left out
     std::size_t edges_from = 0;
     std::size_t edges_to = 4;
 };
