@@ -5,7 +5,6 @@
 // 4 i .. 4 i + 3 down and 4 j .. 4 j + 3 across. 0 is an empty block.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -31,10 +30,6 @@ struct BlockMap {
 
     std::uint8_t* row(std::size_t i) { return cells.data() + i * width; }
     const std::uint8_t* row(std::size_t i) const { return cells.data() + i * width; }
-
-    bool empty() const {
-        return std::all_of(cells.begin(), cells.end(), [](std::uint8_t cell) { return cell == 0; });
-    }
 };
 
 }  // namespace binarization

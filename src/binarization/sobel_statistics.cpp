@@ -18,6 +18,7 @@
 #include "binarization/block_map.h"
 #include "binarization/threshold.h"
 #include "frame/buffer.h"
+#include "simd/block_fill.h"
 #include "simd/edge_block_sums.h"
 #include "simd/threshold_bits.h"
 
@@ -100,6 +101,10 @@ simd::BlockRows rows_of_block(const common::GreyView& grey, std::size_t i) {
 struct Maps {
     BlockMap edges;
     BlockMap edges_and_dark;
+    // What the cells hold: without dark cells the maps are the same, and the second one need not be
+    // completed.
+    bool any_edge = false;
+    bool any_dark = false;
 };
 
 // Thresholds of the inner blocks of block row i, whose own sums and those of its neighbours are in
@@ -113,6 +118,7 @@ void set_thresholds(SumsRing& ring, std::size_t i, std::size_t whole_blocks,
         if (own.count[j] == 0) {
             if (own.grey[j] <= 16 * parameters.black1) {
                 maps.edges_and_dark.row(i)[j] = parameters.black1;
+                maps.any_dark = maps.any_dark || parameters.black1 != 0;
             }
             continue;
         }
@@ -124,12 +130,13 @@ void set_thresholds(SumsRing& ring, std::size_t i, std::size_t whole_blocks,
         const std::uint8_t threshold = threshold_at_edges(around, weight);
         maps.edges.row(i)[j] = threshold;
         maps.edges_and_dark.row(i)[j] = threshold;
+        maps.any_edge = maps.any_edge || threshold != 0;
     }
 }
 
 Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& parameters) {
     Maps maps{BlockMap::of_page(grey.height, grey.width),
-              BlockMap::of_page(grey.height, grey.width)};
+              BlockMap::of_page(grey.height, grey.width), false, false};
     const auto whole_rows = static_cast<std::size_t>(grey.height / kBlockSide);
     const auto whole_blocks = static_cast<std::size_t>(grey.width / kBlockSide);
     const int gradient = 3 * parameters.delta1 + 20;
@@ -142,57 +149,50 @@ Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& param
     return maps;
 }
 
-// Every empty inner cell takes the largest value beside it, all from before the pass.
-void widen_into_empty_cells(BlockMap& map) {
-    frame::Buffer<std::uint8_t> copies(map.width * 2);
+// Every empty inner cell takes the largest value beside it, all from before the pass. The cells
+// still empty are set to 255 and marked.
+void widen_into_empty_cells(BlockMap& map, frame::Buffer<std::uint8_t>& was_empty) {
+    frame::Buffer<std::uint8_t> copies(2 * map.width);
     std::uint8_t* above = copies.data();
     std::uint8_t* current = above + map.width;
     std::memcpy(current, map.row(0), map.width);
+    simd::plain::mark_empty(current, map.width, map.row(0), was_empty.data());
     for (std::size_t i = 1; i + 1 < map.height; ++i) {
         std::swap(above, current);
         std::memcpy(current, map.row(i), map.width);
-        const std::uint8_t* below = map.row(i + 1);
-        std::uint8_t* row = map.row(i);
-        for (std::size_t j = 1; j + 1 < map.width; ++j) {
-            if (current[j] != 0) continue;
-            row[j] = std::max({above[j - 1], above[j], above[j + 1], current[j - 1], current[j + 1],
-                               below[j - 1], below[j], below[j + 1]});
-        }
+        simd::widen_into_empty(above, current, map.row(i + 1), map.width, map.row(i),
+                               was_empty.data() + i * map.width);
     }
+    const std::size_t last = map.height - 1;
+    simd::plain::mark_empty(map.row(last), map.width, map.row(last),
+                            was_empty.data() + last * map.width);
 }
 
-// The cells that are empty now are filled from their neighbours: from above and the left in one
-// pass, from below and the right in a second one, each with the least of what it finds.
-void fill_empty_cells(BlockMap& map) {
-    frame::Buffer<std::uint8_t> was_empty(map.height * map.width);
-    for (std::size_t cell = 0; cell < was_empty.size(); ++cell) {
-        was_empty[cell] = map.cells[cell] == 0 ? 1 : 0;
-        if (was_empty[cell] != 0) map.cells[cell] = 255;
-    }
-    const auto pull = [&](std::size_t i, std::size_t j, bool other_row, bool other_column,
-                          std::ptrdiff_t step) {
-        const std::size_t cell = i * map.width + j;
-        if (was_empty[cell] == 0) return;
-        std::uint8_t* at = map.cells.data() + cell;
-        const auto up = step * static_cast<std::ptrdiff_t>(map.width);
-        if (other_column) *at = std::min(*at, at[step]);
-        if (other_row) *at = std::min(*at, at[up]);
-        if (other_row && other_column) *at = std::min(*at, at[up + step]);
-    };
+// Cells that stay empty are filled from above and the left in one pass, from below and the right in
+// a second one, each with the least of what it finds.
+void complete(BlockMap& map, frame::Buffer<std::uint8_t>& was_empty) {
+    widen_into_empty_cells(map, was_empty);
+    // Where there is no row beside, a row serves itself: that adds nothing to its left or right
+    // neighbour.
     for (std::size_t i = 0; i < map.height; ++i) {
-        for (std::size_t j = 0; j < map.width; ++j) pull(i, j, i > 0, j > 0, -1);
+        simd::pull_forward(map.row(i == 0 ? i : i - 1), was_empty.data() + i * map.width, map.width,
+                           map.row(i));
     }
     for (std::size_t i = map.height; i-- > 0;) {
-        for (std::size_t j = map.width; j-- > 0;) {
-            pull(i, j, i + 1 < map.height, j + 1 < map.width, 1);
-        }
+        simd::pull_backward(map.row(i + 1 == map.height ? i : i + 1),
+                            was_empty.data() + i * map.width, map.width, map.row(i));
     }
 }
 
-void complete(BlockMap& map) {
-    if (map.empty()) return;
-    widen_into_empty_cells(map);
-    fill_empty_cells(map);
+// The higher of the completed maps and `lowest`, in the first map.
+void merge(Maps& maps, std::uint8_t lowest) {
+    frame::Buffer<std::uint8_t> was_empty(maps.edges.cells.size());
+    if (maps.any_edge) complete(maps.edges, was_empty);
+    if (maps.any_dark) complete(maps.edges_and_dark, was_empty);
+    for (std::size_t cell = 0; cell < was_empty.size(); ++cell) {
+        std::uint8_t& threshold = maps.edges.cells[cell];
+        threshold = std::max({threshold, maps.edges_and_dark.cells[cell], lowest});
+    }
 }
 
 }  // namespace
@@ -205,16 +205,10 @@ void binarize_by_sobel_statistics(const common::GreyView& grey, const SobelStati
         return binarize_by_threshold(grey, kAutomaticThreshold, page);
     }
     Maps maps = block_thresholds(grey, parameters);
-    complete(maps.edges);
-    complete(maps.edges_and_dark);
-    BlockMap& thresholds = maps.edges;
-    for (std::size_t cell = 0; cell < thresholds.cells.size(); ++cell) {
-        thresholds.cells[cell] =
-            std::max({thresholds.cells[cell], maps.edges_and_dark.cells[cell], parameters.black2});
-    }
+    merge(maps, parameters.black2);
     for (int y = 0; y < page.height; ++y) {
         simd::pack_below_blocks(grey.row(y), static_cast<std::size_t>(page.width),
-                                thresholds.row(static_cast<std::size_t>(y / kBlockSide)),
+                                maps.edges.row(static_cast<std::size_t>(y / kBlockSide)),
                                 page.row(y));
     }
 }
