@@ -2,28 +2,14 @@
 // out of the page through a callback, the peers are handed the page.
 #include <libyuv.h>
 
-#include <cstring>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 
 #include "harness.h"
+#include "page_reader.h"
 #include "vemoprepro/binarization.h"
 
 namespace {
-
-// The plain reader of a page in memory.
-struct PageReader {
-    const std::uint8_t* page;
-    std::size_t row_bytes;
-    std::size_t next = 0;
-
-    static int read(void* ctx, int mode, unsigned char* row) {
-        auto* self = static_cast<PageReader*>(ctx);
-        if (mode == 0) self->next = 0;
-        std::memcpy(row, self->page + self->next++ * self->row_bytes, self->row_bytes);
-        return 0;
-    }
-};
 
 cv::Mat grey_mat() {
     const bench::Page& page = bench::grey_page();
@@ -41,13 +27,14 @@ bench::Sides threshold_sides(int thresh, int opencv_mode) {
     const auto bits = std::make_shared<std::vector<std::uint8_t>>(bitonal_size(page));
     const auto result = std::make_shared<cv::Mat>();
     const cv::Mat source = grey_mat();
-    return {.ours =
-                [=, &page] {
-                    PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
-                    bi_thresh(0, thresh, PageReader::read, &reader, PREPRO_SOURCE_GREY, page.width,
-                              0, page.width, 0, page.height, bits->data());
-                },
-            .theirs = [=] { cv::threshold(source, *result, 127, 255, opencv_mode); }};
+    return {
+        .ours =
+            [=, &page] {
+                bench::PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
+                bi_thresh(0, thresh, bench::PageReader::read, &reader, PREPRO_SOURCE_GREY,
+                          page.width, 0, page.width, 0, page.height, bits->data());
+            },
+        .theirs = [=] { cv::threshold(source, *result, 127, 255, opencv_mode); }};
 }
 
 std::function<void()> grey_of_colour_page(unsigned char smooth) {
@@ -55,9 +42,9 @@ std::function<void()> grey_of_colour_page(unsigned char smooth) {
     const auto size = static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height);
     const auto grey = std::make_shared<std::vector<std::uint8_t>>(size);
     return [=, &page] {
-        PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
-        bi_color2greybuf(smooth, PageReader::read, &reader, nullptr, PREPRO_SOURCE_RGB, page.width,
-                         300, 0, page.width, 0, page.height, grey->data(),
+        bench::PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
+        bi_color2greybuf(smooth, bench::PageReader::read, &reader, nullptr, PREPRO_SOURCE_RGB,
+                         page.width, 300, 0, page.width, 0, page.height, grey->data(),
                          static_cast<int>(grey->size()), 1, 0);
     };
 }

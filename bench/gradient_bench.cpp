@@ -1,30 +1,16 @@
 // Local thresholds of an A4 page: the gradient method, reader included, beside Sauvola's method
 // with the window that is usual at 300 dots per inch.
-#include <cstring>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/ximgproc.hpp>
 
 #include "harness.h"
+#include "page_reader.h"
 #include "vemoprepro/binarization.h"
 
 namespace {
 
 constexpr int kWindow = 31;
-
-// The plain reader of a page in memory.
-struct PageReader {
-    const std::uint8_t* page;
-    std::size_t row_bytes;
-    std::size_t next = 0;
-
-    static int read(void* ctx, int mode, unsigned char* row) {
-        auto* self = static_cast<PageReader*>(ctx);
-        if (mode == 0) self->next = 0;
-        std::memcpy(row, self->page + self->next++ * self->row_bytes, self->row_bytes);
-        return 0;
-    }
-};
 
 cv::Mat mat_of(const bench::Page& page, int type) {
     return cv::Mat(page.height, page.width, type, const_cast<std::uint8_t*>(page.data.data()),
@@ -41,9 +27,9 @@ std::function<void()> gradient(int mode, const bench::Page& page, int type) {
     const auto bits =
         std::make_shared<std::vector<std::uint8_t>>(stride * static_cast<std::size_t>(page.height));
     return [=, &page] {
-        PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
-        bi_gradl(mode, PageReader::read, &reader, type, page.width, 0, page.width, 0, page.height,
-                 bits->data());
+        bench::PageReader reader{page.data.data(), static_cast<std::size_t>(page.stride)};
+        bi_gradl(mode, bench::PageReader::read, &reader, type, page.width, 0, page.width, 0,
+                 page.height, bits->data());
     };
 }
 

@@ -25,8 +25,10 @@ extern "C" {
 
 /* Decides about a finished component: 1 erases it, anything else keeps it. height and width are
  * those of its bounding box, area its number of pixels. Called on the caller's thread, in the order
- * in which components end on the way down the page, those that end in the same row in the order in
- * which they began. */
+ * in which components end on the way down the page. Those that end in the same row come in the
+ * order of a list that a component joins at its end with its first run; where a run of a row
+ * touches several, they become one, in the place of the one that its leftmost touching run of the
+ * row above belongs to. */
 typedef int (*prepro_component_rule)(void* user, int height, int width, int area);
 
 /* Erases the components of at most max_area pixels. */
@@ -123,7 +125,8 @@ VEMOPREPRO_API int linerm_v(unsigned char* image, int height, int width, int str
  * step aside by this much. x0, x1: lines are looked for in the columns x0 <= x < x1, which lie in
  * the image; where there are none, all candidates stay and none is counted. An image of no bytes
  * has no lines. Returns how many columns (rows when vertical) have a line, or -1; target then holds
- * an intermediate state. At most 100,000 lines are counted. */
+ * an intermediate state. At most 100,000 lines are counted. A height
+ * or an x1 beyond 65,535 is refused. */
 VEMOPREPRO_API int extract_underline(int ink_value, int vertical, int min_extent, int min_run,
                                      int thickness, int dilate, const unsigned char* source,
                                      unsigned char* target, int height, int stride, int x0, int x1);

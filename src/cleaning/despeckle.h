@@ -33,8 +33,9 @@ void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_a
                              std::int32_t distance);
 
 // Asks the judge about every component, in the order in which they end on the way down the page,
-// those that end in the same row in the order in which they began; a component made of several
-// began where the leftmost of them did. A component is erased before the next one is asked about.
+// those that end in the same row in the order in which they began. What a run of a row makes one
+// began where the piece did that its leftmost touching run of the row above belongs to. A component
+// is erased before the next one is asked about.
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge);
 
 // Asks about all components, widens what is left by `distance` pixels, adds the page's ink, asks
