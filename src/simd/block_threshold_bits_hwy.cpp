@@ -65,7 +65,7 @@ HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
 HWY_INLINE ByteVector sum_below(const ThreeRows& grey, std::size_t x, WordVector limit) {
     WordVector column[4];
     for (int side = 0; side < 2; ++side) {
-        const std::size_t from = x + 2 * static_cast<std::size_t>(side) - 1;
+        const auto from = static_cast<std::ptrdiff_t>(x) + 2 * side - 1;
         const ByteVector above = hn::LoadU(kBytes, grey.above + from);
         const ByteVector row = hn::LoadU(kBytes, grey.row + from);
         const ByteVector below = hn::LoadU(kBytes, grey.below + from);
