@@ -1,5 +1,5 @@
 // Line removal and extraction of underlines on a ruled page beside the same recipes of brick
-// morphology in Leptonica.
+// morphology in Leptonica, in its fastest form: destination word accumulation.
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -58,12 +58,12 @@ struct Bricks {
 void remove_with_leptonica(PIX* page, bool horizontal) {
     const Bricks bricks{horizontal};
     const Pix image = own(pixClone(page));
-    Pix mask = bricks.along(pixCloseBrick, image, 2);
-    mask = bricks.across(pixDilateBrick, mask, 3);
-    mask = bricks.along(pixOpenCompBrick, mask, 128);
+    Pix mask = bricks.along(pixCloseBrickDwa, image, 2);
+    mask = bricks.across(pixDilateBrickDwa, mask, 3);
+    mask = bricks.along(pixOpenCompBrickDwa, mask, 128);
     pixAnd(mask.get(), mask.get(), page);
-    mask = own(pixDilateBrick(nullptr, mask.get(), 3, 3));
-    const Pix strokes = bricks.across(pixOpenCompBrick, image, 16);
+    mask = own(pixDilateBrickDwa(nullptr, mask.get(), 3, 3));
+    const Pix strokes = bricks.across(pixOpenCompBrickDwa, image, 16);
     pixSubtract(page, page, mask.get());
     pixOr(page, page, strokes.get());
 }
@@ -71,27 +71,27 @@ void remove_with_leptonica(PIX* page, bool horizontal) {
 void remove_carefully_with_leptonica(PIX* page) {
     const Bricks bricks{true};
     const Pix image = own(pixClone(page));
-    Pix lines = bricks.along(pixOpenCompBrick, image, 60);
-    lines = bricks.across(pixCloseBrick, lines, 3);
-    lines = bricks.across(pixOpenCompBrick, lines, 8);
+    Pix lines = bricks.along(pixOpenCompBrickDwa, image, 60);
+    lines = bricks.across(pixCloseBrickDwa, lines, 3);
+    lines = bricks.across(pixOpenCompBrickDwa, lines, 8);
     pixXor(lines.get(), lines.get(), page);
-    lines = bricks.along(pixCloseCompBrick, lines, 5);
-    lines = bricks.along(pixOpenCompBrick, lines, 128);
-    lines = bricks.across(pixDilateBrick, lines, 3);
-    const Pix strokes = bricks.across(pixOpenCompBrick, image, 8);
+    lines = bricks.along(pixCloseCompBrickDwa, lines, 5);
+    lines = bricks.along(pixOpenCompBrickDwa, lines, 128);
+    lines = bricks.across(pixDilateBrickDwa, lines, 3);
+    const Pix strokes = bricks.across(pixOpenCompBrickDwa, image, 8);
     pixSubtract(lines.get(), lines.get(), strokes.get());
     Pix cut = own(pixSubtract(nullptr, page, lines.get()));
-    cut = bricks.across(pixCloseCompBrick, cut, 8);
+    cut = bricks.across(pixCloseCompBrickDwa, cut, 8);
     pixAnd(page, page, cut.get());
 }
 
 void extract_with_leptonica(PIX* page) {
     const Bricks bricks{true};
     const Pix image = own(pixClone(page));
-    Pix lines = bricks.across(pixDilateBrick, image, 3);
-    lines = bricks.along(pixOpenCompBrick, lines, 60);
+    Pix lines = bricks.across(pixDilateBrickDwa, image, 3);
+    lines = bricks.along(pixOpenCompBrickDwa, lines, 60);
     pixAnd(lines.get(), lines.get(), page);
-    const Pix thick = bricks.across(pixOpenCompBrick, lines, 8);
+    const Pix thick = bricks.across(pixOpenCompBrickDwa, lines, 8);
     pixSubtract(lines.get(), lines.get(), thick.get());
     const Pix kept =
         own(pixSelectBySize(lines.get(), 101, 0, 8, L_SELECT_WIDTH, L_SELECT_IF_GTE, nullptr));
@@ -114,7 +114,7 @@ bench::Sides on_copies(void (*ours)(bench::Page&), void (*theirs)(PIX*)) {
 }
 
 const bool lrm = bench::add({.name = "lrm_do_horz and lrm_do_vert on a ruled page",
-                             .peer = "Leptonica brick morphology",
+                             .peer = "Leptonica pixOpenCompBrickDwa and others",
                              .required = 5.0,
                              .floor_bytes = 2 * bench::bitonal_page().data.size(),
                              .prepare = [] {
@@ -136,7 +136,7 @@ const bool lrm = bench::add({.name = "lrm_do_horz and lrm_do_vert on a ruled pag
                              }});
 
 const bool careful = bench::add({.name = "linerm_h on a ruled page",
-                                 .peer = "Leptonica brick morphology",
+                                 .peer = "Leptonica pixOpenCompBrickDwa and others",
                                  .required = 5.0,
                                  .floor_bytes = 2 * bench::bitonal_page().data.size(),
                                  .prepare = [] {
@@ -150,7 +150,7 @@ const bool careful = bench::add({.name = "linerm_h on a ruled page",
 
 const bool underlines = bench::add(
     {.name = "extract_underline on a ruled page",
-     .peer = "Leptonica brick morphology, pixSelectBySize",
+     .peer = "Leptonica pixOpenCompBrickDwa, pixSelectBySize",
      .required = 3.0,
      .floor_bytes = 2 * bench::bitonal_page().data.size(),
      .prepare = [] {
