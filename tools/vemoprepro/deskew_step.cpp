@@ -6,56 +6,23 @@
 #include <cstdlib>
 #include <utility>
 
+#include "skew_measure.h"
 #include "steps.h"
 
 namespace tool {
 namespace {
 
-/* The estimator needs this many pixels a side. */
-constexpr int kShortestSide = 32;
-/* Below this confidence the estimator finds no direction that stands out. */
-constexpr double kClearConfidence = 1.5;
-
-/* Scanner borders, lamp streaks and punch holes lie in this part of each side of a page. */
-constexpr int kMarginFraction = 12;
 /* Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
  */
 constexpr int kAgreement = 3;
 
-struct Measured {
-    Skew skew;
-    double confidence = 0;
-
-    bool clear() const { return confidence >= kClearConfidence; }
-};
-
-/* Columns x0 .. x0 + width - 1 of the rows y0 .. y0 + height - 1; x0 is a multiple of 8. */
-struct Window {
-    int x0, y0, width, height;
-};
-
-Measured measure(const Page& page, const Window& window) {
-    Measured measured;
-    int height = 0, width = 0;
-    const unsigned char* corner =
-        page.bytes.get() + static_cast<std::size_t>(window.y0) * page.stride() + window.x0 / 8;
-    if (estimate_skew_of_binary_image(0, nullptr, corner, window.height, window.width,
-                                      static_cast<int>(page.stride()), &measured.skew.numerator,
-                                      &measured.skew.denominator, &measured.confidence, &height,
-                                      &width) != 0)
-        throw std::bad_alloc();
-    return measured;
-}
-
 /* The whole page, which measures most exactly, unless its inner part clearly says something else:
  * then a border or a streak has been measured, and not the text. */
-Measured measure(const Page& page) {
-    const Measured whole = measure(page, Window{0, 0, page.width, page.height});
-    const int margin_x = page.width / kMarginFraction / 8 * 8;
-    const int margin_y = page.height / kMarginFraction;
-    const Window inner{margin_x, margin_y, page.width - 2 * margin_x, page.height - 2 * margin_y};
-    if (inner.width < kShortestSide || inner.height < kShortestSide) return whole;
-    const Measured within = measure(page, inner);
+MeasuredSkew measure(const Page& page) {
+    const MeasuredSkew whole = measure_skew(page, whole_window(page));
+    const std::optional<SkewWindow> inner = inner_window(page);
+    if (!inner) return whole;
+    const MeasuredSkew within = measure_skew(page, *inner);
     const bool agree = std::abs(within.skew.numerator - whole.skew.numerator) <= kAgreement;
     return within.clear() && !(whole.clear() && agree) ? within : whole;
 }
@@ -87,9 +54,9 @@ Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
 }
 
 Outcome measure_and_straighten(Page& page, PageRecord& record) {
-    if (page.height < kShortestSide || page.width < kShortestSide)
+    if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
         return {false, "smaller than 32 pixels a side"};
-    const Measured measured = measure(page);
+    const MeasuredSkew measured = measure(page);
     record.skew = measured.skew;
     record.confidence = measured.confidence;
     if (std::isnan(measured.confidence)) return {false, "no ink on the page"};

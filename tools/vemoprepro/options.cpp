@@ -25,6 +25,7 @@ constexpr const char* kExamples =
     "  vemoprepro clean form.jpg -o form.tif --for ocr what recognition reads best\n"
     "  vemoprepro clean a.tif -o b.tif --json >a.json  with a record of what was found\n"
     "  vemoprepro clean c.tif -o d.tif --apply a.json  the same skews and thresholds again\n"
+    "  vemoprepro clean a.tif -o b.tif --report look   the pages before and after, in a browser\n"
     "  vemoprepro rotate 90 page.png -o turned.png     a quarter turn clockwise\n"
     "  vemoprepro info scans/*.tif                     what the files hold\n"
     "\n"
@@ -87,6 +88,8 @@ void add_outputs(CLI::App& command, Options& options, Raw& raw) {
                     "Resolution in place of the file's (default: the file's, else 300)")
         ->check(CLI::Range(1, 100000));
     command.add_flag("--json", options.json, "Print a record of what was found as JSON");
+    command.add_option("--report", options.report_folder,
+                       "Write a page to look at, before and after, into this folder: index.html");
     add_words(command, options);
 }
 
@@ -341,6 +344,8 @@ Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
     options.straighten = !raw.no_deskew;
+    if (given(command, "--report") && options.report_folder.empty())
+        refuse("--report: the name is empty");
     if (given(command, "--skew")) options.skew = skew_from(raw.skew_degrees);
     options.quarter_turns = raw.angle / 90;
     return options;

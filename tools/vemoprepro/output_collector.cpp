@@ -68,6 +68,8 @@ void OutputCollector::write(PageResult& result) {
         report_.start(input.name, name_of(input.file->format()), input.page_count());
     }
     outputs_->append(result.page, std::move(result.data));
+    if (pictures_ && result.pictures)
+        pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
     report_.page(std::move(result.record), input.outputs.of_page(result.page));
     if (result.page + 1 < input.page_count()) return;
     outputs_->publish();
@@ -81,6 +83,7 @@ void OutputCollector::fail(PageResult& result, const FileError& error) {
     outputs_.reset();
     if (result.page == 0) report_.start(result.input->name, "", 0);
     report_.fail_input(error);
+    if (pictures_) pictures_->fail(result.input->name, error.what());
 }
 
 }  // namespace tool

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "input_feeder.h"
+#include "page_pictures.h"
 #include "page_writer.h"
+#include "picture_report.h"
 #include "report.h"
 
 namespace tool {
@@ -17,6 +19,7 @@ struct PageResult {
     std::size_t page = 0;
     Page data;
     PageRecord record;
+    std::optional<PagePictures> pictures; /* for the report to look at */
     std::optional<FileError> error;
 };
 
@@ -40,8 +43,9 @@ class OutputSet {
 
 class OutputCollector {
   public:
-    OutputCollector(const Options& options, Report& report)
-        : overwrite_(options.overwrite), report_(report) {}
+    /* pictures: the report to look at; may be null. */
+    OutputCollector(const Options& options, Report& report, PictureReport* pictures)
+        : overwrite_(options.overwrite), report_(report), pictures_(pictures) {}
 
     void deliver(PageResult& result);
 
@@ -51,6 +55,7 @@ class OutputCollector {
 
     bool overwrite_;
     Report& report_;
+    PictureReport* pictures_;
     std::shared_ptr<Input> failed_; /* the last input that failed, already reported */
     std::optional<OutputSet> outputs_;
 };

@@ -7,6 +7,7 @@
 
 #include "ordered_queue.h"
 #include "output_collector.h"
+#include "page_pictures.h"
 #include "steps.h"
 
 namespace tool {
@@ -43,9 +44,14 @@ void work_on(const Options& options, const Pipeline& pipeline, const PageTask& t
     describe_source(result.record, result.data);
     const PageFindings findings =
         task.input->findings.empty() ? PageFindings{} : task.input->findings[task.page];
-    process(pipeline, result.data, findings, result.record, nullptr);
+    const bool measures = options.straighten && !options.skew && !findings.skew;
+    PagePainter painter(measures);
+    const bool pictured = !options.report_folder.empty();
+    process(pipeline, result.data, findings, result.record, pictured ? &painter : nullptr);
+    if (pictured) result.pictures = painter.take(result.record);
     result.record.seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() -
+        painter.seconds();
 }
 
 PageResult result_of(const Options& options, const Pipeline& pipeline, const PageTask& task) {
@@ -65,6 +71,7 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
         result.error = FileError(task.input->name, page_prefix(task) + "not enough memory");
     }
     result.data = {};
+    result.pictures.reset();
     task.input->fail_from(task.page);
     return result;
 }
@@ -75,13 +82,17 @@ int run(const Options& options) {
     const Pipeline pipeline = make_pipeline(options);
     InputFeeder feeder(options);
     Report report(options);
-    OutputCollector collector(options, report);
+    std::optional<PictureReport> pictures;
+    if (!options.report_folder.empty()) pictures.emplace(options);
+    OutputCollector collector(options, report, pictures ? &*pictures : nullptr);
     const std::size_t window = large_results(options.command) ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });
     queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
-    return report.finish();
+    const bool shown = !pictures || pictures->finish();
+    const int status = report.finish();
+    return shown ? status : kExitFailed;
 }
 
 }  // namespace tool

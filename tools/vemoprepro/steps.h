@@ -39,11 +39,12 @@ using Pipeline = std::vector<Step>;
 
 Pipeline make_pipeline(const Options& options);
 
-/* Sees a page before its first step and after each step that was done. */
+/* Sees a page before its first step, before each step, and after each step that was done. */
 class PageWatcher {
   public:
     virtual ~PageWatcher() = default;
     virtual void source(const Page& page) = 0;
+    virtual void before(const std::string& step, const Page& page) = 0;
     virtual void after(const std::string& step, const Page& page) = 0;
 };
 

@@ -1,0 +1,232 @@
+"""The report to look at, opened from the file system in a browser without a window."""
+
+import json
+import os
+import re
+import unittest
+
+import numpy as np
+from PIL import Image, ImageDraw
+from selenium import webdriver
+from selenium.webdriver.chrome.options import Options
+from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+from tool_case import ToolCase, text_page
+
+
+def ruled_page(degrees, specks):
+    """Text over a level rule, with specks in the margin."""
+    page = text_page(degrees)
+    draw = ImageDraw.Draw(page)
+    draw.rectangle([100, 30, 500, 32], fill=20)
+    for x in range(70, 70 + 10 * specks, 10):
+        draw.point([(x, 780), (x + 1, 780)], fill=20)
+    return page
+
+
+def open_browser():
+    options = Options()
+    for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--disable-gpu",
+                     "--window-size=1400,1000"):
+        options.add_argument(argument)
+    options.binary_location = "/usr/bin/chromium"
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    return webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+
+
+class Report(ToolCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.browser = open_browser()
+        cls.addClassCleanup(cls.browser.quit)
+
+    def report_on(self, *arguments):
+        done = self.run_tool(*arguments, "--json", "--report", "look")
+        self.browser.get("file://" + self.path("look/index.html"))
+        return json.loads(done.stdout)["files"]
+
+    def all(self, selector):
+        return self.browser.find_elements(By.CSS_SELECTOR, selector)
+
+    def style(self, element, name):
+        return element.value_of_css_property(name)
+
+    def page_with_marks(self):
+        self.save("a.png", ruled_page(0, 20), dpi=(300, 300))
+        return self.report_on("clean", "a.png", "-o", "a.tif", "--remove-lines", "horizontal",
+                              "--no-deskew", "--force")
+
+    def tearDown(self):
+        self.assertEqual(self.browser.get_log("browser"), [])
+
+    def test_slider_clips_by_keys_and_by_mouse(self):
+        self.page_with_marks()
+        self.assertTrue(self.browser.title.startswith("a.png"))
+        before, = self.all(".layer.before")
+        slider, = self.all("input[type=range]")
+        middle = self.style(before, "clip-path")
+        slider.send_keys(Keys.HOME)
+        first = self.style(before, "clip-path")
+        slider.send_keys(Keys.END)
+        last = self.style(before, "clip-path")
+        self.assertEqual(len({first, middle, last}), 3)
+        self.assertIn("100%", first)
+        stage, = self.all(".stage")
+        webdriver.ActionChains(self.browser).move_to_element_with_offset(
+            stage, -stage.size["width"] // 4, 0).click().perform()
+        self.assertAlmostEqual(float(slider.get_property("value")), 25, delta=1)
+        self.assertNotIn(self.style(before, "clip-path"), (first, last))
+
+    def test_pictures_are_whole_and_of_the_pages_shape(self):
+        self.page_with_marks()
+        for image in self.all(".layer.before > img, .layer.after > img"):
+            self.assertEqual((image.get_property("naturalWidth"),
+                              image.get_property("naturalHeight")), (600, 800))
+
+    def test_removed_ink_is_marked_where_it_was(self):
+        self.page_with_marks()
+        found = {}
+        for image in self.all("img.marks"):
+            found[image.get_attribute("data-step")] = np.array(self.browser.execute_script("""
+                const canvas = document.createElement("canvas");
+                canvas.width = arguments[0].naturalWidth;
+                canvas.height = arguments[0].naturalHeight;
+                const context = canvas.getContext("2d");
+                context.drawImage(arguments[0], 0, 0);
+                const data = context.getImageData(0, 0, canvas.width, canvas.height).data;
+                const rows = [];
+                for (let y = 0; y < canvas.height; ++y)
+                  for (let x = 0; x < canvas.width; ++x)
+                    if (data[(y * canvas.width + x) * 4 + 3] > 0) rows.push(y);
+                return rows;""", image))
+        self.assertEqual(set(found), {"despeckle", "unline"})
+        self.assertEqual((found["despeckle"].min(), found["despeckle"].max()), (780, 780))
+        self.assertGreaterEqual(np.isin(found["unline"], range(28, 35)).sum(), 1000)
+
+    def test_steps_are_toggled(self):
+        self.page_with_marks()
+        boxes = self.all(".steps input[type=checkbox]")
+        self.assertEqual([box.get_attribute("data-step") for box in boxes],
+                         ["despeckle", "unline"])
+        for box in boxes:
+            marks, = self.all(f"img.marks[data-step={box.get_attribute('data-step')}]")
+            for shown in (False, True):
+                box.click()
+                self.assertEqual(self.style(marks, "display") != "none", shown)
+
+    def test_fan_peaks_at_the_skew(self):
+        self.save("a.png", text_page(3))
+        page = self.report_on("clean", "a.png", "-o", "a.tif")[0]["pages"][0]
+        peaks = {}
+        for name in ("lines", "stems"):
+            points = [title.get_attribute("textContent") for title in
+                      self.all(f".fan .{name} circle > title")]
+            self.assertGreater(len(points), 40)
+            scores = [tuple(map(float, re.fullmatch(r".*, (.*)°: (.*)", point).groups()))
+                      for point in points]
+            self.assertEqual(scores, sorted(scores, key=lambda score: score[0]))
+            peaks[name] = max(scores, key=lambda score: score[1])
+        self.assertAlmostEqual(max(peaks.values(), key=lambda peak: peak[1])[0],
+                               page["skew"]["degrees"], delta=0.01)
+        self.assertEqual(self.all(".fan .found text")[0].text,
+                         "%.2f°" % page["skew"]["degrees"])
+
+    def test_figures_are_those_of_the_record_and_sort(self):
+        names = []
+        for number, degrees in enumerate((2, -3, 0.5)):
+            names.append(self.save(f"{number}.png", ruled_page(degrees, 2 * number)))
+        self.write("bad & <b>.png", b"\x89PNG\r\n\x1a\nnothing")
+        os.mkdir(self.path("out"))
+        files = self.report_on("clean", *names, "bad & <b>.png", "-o", "out", "-j", 2,
+                               "--binarize", "otsu")
+        pages = {file["input"]: file["pages"][0] for file in files if file["pages"]}
+        heads = self.all("#figures th")
+        columns = {head.text: head for head in heads}
+
+        def column(name):
+            index = heads.index(columns[name])
+            rows = [row.find_elements(By.TAG_NAME, "td") for row in self.all("#figures tbody tr")]
+            return {row[0].text: row[index].get_attribute("data-value")
+                    for row in rows if len(row) == len(heads)}
+
+        for name, value in (("Skew", lambda page: page["skew"]["degrees"]),
+                            ("Confidence", lambda page: page["skew"]["confidence"]),
+                            ("Threshold", lambda page: page["threshold"]),
+                            ("Dpi", lambda page: page["dpi"][0]),
+                            ("Size", lambda page: page["width"] * page["height"]),
+                            ("Seconds", lambda page: page["seconds"])):
+            with self.subTest(column=name):
+                expected = {file: value(page) for file, page in pages.items()}
+                for order, upwards in (("ascending", True), ("descending", False)):
+                    columns[name].find_element(By.TAG_NAME, "button").click()
+                    self.assertEqual(columns[name].get_attribute("aria-sort"), order)
+                    shown = {file: float(text) for file, text in column(name).items()}
+                    self.assertEqual(set(shown), set(expected))
+                    for file, figure in expected.items():
+                        self.assertAlmostEqual(shown[file], figure, delta=1e-4)
+                    figures = list(shown.values())
+                    self.assertEqual(figures, sorted(figures, reverse=not upwards))
+        failed, = self.all("article.failed")
+        self.assertIn("bad & <b>.png", failed.text)
+        self.assertIn(files[-1]["error"], failed.text)
+
+    def test_works_for_commands_on_kinds_and_pages(self):
+        bits = text_page(1).convert("1")
+        self.save("a.tif", bits, bits, compression="group4")
+        colour = Image.merge("RGB", [text_page()] * 2 + [text_page(ink=90)])
+        exif = Image.Exif()
+        exif[0x0112] = 6
+        self.save("b.jpg", colour, exif=exif)
+        for arguments, count in ((("textmask", "a.tif"), 2), (("rotate", "90", "a.tif"), 2),
+                                 (("clean", "b.jpg", "--for", "ocr"), 1),
+                                 (("crop", "b.jpg"), 1)):
+            with self.subTest(command=arguments[0]):
+                self.report_on(*arguments, "-o", "out.tif", "--overwrite")
+                self.assertEqual(len(self.all("article")), count)
+                for image in self.all("img"):
+                    self.assertGreater(image.get_property("naturalWidth"), 0)
+
+    def test_nothing_outside_is_referred_to(self):
+        self.page_with_marks()
+        text = self.read("look/index.html").decode()
+        self.assertEqual(os.listdir(self.path("look")), ["index.html"])
+        for target in re.findall(r"(?:src|href|srcset|action)=\"([^\"]*)\"", text):
+            self.assertTrue(target.startswith(("data:", "#")), target[:80])
+        self.assertNotRegex(re.sub(r"base64,[^\"]*", "", text), r"https?:|url\(|@import|fetch\(")
+        self.assertEqual(self.browser.execute_script(
+            "return performance.getEntriesByType('resource')"
+            ".filter(entry => !entry.name.startsWith('data:')).length"), 0)
+
+
+class ReportFile(ToolCase):
+    def test_is_replaced_only_when_asked(self):
+        self.save("a.png", text_page())
+        arguments = ("clean", "a.png", "-o", "a.tif", "--report", "look")
+        self.good(*arguments)
+        first = self.read("look/index.html")
+        os.remove(self.path("a.tif"))
+        self.fails(*arguments,
+                   lines=["look/index.html: exists already (--overwrite replaces it)"])
+        self.assertEqual(self.read("look/index.html"), first)
+        self.save("b.png", text_page(2))
+        self.good("clean", "b.png", "-o", "a.tif", "--report", "look", "--overwrite")
+        self.assertNotEqual(self.read("look/index.html"), first)
+
+    def test_folder_that_cannot_be(self):
+        self.save("a.png", text_page())
+        arguments = ("clean", "a.png", "-o", "a.tif", "--report")
+        self.fails(*arguments, "no/look", lines=["no/look: No such file or directory"])
+        self.fails(*arguments, "a.png", lines=["a.png: Not a directory"])
+        self.usage(*arguments, "")
+
+    def test_outputs_are_the_same_with_and_without(self):
+        self.save("a.png", ruled_page(2, 10))
+        self.good("clean", "a.png", "-o", "a.tif", "--for", "ocr")
+        self.good("clean", "a.png", "-o", "b.tif", "--for", "ocr", "--report", "look")
+        self.assertEqual(self.read("a.tif"), self.read("b.tif"))
+
+
+if __name__ == "__main__":
+    unittest.main()
