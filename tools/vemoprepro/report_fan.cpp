@@ -14,8 +14,9 @@ constexpr double kWidest = 11; /* degrees to either side */
 class Plot {
   public:
     explicit Plot(const SkewFan& fan) {
-        for (const auto* series : {&fan.lines, &fan.stems})
-            for (const FanPoint& point : *series) highest_ = std::max(highest_, point.score);
+        for (const FanCurves* curves : {&fan.lines, &fan.stems})
+            for (const auto* curve : {&curves->coarse, &curves->fine})
+                for (const FanPoint& point : *curve) highest_ = std::max(highest_, point.score);
     }
 
     [[nodiscard]] double x(double degrees) const {
@@ -43,17 +44,9 @@ class Plot {
         return text;
     }
 
-    [[nodiscard]] std::string curve(const std::vector<FanPoint>& points,
-                                    const std::string& name) const {
-        std::string path, dots;
-        for (const FanPoint& point : points) {
-            const std::string px = number(x(point.degrees)), py = number(y(point.score));
-            path += px + "," + py + " ";
-            dots += "<circle cx=\"" + px + "\" cy=\"" + py + "\" r=\"2\"><title>" + name + ", " +
-                    with_digits("%.2f", point.degrees) + "°: " + with_digits("%.2f", point.score) +
-                    "</title></circle>";
-        }
-        return "<g class=\"" + name + "\"><polyline points=\"" + path + "\"/>" + dots + "</g>";
+    [[nodiscard]] std::string curves(const FanCurves& curves, const std::string& name) const {
+        return "<g class=\"" + name + "\"><g class=\"coarse\">" + curve(curves.coarse, name) +
+               "</g><g class=\"fine\">" + curve(curves.fine, name) + "</g></g>";
     }
 
     [[nodiscard]] std::string found(double degrees) const {
@@ -66,6 +59,18 @@ class Plot {
     }
 
   private:
+    [[nodiscard]] std::string curve(const std::vector<FanPoint>& points,
+                                    const std::string& name) const {
+        std::string path, dots;
+        for (const FanPoint& point : points) {
+            const std::string px = number(x(point.degrees)), py = number(y(point.score));
+            path += px + "," + py + " ";
+            dots += "<circle cx=\"" + px + "\" cy=\"" + py + "\" r=\"2\"><title>" + name + ", " +
+                    with_digits("%.2f", point.degrees) + "°: " + with_digits("%.2f", point.score) +
+                    "</title></circle>";
+        }
+        return "<polyline points=\"" + path + "\"/>" + dots;
+    }
     static std::string number(double value) { return with_digits("%.1f", value); }
 
     double highest_ = 1;
@@ -80,11 +85,12 @@ std::string fan_markup(const SkewFan& fan, const PageRecord& record) {
         "<figure class=\"fan\"><h3>Skew</h3><svg viewBox=\"0 0 480 194\" role=\"img\" "
         "aria-label=\"Alignment of the ink over the candidate angles; found: " +
         with_digits("%.2f", degrees) + " degrees\">" + plot.axes() +
-        plot.curve(fan.stems, "stems") + plot.curve(fan.lines, "lines");
+        plot.curves(fan.stems, "stems") + plot.curves(fan.lines, "lines");
     if (record.skew) text += plot.found(degrees);
     return text +
            "</svg><figcaption>How well the ink lines up along each angle, in multiples of the "
-           "worst: <span class=\"key lines\">text lines</span> <span class=\"key stems\">stems"
+           "worst, and closer around the best: <span class=\"key lines\">text lines</span> <span "
+           "class=\"key stems\">stems"
            "</span>. Confidence " +
            with_digits("%.2f", record.confidence.value_or(0)) + ".</figcaption></figure>\n";
 }

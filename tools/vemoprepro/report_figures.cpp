@@ -99,7 +99,7 @@ std::string figures_markup(const std::vector<FigureRow>& rows) {
     for (const char* name :
          {"File", "Page", "Size", "Dpi", "Kind", "Skew", "Confidence", "Threshold"})
         text += column(name);
-    for (const std::string& step : steps) text += column("Ink off: " + step);
+    for (const std::string& step : steps) text += column("Ink off, " + step);
     for (const char* name : {"Content", "Seconds"}) text += column(name);
     text += "</tr></thead><tbody>\n";
     for (const FigureRow& row : rows) text += row_markup(row, steps);

@@ -53,9 +53,8 @@ struct Stage {
     [[nodiscard]] std::string image(const EncodedPicture& picture, const std::string& attributes,
                                     const std::string& alternative) const {
         return "<img " + attributes + " style=\"" + place(picture) + "\" alt=\"" +
-               escaped(alternative) +
-               "\" decoding=\"async\" draggable=\"false\" src=\"data:" + picture.type + ";base64," +
-               base64(picture.bytes) + "\">";
+               escaped(alternative) + "\" draggable=\"false\" src=\"data:" + picture.type +
+               ";base64," + base64(picture.bytes) + "\">";
     }
 };
 

@@ -36,7 +36,7 @@ h3 { font-size: 13px; margin: 0 0 6px; color: var(--soft); font-weight: 600; }
 header p, article > p { margin: 2px 0 16px; color: var(--soft); }
 article, section { background: var(--card); border: 1px solid var(--rule); border-radius: 10px;
   padding: 20px; margin: 0 0 20px; }
-article { content-visibility: auto; contain-intrinsic-size: auto 900px; scroll-margin-top: 12px; }
+article { scroll-margin-top: 12px; }
 section h2 { margin-bottom: 10px; }
 .failed > p { color: var(--bad); margin-bottom: 0; }
 .columns { display: grid; grid-template-columns: minmax(0, 3fr) minmax(300px, 2fr); gap: 28px; }
@@ -71,10 +71,13 @@ section h2 { margin-bottom: 10px; }
 .fan svg { width: 100%; display: block; }
 .fan text { font-size: 11px; fill: var(--soft); }
 .fan .grid { stroke: var(--rule); stroke-width: 1; }
-.fan polyline { fill: none; stroke-width: 1.8; stroke-linejoin: round; }
+.fan polyline { fill: none; stroke-width: 1.4; stroke-linejoin: round; }
+.fan .coarse circle { opacity: .6; }
+.fan .fine circle { r: 1.2px; }
 .fan .lines polyline { stroke: var(--accent); }
 .fan .lines circle { fill: var(--accent); }
 .fan .stems polyline { stroke: var(--stems); stroke-width: 1.2; stroke-dasharray: 4 3; }
+.fan .fine polyline { stroke-width: 2; stroke-dasharray: none; }
 .fan .stems circle { fill: var(--stems); }
 .fan .found line { stroke: var(--text); stroke-width: 1.2; }
 .fan .found text { fill: var(--text); font-weight: 600; font-size: 12px; }
@@ -84,9 +87,9 @@ figcaption { font-size: 13px; color: var(--soft); margin-top: 4px; }
   vertical-align: middle; border-top: 2px solid var(--accent); }
 .key.stems::before { border-top: 2px dashed var(--stems); }
 .scroll { overflow-x: auto; }
-table { border-collapse: collapse; width: 100%; font-size: 14px;
+table { border-collapse: collapse; width: 100%; font-size: 13.5px;
   font-variant-numeric: tabular-nums; }
-th, td { text-align: left; padding: 6px 14px 6px 0; border-bottom: 1px solid var(--rule);
+th, td { text-align: left; padding: 6px 12px 6px 0; border-bottom: 1px solid var(--rule);
   white-space: nowrap; }
 tbody tr:last-child td { border-bottom: 0; }
 th button { all: unset; cursor: pointer; font-weight: 600; color: var(--soft); }
@@ -95,6 +98,8 @@ th button::after { content: "\2195"; opacity: .35; padding-left: 4px; }
 th[aria-sort="ascending"] button::after { content: "\2191"; opacity: 1; }
 th[aria-sort="descending"] button::after { content: "\2193"; opacity: 1; }
 th:not([aria-sort="none"]) button { color: var(--text); }
+td:first-child { white-space: normal; overflow-wrap: anywhere; min-width: 9em; }
+th { vertical-align: bottom; white-space: normal; }
 td.none { color: var(--soft); }
 tr.failed .none { color: var(--bad); white-space: normal; }
 a { color: var(--accent); }

@@ -1,5 +1,6 @@
-/* Reads the estimator's trace. A coarse search over half the page's size is followed by a fine one
- * around its best slope; both have that slope, which brings their powers to one scale. */
+/* Reads the estimator's trace. In each direction a coarse search over the page at half its size is
+ * followed by a fine one around its best slope and one around its worst; the best of the former
+ * over the worst of the latter is the confidence. */
 #include "skew_fan.h"
 
 #include <unistd.h>
@@ -48,6 +49,7 @@ using Candidates = std::vector<Candidate>;
 struct Search {
     Candidates coarse;
     Candidates fine;
+    Candidates low; /* around the worst */
 };
 
 struct Searches {
@@ -58,12 +60,14 @@ bool begins(const std::string& line, const char* start) {
     return line.rfind(start, 0) == 0;
 }
 
+/* `current` when the line does not begin a search. */
 Candidates* section_of(const std::string& line, Searches& searches, Candidates* current) {
     if (begins(line, "rough estimation on rows")) return &searches.rows.coarse;
     if (begins(line, "fine estimation on rows")) return &searches.rows.fine;
     if (begins(line, "rough estimation on columns")) return &searches.columns.coarse;
     if (begins(line, "fine estimation on columns")) return &searches.columns.fine;
-    return begins(line, "fine estimation of the confidence") ? nullptr : current;
+    if (!begins(line, "fine estimation of the confidence")) return current;
+    return searches.columns.fine.empty() ? &searches.rows.low : &searches.columns.low;
 }
 
 Searches read_searches(std::istream& trace) {
@@ -81,31 +85,26 @@ Searches read_searches(std::istream& trace) {
     return searches;
 }
 
-bool weaker(const Candidate& one, const Candidate& other) {
-    return one.power < other.power;
-}
-
-std::vector<FanPoint> points_of(const Search& search, int sign) {
+std::vector<FanPoint> in_multiples_of_worst(const Candidates& search, const Candidates& low,
+                                            int sign) {
     std::vector<FanPoint> points;
-    if (search.coarse.empty()) return points;
-    const auto worst = std::min_element(search.coarse.begin(), search.coarse.end(), weaker)->power;
-    const auto best = *std::max_element(search.coarse.begin(), search.coarse.end(), weaker);
-    if (!(worst > 0)) return points;
-    const auto add = [&](int slope, double score) {
-        points.push_back({Skew{sign * slope, Skew::kScale}.degrees(), score});
+    const auto weaker = [](const Candidate& one, const Candidate& other) {
+        return one.power < other.power;
     };
-    for (const Candidate& one : search.coarse) add(one.slope, one.power / worst);
-    for (const Candidate& centre : search.fine) {
-        if (centre.slope != best.slope || !(centre.power > 0)) continue;
-        for (const Candidate& one : search.fine)
-            if (one.slope != best.slope)
-                add(one.slope, one.power / centre.power * best.power / worst);
-        break;
-    }
+    const auto worst = std::min_element(low.begin(), low.end(), weaker);
+    if (worst == low.end() || !(worst->power > 0)) return points;
+    for (const Candidate& one : search)
+        points.push_back(
+            {Skew{sign * one.slope, Skew::kScale}.degrees(), one.power / worst->power});
     std::sort(points.begin(), points.end(), [](const FanPoint& one, const FanPoint& other) {
         return one.degrees < other.degrees;
     });
     return points;
+}
+
+FanCurves curves_of(const Search& search, int sign) {
+    return {in_multiples_of_worst(search.coarse, search.coarse, sign),
+            in_multiples_of_worst(search.fine, search.low, sign)};
 }
 
 }  // namespace
@@ -113,8 +112,8 @@ std::vector<FanPoint> points_of(const Search& search, int sign) {
 SkewFan read_fan(std::istream& trace) {
     const Searches searches = read_searches(trace);
     SkewFan fan;
-    fan.lines = points_of(searches.rows, 1);
-    fan.stems = points_of(searches.columns, -1);
+    fan.lines = curves_of(searches.rows, 1);
+    fan.stems = curves_of(searches.columns, -1);
     return fan;
 }
 
@@ -130,7 +129,7 @@ std::vector<SkewFan> trace_fans(const Page& page) {
         std::ifstream trace(folder.path() + "/" + kTraceName);
         SkewFan fan = read_fan(trace);
         fan.confidence = measured.confidence;
-        if (!fan.lines.empty() || !fan.stems.empty()) fans.push_back(std::move(fan));
+        if (!fan.lines.coarse.empty() || !fan.stems.coarse.empty()) fans.push_back(std::move(fan));
     };
     add(whole_window(page));
     if (const auto inner = inner_window(page)) add(*inner);

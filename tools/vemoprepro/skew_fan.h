@@ -17,10 +17,16 @@ struct FanPoint {
     double score; /* the alignment, in multiples of the worst one */
 };
 
+/* The searches of one direction, each ordered by its degrees. The fine one goes around the best
+ * candidate of the coarse one, at twice the resolution and with a worst of its own. */
+struct FanCurves {
+    std::vector<FanPoint> coarse;
+    std::vector<FanPoint> fine;
+};
+
 struct SkewFan {
-    /* Ordered by their degrees. */
-    std::vector<FanPoint> lines; /* slopes of text lines */
-    std::vector<FanPoint> stems; /* slopes of stems, against the vertical */
+    FanCurves lines; /* slopes of text lines */
+    FanCurves stems; /* slopes of stems, against the vertical */
     double confidence = 0;
 };
 
