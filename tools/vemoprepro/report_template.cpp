@@ -98,8 +98,8 @@ th button::after { content: "\2195"; opacity: .35; padding-left: 4px; }
 th[aria-sort="ascending"] button::after { content: "\2191"; opacity: 1; }
 th[aria-sort="descending"] button::after { content: "\2193"; opacity: 1; }
 th:not([aria-sort="none"]) button { color: var(--text); }
-td:first-child { white-space: normal; overflow-wrap: anywhere; min-width: 9em; }
-th { vertical-align: bottom; white-space: normal; }
+td:first-child { white-space: normal; overflow-wrap: anywhere; min-width: 13em; }
+th { vertical-align: bottom; white-space: normal; padding-right: 10px; }
 td.none { color: var(--soft); }
 tr.failed .none { color: var(--bad); white-space: normal; }
 a { color: var(--accent); }
