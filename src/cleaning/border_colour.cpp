@@ -68,7 +68,8 @@ std::uint8_t inner_grey(common::GreyView page) {
     PixelSums sums;
     for (std::ptrdiff_t y = 1; y < page.height - 1; ++y) add_row_ends(pixels, y, 1, sums);
     add_column_ends(pixels, sums);
-    return sums.count == 0 ? 255 : static_cast<std::uint8_t>(sums.bytes[0] / sums.count);
+    if (sums.count == 0) return 255;
+    return static_cast<std::uint8_t>(sums.bytes[0] / sums.count);
 }
 
 Colour inner_colour(common::ColourView page) {
