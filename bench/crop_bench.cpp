@@ -84,7 +84,7 @@ bool add_crop(const char* name, int type, const bench::Page& (*source)()) {
         {.name = name,
          .peer = "OpenCV threshold, floodFill, dilate",
          .required = 1.5,
-         .floor_bytes = 0,
+         .floor_bytes = 2 * source().data.size(),
          .prepare = [=] {
              cv::setNumThreads(1);
              const int bytes = type == PREPRO_CROP_GREY ? 1 : 3;
