@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "simd/block_fill.h"
 #include "simd/block_rows.h"
 
 namespace binarization {
@@ -26,15 +27,26 @@ bool has_threshold(const BlockGrid& map) {
     return false;
 }
 
-void fill_by_lowest(const BlockGrid& map, BlockGrid& out) {
-    const std::size_t height = map.height();
-    for (std::size_t y = 0; y < height; ++y) {
-        simd::fill_forward_row(map.row(y), y > 0 ? out.row(y - 1) : nullptr, map.width(),
-                               out.row(y));
+// Cells without a threshold become 255, and all ones in `empty`.
+void mark_empty(const std::uint8_t* map, std::size_t width, std::uint8_t* out,
+                std::uint8_t* empty) {
+    for (std::size_t x = 0; x < width; ++x) {
+        empty[x] = map[x] == 0 ? 0xFF : 0;
+        out[x] = map[x] | empty[x];
     }
-    for (std::size_t y = height; y-- > 0;) {
-        simd::fill_backward_row(map.row(y), y + 1 < height ? out.row(y + 1) : nullptr, map.width(),
-                                out.row(y));
+}
+
+void fill_by_lowest(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
+    const std::size_t width = map.width();
+    std::uint8_t* empty = saved.row(0);
+    for (std::size_t y = 0; y < map.height(); ++y) {
+        mark_empty(map.row(y), width, out.row(y), empty);
+        simd::pull_forward(out.row(y > 0 ? y - 1 : 0), empty, width, out.row(y));
+    }
+    std::uint8_t* unused = saved.row(1);
+    for (std::size_t y = map.height(); y-- > 0;) {
+        mark_empty(map.row(y), width, unused, empty);
+        simd::pull_backward(out.row(std::min(y + 1, map.height() - 1)), empty, width, out.row(y));
     }
 }
 
@@ -55,13 +67,10 @@ std::uint8_t mean_around(const BlockGrid& map, std::size_t y, std::size_t x) {
     return static_cast<std::uint8_t>(count == 0 ? 0 : sum / count);
 }
 
-void fill_by_mean(const BlockGrid& map, BlockGrid& spare, BlockGrid& out) {
-    constexpr int kPairsOfSpreads = 4;
+void fill_by_mean(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
+    constexpr int kSpreads = 8;
     copy(map, out);
-    for (int i = 0; map.two_dimensional() && i < kPairsOfSpreads; ++i) {
-        spread(out, spare);
-        spread(spare, out);
-    }
+    for (int i = 0; i < kSpreads; ++i) spread(out, saved);
     const auto fill_cell = [&](std::size_t y, std::size_t x) {
         if (out.row(y)[x] == 0) out.row(y)[x] = mean_around(out, y, x);
     };
@@ -75,20 +84,17 @@ void fill_by_mean(const BlockGrid& map, BlockGrid& spare, BlockGrid& out) {
 
 }  // namespace
 
-void spread(const BlockGrid& map, BlockGrid& out) {
-    const std::size_t last = map.height() - 1;
-    std::memcpy(out.row(0), map.row(0), map.width());
-    std::memcpy(out.row(last), map.row(last), map.width());
-    for (std::size_t y = 1; y < last; ++y) {
-        simd::spread_row({map.row(y - 1), map.row(y), map.row(y + 1)}, map.width(), out.row(y));
-    }
+void spread(BlockGrid& map, PaddedRows& saved) {
+    by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
+        simd::spread_row(around, map.width(), row);
+    });
 }
 
-void fill(const BlockGrid& map, bool by_mean, BlockGrid& spare, BlockGrid& out) {
+void fill(const BlockGrid& map, bool by_mean, PaddedRows& saved, BlockGrid& out) {
     if (by_mean) {
-        fill_by_mean(map, spare, out);
+        fill_by_mean(map, saved, out);
     } else if (has_threshold(map)) {
-        fill_by_lowest(map, out);
+        fill_by_lowest(map, saved, out);
     } else {
         copy(map, out);
     }

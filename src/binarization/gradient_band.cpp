@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 
+#include "simd/block_rows.h"
 #include "simd/block_threshold_bits.h"
 #include "simd/midpoint_rows.h"
 
@@ -27,7 +28,8 @@ EdgeOptions edge_options(const GradientParameters& parameters) {
 }
 
 // Sets pixels of a row of the page from bits whose first pixel is the least significant one; bits
-// behind the last pixel are dropped.
+// behind the last pixel are dropped. The bytes of a word are in the order of the machines that the
+// library is for, the least significant one first.
 void set_bits(const std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
     const auto stride =
         static_cast<std::size_t>(common::bitonal_stride(static_cast<std::int64_t>(width)));
@@ -38,14 +40,19 @@ void set_bits(const std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
         word = (word & 0x3333333333333333U) << 2 | (word >> 2 & 0x3333333333333333U);
         word = (word & 0x0F0F0F0F0F0F0F0FU) << 4 | (word >> 4 & 0x0F0F0F0F0F0F0F0FU);
         const std::size_t bytes = std::min<std::size_t>(8, stride - 8 * i);
-        for (std::size_t at = 0; at < bytes; ++at) {
-            row[8 * i + at] |= static_cast<std::uint8_t>(word >> 8 * at);
-        }
+        std::uint64_t before = 0;
+        std::memcpy(&before, row + 8 * i, bytes);
+        word |= before;
+        std::memcpy(row + 8 * i, &word, bytes);
     }
 }
 
+// Of the rings of grey rows and what is made of them: a row of blocks, the rows around it and those
+// that are looked at ahead.
+constexpr std::size_t kRingRows = 8;
+
 simd::ThreeRows around(const PaddedRows& rows, std::size_t y) {
-    return {rows.row(y + 2), rows.row(y), rows.row(y + 1)};
+    return {rows.row(y + kRingRows - 1), rows.row(y), rows.row(y + 1)};
 }
 
 }  // namespace
@@ -57,19 +64,19 @@ GradientBand::GradientBand(std::int32_t height, std::int32_t width,
       width_(static_cast<std::size_t>(width)),
       edges_(height_, width_, edge_options(parameters)),
       maps_(blocks_along(height_), blocks_along(width_)),
-      grey_(3, width_),
-      midpoints_(3, width_),
-      contrasts_(3, width_),
-      bits_(whole_words(width_)),
-      sums_(frame::Buffer<BlockSums>::zeroed(blocks_along(width_))) {}
+      grey_(kRingRows, width_),
+      midpoints_(kRingRows, width_),
+      contrasts_(kRingRows, width_),
+      bits_(whole_words(width_)) {}
 
 void GradientBand::binarize(const common::GreyView& grey, const common::MutableBitonalView& page) {
     std::memset(page.data, 0, height_ * static_cast<std::size_t>(page.stride));
-    const bool seeks_edges = parameters_.delta1 < kNoEdgesFrom && height_ > 1 && width_ > 1;
-    if (seeks_edges && edges_.find(grey)) {
-        edges_.trace();
+    if (parameters_.delta1 < kNoEdgesFrom && height_ > 1 && width_ > 1) {
+        edges_.begin(grey);
         mark_edges(grey, page);
-        complete(maps_, edges_.start_threshold(), parameters_.fill_mean);
+        if (edges_.found_candidates()) {
+            complete(maps_, edges_.start_threshold(), parameters_.fill_mean);
+        }
     }
     apply_thresholds(grey, page);
 }
@@ -78,15 +85,18 @@ void GradientBand::binarize(const common::GreyView& grey, const common::MutableB
 void GradientBand::mark_edges(const common::GreyView& grey,
                               const common::MutableBitonalView& page) {
     load_grey(grey, 0);
-    load_grey(grey, 1);
+    load_midpoints(grey, 0);
     for (std::size_t y = 0; y < height_; ++y) {
         load_midpoints(grey, y + 1);
         if (y > 0 && y + 1 < height_) {
-            simd::mark_row(around(midpoints_, y), grey_.row(y), width_, bits_.data());
+            simd::mark_row(around(midpoints_, y),
+                           {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
+                           grey_.row(y), width_, bits_.data());
             set_bits(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
         }
-        add_to_blocks(y);
-        if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) close_block_row(y);
+        if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) {
+            close_block_row(y / kBlockPixels);
+        }
     }
 }
 
@@ -95,51 +105,80 @@ void GradientBand::load_grey(const common::GreyView& grey, std::size_t y) {
     copy_with_ends(grey.row(static_cast<std::ptrdiff_t>(y)), width_, grey_.row(y));
 }
 
-// Border rows, and the one below the image, have no edges. Leaves rows y - 1 .. y + 1 of the grey
-// image loaded.
+// Border rows have no edges. Leaves rows y - 1 .. y + 1 of the grey image loaded.
 void GradientBand::load_midpoints(const common::GreyView& grey, std::size_t y) {
     load_grey(grey, y + 1);
+    hidden_ <<= 1;
+    if (y >= height_) return;
+    edges_.advance(y);
+    if (simd::midpoint_row(around(grey_, y), edges_.edges(y), edges_.words(), midpoints_.row(y),
+                           contrasts_.row(y))) {
+        hidden_ |= 1;
+    }
+}
+
+// Rows 4 * at .. 4 * at + 4 have midpoints, as far as there are such rows.
+void GradientBand::close_block_row(std::size_t at) {
+    const std::size_t top = at * kBlockPixels;
+    const std::size_t rows = std::min(kBlockPixels, height_ - top);
+    simd::FourRows midpoints;
+    simd::FourRows contrasts;
+    simd::FourRows greys;
     std::fill_n(bits_.begin(), edges_.words(), 0);
-    if (y + 1 < height_) edges_.edges(y, bits_.data());
-    hidden_[y % 3] = simd::midpoint_row(around(grey_, y), bits_.data(), edges_.words(),
-                                        midpoints_.row(y), contrasts_.row(y));
+    for (std::size_t i = 0; i < kBlockPixels; ++i) {
+        const std::size_t y = top + i;
+        // Nothing below the image has contrast.
+        if (i >= rows) std::memset(contrasts_.row(y), 0, edges_.words() * 64);
+        midpoints.row[i] = midpoints_.row(y);
+        contrasts.row[i] = contrasts_.row(y);
+        greys.row[i] = grey_.row(y);
+        for (std::size_t word = 0; i < rows && word < edges_.words(); ++word) {
+            bits_[word] |= edges_.edges(y)[word];
+        }
+    }
+    simd::edge_means(midpoints, contrasts, bits_.data(), edges_.words(), maps_.threshold.row(at),
+                     maps_.contrast.row(at));
+    simd::grey_means(greys, edges_.words(), maps_.average.row(at));
+    average_partial_blocks(at, rows);
+    // Bit 0 stands for the row below the blocks.
+    if ((hidden_ >> 1 & 0xF) != 0) count_hidden_midpoints(at, rows);
 }
 
-// Pixels without contrast are not asked: smoothing may have put edges where the grey is even.
-void GradientBand::add_to_blocks(std::size_t y) {
-    const std::uint8_t* midpoints = midpoints_.row(y);
-    const std::uint8_t* contrasts = contrasts_.row(y);
-    const std::uint8_t* grey = grey_.row(y);
-    for (std::size_t x = 0; x < width_; ++x) {
-        BlockSums& sums = sums_[x / kBlockPixels];
-        sums.grey += grey[x];
-        if (contrasts[x] == 0) continue;
-        sums.midpoint += midpoints[x];
-        sums.contrast += contrasts[x];
-        ++sums.pixels;
-    }
-    if (!hidden_[y % 3]) return;
-    // A midpoint of 0 is taken for none by the spread, which gives it one.
-    for (std::size_t x = 1; x + 1 < width_; ++x) {
-        if (contrasts[x] == 0 || midpoints[x] != 0) continue;
-        sums_[x / kBlockPixels].midpoint += static_cast<std::uint32_t>(
-            simd::plain::mean_of_neighbours(around(midpoints_, y), static_cast<std::ptrdiff_t>(x)));
+// Blocks that the edge of the image cuts have the mean of the pixels that they have.
+void GradientBand::average_partial_blocks(std::size_t at, std::size_t rows) {
+    std::size_t block = rows < kBlockPixels ? 0 : width_ / kBlockPixels;
+    for (; block < maps_.average.width(); ++block) {
+        const std::size_t x0 = block * kBlockPixels;
+        const std::size_t columns = std::min(kBlockPixels, width_ - x0);
+        std::size_t sum = 0;
+        for (std::size_t i = 0; i < rows; ++i) {
+            const std::uint8_t* row = grey_.row(at * kBlockPixels + i);
+            for (std::size_t x = x0; x < x0 + columns; ++x) sum += row[x];
+        }
+        maps_.average.row(at)[block] = static_cast<std::uint8_t>(sum / (rows * columns));
     }
 }
 
-// y: the last row of the blocks.
-void GradientBand::close_block_row(std::size_t y) {
-    const std::size_t at = y / kBlockPixels;
-    const std::size_t rows = y % kBlockPixels + 1;
-    for (std::size_t i = 0; i < maps_.threshold.width(); ++i) {
-        const std::size_t columns = std::min(kBlockPixels, width_ - i * kBlockPixels);
-        const BlockSums& sums = sums_[i];
-        const std::uint32_t pixels = std::max(sums.pixels, 1U);
-        maps_.threshold.row(at)[i] = static_cast<std::uint8_t>(sums.midpoint / pixels);
-        maps_.contrast.row(at)[i] = static_cast<std::uint8_t>(sums.contrast / pixels);
-        maps_.average.row(at)[i] = static_cast<std::uint8_t>(sums.grey / (rows * columns));
+// An edge pixel whose midpoint is 0 counts with what the spread gives it, which takes it for a
+// pixel without a midpoint. Only greys of 0 and 1 have such midpoints.
+void GradientBand::count_hidden_midpoints(std::size_t at, std::size_t rows) {
+    const std::size_t top = at * kBlockPixels;
+    for (std::size_t block = 0; block < maps_.threshold.width(); ++block) {
+        unsigned sum = 0;
+        unsigned pixels = 0;
+        for (std::size_t i = 0; i < rows; ++i) {
+            const std::size_t x0 = block * kBlockPixels;
+            for (std::size_t x = x0; x < std::min(x0 + kBlockPixels, width_); ++x) {
+                if (contrasts_.row(top + i)[x] == 0) continue;
+                const unsigned own = midpoints_.row(top + i)[x];
+                sum += own != 0 ? own
+                                : static_cast<unsigned>(simd::plain::mean_of_neighbours(
+                                      around(midpoints_, top + i), static_cast<std::ptrdiff_t>(x)));
+                ++pixels;
+            }
+        }
+        maps_.threshold.row(at)[block] = static_cast<std::uint8_t>(sum / std::max(pixels, 1U));
     }
-    std::fill(sums_.begin(), sums_.end(), BlockSums{});
 }
 
 void GradientBand::apply_thresholds(const common::GreyView& grey,
@@ -147,9 +186,9 @@ void GradientBand::apply_thresholds(const common::GreyView& grey,
     load_grey(grey, 0);
     for (std::size_t y = 0; y < height_; ++y) {
         load_grey(grey, y + 1);
-        std::uint8_t* thresholds = maps_.threshold.row(y / kBlockPixels);
+        std::uint8_t* thresholds = maps_.result.row(y / kBlockPixels);
         if (y % kBlockPixels == 0) {
-            for (std::size_t i = 0; i < maps_.threshold.width(); ++i) {
+            for (std::size_t i = 0; i < maps_.result.width(); ++i) {
                 thresholds[i] = std::max(thresholds[i], parameters_.black2);
             }
         }

@@ -25,19 +25,12 @@ class GradientBand {
     void binarize(const common::GreyView& grey, const common::MutableBitonalView& page);
 
   private:
-    // Over the pixels of a block.
-    struct BlockSums {
-        std::uint32_t midpoint;  // edge pixels with contrast
-        std::uint32_t contrast;  // the same
-        std::uint32_t pixels;    // how many these are
-        std::uint32_t grey;      // all pixels
-    };
-
     void mark_edges(const common::GreyView& grey, const common::MutableBitonalView& page);
     void load_grey(const common::GreyView& grey, std::size_t y);
     void load_midpoints(const common::GreyView& grey, std::size_t y);
-    void add_to_blocks(std::size_t y);
-    void close_block_row(std::size_t y);
+    void close_block_row(std::size_t at);
+    void average_partial_blocks(std::size_t at, std::size_t rows);
+    void count_hidden_midpoints(std::size_t at, std::size_t rows);
     void apply_thresholds(const common::GreyView& grey, const common::MutableBitonalView& page);
 
     GradientParameters parameters_;
@@ -49,8 +42,7 @@ class GradientBand {
     PaddedRows midpoints_;
     PaddedRows contrasts_;
     frame::Buffer<std::uint64_t> bits_;
-    frame::Buffer<BlockSums> sums_;  // of the row of blocks at work
-    bool hidden_[3] = {};            // of three rows: whether an edge pixel has the midpoint 0
+    std::uint64_t hidden_ = 0;  // of the last 64 rows, the latest in bit 0: a midpoint was 0
 };
 
 }  // namespace binarization

@@ -1,5 +1,7 @@
-// Rows run through rings of a few rows each, so that gradients and magnitudes never become whole
-// images: what is kept of a page is two bits a pixel.
+// All steps follow each other down the image, each as far behind the one before as it has to be, so
+// that rings of rows take the place of whole images. A trace reaches at most kTraceReach rows up
+// and down (gradient_hysteresis.cpp): candidates are sought so far ahead of it, and edges are final
+// so far behind it.
 //
 // The responses at the border of the image are those of an image continued by its border pixels.
 // Border pixels are never candidates themselves, but are neighbours of candidates.
@@ -31,15 +33,20 @@ double scale_for(int largest) {
     return std::min(kLargestScale, (kLargestMagnitude + 1) / static_cast<double>(largest));
 }
 
-using MagnitudeTable = std::array<std::uint8_t, 256>;
-
-MagnitudeTable scaled_magnitudes(int largest) {
-    MagnitudeTable table{};
+std::array<std::uint8_t, 256> scaled_magnitudes(int largest) {
+    std::array<std::uint8_t, 256> table{};
     for (int m = 0; m <= largest; ++m) {
         table[static_cast<std::size_t>(m)] =
             static_cast<std::uint8_t>(std::lround(m * scale_for(largest)));
     }
     return table;
+}
+
+// Rows that are in use at a time: from those that the caller looks back at to those in which
+// candidates are sought already.
+std::size_t ring_rows(std::size_t height) {
+    constexpr std::size_t kLookBack = 8;
+    return std::min(height, kLookBack + 2 * kTraceReach + 1);
 }
 
 }  // namespace
@@ -48,35 +55,51 @@ EdgeFinder::EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions&
     : height_(height),
       width_(width),
       options_(options),
-      candidate_(candidate_threshold(options)),
-      start_(options.start),
-      follow_(options.follow),
       source_(3, width),
       magnitudes_(3, width),
       across_(2, width),
       down_(2, width),
-      starts_(height, width),
-      follows_(height, width),
-      open_(height, width) {}
+      starts_(ring_rows(height), width),
+      follows_(ring_rows(height), width),
+      open_(ring_rows(height), width) {}
 
-bool EdgeFinder::find(const common::GreyView& grey) {
-    if (options_.normalization == Normalization::kOff) return find_candidates(grey, nullptr);
-    const int largest = largest_magnitude(grey);
-    if (options_.normalization == Normalization::kMagnitudes) {
-        return find_candidates(grey, scaled_magnitudes(largest).data());
+void EdgeFinder::begin(const common::GreyView& grey) {
+    grey_ = grey;
+    int start = options_.start;
+    int follow = options_.follow;
+    if (options_.normalization != Normalization::kOff) {
+        const int largest = largest_magnitude();
+        if (options_.normalization == Normalization::kMagnitudes) {
+            scaled_ = scaled_magnitudes(largest);
+        } else {
+            start = static_cast<int>(std::lround(start / scale_for(largest)));
+            follow = static_cast<int>(std::lround(follow / scale_for(largest)));
+        }
     }
-    start_ = static_cast<int>(std::lround(start_ / scale_for(largest)));
-    follow_ = static_cast<int>(std::lround(follow_ / scale_for(largest)));
-    return find_candidates(grey, nullptr);
+    thresholds_ = {static_cast<std::uint8_t>(candidate_threshold(options_)),
+                   static_cast<std::uint8_t>(start), static_cast<std::uint8_t>(follow)};
+    load_row(0);
 }
 
-void EdgeFinder::load_row(const common::GreyView& grey, std::size_t y) {
+void EdgeFinder::advance(std::size_t y) {
+    const std::size_t last = height_ - 1;
+    for (; traced_ <= std::min(y + kTraceReach, last); ++traced_) {
+        for (; sought_ <= std::min(traced_ + kTraceReach, last); ++sought_) {
+            find_candidates(sought_);
+        }
+        trace(traced_);
+    }
+    std::uint64_t* edges = starts_.row(y);
+    for (std::size_t i = 0; i < words(); ++i) edges[i] |= follows_.row(y)[i] & ~open_.row(y)[i];
+}
+
+void EdgeFinder::load_row(std::size_t y) {
     std::uint8_t* row = source_.row(y);
     if (!options_.smoothed) {
-        copy_with_ends(grey.row(static_cast<std::ptrdiff_t>(y)), width_, row);
+        copy_with_ends(grey_.row(static_cast<std::ptrdiff_t>(y)), width_, row);
         return;
     }
-    smooth_gaussian(grey, y, row);
+    smooth_gaussian(grey_, y, row);
     row[-1] = row[0];
     row[width_] = row[width_ - 1];
 }
@@ -85,17 +108,17 @@ simd::GradientRow EdgeFinder::gradient_row(std::size_t y) {
     return {magnitudes_.row(y), across_.row(y), down_.row(y)};
 }
 
-// Rows y - 1 .. y + 1 have been loaded, as far as there are such rows.
+// Row y has been loaded.
 void EdgeFinder::take_gradients(std::size_t y) {
+    if (y + 1 < height_) load_row(y + 1);
     simd::gradient_row(source_.row(y > 0 ? y - 1 : 0), source_.row(y),
                        source_.row(std::min(y + 1, height_ - 1)), width_, gradient_row(y));
 }
 
-int EdgeFinder::largest_magnitude(const common::GreyView& grey) {
+int EdgeFinder::largest_magnitude() {
     std::uint8_t largest = 0;
-    load_row(grey, 0);
+    load_row(0);
     for (std::size_t y = 0; y < height_; ++y) {
-        if (y + 1 < height_) load_row(grey, y + 1);
         take_gradients(y);
         const std::uint8_t* row = magnitudes_.row(y);
         for (std::size_t x = 0; x < width_; ++x) largest = std::max(largest, row[x]);
@@ -103,38 +126,24 @@ int EdgeFinder::largest_magnitude(const common::GreyView& grey) {
     return largest;
 }
 
-bool EdgeFinder::find_candidates(const common::GreyView& grey, const std::uint8_t* scaled) {
-    const simd::EdgeThresholds thresholds{static_cast<std::uint8_t>(candidate_),
-                                          static_cast<std::uint8_t>(start_),
-                                          static_cast<std::uint8_t>(follow_)};
-    bool found = false;
-    for (const std::size_t y : {std::size_t{0}, height_ - 1}) {
+void EdgeFinder::find_candidates(std::size_t y) {
+    std::uint64_t* follows = follows_.row(y);
+    if (y == 0 || y + 1 == height_) {
         std::fill_n(starts_.row(y), words(), 0);
-        std::fill_n(follows_.row(y), words(), 0);
-    }
-    load_row(grey, 0);
-    for (std::size_t y = 0; y < height_; ++y) {
-        if (y + 1 < height_) load_row(grey, y + 1);
-        take_gradients(y);
-        if (scaled != nullptr) {
-            std::uint8_t* row = magnitudes_.row(y);
-            for (std::size_t x = 0; x < width_; ++x) row[x] = scaled[row[x]];
+        std::fill_n(follows, words(), 0);
+    } else {
+        for (; graded_ <= y + 1; ++graded_) {
+            take_gradients(graded_);
+            if (options_.normalization != Normalization::kMagnitudes) continue;
+            std::uint8_t* row = magnitudes_.row(graded_);
+            for (std::size_t x = 0; x < width_; ++x) row[x] = scaled_[row[x]];
         }
-        if (y < 2) continue;
-        const std::size_t middle = y - 1;
-        const simd::MagnitudeRows around{magnitudes_.row(y - 2), magnitudes_.row(middle),
-                                         magnitudes_.row(y)};
-        found |= simd::local_maxima_row(around, gradient_row(middle), width_, thresholds,
-                                        starts_.row(middle), follows_.row(middle));
+        const simd::MagnitudeRows around{magnitudes_.row(y - 1), magnitudes_.row(y),
+                                         magnitudes_.row(y + 1)};
+        found_candidates_ |= simd::local_maxima_row(around, gradient_row(y), width_, thresholds_,
+                                                    starts_.row(y), follows);
     }
-    return found;
-}
-
-void EdgeFinder::edges(std::size_t y, std::uint64_t* row) const {
-    const std::uint64_t* starts = starts_.row(y);
-    const std::uint64_t* follows = follows_.row(y);
-    const std::uint64_t* open = open_.row(y);
-    for (std::size_t i = 0; i < words(); ++i) row[i] = starts[i] | (follows[i] & ~open[i]);
+    std::memcpy(open_.row(y), follows, words() * sizeof(std::uint64_t));
 }
 
 }  // namespace binarization

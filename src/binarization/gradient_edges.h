@@ -1,12 +1,14 @@
 // Edges of a grey image: thin lines of pixels whose grey changes most steeply.
 //
-// Use: EdgeFinder finder(height, width, options); finder.find(grey) and, when that says so,
-// finder.trace(); then edges(y, words) for any row. thresholds_used() afterwards.
+// Use: EdgeFinder finder(height, width, options); finder.begin(grey); finder.advance(y) for y = 0,
+// 1, ... makes edges(y) final; edges of the 8 rows above stay readable.
 //
 // Source: J. Canny, A computational approach to edge detection, IEEE Transactions on Pattern
 // Analysis and Machine Intelligence, 1986.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -16,21 +18,26 @@
 
 namespace binarization {
 
-// One bit a pixel, pixel 0 of a row in the least significant bit of its first word.
+// A ring of rows of one bit a pixel, pixel 0 of a row in the least significant bit of its first
+// word.
 class BitRows {
   public:
-    // Not initialised. Throws std::bad_alloc.
+    // At least `rows` rows, not initialised. Throws std::bad_alloc.
     BitRows(std::size_t rows, std::size_t width)
-        : words_(whole_words(width)), bits_(rows * words_) {}
+        : last_(std::bit_ceil(rows) - 1), words_(whole_words(width)), bits_((last_ + 1) * words_) {}
 
     std::size_t words() const { return words_; }
-    std::uint64_t* row(std::size_t y) { return bits_.data() + y * words_; }
-    const std::uint64_t* row(std::size_t y) const { return bits_.data() + y * words_; }
+    std::uint64_t* row(std::size_t y) { return bits_.data() + (y & last_) * words_; }
+    const std::uint64_t* row(std::size_t y) const { return bits_.data() + (y & last_) * words_; }
 
   private:
+    std::size_t last_;
     std::size_t words_;
     frame::Buffer<std::uint64_t> bits_;
 };
+
+// The most rows that a trace gets away from where it starts (gradient_hysteresis.cpp).
+constexpr std::size_t kTraceReach = 65;
 
 enum class Normalization {
     kOff,
@@ -50,40 +57,49 @@ class EdgeFinder {
     // Allocates all it needs. Throws std::bad_alloc. height and width are at least 2.
     EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions& options);
 
-    // Finds the candidates. Returns whether there are any; there are no edges otherwise.
-    bool find(const common::GreyView& grey);
+    // Starts from the top of an image, which stays valid until its last row is done.
+    void begin(const common::GreyView& grey);
 
-    // Tells the edges among the candidates (gradient_hysteresis.cpp).
-    void trace();
+    // Makes the edges of row y final. Called for each row in order.
+    void advance(std::size_t y);
 
-    // The least magnitude that starts an edge, after find(): normalization may have reduced it.
-    int start_threshold() const { return start_; }
-
-    // The edge pixels of a row, after trace(): words() words.
-    void edges(std::size_t y, std::uint64_t* row) const;
+    // The edge pixels of a row: words() words.
+    const std::uint64_t* edges(std::size_t y) const { return starts_.row(y); }
     std::size_t words() const { return starts_.words(); }
 
-  private:
-    struct Scale;
+    // The least magnitude that starts an edge, after begin(): normalization may have reduced it.
+    int start_threshold() const { return thresholds_.start; }
 
-    int largest_magnitude(const common::GreyView& grey);
-    bool find_candidates(const common::GreyView& grey, const std::uint8_t* scaled);
-    void load_row(const common::GreyView& grey, std::size_t y);
+    // After the last row: whether the image has candidates, though perhaps no edges.
+    bool found_candidates() const { return found_candidates_; }
+
+  private:
+    int largest_magnitude();
+    void load_row(std::size_t y);
     simd::GradientRow gradient_row(std::size_t y);
     void take_gradients(std::size_t y);
+    void find_candidates(std::size_t y);
+    void trace(std::size_t y);
     void trace_from(std::size_t y, std::size_t x);
 
     std::size_t height_;
     std::size_t width_;
     EdgeOptions options_;
-    int candidate_;  // the least magnitude of a candidate
-    int start_;
-    int follow_;
+    common::GreyView grey_;
+    simd::EdgeThresholds thresholds_{};
+    std::array<std::uint8_t, 256> scaled_{};  // what magnitudes become where they are normalized
+    bool found_candidates_ = false;
+
+    // Rows that the steps have done.
+    std::size_t graded_ = 0;
+    std::size_t sought_ = 0;
+    std::size_t traced_ = 0;
+
     PaddedRows source_;  // grey, smoothed where asked for
     PaddedRows magnitudes_;
     PaddedRows across_;
     PaddedRows down_;
-    BitRows starts_;   // candidates that start an edge
+    BitRows starts_;   // candidates that start an edge; the edges in rows that are final
     BitRows follows_;  // candidates into which an edge is followed
     BitRows open_;     // those of follows_ that no trace has reached yet
 };

@@ -20,7 +20,7 @@
 namespace binarization {
 namespace {
 
-constexpr std::size_t kDeepestTraced = 64;
+constexpr std::size_t kDeepestTraced = kTraceReach - 1;
 
 // Bits of columns x - 1, x and x + 1, in this order from the least significant one. 1 <= x, and
 // column x + 1 exists.
@@ -43,14 +43,21 @@ struct Position {
 
 }  // namespace
 
-void EdgeFinder::trace() {
-    std::memcpy(open_.row(0), follows_.row(0), height_ * words() * sizeof(std::uint64_t));
-    for (std::size_t y = 1; y + 1 < height_; ++y) {
-        const std::uint64_t* starts = starts_.row(y);
-        for (std::size_t i = 0; i < words(); ++i) {
-            for (std::uint64_t left = starts[i]; left != 0; left &= left - 1) {
-                trace_from(y, i * 64 + static_cast<std::size_t>(std::countr_zero(left)));
-            }
+// Starts without an open pixel at or around them have nothing to trace: where text is, most of
+// them.
+void EdgeFinder::trace(std::size_t y) {
+    if (y == 0 || y + 1 == height_) return;
+    const std::uint64_t* starts = starts_.row(y);
+    const std::uint64_t* rows[3] = {open_.row(y - 1), open_.row(y), open_.row(y + 1)};
+    const auto open = [&](std::size_t i) { return rows[0][i] | rows[1][i] | rows[2][i]; };
+    for (std::size_t i = 0; i < words(); ++i) {
+        if (starts[i] == 0) continue;
+        std::uint64_t around = open(i);
+        around |= around << 1 | around >> 1;
+        if (i > 0) around |= open(i - 1) >> 63;
+        if (i + 1 < words()) around |= open(i + 1) << 63;
+        for (std::uint64_t left = starts[i] & around; left != 0; left &= left - 1) {
+            trace_from(y, i * 64 + static_cast<std::size_t>(std::countr_zero(left)));
         }
     }
 }

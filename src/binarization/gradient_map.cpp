@@ -22,58 +22,61 @@ using ConstRow = const std::uint8_t*;
 
 // A threshold survives among at least two others. Border blocks have no full neighbourhood and
 // lose theirs; in a map of a single row or column all are border blocks, and all are kept.
-void clean(BlockGrid& map, BlockGrid& spare) {
+void clean(BlockGrid& map, PaddedRows& saved) {
     if (!map.two_dimensional()) return;
-    const std::size_t last = map.height() - 1;
-    std::memset(spare.row(0), 0, map.width());
-    std::memset(spare.row(last), 0, map.width());
-    for (std::size_t y = 1; y < last; ++y) {
-        simd::clean_row({map.row(y - 1), map.row(y), map.row(y + 1)}, map.width(), spare.row(y));
-    }
-    std::swap(map, spare);
-}
-
-void spread_in_place(BlockGrid& map, BlockGrid& spare) {
-    if (!map.two_dimensional()) return;
-    spread(map, spare);
-    std::swap(map, spare);
+    by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
+        simd::clean_row(around, map.width(), row);
+    });
+    std::memset(map.row(0), 0, map.width());
+    std::memset(map.row(map.height() - 1), 0, map.width());
 }
 
 // Cells of `map` whose contrast is above a multiple of the edge strength: contrast * own > start *
 // of.
 void keep_contrast(const BlockGrid& map, const BlockGrid& contrast, int own, int of, int start,
                    BlockGrid& out) {
+    const auto limit = static_cast<std::uint8_t>(std::min(start * of / own, 255));
     by_rows(
         out,
         [=](Row to, ConstRow from, ConstRow contrasts, std::size_t width) {
             for (std::size_t x = 0; x < width; ++x) {
-                to[x] = contrasts[x] * own > start * of ? from[x] : std::uint8_t{0};
+                to[x] = contrasts[x] > limit ? from[x] : std::uint8_t{0};
             }
         },
         map, contrast);
 }
 
 // Midway between the lightest and the darkest of the blocks around a block, where they differ
-// enough and the block has no strong edge.
+// enough and the block has no strong edge. Into `filled`.
 void take_levels(ThresholdMaps& maps, int start) {
-    const std::size_t height = maps.average.height();
-    const std::size_t width = maps.average.width();
-    for (std::size_t y = 0; y < height; ++y) {
-        const ConstRow rows[3] = {maps.average.row(y > 0 ? y - 1 : 0), maps.average.row(y),
-                                  maps.average.row(std::min(y + 1, height - 1))};
-        for (std::size_t x = 0; x < width; ++x) {
-            int least = 255;
-            int most = 0;
-            for (ConstRow row : rows) {
-                for (std::size_t at = x > 0 ? x - 1 : 0; at <= std::min(x + 1, width - 1); ++at) {
-                    least = std::min<int>(least, row[at]);
-                    most = std::max<int>(most, row[at]);
-                }
-            }
-            const bool kept = 3 * (most - least) > 2 * start && maps.strong.row(y)[x] == 0;
-            maps.level.row(y)[x] = static_cast<std::uint8_t>(kept ? (most + least) >> 1 : 0);
-        }
+    BlockGrid& greys = maps.average;
+    const std::size_t last = greys.height() - 1;
+    const std::size_t width = greys.width();
+    const auto limit = static_cast<std::uint8_t>(2 * start / 3);
+    for (std::size_t y = 0; y <= last; ++y) {
+        greys.row(y)[-1] = greys.row(y)[0];
+        greys.row(y)[width] = greys.row(y)[width - 1];
     }
+    for (std::size_t y = 0; y <= last; ++y) {
+        const simd::ThreeRows around{greys.row(y > 0 ? y - 1 : 0), greys.row(y),
+                                     greys.row(std::min(y + 1, last))};
+        simd::middle_row(around, width, limit, maps.filled.row(y));
+    }
+}
+
+// Blocks without a threshold take the level between the blocks around them; those with a strong
+// edge of their own take none. Into `out`, which is used no more otherwise.
+void put_levels_between(const BlockGrid& thresholds, const BlockGrid& strong,
+                        const BlockGrid& levels, BlockGrid& out) {
+    by_rows(
+        out,
+        [](Row to, ConstRow own, ConstRow strongs, ConstRow between, std::size_t width) {
+            for (std::size_t x = 0; x < width; ++x) {
+                const std::uint8_t level = strongs[x] == 0 ? between[x] : std::uint8_t{0};
+                to[x] = own[x] != 0 ? own[x] : level;
+            }
+        },
+        thresholds, strong, levels);
 }
 
 void raise_to(BlockGrid& map, const BlockGrid& other) {
@@ -88,31 +91,27 @@ void raise_to(BlockGrid& map, const BlockGrid& other) {
 }  // namespace
 
 void complete(ThresholdMaps& maps, int start, bool by_mean) {
-    auto& [result, filled, spare] = maps.spare;
-    clean(maps.threshold, spare);
+    BlockGrid& levels = maps.average;
+    const auto fill_and_raise = [&](const BlockGrid& map) {
+        fill(map, by_mean, maps.saved, maps.filled);
+        raise_to(maps.result, maps.filled);
+    };
+    clean(maps.threshold, maps.saved);
     keep_contrast(maps.threshold, maps.contrast, 12, 17, start, maps.strong);
     take_levels(maps, start);
-    spread_in_place(maps.threshold, spare);
-    spread_in_place(maps.strong, spare);
-    by_rows(
-        maps.level,
-        [](Row to, ConstRow from, std::size_t width) {
-            for (std::size_t x = 0; x < width; ++x) to[x] = from[x] != 0 ? from[x] : to[x];
-        },
-        maps.threshold);
+    spread(maps.threshold, maps.saved);
+    put_levels_between(maps.threshold, maps.strong, maps.filled, levels);
+    spread(maps.strong, maps.saved);
 
-    fill(maps.threshold, by_mean, spare, result);
-    for (const BlockGrid* map : {&maps.strong, &maps.level}) {
-        fill(*map, by_mean, spare, filled);
-        raise_to(result, filled);
-    }
+    fill(maps.threshold, by_mean, maps.saved, maps.result);
+    fill_and_raise(maps.strong);
+    fill_and_raise(levels);
+    BlockGrid& stronger = maps.threshold;
     for (const auto& [own, of] : {std::pair{3, 5}, std::pair{1, 2}}) {
-        keep_contrast(maps.strong, maps.contrast, own, of, start, maps.level);
-        spread_in_place(maps.level, spare);
-        fill(maps.level, by_mean, spare, filled);
-        raise_to(result, filled);
+        keep_contrast(maps.strong, maps.contrast, own, of, start, stronger);
+        spread(stronger, maps.saved);
+        fill_and_raise(stronger);
     }
-    std::swap(maps.threshold, result);
 }
 
 }  // namespace binarization

@@ -2,32 +2,38 @@
 //
 // Use: ThresholdMaps maps(height, width) in blocks; fill in maps.threshold (mean midpoint of the
 // edge pixels of each block, 0 without any), maps.contrast (mean contrast of these pixels) and
-// maps.average (mean grey of each block); complete(maps, start, by_mean). maps.threshold is the
-// result.
+// maps.average (mean grey of each block); complete(maps, start, by_mean). maps.result then holds
+// the thresholds, 0 where there are none; it is zero before.
 #pragma once
 
 #include "binarization/block_grid.h"
 
 namespace binarization {
 
-struct ThresholdMaps {
+class ThresholdMaps {
+    BlockGrids grids_;
+
+  public:
     // Throws std::bad_alloc.
     ThresholdMaps(std::size_t height, std::size_t width)
-        : threshold(height, width),
-          contrast(height, width),
-          average(height, width),
-          strong(height, width),
-          level(height, width),
-          spare{{height, width}, {height, width}, {height, width}} {}
+        : grids_(6, height, width),
+          threshold(grids_[0]),
+          contrast(grids_[1]),
+          average(grids_[2]),
+          result(grids_[3]),
+          strong(grids_[4]),
+          filled(grids_[5]),
+          saved(2, width) {}
 
     BlockGrid threshold;
     BlockGrid contrast;
     BlockGrid average;
+    BlockGrid result;
 
     // Working space.
     BlockGrid strong;
-    BlockGrid level;
-    BlockGrid spare[3];
+    BlockGrid filled;
+    PaddedRows saved;
 };
 
 // start: the edge strength that contrasts are measured by. by_mean: how empty blocks are filled.

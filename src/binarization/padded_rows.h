@@ -30,6 +30,8 @@ class PaddedRows {
         return bytes_.data() + y % rows_ * pitch_ + simd::kRowPad;
     }
 
+    std::size_t pitch() const { return pitch_; }
+
   private:
     std::size_t rows_;
     std::size_t pitch_;

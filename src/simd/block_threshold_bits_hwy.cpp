@@ -1,34 +1,16 @@
 // Vector forms of block_threshold_bits.h, a word of 64 pixels at a time.
 #include "simd/block_threshold_bits.h"
 
-#include <cstring>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/block_threshold_bits_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/word_vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd {
 namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using Words = hn::Repartition<std::uint16_t, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
-
-constexpr Bytes kBytes;
-constexpr Words kWords;
-
-template <class Mask>
-HWY_INLINE std::uint64_t bits_of(Mask mask) {
-    std::uint8_t bytes[8] = {};
-    hn::StoreMaskBits(kBytes, mask, bytes);
-    std::uint64_t bits;
-    std::memcpy(&bits, bytes, sizeof bits);
-    return bits;
-}
 
 // Each of the thresholds of Lanes / 4 blocks four times. Widened by zeros, a threshold has the
 // lowest byte of a lane of 32 bits, and shifts copy it to the others.
@@ -51,14 +33,6 @@ void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds, 
         }
         bits[i] |= word;
     }
-}
-
-HWY_INLINE WordVector even_bytes(ByteVector bytes) {
-    return hn::And(hn::BitCast(kWords, bytes), hn::Set(kWords, std::uint16_t{0xFF}));
-}
-
-HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
-    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
 }
 
 // All ones where the sum of the nine pixels is below the limit.
@@ -85,11 +59,7 @@ void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level
     const WordVector limit = hn::Set(kWords, static_cast<std::uint16_t>(9 * level));
     const std::size_t words = (width + 63) / 64;
     for (std::size_t i = 0; i < words; ++i) {
-        std::uint64_t inner = ~std::uint64_t{0};
-        if (i == 0) inner &= ~std::uint64_t{1};
-        if (width - 1 < 64 * i + 64) {
-            inner &= width - 1 <= 64 * i ? 0 : (std::uint64_t{1} << (width - 1 - 64 * i)) - 1;
-        }
+        const std::uint64_t inner = inner_pixels(i, width);
         std::uint64_t dark = 0;
         for (std::size_t at = 0; at < 64; at += hn::Lanes(kBytes)) {
             dark |= bits_of(hn::Lt(hn::LoadU(kBytes, grey.row + 64 * i + at), levels)) << at;

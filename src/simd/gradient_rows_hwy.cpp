@@ -8,44 +8,25 @@
 // of the root; the test runs all pairs of components.
 #include "simd/gradient_rows.h"
 
-#include <cstring>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/gradient_rows_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/word_vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd {
 namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using Words = hn::Repartition<std::uint16_t, Bytes>;
 using SignedWords = hn::Repartition<std::int16_t, Bytes>;
 using Integers = hn::Repartition<std::int32_t, Bytes>;
 using Floats = hn::Repartition<float, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
 using SignedVector = hn::Vec<SignedWords>;
 
-constexpr Bytes kBytes;
-constexpr Words kWords;
 constexpr SignedWords kSignedWords;
 constexpr Integers kIntegers;
 constexpr Floats kFloats;
-
-HWY_INLINE WordVector even_bytes(ByteVector bytes) {
-    return hn::And(hn::BitCast(kWords, bytes), hn::Set(kWords, std::uint16_t{0xFF}));
-}
-
-HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
-    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
-}
-
-HWY_INLINE ByteVector interleave(WordVector even, WordVector odd) {
-    return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
-}
 
 HWY_INLINE SignedVector as_signed(WordVector words) {
     return hn::BitCast(kSignedWords, words);
@@ -213,14 +194,6 @@ HWY_INLINE ByteVector at_least(ByteVector values, ByteVector limit) {
     return hn::VecFromMask(kBytes, hn::Eq(hn::Max(values, limit), values));
 }
 
-HWY_INLINE std::uint64_t bits_of(ByteVector all_ones_or_zero) {
-    std::uint8_t bytes[8] = {};
-    hn::StoreMaskBits(kBytes, hn::MaskFromVec(all_ones_or_zero), bytes);
-    std::uint64_t bits;
-    std::memcpy(&bits, bytes, sizeof bits);
-    return bits;
-}
-
 bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradient,
                       std::size_t width, const EdgeThresholds& thresholds, std::uint64_t* start,
                       std::uint64_t* follow) {
@@ -238,16 +211,12 @@ bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradie
             if (hn::AllTrue(kBytes, hn::Eq(strong, hn::Zero(kBytes)))) continue;
             const ByteVector kept =
                 hn::And(strong, local_maxima(magnitudes, gradient, magnitude, x));
-            word[0] |= bits_of(kept) << at;
-            word[1] |= bits_of(hn::And(kept, at_least(magnitude, starts))) << at;
-            word[2] |= bits_of(hn::AndNot(at_least(follows, magnitude), kept)) << at;
+            word[0] |= bits_of(hn::MaskFromVec(kept)) << at;
+            word[1] |= bits_of(hn::MaskFromVec(hn::And(kept, at_least(magnitude, starts)))) << at;
+            word[2] |= bits_of(hn::MaskFromVec(hn::AndNot(at_least(follows, magnitude), kept)))
+                       << at;
         }
-        std::uint64_t inner = ~std::uint64_t{0};
-        if (i == 0) inner &= ~std::uint64_t{1};
-        // The last pixel, and what is behind it.
-        if (width - 1 < 64 * i + 64) {
-            inner &= width - 1 <= 64 * i ? 0 : (std::uint64_t{1} << (width - 1 - 64 * i)) - 1;
-        }
+        const std::uint64_t inner = inner_pixels(i, width);
         found |= word[0] & inner;
         start[i] = word[1] & inner;
         follow[i] = word[2] & inner;

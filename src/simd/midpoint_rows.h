@@ -20,6 +20,13 @@ struct ThreeRows {
     const std::uint8_t* below;
 };
 
+// Edge bits of the same three rows.
+struct ThreeBitRows {
+    const std::uint64_t* above;
+    const std::uint64_t* row;
+    const std::uint64_t* below;
+};
+
 // For each edge pixel the mean of the least and the greatest of the nine greys around and at it,
 // rounded down, and the difference between the two; 0 and 0 for all other pixels. Whole words of
 // pixels are written. Returns whether an edge pixel with a difference got the midpoint 0, which
@@ -29,9 +36,9 @@ bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t
 
 // Bit x of `marks` is set where grey[x] is below the threshold of pixel x: its midpoint, or where
 // that is 0 the mean, rounded down, of those of its 8 neighbours that are not 0. Pixels 1 .. width
-// - 2; whole words are written. Midpoints of pixels -1 and beyond the width are 0.
-void mark_row(const ThreeRows& midpoints, const std::uint8_t* grey, std::size_t width,
-              std::uint64_t* marks);
+// - 2; whole words are written. Pixels without an edge have the midpoint 0.
+void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
+              std::size_t width, std::uint64_t* marks);
 
 namespace plain {
 
@@ -70,8 +77,8 @@ inline int mean_of_neighbours(const ThreeRows& rows, std::ptrdiff_t x) {
     return count == 0 ? 0 : sum / count;
 }
 
-inline void mark_row(const ThreeRows& midpoints, const std::uint8_t* grey, std::size_t width,
-                     std::uint64_t* marks) {
+inline void mark_row(const ThreeRows& midpoints, const ThreeBitRows&, const std::uint8_t* grey,
+                     std::size_t width, std::uint64_t* marks) {
     std::fill_n(marks, (width + 63) / 64, 0);
     for (std::size_t x = 1; x + 1 < width; ++x) {
         const int own = midpoints.row[x];
