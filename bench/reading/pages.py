@@ -25,14 +25,14 @@ def plain(text):
     return text.translate(str.maketrans("", "", "*_="))
 
 
-def text_sheet(text, face="serif", points=11.5, ink=BLACK, dpi=DPI, heading=None, gap=2.5):
+def text_sheet(text, face="serif", points=11.5, ink=BLACK, dpi=DPI, heading=None):
     """A sheet of running text in one column."""
     sheet = Sheet(dpi)
     top = 32
     if heading:
         sheet.text(25, top, heading, face + "-bold", 17, ink)
         top += 13
-    sheet.flow([(25, top, 160, 240)], plain(text), face, points, 6.0, ink, gap=gap)
+    sheet.flow([(25, top, 160, 240)], plain(text), face, points, 6.0, ink, gap=2.5)
     return sheet
 
 
@@ -97,16 +97,14 @@ def coloured():
 
 
 def ruled():
-    """Text typed on a form without heed to its lines: from line to line the rules rise from the letters' feet to
-    their middle, and the rules of the columns run through whatever stands there."""
+    """Text typed on a form without heed to its lines: rules run under, along and through the letters."""
     rng = np.random.default_rng(106)
-    sheet = text_sheet(words.FAX_SECOND + words.FAX_FIRST, "mono", 10.5, gap=0)
-    for i in range(41):
-        y = 26.1 + 5.97 * i
+    sheet = text_sheet(words.FAX_SECOND + words.FAX_FIRST, "mono", 10.5)
+    for y in np.arange(24, 276, 7.3):
         sheet.rule(16, y, 194, y, 0.32)
-    for x in (16, 38, 62, 87, 111, 136, 160, 194):
-        sheet.rule(x, 26.1, x, 264.9, 0.36)
-    sheet.box(14.5, 24.6, 181, 241.8, None, BLACK, 0.6)
+    for x in (16, 42, 99, 156, 194):
+        sheet.rule(x, 24, x, 272.2, 0.36)
+    sheet.box(14.5, 22.5, 181, 251.2, None, BLACK, 0.6)
     page = on_paper(to_array(sheet.finish()), rng, PAPER, 0.006)
     return grey(scan(page, rng, 0.35)), {}, sheet.known_text()
 

@@ -17,6 +17,7 @@ import subprocess
 import sys
 
 import numpy as np
+from PIL import Image
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
@@ -53,6 +54,12 @@ def read_page(image, dpi):
     command = ["nice", "-n", "10", "tesseract", str(image), "-", "--dpi", str(dpi), "--psm", "3", "-l", "eng"]
     return subprocess.run(command, env={**os.environ, "OMP_THREAD_LIMIT": "1"}, check=True, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL).stdout.decode("utf-8")
+
+
+def resolution(image, otherwise):
+    """The one that the page's file gives."""
+    given = Image.open(image).info.get("dpi", (0, 0))[0]
+    return round(given) if given > 1 else otherwise
 
 
 class Cache:
@@ -94,7 +101,7 @@ def measure(name, made, folder, cache):
         if make:
             target = folder / f"{source.stem}.{pages.slug(heading)}.tif"
             make(source, target, dpi)
-        rates.append(error_rate(cache.read(target, dpi), known))
+        rates.append(error_rate(cache.read(target, resolution(target, dpi)), known))
     return rates
 
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "grey_page.h"
+#include "reading_grey.h"
 #include "steps.h"
 
 namespace tool {
@@ -51,6 +52,12 @@ Page gradient_bits(const Page& grey) {
         throw std::bad_alloc();
     return bits;
 }
+
+/* Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
+ * showing through, stains and noise. */
+constexpr int kEdgeShare = 40;
+constexpr int kWeakestEdge = 16;
+constexpr int kStrongestEdge = 120;
 
 struct Greys {
     int darkest_white = 255; /* 255 also when all is black */
@@ -101,6 +108,10 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
     if (options.binarization == Binarization::fixed)
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;
+    if (options.binarization == Binarization::gradient && options.for_reading) {
+        page = bits_for_reading(page);
+        return {true, "gradient thresholds for the contrast of the ink"};
+    }
     if (options.binarization == Binarization::gradient) {
         page = gradient_bits(page);
         return {true, "gradient thresholds"};
@@ -111,6 +122,19 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
 }
 
 }  // namespace
+
+Page bits_for_reading(const Page& grey) {
+    Page bits = same_size(grey, PageKind::bitonal);
+    const Settings settings = make_settings();
+    const int edge =
+        std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, kStrongestEdge);
+    bi_set_delta1(settings.get(), static_cast<unsigned char>(edge));
+    bi_set_delta2(settings.get(), static_cast<unsigned char>(edge * 3 / 4));
+    if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
+                         bits.bytes.get()) != 0)
+        throw std::bad_alloc();
+    return bits;
+}
 
 Step binarize_step(const Options& options) {
     return {"binarize", [options](Page& page, const PageFindings& findings, PageRecord& record) {

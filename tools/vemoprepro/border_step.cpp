@@ -12,16 +12,20 @@
 
 #include "grey_page.h"
 #include "ink.h"
+#include "reading_grey.h"
 #include "steps.h"
 
 namespace tool {
 namespace {
 
-/* Borders start at greys below kDark on the page's edge and go on through greys below kLight that
- * differ by less than kStep. */
-constexpr int kDark = 110;
-constexpr int kLight = 190;
-constexpr int kStep = 32;
+/* Borders start at greys below `dark` on the page's edge and go on through greys below `light` that
+ * differ by less than `step`. */
+struct BorderGreys {
+    int dark, light, step;
+};
+constexpr BorderGreys kBorder = {110, 190, 32};
+/* Told from paper that lies in deep shade. */
+constexpr BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
 constexpr double kMostInk = 0.1;
 
@@ -40,12 +44,12 @@ void record_content(PageRecord& record, const Rectangle& content) {
         Box{content.x0, content.y0, content.x1 - content.x0 + 1, content.y1 - content.y0 + 1};
 }
 
-Rectangle paint_border_white(Page& page) {
+Rectangle paint_border_white(Page& page, const BorderGreys& border) {
     Rectangle content;
     const bool grey = page.kind == PageKind::grey;
     if (cropimg(page.bytes.get(), grey ? PREPRO_CROP_GREY : PREPRO_CROP_RGB, page.height,
-                page.width, static_cast<int>(page.stride()), kDark, kLight, kStep, &content.x0,
-                &content.x1, &content.y0, &content.y1) != 0)
+                page.width, static_cast<int>(page.stride()), border.dark, border.light, border.step,
+                &content.x0, &content.x1, &content.y0, &content.y1) != 0)
         throw std::bad_alloc();
     return content;
 }
@@ -74,7 +78,7 @@ double dark_lost(const Page& before, const Page& after) {
         const unsigned char* old_row = before.row(y);
         const unsigned char* new_row = after.row(y);
         for (int x = before.width / 8; x < before.width - before.width / 8; ++x) {
-            if (old_row[x * channels] >= kDark) continue;
+            if (old_row[x * channels] >= kBorder.dark) continue;
             ++dark;
             lost += new_row[x * channels] == 255;
         }
@@ -84,7 +88,7 @@ double dark_lost(const Page& before, const Page& after) {
 
 Outcome crop_greys(Page& page, bool force, PageRecord& record) {
     Page cropped = copy_of(page);
-    const Rectangle content = paint_border_white(cropped);
+    const Rectangle content = paint_border_white(cropped, kBorder);
     if (content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1)
         return {false, "all of the page would be border"};
     const double lost = dark_lost(page, cropped);
@@ -96,6 +100,29 @@ Outcome crop_greys(Page& page, bool force, PageRecord& record) {
     page = std::move(cropped);
     record_content(record, content);
     return {true, content.text(), lost};
+}
+
+/* Whether no more than the frame of 8 pixels, which is always painted, was taken for border. */
+bool only_frame(const Page& page, const Rectangle& content) {
+    constexpr int kFrame = 9;
+    return content.x0 < kFrame && content.y0 < kFrame &&
+           content.x1 >= page.width - 1 - 2 * kFrame && content.y1 >= page.height - 1 - 2 * kFrame;
+}
+
+/* For reading no print may go with the border, whatever share of the ink it is. */
+Outcome crop_around_print(Page& page, PageRecord& record) {
+    for (const BorderGreys& border : {kBorder, kDeepBorder}) {
+        Page cropped = copy_of(page);
+        const Rectangle content = paint_border_white(cropped, border);
+        const bool nothing_left = content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1;
+        if (only_frame(page, content)) return {false, "no border"};
+        if (nothing_left || print_was_painted(page, cropped)) continue;
+        repaint_white_as_paper(cropped);
+        page = std::move(cropped);
+        record_content(record, content);
+        return {true, content.text()};
+    }
+    return {false, "print lies in the dark at the edges"};
 }
 
 /* The box of the ink; false without ink. */
@@ -136,12 +163,14 @@ Outcome crop_bits(Page& page, bool force, PageRecord& record) {
 Step border_step(const Options& options, bool to_grey) {
     const bool wanted = options.crop_border;
     const bool force = options.force;
+    const bool reading = options.for_reading;
     return {"crop", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
                 if (!wanted) return {false, "switched off"};
                 if (page.width < kShortestSide || page.height < kShortestSide)
                     return {false, "smaller than 24 pixels a side"};
                 if (page.kind == PageKind::bitonal) return crop_bits(page, force, record);
                 if (to_grey && page.kind == PageKind::colour) page = grey_of(page);
+                if (reading && page.kind == PageKind::grey) return crop_around_print(page, record);
                 return crop_greys(page, force, record);
             }};
 }

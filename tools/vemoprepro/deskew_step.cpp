@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "reading_grey.h"
+#include "resample.h"
 #include "skew_measure.h"
 #include "steps.h"
 
@@ -33,6 +35,10 @@ void straighten(Page& page, Skew skew) {
     if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
                      &straight.width) != 0)
         throw StepError("the skew is out of range");
+    if (page.kind == PageKind::grey) {
+        page = levelled(page, skew.numerator, skew.denominator, straight.width, straight.height);
+        return;
+    }
     straight.bytes = allocate_pixels(straight.size());
     if (skrotbmp_mem(skew.numerator, skew.denominator, page.bytes.get(), page.height, page.width,
                      static_cast<int>(page.stride()), straight.bytes.get(), straight.height,
@@ -56,7 +62,8 @@ Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
 Outcome measure_and_straighten(Page& page, PageRecord& record) {
     if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
         return {false, "smaller than 32 pixels a side"};
-    const MeasuredSkew measured = measure(page);
+    const MeasuredSkew measured =
+        page.kind == PageKind::grey ? measure(bits_for_reading(page)) : measure(page);
     record.skew = measured.skew;
     record.confidence = measured.confidence;
     if (std::isnan(measured.confidence)) return {false, "no ink on the page"};
@@ -69,18 +76,19 @@ Outcome measure_and_straighten(Page& page, PageRecord& record) {
 
 Step deskew_step(const Options& options) {
     const bool wanted = options.straighten;
+    const bool greys = options.for_reading;
     const std::optional<Skew> given = options.skew;
-    return {
-        "deskew",
-        [wanted, given](Page& page, const PageFindings& findings, PageRecord& record) -> Outcome {
-            if (!wanted) return {false, "switched off"};
-            if (page.kind != PageKind::bitonal)
-                throw StepError(std::string("deskew takes bitonal pages, this one is ") +
-                                name_of(page.kind) + " (clean binarizes first)");
-            if (!given && !findings.skew) return measure_and_straighten(page, record);
-            record.skew = given ? *given : *findings.skew;
-            return straighten_by(page, *record.skew, given ? " (as given)" : " (as recorded)");
-        }};
+    return {"deskew",
+            [wanted, greys, given](Page& page, const PageFindings& findings,
+                                   PageRecord& record) -> Outcome {
+                if (!wanted) return {false, "switched off"};
+                if (page.kind != PageKind::bitonal && !greys)
+                    throw StepError(std::string("deskew takes bitonal pages, this one is ") +
+                                    name_of(page.kind) + " (clean binarizes first)");
+                if (!given && !findings.skew) return measure_and_straighten(page, record);
+                record.skew = given ? *given : *findings.skew;
+                return straighten_by(page, *record.skew, given ? " (as given)" : " (as recorded)");
+            }};
 }
 
 }  // namespace tool

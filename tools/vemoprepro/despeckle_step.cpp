@@ -12,6 +12,10 @@ constexpr double kSpeck = 6;
 /* What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
  */
 constexpr double kSpeckForReading = 9;
+constexpr double kNearForReading = 8;
+/* The same on a heavily specked page, where a word's neighbourhood is full of specks, too. */
+constexpr double kSpeckOfMany = 20;
+constexpr double kNearOfMany = 3;
 
 /* Capitals of 72 point type. */
 constexpr double kTallestText = 250;
@@ -22,23 +26,34 @@ void remove_specks(Page& page, int area, int keep_near) {
         throw std::bad_alloc();
 }
 
+/* In pixels of the page. */
+struct Usual {
+    int area, keep_near;
+};
+
+Usual usual_specks(const Page& page, bool reading, bool specked) {
+    if (!reading) return {scaled_area(page, kSpeck), 0};
+    if (specked) return {scaled_area(page, kSpeckOfMany), scaled_length(page, kNearOfMany)};
+    return {scaled_area(page, kSpeckForReading), scaled_length(page, kNearForReading)};
+}
+
 }  // namespace
 
 Step despeckle_step(const Options& options) {
     const DespeckleOptions wanted = options.despeckle;
-    const double usual = options.for_reading ? kSpeckForReading : kSpeck;
+    const bool reading = options.for_reading;
     const bool force = options.force;
-    return {"despeckle", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+    return {"despeckle", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
                 if (!wanted.wanted) return {false, "switched off"};
                 require_bitonal(page, "despeckle");
-                const int area = wanted.max_area.value_or(scaled_area(page, usual));
+                const Usual usual = usual_specks(page, reading, record.specked);
+                const int area = wanted.max_area.value_or(usual.area);
+                const int near = wanted.keep_near > 0 ? wanted.keep_near : usual.keep_near;
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
-                if (wanted.keep_near > 0)
-                    what += " farther than " + std::to_string(wanted.keep_near) + " from other ink";
-                return remove_ink(page, force, whole(page), what, [=](Page& changed) {
-                    remove_specks(changed, area, wanted.keep_near);
-                });
+                if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
+                return remove_ink(page, force, whole(page), what,
+                                  [=](Page& changed) { remove_specks(changed, area, near); });
             }};
 }
 

@@ -52,6 +52,7 @@ struct PageRecord {
     std::optional<double> confidence; /* none when the skew was not measured */
     std::optional<int> threshold;
     std::optional<Box> content; /* inside the border that was taken off */
+    bool specked = false;       /* heavily; not printed */
     std::vector<StepRecord> steps;
     PageKind output_kind = PageKind::bitonal;
     int output_width = 0;

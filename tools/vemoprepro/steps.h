@@ -59,10 +59,13 @@ Step orientation_step();
 Step rotate_step(int quarter_turns);
 /* Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized). */
 Step border_step(const Options& options, bool to_grey);
+/* What --for ocr does to grey and colour pages beforehand: strong specks, uneven light and low
+ * resolutions, which the later steps see no more. */
+Step prepare_step(const Options& options);
 /* Makes the page bitonal. */
 Step binarize_step(const Options& options);
 /* Measures the skew of a bitonal page (or takes the one of the findings or of --skew) and turns the
- * page straight. */
+ * page straight. With --for ocr it does so with grey pages, too. */
 Step deskew_step(const Options& options);
 
 /* Steps on bitonal pages. */

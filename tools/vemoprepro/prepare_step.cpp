@@ -1,0 +1,49 @@
+/* Grey pages made ready for --for ocr. */
+#include "grey_page.h"
+#include "ink.h"
+#include "reading_grey.h"
+#include "resample.h"
+#include "steps.h"
+
+namespace tool {
+namespace {
+
+/* Small print at 150 dots per inch has less than two impulses in a hundred pixels. */
+constexpr double kHeavilySpecked = 0.02;
+/* Recognition wants letters of some twenty pixels height. */
+constexpr int kCoarse = 200;
+constexpr int kLongestSideToDouble = 8192;
+
+bool is_coarse(const Page& page) {
+    return page.dpi.x > 0 && page.dpi.x < kCoarse && page.width <= kLongestSideToDouble &&
+           page.height <= kLongestSideToDouble;
+}
+
+Outcome prepare(Page& page, PageRecord& record) {
+    if (page.kind == PageKind::bitonal) return {false, "bitonal already"};
+    if (page.kind == PageKind::colour) page = grey_of(page);
+    std::string why = "light evened out";
+    const double impulses = impulse_share(page);
+    record.specked = impulses > kHeavilySpecked;
+    if (record.specked) {
+        remove_impulses(page);
+        remove_impulses(page);
+        why += ", specks over " + percent(impulses) + " of the page removed";
+    }
+    even_light(page);
+    if (is_coarse(page)) {
+        page = doubled(page);
+        why += ", resolution doubled";
+    }
+    return {true, why};
+}
+
+}  // namespace
+
+Step prepare_step(const Options&) {
+    return {"prepare", [](Page& page, const PageFindings&, PageRecord& record) {
+                return prepare(page, record);
+            }};
+}
+
+}  // namespace tool
