@@ -2,7 +2,7 @@
 
 PRESET ?= release
 
-.PHONY: demo check build setup install format bench clean
+.PHONY: demo check build setup install format bench reading clean
 
 demo: setup
 	@cmake --preset $(PRESET) > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
@@ -34,6 +34,13 @@ bench:
 	@cmake --preset bench > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
 	@cmake --build --preset bench
 	@build/bench/vemoprepro_bench
+
+reading:
+	@mkdir -p build
+	@.ci/install_packages reading
+	@cmake --preset $(PRESET) > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
+	@cmake --build --preset $(PRESET) --target vemoprepro
+	@bench/reading/reading_test.py --program build/$(PRESET)/vemoprepro
 
 clean:
 	rm -rf build out

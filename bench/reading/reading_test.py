@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """How well tesseract reads damaged pages: as they are, after this program, and after other tools.
 
-    bench/reading/reading_test.py --program build/release/tools/vemoprepro/vemoprepro [--cache DIR] [--pages WORD,...]
+    bench/reading/reading_test.py --program build/release/vemoprepro [--cache DIR] [--pages WORD,...]
 
 Draws the pages of pages.py and prints a table of character error rates in per cent: the edit distance between what was
 read and what stands on the page, over the length of the latter, both with all white space as single spaces. What the

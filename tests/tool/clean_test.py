@@ -181,11 +181,55 @@ class Cleaning(ToolCase):
     def test_the_reading_preset_can_be_switched_step_by_step(self):
         self.save("a.png", text_page(), dpi=(300, 300))
         for option, step in (("--no-despeckle", "despeckle"), ("--no-crop-border", "crop"),
-                             ("--no-remove-lines", "unline"), ("--no-deskew", "deskew")):
+                             ("--no-remove-lines", "unline"), ("--no-deskew", "deskew"),
+                             ("--no-prepare", "prepare")):
             page, steps = self.steps("--for", "ocr")
             self.assertNotEqual(steps[step]["why"], "switched off")
             page, steps = self.steps("--for", "ocr", option)
             self.assertEqual(steps[step]["why"], "switched off")
+
+
+    def read_bits(self, page, *options, dpi=300):
+        self.save("a.png", page, dpi=(dpi, dpi))
+        _, steps = self.steps("--for", "ocr", *options)
+        return ~as_array(self.pages("a.tif")[0]), steps
+
+    def test_reading_evens_the_light(self):
+        page = np.asarray(text_page(), np.float32)
+        plain, _ = self.read_bits(text_page())
+        for slope in (0.0, 0.8):
+            light = 1.0 - slope * np.linspace(0, 1, page.shape[1])[None, :]
+            shaded, steps = self.read_bits(Image.fromarray((page * light).astype(np.uint8)))
+            self.assertEqual(steps["prepare"]["status"], "done")
+            self.assertLess((shaded ^ plain).sum(), 0.05 * plain.sum(), slope)
+
+    def test_reading_takes_salt_and_pepper_off(self):
+        rng = np.random.default_rng(3)
+        page, plain = np.array(text_page()), self.read_bits(text_page())[0]
+        page[rng.random(page.shape) < 0.05] = 0
+        page[rng.random(page.shape) < 0.05] = 255
+        cleaned, steps = self.read_bits(Image.fromarray(page))
+        self.assertIn("specks", steps["prepare"]["why"])
+        self.assertLess((cleaned ^ plain).sum(), 0.12 * plain.sum())
+
+    def test_reading_doubles_coarse_pages(self):
+        for dpi, factor in ((150, 2), (199, 2), (200, 1)):
+            bits, _ = self.read_bits(text_page(), "--no-deskew", dpi=dpi)
+            self.assertEqual(bits.shape, (800 * factor, 600 * factor))
+            self.assertAlmostEqual(self.pages("a.tif")[0].info["dpi"][0], dpi * factor, delta=1)
+
+    def test_reading_levels_grey_pages(self):
+        for degrees in (-3.0, 2.0):
+            self.read_bits(text_page(degrees))
+            again, = self.record("clean", "a.tif", "-o", "b.tif", "--overwrite")
+            self.assertAlmostEqual(again["pages"][0]["skew"]["degrees"], 0, delta=0.15)
+
+    def test_reading_keeps_print_in_the_dark(self):
+        page = np.array(text_page())
+        shade = np.where(np.arange(page.shape[1]) < 240, 0.35, 1.0)
+        shaded, steps = self.read_bits(Image.fromarray((page * shade).astype(np.uint8)), "--no-deskew")
+        self.assertEqual(steps["crop"]["status"], "skipped")
+        self.assertGreater(shaded[:, 60:230].mean(), 0.5 * shaded[:, 250:540].mean())
 
 
 class Record(ToolCase):

@@ -109,7 +109,7 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;
     if (options.binarization == Binarization::gradient && options.for_reading) {
-        page = bits_for_reading(page);
+        page = bits_for_reading(page, !record.doubled);
         return {true, "gradient thresholds for the contrast of the ink"};
     }
     if (options.binarization == Binarization::gradient) {
@@ -123,13 +123,14 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
 
 }  // namespace
 
-Page bits_for_reading(const Page& grey) {
+Page bits_for_reading(const Page& grey, bool smooth) {
     Page bits = same_size(grey, PageKind::bitonal);
     const Settings settings = make_settings();
     const int edge =
         std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, kStrongestEdge);
     bi_set_delta1(settings.get(), static_cast<unsigned char>(edge));
     bi_set_delta2(settings.get(), static_cast<unsigned char>(edge * 3 / 4));
+    bi_set_internal_gaussian_smoothing(settings.get(), smooth);
     if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
                          bits.bytes.get()) != 0)
         throw std::bad_alloc();

@@ -44,6 +44,7 @@ struct Raw {
     bool no_despeckle = false;
     bool no_crop_border = false;
     bool no_remove_lines = false;
+    bool no_prepare = false;
     int max_area = 0;
     int min_length = 0;
     int max_thickness = 0;
@@ -160,6 +161,10 @@ void add_cleaning_steps(CLI::App& command, Options& options, Raw& raw) {
     command.add_flag("--no-crop-border", raw.no_crop_border, "Keep borders, with --for ocr")
         ->excludes(crop);
     auto* lines = add_directions(command, "--remove-lines", raw);
+    command
+        .add_flag("--no-prepare", raw.no_prepare,
+                  "Leave light, resolution and strong specks alone, with --for ocr")
+        ->needs("--for");
     command.add_flag("--no-remove-lines", raw.no_remove_lines, "Keep lines, with --for ocr")
         ->excludes(lines);
     add_force(command, options);
@@ -319,6 +324,7 @@ void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     const bool reading = raw.purpose == "ocr";
     options.for_reading = reading;
     options.force |= reading;
+    options.prepare = reading && !raw.no_prepare;
     options.crop_border |= reading && !raw.no_crop_border;
     options.crop_border |= options.command == Command::crop;
 

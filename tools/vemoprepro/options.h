@@ -61,6 +61,7 @@ struct Options {
     Binarization binarization = Binarization::gradient;
     int threshold = 0;        /* of fixed binarization */
     bool for_reading = false; /* --for ocr */
+    bool prepare = false;     /* for reading */
     bool crop_border = false;
     DespeckleOptions despeckle;
     LineOptions lines;

@@ -33,6 +33,7 @@ Outcome prepare(Page& page, PageRecord& record) {
     even_light(page);
     if (is_coarse(page)) {
         page = doubled(page);
+        record.doubled = true;
         why += ", resolution doubled";
     }
     return {true, why};
@@ -40,8 +41,10 @@ Outcome prepare(Page& page, PageRecord& record) {
 
 }  // namespace
 
-Step prepare_step(const Options&) {
-    return {"prepare", [](Page& page, const PageFindings&, PageRecord& record) {
+Step prepare_step(const Options& options) {
+    const bool wanted = options.prepare;
+    return {"prepare", [wanted](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
+                if (!wanted) return {false, "switched off"};
                 return prepare(page, record);
             }};
 }

@@ -23,7 +23,8 @@ constexpr int kImpulse = 60;
 constexpr int kSampledRows = 8;
 
 constexpr double kBlock = 16;
-constexpr int kWidestBlock = 64; /* keeps the interpolation below 2^31 */
+constexpr int kNarrowestBlock = 16; /* fewer pixels hold no certain quartile */
+constexpr int kWidestBlock = 64;    /* keeps the interpolation below 2^31 */
 /* Blocks that the closing reaches: ink up to 7 blocks wide, 9 mm, is taken off the paper. */
 constexpr int kReach = 3;
 constexpr int kPaper = 240;
@@ -63,7 +64,7 @@ struct Blocks {
     std::vector<int> values;
 
     explicit Blocks(const Page& page)
-        : side(std::clamp(scaled_length(page, kBlock), 1, kWidestBlock)),
+        : side(std::clamp(scaled_length(page, kBlock), kNarrowestBlock, kWidestBlock)),
           across((page.width + side - 1) / side),
           down((page.height + side - 1) / side),
           values(static_cast<std::size_t>(across) * static_cast<std::size_t>(down)) {}

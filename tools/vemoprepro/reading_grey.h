@@ -25,8 +25,9 @@ void even_light(Page& grey);
  * no more contrast. 0 without ink. */
 int ink_contrast(const Page& grey);
 
-/* The page in black and white, by edges as strong as the page's ink makes them. */
-Page bits_for_reading(const Page& grey);
+/* The page in black and white, by edges as strong as the page's ink makes them. smooth: look for
+ * edges on a smoothed copy, against the sensor's noise; a doubled page is smooth already. */
+Page bits_for_reading(const Page& grey, bool smooth);
 
 /* Whether something is printed where `cropped`, of the same size, has been painted white: then it
  * was no border but paper in the dark. */
