@@ -24,6 +24,11 @@ class Stopwatch {
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
+/* Evening out the light makes paper lighter and takes nothing off it. */
+bool takes_nothing_off(const std::string& step) {
+    return step == "prepare";
+}
+
 bool turns_page(const std::string& step) {
     return step == "orientation" || step == "rotate" || step == "deskew";
 }
@@ -57,7 +62,9 @@ void PagePainter::after(const std::string& step, const Page& page) {
     ScaledPicture now = scaled_down(page);
     if (turns_page(step))
         ++posture_;
-    else if (const auto marks = marks_of_removed(last_, now, mark_colour(step)))
+    else if (const auto marks = takes_nothing_off(step)
+                                    ? std::nullopt
+                                    : marks_of_removed(last_, now, mark_colour(step)))
         marks_.push_back({step, posture_, encode(*marks)});
     last_ = std::move(now);
     if (step != "orientation") return;
