@@ -8,7 +8,8 @@
 namespace tool {
 namespace {
 
-/* Small print at 150 dots per inch has less than two impulses in a hundred pixels. */
+/* Print has less than two impulses in a hundred pixels, unless it is coarse: then its strokes are
+ * as thin as specks, and specks cannot be told from them. */
 constexpr double kHeavilySpecked = 0.02;
 /* Recognition wants letters of some twenty pixels height. */
 constexpr int kCoarse = 200;
@@ -24,7 +25,7 @@ Outcome prepare(Page& page, PageRecord& record) {
     if (page.kind == PageKind::colour) page = grey_of(page);
     std::string why = "light evened out";
     const double impulses = impulse_share(page);
-    record.specked = impulses > kHeavilySpecked;
+    record.specked = impulses > kHeavilySpecked && !is_coarse(page);
     if (record.specked) {
         remove_impulses(page);
         remove_impulses(page);
