@@ -45,9 +45,11 @@ class BlockGrid {
 // the next page where it would give small ones back to the system.
 class BlockGrids {
   public:
-    // Zero everywhere. Throws std::bad_alloc.
+    // Not initialised. Throws std::bad_alloc.
     BlockGrids(std::size_t count, std::size_t height, std::size_t width)
-        : height_(height), width_(width), rows_(count * height, width) {}
+        : height_(height),
+          width_(width),
+          rows_(count * height, width, PaddedRows::kUninitialized) {}
 
     BlockGrid operator[](std::size_t index) {
         return {rows_.row(index * height_), height_, width_, rows_.pitch()};

@@ -39,11 +39,16 @@ void set_bits(const std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
         word = (word & 0x5555555555555555U) << 1 | (word >> 1 & 0x5555555555555555U);
         word = (word & 0x3333333333333333U) << 2 | (word >> 2 & 0x3333333333333333U);
         word = (word & 0x0F0F0F0F0F0F0F0FU) << 4 | (word >> 4 & 0x0F0F0F0F0F0F0F0FU);
-        const std::size_t bytes = std::min<std::size_t>(8, stride - 8 * i);
         std::uint64_t before = 0;
-        std::memcpy(&before, row + 8 * i, bytes);
-        word |= before;
-        std::memcpy(row + 8 * i, &word, bytes);
+        if (8 * i + 8 <= stride) {
+            std::memcpy(&before, row + 8 * i, 8);
+            word |= before;
+            std::memcpy(row + 8 * i, &word, 8);
+        } else {
+            std::memcpy(&before, row + 8 * i, 4);
+            word |= before;
+            std::memcpy(row + 8 * i, &word, 4);
+        }
     }
 }
 
@@ -74,9 +79,12 @@ void GradientBand::binarize(const common::GreyView& grey, const common::MutableB
     if (parameters_.delta1 < kNoEdgesFrom && height_ > 1 && width_ > 1) {
         edges_.begin(grey);
         mark_edges(grey, page);
-        if (edges_.found_candidates()) {
-            complete(maps_, edges_.start_threshold(), parameters_.fill_mean);
-        }
+    }
+    if (edges_.found_candidates()) {
+        complete(maps_, edges_.start_threshold(), parameters_.fill_mean);
+    } else {
+        by_rows(maps_.result,
+                [](std::uint8_t* row, std::size_t width) { std::memset(row, 0, width); });
     }
     apply_thresholds(grey, page);
 }
@@ -84,41 +92,42 @@ void GradientBand::binarize(const common::GreyView& grey, const common::MutableB
 // The midpoint of every edge pixel is the threshold of that pixel, and spreads to its neighbours.
 void GradientBand::mark_edges(const common::GreyView& grey,
                               const common::MutableBitonalView& page) {
-    load_grey(grey, 0);
     load_midpoints(grey, 0);
     for (std::size_t y = 0; y < height_; ++y) {
         load_midpoints(grey, y + 1);
         if (y > 0 && y + 1 < height_) {
             simd::mark_row(around(midpoints_, y),
                            {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
-                           grey_.row(y), width_, bits_.data());
+                           grey_.row(grey, y), width_, bits_.data());
             set_bits(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
         }
         if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) {
-            close_block_row(y / kBlockPixels);
+            close_block_row(grey, y / kBlockPixels);
         }
     }
 }
 
-void GradientBand::load_grey(const common::GreyView& grey, std::size_t y) {
-    if (y >= height_) return;
-    copy_with_ends(grey.row(static_cast<std::ptrdiff_t>(y)), width_, grey_.row(y));
+// Inner rows only.
+simd::ThreeRows GradientBand::greys_around(const common::GreyView& grey, std::size_t y) {
+    return {grey_.row(grey, y - 1), grey_.row(grey, y), grey_.row(grey, y + 1)};
 }
 
-// Border rows have no edges. Leaves rows y - 1 .. y + 1 of the grey image loaded.
+// Border rows have no edges.
 void GradientBand::load_midpoints(const common::GreyView& grey, std::size_t y) {
-    load_grey(grey, y + 1);
     hidden_ <<= 1;
     if (y >= height_) return;
     edges_.advance(y);
-    if (simd::midpoint_row(around(grey_, y), edges_.edges(y), edges_.words(), midpoints_.row(y),
-                           contrasts_.row(y))) {
+    if (y == 0 || y + 1 == height_) {
+        std::memset(midpoints_.row(y), 0, edges_.words() * 64);
+        std::memset(contrasts_.row(y), 0, edges_.words() * 64);
+    } else if (simd::midpoint_row(greys_around(grey, y), edges_.edges(y), edges_.words(),
+                                  midpoints_.row(y), contrasts_.row(y))) {
         hidden_ |= 1;
     }
 }
 
 // Rows 4 * at .. 4 * at + 4 have midpoints, as far as there are such rows.
-void GradientBand::close_block_row(std::size_t at) {
+void GradientBand::close_block_row(const common::GreyView& grey, std::size_t at) {
     const std::size_t top = at * kBlockPixels;
     const std::size_t rows = std::min(kBlockPixels, height_ - top);
     simd::FourRows midpoints;
@@ -131,7 +140,7 @@ void GradientBand::close_block_row(std::size_t at) {
         if (i >= rows) std::memset(contrasts_.row(y), 0, edges_.words() * 64);
         midpoints.row[i] = midpoints_.row(y);
         contrasts.row[i] = contrasts_.row(y);
-        greys.row[i] = grey_.row(y);
+        greys.row[i] = grey_.row(grey, std::min(y, height_ - 1));
         for (std::size_t word = 0; i < rows && word < edges_.words(); ++word) {
             bits_[word] |= edges_.edges(y)[word];
         }
@@ -139,20 +148,21 @@ void GradientBand::close_block_row(std::size_t at) {
     simd::edge_means(midpoints, contrasts, bits_.data(), edges_.words(), maps_.threshold.row(at),
                      maps_.contrast.row(at));
     simd::grey_means(greys, edges_.words(), maps_.average.row(at));
-    average_partial_blocks(at, rows);
+    average_partial_blocks(grey, at, rows);
     // Bit 0 stands for the row below the blocks.
     if ((hidden_ >> 1 & 0xF) != 0) count_hidden_midpoints(at, rows);
 }
 
 // Blocks that the edge of the image cuts have the mean of the pixels that they have.
-void GradientBand::average_partial_blocks(std::size_t at, std::size_t rows) {
+void GradientBand::average_partial_blocks(const common::GreyView& grey, std::size_t at,
+                                          std::size_t rows) {
     std::size_t block = rows < kBlockPixels ? 0 : width_ / kBlockPixels;
     for (; block < maps_.average.width(); ++block) {
         const std::size_t x0 = block * kBlockPixels;
         const std::size_t columns = std::min(kBlockPixels, width_ - x0);
         std::size_t sum = 0;
         for (std::size_t i = 0; i < rows; ++i) {
-            const std::uint8_t* row = grey_.row(at * kBlockPixels + i);
+            const std::uint8_t* row = grey.row(static_cast<std::ptrdiff_t>(at * kBlockPixels + i));
             for (std::size_t x = x0; x < x0 + columns; ++x) sum += row[x];
         }
         maps_.average.row(at)[block] = static_cast<std::uint8_t>(sum / (rows * columns));
@@ -183,9 +193,7 @@ void GradientBand::count_hidden_midpoints(std::size_t at, std::size_t rows) {
 
 void GradientBand::apply_thresholds(const common::GreyView& grey,
                                     const common::MutableBitonalView& page) {
-    load_grey(grey, 0);
     for (std::size_t y = 0; y < height_; ++y) {
-        load_grey(grey, y + 1);
         std::uint8_t* thresholds = maps_.result.row(y / kBlockPixels);
         if (y % kBlockPixels == 0) {
             for (std::size_t i = 0; i < maps_.result.width(); ++i) {
@@ -193,9 +201,9 @@ void GradientBand::apply_thresholds(const common::GreyView& grey,
             }
         }
         std::fill(bits_.begin(), bits_.end(), 0);
-        simd::set_below_blocks(grey_.row(y), thresholds, bits_.size(), bits_.data());
+        simd::set_below_blocks(grey_.row(grey, y), thresholds, bits_.size(), bits_.data());
         if (y > 0 && y + 1 < height_) {
-            simd::set_dark_areas(around(grey_, y), width_, parameters_.black1, bits_.data());
+            simd::set_dark_areas(greys_around(grey, y), width_, parameters_.black1, bits_.data());
         }
         set_bits(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
     }

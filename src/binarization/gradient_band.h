@@ -26,10 +26,10 @@ class GradientBand {
 
   private:
     void mark_edges(const common::GreyView& grey, const common::MutableBitonalView& page);
-    void load_grey(const common::GreyView& grey, std::size_t y);
+    simd::ThreeRows greys_around(const common::GreyView& grey, std::size_t y);
     void load_midpoints(const common::GreyView& grey, std::size_t y);
-    void close_block_row(std::size_t at);
-    void average_partial_blocks(std::size_t at, std::size_t rows);
+    void close_block_row(const common::GreyView& grey, std::size_t at);
+    void average_partial_blocks(const common::GreyView& grey, std::size_t at, std::size_t rows);
     void count_hidden_midpoints(std::size_t at, std::size_t rows);
     void apply_thresholds(const common::GreyView& grey, const common::MutableBitonalView& page);
 
@@ -38,7 +38,7 @@ class GradientBand {
     std::size_t width_;
     EdgeFinder edges_;
     ThresholdMaps maps_;
-    PaddedRows grey_;
+    ReadableRows grey_;
     PaddedRows midpoints_;
     PaddedRows contrasts_;
     frame::Buffer<std::uint64_t> bits_;

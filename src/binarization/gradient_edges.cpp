@@ -55,7 +55,8 @@ EdgeFinder::EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions&
     : height_(height),
       width_(width),
       options_(options),
-      source_(3, width),
+      greys_(3, width),
+      smoothed_(3, width),
       magnitudes_(3, width),
       across_(2, width),
       down_(2, width),
@@ -78,7 +79,7 @@ void EdgeFinder::begin(const common::GreyView& grey) {
     }
     thresholds_ = {static_cast<std::uint8_t>(candidate_threshold(options_)),
                    static_cast<std::uint8_t>(start), static_cast<std::uint8_t>(follow)};
-    load_row(0);
+    smooth_row(0);
 }
 
 void EdgeFinder::advance(std::size_t y) {
@@ -93,31 +94,28 @@ void EdgeFinder::advance(std::size_t y) {
     for (std::size_t i = 0; i < words(); ++i) edges[i] |= follows_.row(y)[i] & ~open_.row(y)[i];
 }
 
-void EdgeFinder::load_row(std::size_t y) {
-    std::uint8_t* row = source_.row(y);
-    if (!options_.smoothed) {
-        copy_with_ends(grey_.row(static_cast<std::ptrdiff_t>(y)), width_, row);
-        return;
-    }
-    smooth_gaussian(grey_, y, row);
-    row[-1] = row[0];
-    row[width_] = row[width_ - 1];
+void EdgeFinder::smooth_row(std::size_t y) {
+    if (options_.smoothed && y < height_) smooth_gaussian(grey_, y, smoothed_.row(y));
+}
+
+const std::uint8_t* EdgeFinder::source_row(std::size_t y) {
+    return options_.smoothed ? smoothed_.row(y) : greys_.row(grey_, y);
 }
 
 simd::GradientRow EdgeFinder::gradient_row(std::size_t y) {
     return {magnitudes_.row(y), across_.row(y), down_.row(y)};
 }
 
-// Row y has been loaded.
+// Rows up to y have been smoothed.
 void EdgeFinder::take_gradients(std::size_t y) {
-    if (y + 1 < height_) load_row(y + 1);
-    simd::gradient_row(source_.row(y > 0 ? y - 1 : 0), source_.row(y),
-                       source_.row(std::min(y + 1, height_ - 1)), width_, gradient_row(y));
+    smooth_row(y + 1);
+    simd::gradient_row(source_row(y > 0 ? y - 1 : 0), source_row(y),
+                       source_row(std::min(y + 1, height_ - 1)), width_, gradient_row(y));
 }
 
 int EdgeFinder::largest_magnitude() {
     std::uint8_t largest = 0;
-    load_row(0);
+    smooth_row(0);
     for (std::size_t y = 0; y < height_; ++y) {
         take_gradients(y);
         const std::uint8_t* row = magnitudes_.row(y);

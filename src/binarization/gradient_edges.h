@@ -75,7 +75,8 @@ class EdgeFinder {
 
   private:
     int largest_magnitude();
-    void load_row(std::size_t y);
+    const std::uint8_t* source_row(std::size_t y);
+    void smooth_row(std::size_t y);
     simd::GradientRow gradient_row(std::size_t y);
     void take_gradients(std::size_t y);
     void find_candidates(std::size_t y);
@@ -95,7 +96,8 @@ class EdgeFinder {
     std::size_t sought_ = 0;
     std::size_t traced_ = 0;
 
-    PaddedRows source_;  // grey, smoothed where asked for
+    ReadableRows greys_;
+    PaddedRows smoothed_;
     PaddedRows magnitudes_;
     PaddedRows across_;
     PaddedRows down_;

@@ -20,6 +20,11 @@ namespace {
 using Row = std::uint8_t*;
 using ConstRow = const std::uint8_t*;
 
+// Selection without a branch, for loops over cells.
+std::uint8_t all_ones_if(bool condition) {
+    return condition ? 0xFF : 0;
+}
+
 // A threshold survives among at least two others. Border blocks have no full neighbourhood and
 // lose theirs; in a map of a single row or column all are border blocks, and all are kept.
 void clean(BlockGrid& map, PaddedRows& saved) {
@@ -40,7 +45,7 @@ void keep_contrast(const BlockGrid& map, const BlockGrid& contrast, int own, int
         out,
         [=](Row to, ConstRow from, ConstRow contrasts, std::size_t width) {
             for (std::size_t x = 0; x < width; ++x) {
-                to[x] = contrasts[x] > limit ? from[x] : std::uint8_t{0};
+                to[x] = from[x] & all_ones_if(contrasts[x] > limit);
             }
         },
         map, contrast);
@@ -72,8 +77,8 @@ void put_levels_between(const BlockGrid& thresholds, const BlockGrid& strong,
         out,
         [](Row to, ConstRow own, ConstRow strongs, ConstRow between, std::size_t width) {
             for (std::size_t x = 0; x < width; ++x) {
-                const std::uint8_t level = strongs[x] == 0 ? between[x] : std::uint8_t{0};
-                to[x] = own[x] != 0 ? own[x] : level;
+                // One of the two is 0.
+                to[x] = own[x] | (between[x] & all_ones_if((strongs[x] | own[x]) == 0));
             }
         },
         thresholds, strong, levels);

@@ -3,7 +3,7 @@
 // Use: ThresholdMaps maps(height, width) in blocks; fill in maps.threshold (mean midpoint of the
 // edge pixels of each block, 0 without any), maps.contrast (mean contrast of these pixels) and
 // maps.average (mean grey of each block); complete(maps, start, by_mean). maps.result then holds
-// the thresholds, 0 where there are none; it is zero before.
+// the thresholds. Maps are not initialised.
 #pragma once
 
 #include "binarization/block_grid.h"

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/views.h"
 #include "frame/buffer.h"
 #include "simd/gradient_rows.h"
 
@@ -19,11 +20,17 @@ constexpr std::size_t whole_words(std::size_t pixels) {
 // Rows are taken modulo their number: row(y) of a three-row ring holds row y until row y + 3.
 class PaddedRows {
   public:
-    // Zero everywhere. Throws std::bad_alloc.
-    PaddedRows(std::size_t rows, std::size_t width)
+    // Zero everywhere. Throws std::bad_alloc. What is behind a row is before the next one too.
+    PaddedRows(std::size_t rows, std::size_t width) : PaddedRows(rows, width, kUninitialized) {
+        std::memset(bytes_.data(), 0, bytes_.size());
+    }
+
+    // For rows that are written before they are read.
+    enum Uninitialized { kUninitialized };
+    PaddedRows(std::size_t rows, std::size_t width, Uninitialized)
         : rows_(rows),
-          pitch_(whole_words(width) * 64 + 2 * simd::kRowPad),
-          bytes_(frame::Buffer<std::uint8_t>::zeroed(rows * pitch_)) {}
+          pitch_(whole_words(width) * 64 + simd::kRowPad),
+          bytes_(rows * pitch_ + 2 * simd::kRowPad) {}
 
     std::uint8_t* row(std::size_t y) { return bytes_.data() + y % rows_ * pitch_ + simd::kRowPad; }
     const std::uint8_t* row(std::size_t y) const {
@@ -38,11 +45,25 @@ class PaddedRows {
     frame::Buffer<std::uint8_t> bytes_;
 };
 
-// A row with its first and last pixel repeated once beyond its ends.
-inline void copy_with_ends(const std::uint8_t* from, std::size_t width, std::uint8_t* row) {
-    std::memcpy(row, from, width);
-    row[-1] = row[0];
-    row[width] = row[width - 1];
-}
+// Rows of an image as kernels want them: where they lie when reading beyond their ends stays inside
+// the image, copied otherwise. What is beyond the ends is undefined, but readable.
+class ReadableRows {
+  public:
+    // A copy is valid until `rows` rows on. Throws std::bad_alloc.
+    ReadableRows(std::size_t rows, std::size_t width) : width_(width), copies_(rows, width) {}
+
+    const std::uint8_t* row(const common::GreyView& grey, std::size_t y) {
+        const std::uint8_t* row = grey.row(static_cast<std::ptrdiff_t>(y));
+        const std::uint8_t* end = grey.row(grey.height - 1) + width_;
+        const auto behind = static_cast<std::size_t>(end - row);
+        if (y > 0 && behind >= whole_words(width_) * 64 + simd::kRowPad) return row;
+        std::memcpy(copies_.row(y), row, width_);
+        return copies_.row(y);
+    }
+
+  private:
+    std::size_t width_;
+    PaddedRows copies_;
+};
 
 }  // namespace binarization

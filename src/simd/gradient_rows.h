@@ -40,7 +40,7 @@ struct MagnitudeRows {
     const std::uint8_t* below;
 };
 
-// Reads the pixel before and the pixel behind each of the three rows.
+// Beyond their ends rows go on with their first and last pixels, whatever stands there.
 void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, const GradientRow& out);
 
@@ -57,22 +57,28 @@ bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradie
 
 namespace plain {
 
+// The gradient of pixel x, with `left` and `right` for the columns beside it.
+inline void gradient_at(const std::uint8_t* above, const std::uint8_t* row,
+                        const std::uint8_t* below, std::size_t left, std::size_t x,
+                        std::size_t right, const GradientRow& out) {
+    const auto column = [=](std::size_t at) { return above[at] + 2 * row[at] + below[at]; };
+    const auto line = [=](const std::uint8_t* at) { return at[left] + 2 * at[x] + at[right]; };
+    const int gradient_across = column(right) - column(left);
+    const int gradient_down = line(below) - line(above);
+    const int gx = std::min(std::abs(gradient_across) / 4, 127);
+    const int gy = std::min(std::abs(gradient_down) / 4, 127);
+    const bool opposite = (gradient_across < 0) != (gradient_down < 0);
+    out.across[x] = static_cast<std::uint8_t>(gx | (opposite ? 0x80 : 0));
+    out.down[x] = static_cast<std::uint8_t>(gy);
+    // No sum of two squares is the square of a half: there are no ties to round.
+    out.magnitude[x] =
+        static_cast<std::uint8_t>(std::sqrt(static_cast<float>(gx * gx + gy * gy)) + 0.5F);
+}
+
 inline void gradient_row(const std::uint8_t* above, const std::uint8_t* row,
                          const std::uint8_t* below, std::size_t width, const GradientRow& out) {
-    const auto end = static_cast<std::ptrdiff_t>(width);
-    for (std::ptrdiff_t x = 0; x < end; ++x) {
-        const int right = above[x + 1] + 2 * row[x + 1] + below[x + 1];
-        const int left = above[x - 1] + 2 * row[x - 1] + below[x - 1];
-        const int lower = below[x - 1] + 2 * below[x] + below[x + 1];
-        const int upper = above[x - 1] + 2 * above[x] + above[x + 1];
-        const int gx = std::min(std::abs(right - left) / 4, 127);
-        const int gy = std::min(std::abs(lower - upper) / 4, 127);
-        const bool opposite = (right < left) != (lower < upper);
-        out.across[x] = static_cast<std::uint8_t>(gx | (opposite ? 0x80 : 0));
-        out.down[x] = static_cast<std::uint8_t>(gy);
-        // No sum of two squares is the square of a half: there are no ties to round.
-        out.magnitude[x] =
-            static_cast<std::uint8_t>(std::sqrt(static_cast<float>(gx * gx + gy * gy)) + 0.5F);
+    for (std::size_t x = 0; x < width; ++x) {
+        gradient_at(above, row, below, x > 0 ? x - 1 : 0, x, std::min(x + 1, width - 1), out);
     }
 }
 

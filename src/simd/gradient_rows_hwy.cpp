@@ -3,9 +3,7 @@
 // Pixels are worked on in 16 bits, two to a lane of 16 bits where that is possible: the even
 // pixels of a vector of bytes and the odd ones apart, so that nothing has to be widened or packed.
 //
-// The magnitude is a rounded square root in single precision: the roots nearest to a half are those
-// of k * k + k, 1 / (8 k + 4) below it and more than 0.0006 for k < 180, some forty times the error
-// of the root; the test runs all pairs of components.
+// Magnitudes start from an approximate root, which whole numbers then put right.
 #include "simd/gradient_rows.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -45,15 +43,25 @@ HWY_INLINE hn::Vec<Integers> high_halves(WordVector words) {
     return hn::ShiftRight<16>(hn::BitCast(kIntegers, words));
 }
 
-HWY_INLINE hn::Vec<Integers> rounded_root(hn::Vec<Integers> squares) {
-    return hn::NearestInt(hn::Sqrt(hn::ConvertTo(kFloats, squares)));
+// At most 1 from the nearest root of a square above 0, on any machine: a relative error of 1 / 256
+// would do.
+HWY_INLINE hn::Vec<Integers> approximate_root(hn::Vec<Integers> squares) {
+    const auto x = hn::ConvertTo(kFloats, squares);
+    return hn::NearestInt(hn::Mul(x, hn::ApproximateReciprocalSqrt(x)));
 }
 
-// Squares are below 2^15.
+// Of squares below 2^15. A root r is the nearest one for squares r * r - r + 1 .. r * r + r.
 HWY_INLINE WordVector rounded_roots(WordVector squares) {
-    const auto low = rounded_root(low_halves(squares));
-    const auto high = hn::ShiftLeft<16>(rounded_root(high_halves(squares)));
-    return hn::BitCast(kWords, hn::Or(low, high));
+    const WordVector one = hn::Set(kWords, std::uint16_t{1});
+    const WordVector positive = hn::Max(squares, one);
+    const auto low = approximate_root(low_halves(positive));
+    const auto high = hn::ShiftLeft<16>(approximate_root(high_halves(positive)));
+    const WordVector root = hn::BitCast(kWords, hn::Or(low, high));
+    const WordVector product = hn::Mul(root, root);
+    const auto too_small = hn::VecFromMask(kWords, hn::Gt(squares, hn::Add(product, root)));
+    const auto too_large =
+        hn::VecFromMask(kWords, hn::Gt(hn::Add(product, one), hn::Add(squares, root)));
+    return hn::Add(hn::Sub(root, too_small), too_large);
 }
 
 // A quarter of a response, at most 127.
@@ -121,6 +129,10 @@ void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std:
     for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
         gradient_vector(above + x, row + x, below + x, out, x);
     }
+    if (width == 0) return;
+    const std::size_t last = width - 1;
+    plain::gradient_at(above, row, below, 0, 0, std::min<std::size_t>(1, last), out);
+    plain::gradient_at(above, row, below, last - std::min<std::size_t>(1, last), last, last, out);
 }
 
 // (longer - shorter) * straight + shorter * diagonal: at most 127 * 181.
