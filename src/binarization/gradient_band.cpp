@@ -35,6 +35,7 @@ void set_bits(const std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
         static_cast<std::size_t>(common::bitonal_stride(static_cast<std::int64_t>(width)));
     for (std::size_t i = 0; 8 * i < stride; ++i) {
         std::uint64_t word = bits[i];
+        if (word == 0) continue;
         if (width - i * 64 < 64) word &= (std::uint64_t{1} << (width - i * 64)) - 1;
         word = (word & 0x5555555555555555U) << 1 | (word >> 1 & 0x5555555555555555U);
         word = (word & 0x3333333333333333U) << 2 | (word >> 2 & 0x3333333333333333U);

@@ -26,6 +26,7 @@ class BitRows {
     BitRows(std::size_t rows, std::size_t width)
         : last_(std::bit_ceil(rows) - 1), words_(whole_words(width)), bits_((last_ + 1) * words_) {}
 
+    std::size_t rows() const { return last_ + 1; }
     std::size_t words() const { return words_; }
     std::uint64_t* row(std::size_t y) { return bits_.data() + (y & last_) * words_; }
     const std::uint64_t* row(std::size_t y) const { return bits_.data() + (y & last_) * words_; }

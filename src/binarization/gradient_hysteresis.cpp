@@ -37,9 +37,13 @@ inline void clear_bit(std::uint64_t* row, std::size_t x) {
 }
 
 struct Position {
-    std::size_t y;
+    std::uint64_t* row;
     std::size_t x;
 };
+
+// Where neighbours lie, in raster order.
+constexpr std::uint8_t kRowOf[9] = {0, 0, 0, 1, 1, 1, 2, 2, 2};
+constexpr std::uint8_t kColumnOf[9] = {0, 1, 2, 0, 1, 2, 0, 1, 2};
 
 }  // namespace
 
@@ -64,23 +68,28 @@ void EdgeFinder::trace(std::size_t y) {
 
 // Candidates are no border pixels, so that every neighbour is a pixel of the image.
 void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
+    std::uint64_t* const first_row = open_.row(0);
+    const auto pitch = static_cast<std::ptrdiff_t>(open_.words());
+    std::uint64_t* const last_row =
+        first_row + static_cast<std::ptrdiff_t>(open_.rows() - 1) * pitch;
     std::array<Position, kDeepestTraced + 1> path;  // by depth
     std::size_t depth = 0;
-    path[0] = {y, x};
-    clear_bit(open_.row(y), x);
+    path[0] = {open_.row(y), x};
+    clear_bit(path[0].row, x);
     for (;;) {
         const Position at = path[depth];
-        const unsigned around = three_bits(open_.row(at.y - 1), at.x) |
-                                three_bits(open_.row(at.y), at.x) << 3 |
-                                three_bits(open_.row(at.y + 1), at.x) << 6;
+        std::uint64_t* const rows[3] = {at.row == first_row ? last_row : at.row - pitch, at.row,
+                                        at.row == last_row ? first_row : at.row + pitch};
+        const unsigned around = three_bits(rows[0], at.x) | three_bits(rows[1], at.x) << 3 |
+                                three_bits(rows[2], at.x) << 6;
         if (around == 0) {
             if (depth == 0) return;
             --depth;
             continue;
         }
         const auto first = static_cast<std::size_t>(std::countr_zero(around));
-        const Position next{at.y + first / 3 - 1, at.x + first % 3 - 1};
-        clear_bit(open_.row(next.y), next.x);
+        const Position next{rows[kRowOf[first]], at.x + kColumnOf[first] - 1};
+        clear_bit(next.row, next.x);
         if (depth < kDeepestTraced) path[++depth] = next;
     }
 }

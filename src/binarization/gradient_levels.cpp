@@ -46,14 +46,11 @@ int guess_lightest_common(const common::GreyView& grey) {
 class Ends {
   public:
     explicit Ends(int guess)
-        : first_(std::clamp(guess - simd::kLightLevels / 2 + 1, 0, 256 - simd::kLightLevels)) {}
+        : first_(std::clamp(guess - simd::kLightLevels / 2 + 1, 1, 256 - simd::kLightLevels)) {}
 
     void add(const common::GreyView& grey) {
-        const auto width = static_cast<std::size_t>(grey.width);
-        for (std::int32_t y = 0; y < grey.height; ++y) {
-            simd::count_light(grey.row(y), width, static_cast<std::uint8_t>(first_), counts_);
-        }
-        pixels_ += width * static_cast<std::size_t>(grey.height);
+        simd::count_light(grey, static_cast<std::uint8_t>(first_), counts_);
+        pixels_ += static_cast<std::uint64_t>(grey.width) * static_cast<std::uint64_t>(grey.height);
     }
 
     // Whether the level that the lightest sixteenth reaches is one of those counted.

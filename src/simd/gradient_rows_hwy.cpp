@@ -11,6 +11,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/fetch_ahead.h"
 #include "simd/word_vectors.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -126,7 +127,9 @@ HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* r
 
 void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, const GradientRow& out) {
+    // The row after `below` most often follows it in memory.
     for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
+        fetch_ahead(below + x);
         gradient_vector(above + x, row + x, below + x, out, x);
     }
     if (width == 0) return;

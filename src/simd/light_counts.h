@@ -1,13 +1,15 @@
 // How many bytes reach each of eight neighbouring levels, and the least byte: what the white level
 // of a page is read from, at a fraction of the work of counting every level.
 //
-// Use: LightCounts counts; count_light(pixels, count, first_level, counts) adds to it.
+// Use: LightCounts counts; count_light(grey, first_level, counts) adds to it.
 #pragma once
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+
+#include "common/views.h"
 
 namespace simd {
 
@@ -19,18 +21,20 @@ struct LightCounts {
 };
 
 // at_least[k] += number of bytes that are first_level + k or more; least = the least byte so far.
-// first_level is at most 256 - kLightLevels.
-void count_light(const std::uint8_t* pixels, std::size_t count, std::uint8_t first_level,
-                 LightCounts& counts);
+// first_level is 1 .. 256 - kLightLevels.
+void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCounts& counts);
 
 namespace plain {
 
-inline void count_light(const std::uint8_t* pixels, std::size_t count, std::uint8_t first_level,
+inline void count_light(const common::GreyView& grey, std::uint8_t first_level,
                         LightCounts& counts) {
-    for (std::size_t i = 0; i < count; ++i) {
-        counts.least = std::min(counts.least, pixels[i]);
-        for (int k = 0; k < kLightLevels; ++k) {
-            if (pixels[i] >= first_level + k) ++counts.at_least[static_cast<std::size_t>(k)];
+    for (std::ptrdiff_t y = 0; y < grey.height; ++y) {
+        for (std::ptrdiff_t x = 0; x < grey.width; ++x) {
+            const std::uint8_t pixel = grey.row(y)[x];
+            counts.least = std::min(counts.least, pixel);
+            for (int k = 0; k < kLightLevels; ++k) {
+                if (pixel >= first_level + k) ++counts.at_least[static_cast<std::size_t>(k)];
+            }
         }
     }
 }

@@ -1,5 +1,6 @@
 // Vector form of light_counts.h. Counts are kept in bytes, a lane each, and added up before they
-// can pass 255.
+// can pass 255. A row that is not a whole number of vectors ends with one that overlaps the one
+// before; what it has in common with that is counted as 0, which reaches no level.
 #include "simd/light_counts.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -7,12 +8,14 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/fetch_ahead.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::ScalableTag<std::uint8_t>;
+using Bytes = hn::CappedTag<std::uint8_t, 64>;
 using ByteVector = hn::Vec<Bytes>;
 constexpr Bytes kBytes;
 
@@ -25,50 +28,66 @@ HWY_INLINE std::uint64_t sum_of(ByteVector bytes) {
     return hn::GetLane(hn::SumOfLanes(sums, hn::SumsOf8(bytes)));
 }
 
-// At most 255 vectors.
-HWY_INLINE void count_vectors(const std::uint8_t* pixels, std::size_t vectors,
-                              std::uint8_t first_level, LightCounts& counts) {
-    const ByteVector level0 = hn::Set(kBytes, first_level);
-    const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
-    const ByteVector level1 = hn::Add(level0, one);
-    const ByteVector level2 = hn::Add(level1, one);
-    const ByteVector level3 = hn::Add(level2, one);
-    const ByteVector level4 = hn::Add(level3, one);
-    const ByteVector level5 = hn::Add(level4, one);
-    const ByteVector level6 = hn::Add(level5, one);
-    const ByteVector level7 = hn::Add(level6, one);
-    ByteVector n0 = hn::Zero(kBytes), n1 = n0, n2 = n0, n3 = n0, n4 = n0, n5 = n0, n6 = n0, n7 = n0;
-    ByteVector least = hn::Set(kBytes, counts.least);
-    for (std::size_t i = 0; i < vectors; ++i) {
-        const ByteVector v = hn::LoadU(kBytes, pixels + i * hn::Lanes(kBytes));
-        least = hn::Min(least, v);
-        n0 = hn::Sub(n0, reaches(v, level0));
-        n1 = hn::Sub(n1, reaches(v, level1));
-        n2 = hn::Sub(n2, reaches(v, level2));
-        n3 = hn::Sub(n3, reaches(v, level3));
-        n4 = hn::Sub(n4, reaches(v, level4));
-        n5 = hn::Sub(n5, reaches(v, level5));
-        n6 = hn::Sub(n6, reaches(v, level6));
-        n7 = hn::Sub(n7, reaches(v, level7));
-    }
-    std::size_t k = 0;
-    for (const ByteVector n : {n0, n1, n2, n3, n4, n5, n6, n7}) counts.at_least[k++] += sum_of(n);
-    alignas(64) std::uint8_t lanes[HWY_MAX_BYTES];
-    hn::Store(least, kBytes, lanes);
-    counts.least = *std::min_element(lanes, lanes + hn::Lanes(kBytes));
-}
+// Counts of one level each, for as many vectors as bytes can count.
+struct Counters {
+    ByteVector n0, n1, n2, n3, n4, n5, n6, n7;
 
-void count_light(const std::uint8_t* pixels, std::size_t count, std::uint8_t first_level,
-                 LightCounts& counts) {
-    constexpr std::size_t kMostVectors = 255;
-    const std::size_t lanes = hn::Lanes(kBytes);
-    while (count >= lanes) {
-        const std::size_t vectors = std::min(count / lanes, kMostVectors);
-        count_vectors(pixels, vectors, first_level, counts);
-        pixels += vectors * lanes;
-        count -= vectors * lanes;
+    HWY_INLINE void clear() { n0 = n1 = n2 = n3 = n4 = n5 = n6 = n7 = hn::Zero(kBytes); }
+
+    HWY_INLINE void add(ByteVector pixels, ByteVector first_level) {
+        const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
+        ByteVector level = first_level;
+        for (ByteVector* n : {&n0, &n1, &n2, &n3, &n4, &n5, &n6, &n7}) {
+            *n = hn::Sub(*n, reaches(pixels, level));
+            level = hn::Add(level, one);
+        }
     }
-    plain::count_light(pixels, count, first_level, counts);
+
+    HWY_INLINE void flush(LightCounts& counts) {
+        std::size_t k = 0;
+        for (const ByteVector n : {n0, n1, n2, n3, n4, n5, n6, n7}) {
+            counts.at_least[k++] += sum_of(n);
+        }
+        clear();
+    }
+};
+
+void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCounts& counts) {
+    constexpr int kMostVectors = 255;
+    const std::size_t lanes = hn::Lanes(kBytes);
+    const auto width = static_cast<std::size_t>(grey.width);
+    if (width < lanes) return plain::count_light(grey, first_level, counts);
+    const ByteVector levels = hn::Set(kBytes, first_level);
+    const ByteVector white = hn::Set(kBytes, std::uint8_t{255});
+    const std::size_t last = width - lanes;
+    ByteVector least = hn::Set(kBytes, counts.least);
+    Counters counters;
+    counters.clear();
+    int vectors = 0;
+    for (std::ptrdiff_t y = 0; y < grey.height; ++y) {
+        const std::uint8_t* row = grey.row(y);
+        for (std::size_t x = 0; x < width; x += lanes) {
+            fetch_ahead(row + x);
+            if (++vectors > kMostVectors) {
+                counters.flush(counts);
+                vectors = 1;
+            }
+            if (x <= last) {
+                const ByteVector pixels = hn::LoadU(kBytes, row + x);
+                least = hn::Min(least, pixels);
+                counters.add(pixels, levels);
+            } else {
+                const auto counted = hn::FirstN(kBytes, x - last);
+                const ByteVector pixels = hn::LoadU(kBytes, row + last);
+                least = hn::Min(least, hn::IfThenElse(counted, white, pixels));
+                counters.add(hn::IfThenZeroElse(counted, pixels), levels);
+            }
+        }
+    }
+    counters.flush(counts);
+    alignas(64) std::uint8_t values[HWY_MAX_BYTES];
+    hn::Store(least, kBytes, values);
+    counts.least = *std::min_element(values, values + lanes);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -80,9 +99,8 @@ namespace simd {
 
 HWY_EXPORT(count_light);
 
-void count_light(const std::uint8_t* pixels, std::size_t count, std::uint8_t first_level,
-                 LightCounts& counts) {
-    HWY_DYNAMIC_DISPATCH(count_light)(pixels, count, first_level, counts);
+void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCounts& counts) {
+    HWY_DYNAMIC_DISPATCH(count_light)(grey, first_level, counts);
 }
 
 }  // namespace simd

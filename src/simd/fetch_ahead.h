@@ -1,0 +1,18 @@
+// A hint to the machine that the bytes 4 KB ahead will be read soon. Its own guesses end with each
+// memory page, which is about a row.
+#pragma once
+
+#include <hwy/cache_control.h>
+
+#include <cstdint>
+
+namespace simd {
+
+// The place need not exist: nothing is read.
+inline void fetch_ahead(const std::uint8_t* bytes) {
+    constexpr std::uintptr_t kDistance = 4096;
+    const auto place = reinterpret_cast<std::uintptr_t>(bytes) + kDistance;
+    hwy::Prefetch(reinterpret_cast<const std::uint8_t*>(place));
+}
+
+}  // namespace simd
