@@ -44,25 +44,31 @@ HWY_INLINE hn::Vec<Integers> high_halves(WordVector words) {
     return hn::ShiftRight<16>(hn::BitCast(kIntegers, words));
 }
 
-// At most 1 from the nearest root of a square above 0, on any machine: a relative error of 1 / 256
-// would do.
-HWY_INLINE hn::Vec<Integers> approximate_root(hn::Vec<Integers> squares) {
+// In the low 16 bits, at most 1 from the nearest root of a square above 0, on any machine: a
+// relative error of 1 / 256 would do. A number that is added to 2^23 is rounded to a whole one, and
+// stands in the lowest bits of the sum.
+HWY_INLINE WordVector approximate_root(hn::Vec<Integers> squares) {
     const auto x = hn::ConvertTo(kFloats, squares);
-    return hn::NearestInt(hn::Mul(x, hn::ApproximateReciprocalSqrt(x)));
+    const auto root = hn::Mul(x, hn::ApproximateReciprocalSqrt(x));
+    return hn::BitCast(kWords, hn::Add(root, hn::Set(kFloats, 8388608.0F)));
+}
+
+// The low halves of `low` and, above them, those of `high`.
+HWY_INLINE WordVector halves(WordVector low, WordVector high) {
+    const auto low_half = hn::And(hn::BitCast(kIntegers, low), hn::Set(kIntegers, 0xFFFF));
+    return hn::BitCast(kWords, hn::Or(low_half, hn::ShiftLeft<16>(hn::BitCast(kIntegers, high))));
 }
 
 // Of squares below 2^15. A root r is the nearest one for squares r * r - r + 1 .. r * r + r.
 HWY_INLINE WordVector rounded_roots(WordVector squares) {
     const WordVector one = hn::Set(kWords, std::uint16_t{1});
     const WordVector positive = hn::Max(squares, one);
-    const auto low = approximate_root(low_halves(positive));
-    const auto high = hn::ShiftLeft<16>(approximate_root(high_halves(positive)));
-    const WordVector root = hn::BitCast(kWords, hn::Or(low, high));
+    const WordVector root =
+        halves(approximate_root(low_halves(positive)), approximate_root(high_halves(positive)));
     const WordVector product = hn::Mul(root, root);
-    const auto too_small = hn::VecFromMask(kWords, hn::Gt(squares, hn::Add(product, root)));
-    const auto too_large =
-        hn::VecFromMask(kWords, hn::Gt(hn::Add(product, one), hn::Add(squares, root)));
-    return hn::Add(hn::Sub(root, too_small), too_large);
+    const WordVector too_small = hn::SaturatedSub(squares, hn::Add(product, root));
+    const WordVector too_large = hn::SaturatedSub(hn::Add(product, one), hn::Add(squares, root));
+    return hn::Sub(hn::Add(root, hn::Min(too_small, one)), hn::Min(too_large, one));
 }
 
 // A quarter of a response, at most 127.
