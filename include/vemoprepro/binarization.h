@@ -52,19 +52,22 @@ VEMOPREPRO_API int bi_set_smooth(bi_settings* settings, unsigned char smooth);
 VEMOPREPRO_API int bi_set_undithering(bi_settings* settings, unsigned char undithering);
 /* Grey values below this become black (default 128); 0 chooses it by Otsu's method. */
 VEMOPREPRO_API int bi_set_thresh(bi_settings* settings, unsigned char thresh);
-/* Not 0: fill areas of unclear contrast by their mean (default off). */
+/* Not 0: areas without edges take the mean of the thresholds around, else the lowest of those that
+ * touch them (default off). */
 VEMOPREPRO_API int bi_set_fill_mean(bi_settings* settings, unsigned char fill_mean);
 /* Kept for bi_get_satur(); no binarization reads it (default 0). */
 VEMOPREPRO_API int bi_set_satur(bi_settings* settings, unsigned char satur);
 /* Sets delta1 and delta2 together: c = 0 gives 1 and 1; 1 .. 15 gives c and (c + 1) / 2; from 16 on
  * c and c - 8. */
 VEMOPREPRO_API int bi_set_contrast(bi_settings* settings, unsigned char contrast);
-/* Strong and weak edge contrast of the gradient method (defaults 40 and 32). */
+/* Gradient that starts an edge, less 8, and gradient above which an edge is followed (defaults 40
+ * and 32). From 247 on delta1 finds no edges. */
 VEMOPREPRO_API int bi_set_delta1(bi_settings* settings, unsigned char delta1);
 VEMOPREPRO_API int bi_set_delta2(bi_settings* settings, unsigned char delta2);
 /* Sets black1 to b and black2 to 3 * b / 4. */
 VEMOPREPRO_API int bi_set_brightness(bi_settings* settings, unsigned char brightness);
-/* Dark levels of the gradient method (defaults 0). */
+/* Level below which dark areas are filled, and lowest threshold (defaults 0; black1 = 0 switches
+ * both off). In the gradient method 128 stands for the white level of the page. */
 VEMOPREPRO_API int bi_set_black1(bi_settings* settings, unsigned char black1);
 VEMOPREPRO_API int bi_set_black2(bi_settings* settings, unsigned char black2);
 /* Weight of the deviation in the Sobel-statistics variant, -128 .. 127 (default 0). */
@@ -72,9 +75,12 @@ VEMOPREPRO_API int bi_set_sigma(bi_settings* settings, signed char sigma);
 /* Colour dropout: black pixels whose source colour the function wants dropped become white. A null
  * function or a null context switches it off (default). The context stays the caller's. */
 VEMOPREPRO_API int bi_set_dropout(bi_settings* settings, prepro_dropout dropout, void* context);
-/* Gradient method: stretch the gradient magnitude to the full range (default 0, off). */
+/* Gradient method, for pages of little contrast: 1 enlarges all gradients, at most fourfold, so
+ * that the largest reaches the end of the range; 2 reduces delta1 and delta2 by the same factor
+ * instead; any other value is off (default 0). */
 VEMOPREPRO_API int bi_set_normalize_magnitude(bi_settings* settings, unsigned char normalize);
-/* Gradient method: smooth with a Gaussian kernel before the gradient is taken (default 0, off). */
+/* Gradient method: not 0 smooths with a 3 x 3 Gaussian kernel before the gradient is taken, and for
+ * that only (default 0, off). */
 VEMOPREPRO_API int bi_set_internal_gaussian_smoothing(bi_settings* settings,
                                                       unsigned char smoothing);
 /* Folder for debug output; the path is copied. -1 also for a null path. */

@@ -27,7 +27,8 @@ int candidate_threshold(const EdgeOptions& options) {
                                                                : options.follow;
 }
 
-// What brings the largest magnitude of an image to the end of the range.
+// What brings the largest magnitude of an image to the end of the range. Products and quotients
+// with it are rounded to the nearest whole number, halves away from 0.
 double scale_for(int largest) {
     if (largest == 0) return kLargestScale;
     return std::min(kLargestScale, (kLargestMagnitude + 1) / static_cast<double>(largest));

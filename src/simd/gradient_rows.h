@@ -19,7 +19,8 @@ namespace simd {
 
 constexpr std::size_t kRowPad = 64;
 
-// Gradients of one row. |gx| and |gy| are the Sobel responses divided by 4, at most 127.
+// Gradients of one row. |gx| and |gy| are the Sobel responses divided by 4, rounded towards 0, at
+// most 127.
 struct GradientRow {
     std::uint8_t* magnitude;  // sqrt(gx^2 + gy^2), rounded: at most 180
     std::uint8_t* across;     // |gx|; bit 7 is set where gx and gy have opposite signs
