@@ -1,6 +1,4 @@
 /* vemoprepro: cleans up scanned pages from the command line. */
-#include <malloc.h>
-
 #include <cstdio>
 #include <exception>
 
@@ -10,6 +8,7 @@
 #include "messages.h"
 #include "output_file.h"
 #include "output_plan.h"
+#include "page_memory.h"
 #include "run.h"
 
 namespace {
@@ -34,9 +33,7 @@ int run_command(const tool::Options& options) {
 
 int main(int argc, char** argv) {
     tool::take_standard_error();
-    /* Page buffers go straight back to the system when they are freed, whatever size came before.
-     */
-    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    tool::set_up_page_memory();
     int exit_status = tool::kExitDone;
     const auto options = tool::parse_options(argc, argv, exit_status);
     if (!options) return exit_status;
