@@ -10,7 +10,8 @@
 // become edges and end the trace.
 //
 // A pixel once reached is never open again, so the first open neighbour found anew after each
-// return is the next one of the order, and the path is all that a trace has to remember.
+// return is the next one of the order. All that a trace has to remember are the pixels of its path
+// that had a further open neighbour when it left them; to the others it need not return.
 #include <array>
 #include <bit>
 #include <cstring>
@@ -39,6 +40,7 @@ inline void clear_bit(std::uint64_t* row, std::size_t x) {
 struct Position {
     std::uint64_t* row;
     std::size_t x;
+    std::size_t depth;
 };
 
 // Where neighbours lie, in raster order.
@@ -72,25 +74,27 @@ void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
     const auto pitch = static_cast<std::ptrdiff_t>(open_.words());
     std::uint64_t* const last_row =
         first_row + static_cast<std::ptrdiff_t>(open_.rows() - 1) * pitch;
-    std::array<Position, kDeepestTraced + 1> path;  // by depth
-    std::size_t depth = 0;
-    path[0] = {open_.row(y), x};
-    clear_bit(path[0].row, x);
+    std::array<Position, kDeepestTraced + 1> left;  // by depth, though not at every depth
+    std::size_t count = 0;
+    Position at{open_.row(y), x, 0};
+    clear_bit(at.row, x);
     for (;;) {
-        const Position at = path[depth];
         std::uint64_t* const rows[3] = {at.row == first_row ? last_row : at.row - pitch, at.row,
                                         at.row == last_row ? first_row : at.row + pitch};
         const unsigned around = three_bits(rows[0], at.x) | three_bits(rows[1], at.x) << 3 |
                                 three_bits(rows[2], at.x) << 6;
         if (around == 0) {
-            if (depth == 0) return;
-            --depth;
+            if (count == 0) return;
+            at = left[--count];
             continue;
         }
         const auto first = static_cast<std::size_t>(std::countr_zero(around));
-        const Position next{rows[kRowOf[first]], at.x + kColumnOf[first] - 1};
-        clear_bit(next.row, next.x);
-        if (depth < kDeepestTraced) path[++depth] = next;
+        std::uint64_t* const row = rows[kRowOf[first]];
+        const std::size_t column = at.x + kColumnOf[first] - 1;
+        clear_bit(row, column);
+        if (at.depth == kDeepestTraced) continue;
+        if ((around & (around - 1)) != 0) left[count++] = at;
+        at = {row, column, at.depth + 1};
     }
 }
 
