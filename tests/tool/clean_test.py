@@ -105,6 +105,11 @@ class Cleaning(ToolCase):
     def blank(self, size=(600, 800)):
         return Image.new("L", size, 255)
 
+    def read_page(self, image):
+        self.save("a.png", image, dpi=(300, 300))
+        self.good("clean", "a.png", "-o", "a.tif", "--overwrite", "--no-deskew")
+        return ~as_array(self.pages("a.tif")[0])
+
     def steps(self, *arguments):
         page, = self.record("clean", "a.png", "-o", "a.tif", "--overwrite", *arguments)[0]["pages"]
         return page, {step["name"]: step for step in page["steps"]}
@@ -137,6 +142,10 @@ class Cleaning(ToolCase):
                       dpi=(dpi, dpi))
             page, steps = self.steps("--force")
             self.assertTrue(as_array(self.pages("a.tif")[0]).all())
+
+    def test_faint_print_is_kept(self):
+        dark, faint = (self.read_page(text_page(ink=ink)) for ink in (20, 212))
+        self.assertLess((dark ^ faint).sum(), 0.1 * dark.sum())
 
     def test_too_much_ink_is_not_taken(self):
         self.save("a.png", specks(self.blank(), 200), dpi=(300, 300))

@@ -18,6 +18,15 @@ constexpr unsigned char kSmooth = 246; /* a do call raises it by 2 */
 constexpr unsigned char kFillLevel = 64;
 constexpr unsigned char kLowestThreshold = 48;
 
+/* Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
+ * showing through, stains and noise. */
+constexpr int kEdgeShare = 40;
+constexpr int kWeakestEdge = 16;
+/* Stronger edges are asked for only where light print on a page of black ink may go: at 40 print
+ * down to a contrast of 50 is whole, at 80 a contrast of 90 is already lost. */
+constexpr int kUsualEdge = 40;
+constexpr int kStrongestEdge = 120;
+
 struct FreeSettings {
     void operator()(bi_settings* settings) const { bi_upset(settings); }
 };
@@ -40,11 +49,21 @@ Page threshold_bits(const Page& grey, int threshold) {
     return bits;
 }
 
+void set_edges(bi_settings* settings, int edge) {
+    bi_set_delta1(settings, static_cast<unsigned char>(edge));
+    bi_set_delta2(settings, static_cast<unsigned char>(edge * 3 / 4));
+}
+
+int edge_for(const Page& grey, int strongest) {
+    return std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, strongest);
+}
+
 Page gradient_bits(const Page& grey) {
     Page bits = same_size(grey, PageKind::bitonal);
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_smooth(settings.get(), kSmooth);
+    set_edges(settings.get(), edge_for(grey, kUsualEdge));
     bi_set_black1(settings.get(), kFillLevel);
     bi_set_black2(settings.get(), kLowestThreshold);
     if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
@@ -52,12 +71,6 @@ Page gradient_bits(const Page& grey) {
         throw std::bad_alloc();
     return bits;
 }
-
-/* Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
- * showing through, stains and noise. */
-constexpr int kEdgeShare = 40;
-constexpr int kWeakestEdge = 16;
-constexpr int kStrongestEdge = 120;
 
 struct Greys {
     int darkest_white = 255; /* 255 also when all is black */
@@ -126,10 +139,7 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
 Page bits_for_reading(const Page& grey, bool smooth) {
     Page bits = same_size(grey, PageKind::bitonal);
     const Settings settings = make_settings();
-    const int edge =
-        std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, kStrongestEdge);
-    bi_set_delta1(settings.get(), static_cast<unsigned char>(edge));
-    bi_set_delta2(settings.get(), static_cast<unsigned char>(edge * 3 / 4));
+    set_edges(settings.get(), edge_for(grey, kStrongestEdge));
     bi_set_internal_gaussian_smoothing(settings.get(), smooth);
     if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
                          bits.bytes.get()) != 0)

@@ -27,7 +27,6 @@ constexpr BorderGreys kBorder = {110, 190, 32};
 /* Told from paper that lies in deep shade. */
 constexpr BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
-constexpr double kMostInk = 0.1;
 
 /* Ends inclusive. */
 struct Rectangle {

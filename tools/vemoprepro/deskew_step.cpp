@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "ink.h"
 #include "reading_grey.h"
 #include "resample.h"
 #include "skew_measure.h"
@@ -83,9 +84,7 @@ Step deskew_step(const Options& options) {
             [wanted, greys, given](Page& page, const PageFindings& findings,
                                    PageRecord& record) -> Outcome {
                 if (!wanted) return {false, "switched off"};
-                if (page.kind != PageKind::bitonal && !greys)
-                    throw StepError(std::string("deskew takes bitonal pages, this one is ") +
-                                    name_of(page.kind) + " (clean binarizes first)");
+                if (!greys) require_bitonal(page, "deskew");
                 if (!given && !findings.skew) return measure_and_straighten(page, record);
                 record.skew = given ? *given : *findings.skew;
                 return straighten_by(page, *record.skew, given ? " (as given)" : " (as recorded)");

@@ -48,7 +48,7 @@ Step despeckle_step(const Options& options) {
                 require_bitonal(page, "despeckle");
                 const Usual usual = usual_specks(page, reading, record.specked);
                 const int area = wanted.max_area.value_or(usual.area);
-                const int near = wanted.keep_near > 0 ? wanted.keep_near : usual.keep_near;
+                const int near = wanted.keep_near.value_or(usual.keep_near);
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";

@@ -7,22 +7,37 @@
 #include <cstring>
 #include <utility>
 
+#include "grey_page.h"
+
 namespace tool {
 namespace {
 
-constexpr double kMostInk = 0.1;
 constexpr double kChosenFor = 300; /* dots per inch */
 
-/* Ink that is gone, not ink that was added elsewhere. */
-std::int64_t count_lost(const Page& before, const Page& after, const InkWindow& window) {
-    std::int64_t lost = 0;
-    for (int y = window.y0; y < window.y1; ++y) {
-        const unsigned char* old_row = before.row(y);
-        const unsigned char* new_row = after.row(y);
-        for (int i = window.x0 / 8; i < window.x1 / 8; ++i)
-            lost += std::popcount(static_cast<unsigned char>(old_row[i] & ~new_row[i]));
+struct InkCount {
+    std::int64_t before = 0;
+    std::int64_t lost = 0; /* ink that is gone, not ink that was added elsewhere */
+
+    [[nodiscard]] double share() const {
+        return before > 0 ? static_cast<double>(lost) / static_cast<double>(before) : 0;
     }
-    return lost;
+};
+
+std::uint32_t word_of(const Page& page, int y, int index) {
+    std::uint32_t word;
+    std::memcpy(&word, page.row(y) + std::ptrdiff_t{4} * index, sizeof word);
+    return word;
+}
+
+InkCount count_ink(const Page& before, const Page& after, const InkWindow& window) {
+    InkCount count;
+    for (int y = window.y0; y < window.y1; ++y)
+        for (int i = window.x0 / 32; i < window.x1 / 32; ++i) {
+            const std::uint32_t ink = word_of(before, y, i);
+            count.before += std::popcount(ink);
+            count.lost += std::popcount(ink & ~word_of(after, y, i));
+        }
+    return count;
 }
 
 }  // namespace
@@ -32,27 +47,13 @@ InkWindow whole(const Page& page) {
 }
 
 InkWindow inner_part(const Page& page) {
-    const int side = page.width / 64 * 8;
+    const int side = page.width / 256 * 32;
     const int end = page.height / 8;
-    return {side, page.width / 8 * 8 - side, end, page.height - end};
-}
-
-std::int64_t count_ink(const Page& page, const InkWindow& window) {
-    std::int64_t ink = 0;
-    for (int y = window.y0; y < window.y1; ++y) {
-        const unsigned char* row = page.row(y);
-        for (int i = window.x0 / 8; i < window.x1 / 8; ++i) ink += std::popcount(row[i]);
-    }
-    return ink;
+    return {side, static_cast<int>(page.stride()) * 8 - side, end, page.height - end};
 }
 
 Page copy_of(const Page& page) {
-    Page copy;
-    copy.kind = page.kind;
-    copy.width = page.width;
-    copy.height = page.height;
-    copy.dpi = page.dpi;
-    copy.bytes = allocate_pixels(page.size());
+    Page copy = same_size(page, page.kind);
     std::memcpy(copy.bytes.get(), page.bytes.get(), page.size());
     return copy;
 }
@@ -71,11 +72,9 @@ std::string percent(double share) {
 
 Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
                    const std::function<void(Page&)>& change) {
-    const std::int64_t ink = count_ink(page, window);
     Page changed = copy_of(page);
     change(changed);
-    const std::int64_t lost = count_lost(page, changed, window);
-    const double share = ink > 0 ? static_cast<double>(lost) / static_cast<double>(ink) : 0;
+    const double share = count_ink(page, changed, window).share();
     if (!force && share > kMostInk)
         return {false, "would take " + percent(share) + " of the ink (--force does it)", share};
     page = std::move(changed);

@@ -13,7 +13,10 @@
 
 namespace tool {
 
-/* A window of a page; x0 and x1 are multiples of 8, ends exclusive. */
+/* A step that takes a greater share of the ink is not done unasked. */
+constexpr double kMostInk = 0.1;
+
+/* A window of a page; x0 and x1 are multiples of 32, ends exclusive. */
 struct InkWindow {
     int x0, x1, y0, y1;
 };
@@ -22,9 +25,6 @@ struct InkWindow {
 InkWindow whole(const Page& page);
 /* The page without an eighth on each side. */
 InkWindow inner_part(const Page& page);
-
-/* Black pixels of a bitonal page. */
-std::int64_t count_ink(const Page& page, const InkWindow& window);
 
 Page copy_of(const Page& page);
 

@@ -68,10 +68,8 @@ Step underlines_step(const Options& options) {
                                       lines.bytes.get(), page.height, stride, 0, page.width);
                 if (covered < 0) throw std::bad_alloc();
                 page = std::move(lines);
-                return {true,
-                        "lines over " + std::to_string(covered) +
-                            (wanted.vertical ? " rows" : " columns"),
-                        {}};
+                return {true, "lines over " + std::to_string(covered) +
+                                  (wanted.vertical ? " rows" : " columns")};
             }};
 }
 

@@ -46,6 +46,7 @@ struct Raw {
     bool no_remove_lines = false;
     bool no_prepare = false;
     int max_area = 0;
+    int keep_near = 0;
     int min_length = 0;
     int max_thickness = 0;
     int max_height = 0;
@@ -114,9 +115,9 @@ CLI::Option* add_pixels(CLI::App& command, const char* name, int& value, const s
     return command.add_option(name, value, what)->check(CLI::Range(0, 1000000000));
 }
 
-void add_keep_near(CLI::App& command, Options& options) {
+void add_keep_near(CLI::App& command, Raw& raw) {
     command
-        .add_option("--keep-near,--despeckle-keep-near", options.despeckle.keep_near,
+        .add_option("--keep-near,--despeckle-keep-near", raw.keep_near,
                     "Keep specks within this many pixels of larger ink")
         ->check(CLI::Range(0, 32767));
 }
@@ -155,7 +156,7 @@ void add_cleaning_steps(CLI::App& command, Options& options, Raw& raw) {
                             "Remove specks of up to this many pixels; 0: none (default: very small "
                             "ones, scaled by the resolution)");
     command.add_flag("--no-despeckle", raw.no_despeckle, "Keep all specks")->excludes(area);
-    add_keep_near(command, options);
+    add_keep_near(command, raw);
     auto* crop = command.add_flag("--crop-border", options.crop_border,
                                   "Paint dark borders over and print the content's rectangle");
     command.add_flag("--no-crop-border", raw.no_crop_border, "Keep borders, with --for ocr")
@@ -196,7 +197,7 @@ void add_bitonal_steps(CLI::App& app, Options& options, Raw& raw) {
     CLI::App* despeckle = add("despeckle", "Remove specks from bitonal pages, nothing else");
     add_pixels(*despeckle, "--max-area", raw.max_area,
                "Specks have up to this many pixels (default: very small ones, by the resolution)");
-    add_keep_near(*despeckle, options);
+    add_keep_near(*despeckle, raw);
     add_force(*despeckle, options);
 
     CLI::App* unline = add("unline", "Remove ruled lines from bitonal pages, nothing else");
@@ -330,6 +331,7 @@ void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
 
     const char* area = options.command == Command::clean ? "--despeckle" : "--max-area";
     options.despeckle.max_area = pixels_of(command, area, raw.max_area);
+    options.despeckle.keep_near = pixels_of(command, "--keep-near", raw.keep_near);
     options.despeckle.wanted = !raw.no_despeckle && options.despeckle.max_area != 0;
 
     const bool both = options.command == Command::unline || (reading && !raw.no_remove_lines);

@@ -32,7 +32,7 @@ using Pixels = std::optional<int>;
 struct DespeckleOptions {
     bool wanted = false;
     Pixels max_area;
-    int keep_near = 0; /* pixels; 0: specks near ink go too */
+    Pixels keep_near; /* 0: specks near ink go too, as they do by default but for reading */
 };
 
 struct LineOptions {

@@ -7,6 +7,8 @@
 #include <map>
 #include <utility>
 
+#include "reading_grey.h"
+
 namespace tool {
 namespace {
 
@@ -51,10 +53,11 @@ void PagePainter::source(const Page& page) {
     first_ = last_;
 }
 
-void PagePainter::before(const std::string& step, const Page& page) {
+void PagePainter::before(const std::string& step, const Page& page, const PageRecord& record) {
     if (step != "deskew" || !with_fan_) return;
     const Stopwatch watch(seconds_);
-    fans_ = trace_fans(page);
+    fans_ = page.kind == PageKind::grey ? trace_fans(bits_for_reading(page, !record.doubled))
+                                        : trace_fans(page);
 }
 
 void PagePainter::after(const std::string& step, const Page& page) {

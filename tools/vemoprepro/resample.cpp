@@ -66,15 +66,20 @@ unsigned char grey_at(const Page& grey, std::int64_t x, std::int64_t y) {
     return to_grey(sum);
 }
 
+Page grey_page(int width, int height, Resolution dpi) {
+    Page page;
+    page.kind = PageKind::grey;
+    page.width = width;
+    page.height = height;
+    page.dpi = dpi;
+    page.bytes = allocate_pixels(page.size());
+    return page;
+}
+
 }  // namespace
 
 Page doubled(const Page& grey) {
-    Page large;
-    large.kind = PageKind::grey;
-    large.width = grey.width * 2;
-    large.height = grey.height * 2;
-    large.dpi = {grey.dpi.x * 2, grey.dpi.y * 2};
-    large.bytes = allocate_pixels(large.size());
+    Page large = grey_page(grey.width * 2, grey.height * 2, {grey.dpi.x * 2, grey.dpi.y * 2});
     for (int y = 0; y < large.height; ++y)
         for (int x = 0; x < large.width; ++x)
             large.row(y)[x] = grey_at(grey, std::int64_t{x} * (kPlaces / 2) - kPlaces / 4,
@@ -83,12 +88,7 @@ Page doubled(const Page& grey) {
 }
 
 Page levelled(const Page& grey, int rise, int run, int width, int height) {
-    Page level;
-    level.kind = PageKind::grey;
-    level.width = width;
-    level.height = height;
-    level.dpi = grey.dpi;
-    level.bytes = allocate_pixels(level.size());
+    Page level = grey_page(width, height, grey.dpi);
     /* In 1/2^32 of a pixel, which keeps the error over a whole row below a place. */
     constexpr double kUnit = 4294967296.0;
     constexpr int kShift = 32 - kPlaceBits;
