@@ -1,53 +1,35 @@
+// Grey preparation and the binarization by one threshold against their models; what every call with
+// a region refuses, and what is left when an allocation fails.
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <functional>
 #include <vector>
 
+#include "binarization/settings_handle.h"
 #include "models/grey_model.h"
 #include "support/allocation_limit.h"
 #include "support/random_page.h"
 #include "support/row_reader.h"
-#include "vemoprepro/binarization.h"
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 using support::GuardedBuffer;
 using support::RecordingReader;
+using support::SettingsHandle;
 
-// A page of smooth tones, or one with steps that call for smoothing, with some strong colours.
-Bytes page_bytes(int height, std::size_t row_bytes, bool contrast, std::uint32_t seed) {
-    support::Random random(seed);
-    Bytes bytes(static_cast<std::size_t>(height) * row_bytes);
-    for (auto& value : bytes) {
-        value = contrast ? random.byte() : static_cast<std::uint8_t>(random.between(180, 255));
-    }
-    return bytes;
+constexpr prepro_row_reader kRead = RecordingReader::read;
+
+std::size_t row_bytes(int type, int width) {
+    return static_cast<std::size_t>(width) * (type == 1 ? 1 : 3);
 }
 
-struct Case {
-    int type;
-    int width;
-    model::Region at;
-    int threads;
-    int smooth;
-    int thresh;
-    bool contrast;
-};
-
-Case random_case(support::Random& random) {
-    Case made{};
-    made.type = random.between(1, 3);
-    made.width = random.between(1, random.chance(0.2) ? 300 : 40);
-    const int x0 = random.chance(0.5) ? 0 : random.between(0, made.width - 1);
-    const int x1 = random.chance(0.5) ? made.width : random.between(x0 + 1, made.width);
-    const int y0 = random.chance(0.5) ? 0 : random.between(1, 9);
-    const int height = random.between(1, random.chance(0.2) ? 260 : 12);
-    made.at = {made.width, x0, x1, y0, y0 + height};
-    made.threads = random.between(1, 6);
-    made.smooth = random.chance(0.4) ? 0 : random.between(1, 255);
-    made.thresh = random.chance(0.4) ? 0 : random.between(1, 255);
-    made.contrast = random.chance(0.7);
-    return made;
+Bytes random_page(std::size_t size, int least, std::uint32_t seed) {
+    support::Random random(seed);
+    Bytes bytes(size);
+    for (auto& value : bytes) value = static_cast<std::uint8_t>(random.between(least, 255));
+    return bytes;
 }
 
 // Drops by a rule that looks at all three bytes in their order, and answers with other values than
@@ -62,116 +44,198 @@ struct RecordingDropout {
     }
 };
 
-std::size_t row_bytes(const Case& c) {
-    return static_cast<std::size_t>(c.width) * (c.type == 1 ? 1 : 3);
+struct Case {
+    int type;
+    model::Region at;
+    int threads;
+    unsigned char smooth;
+    int thresh;
+    bool drops;
+    int out_size;  // of the grey image
+    Bytes page;
+};
+
+Case random_case(support::Random& random, std::uint32_t seed) {
+    Case made{};
+    made.type = random.between(1, 3);
+    const int width = random.between(1, random.chance(0.2) ? 300 : 40);
+    const int x0 = random.chance(0.5) ? 0 : random.between(0, width - 1);
+    const int x1 = random.chance(0.5) ? width : random.between(x0 + 1, width);
+    const int y0 = random.chance(0.5) ? 0 : random.between(1, 9);
+    const int height = random.between(1, random.chance(0.2) ? 260 : 12);
+    made.at = {width, x0, x1, y0, y0 + height};
+    made.threads = random.between(1, 8);
+    const int smooths[] = {0, 0, 254, 255, random.between(1, 255), random.between(1, 255)};
+    made.smooth = static_cast<unsigned char>(smooths[random.between(0, 5)]);
+    made.thresh = random.chance(0.4) ? 0 : random.between(1, 255);
+    made.drops = random.chance(0.5);
+    made.out_size = made.at.w() * made.at.h();
+    if (random.chance(0.2)) made.out_size = random.between(0, made.out_size);
+    // Tones without the steps that call for smoothing, or all levels.
+    made.page = random_page(row_bytes(made.type, width) * static_cast<std::size_t>(made.at.y1),
+                            random.chance(0.3) ? 180 : 0, seed);
+    return made;
 }
 
 std::size_t bitonal_size(const model::Region& at) {
     return model::offset(at.h(), model::word_stride(at.w()), 0);
 }
 
+// Calls model(source, dropout, out) and library(source, dropout, out): same results, reads and
+// dropout questions.
+void compare(const Case& c, std::size_t size, const auto& model, const auto& library) {
+    RecordingReader source(c.page, row_bytes(c.type, c.at.width));
+    RecordingReader model_source = source;
+    RecordingDropout dropout;
+    RecordingDropout model_dropout;
+    Bytes expected(size);
+    GuardedBuffer out(size);
+    ASSERT_EQ(model(&model_source, &model_dropout, expected.data()), 0);
+    ASSERT_EQ(library(&source, &dropout, out.data()), 0);
+    ASSERT_EQ(out.contents(), expected);
+    ASSERT_TRUE(out.guards_intact());
+    ASSERT_EQ(source.modes, model_source.modes);
+    ASSERT_EQ(dropout.asked, model_dropout.asked);
+}
+
+void compare_threshold(const Case& c) {
+    const model::Region& at = c.at;
+    model::BiSettings settings;
+    settings.reader = kRead;
+    settings.image_record[3] = c.page.data();
+    settings.smooth = c.smooth;
+    settings.thresh = static_cast<unsigned char>(c.thresh);
+    settings.nb_threads = c.threads;
+    settings.dropout = c.drops ? RecordingDropout::decide : nullptr;
+    const SettingsHandle handle(kRead);
+    bi_set_image_pointer(handle, c.page.data());
+    bi_set_smooth(handle, c.smooth);
+    bi_set_thresh(handle, settings.thresh);
+    bi_set_nb_threads(handle, c.threads);
+    compare(
+        c, bitonal_size(at),
+        [&](RecordingReader* source, RecordingDropout* dropout, unsigned char* out) {
+            settings.dropout_context = dropout;
+            return model::bi_thresh_do(settings, source, c.type, at.width, at.x0, at.x1, at.y0,
+                                       at.y1, out);
+        },
+        [&](RecordingReader* source, RecordingDropout* dropout, unsigned char* out) {
+            bi_set_dropout(handle, settings.dropout, dropout);
+            return bi_thresh_do(handle, source, c.type, at.width, at.x0, at.x1, at.y0, at.y1, out);
+        });
+    EXPECT_EQ(handle.smooth(), settings.smooth);
+}
+
+void compare_one_shot(const Case& c, int mode, int thresh) {
+    const model::Region& at = c.at;
+    const auto dropped = [&](auto call) {
+        return [&, call](RecordingReader* source, RecordingDropout* dropout, unsigned char* out) {
+            return call(mode, thresh, kRead, source, RecordingDropout::decide, dropout, c.type,
+                        at.width, at.x0, at.x1, at.y0, at.y1, out);
+        };
+    };
+    compare(c, bitonal_size(at), dropped(model::bi_thresh_dropout), dropped(bi_thresh_dropout));
+    const auto plain = [&](auto call) {
+        return [&, call](RecordingReader* source, RecordingDropout*, unsigned char* out) {
+            return call(mode, thresh, kRead, source, c.type, at.width, at.x0, at.x1, at.y0, at.y1,
+                        out);
+        };
+    };
+    compare(c, bitonal_size(at), plain(model::bi_thresh), plain(bi_thresh));
+}
+
+void compare_grey(const Case& c) {
+    const model::Region& at = c.at;
+    // Whoever does not read the image does not look at the record either.
+    const bool uses_image = c.type == 3 && std::min(c.threads, at.h() / 50) >= 2;
+    const unsigned char* words[4] = {nullptr, nullptr, nullptr, c.page.data()};
+    const void* record =
+        uses_image ? static_cast<const void*>(words) : reinterpret_cast<const void*>(1);
+    const auto with = [&](auto call) {
+        return [&, call](RecordingReader* source, RecordingDropout*, unsigned char* out) {
+            return call(c.smooth, kRead, source, record, c.type, at.width, 300, at.x0, at.x1, at.y0,
+                        at.y1, out, c.out_size, c.threads, 0);
+        };
+    };
+    compare(c, static_cast<std::size_t>(c.out_size), with(model::bi_color2greybuf),
+            with(bi_color2greybuf));
+}
+
 TEST(Threshold, GivesTheModelsBytesAndReadsAsTheModelDoes) {
     support::Random random(1);
-    for (int i = 0; i < 400; ++i) {
-        const Case c = random_case(random);
-        const model::Region& at = c.at;
-        RecordingReader source(
-            page_bytes(at.y1, row_bytes(c), c.contrast, static_cast<std::uint32_t>(i)),
-            row_bytes(c));
-        RecordingReader model_source = source;
-        RecordingDropout dropout;
-        RecordingDropout model_dropout;
-        const bool drops = random.chance(0.5);
-
-        model::BiSettings settings;
-        settings.reader = RecordingReader::read;
-        settings.image_record[3] = source.page.data();
-        settings.smooth = static_cast<unsigned char>(c.smooth);
-        settings.thresh = static_cast<unsigned char>(c.thresh);
-        settings.nb_threads = c.threads;
-        settings.dropout = drops ? RecordingDropout::decide : nullptr;
-        settings.dropout_context = &model_dropout;
-        Bytes expected(bitonal_size(at));
-        ASSERT_EQ(model::bi_thresh_do(settings, &model_source, c.type, c.width, at.x0, at.x1, at.y0,
-                                      at.y1, expected.data()),
-                  0);
-
-        bi_settings* handle = bi_setup(RecordingReader::read);
-        bi_set_image_pointer(handle, source.page.data());
-        bi_set_smooth(handle, static_cast<unsigned char>(c.smooth));
-        bi_set_thresh(handle, static_cast<unsigned char>(c.thresh));
-        bi_set_nb_threads(handle, c.threads);
-        bi_set_dropout(handle, drops ? RecordingDropout::decide : nullptr, &dropout);
-        GuardedBuffer out(bitonal_size(at));
-        ASSERT_EQ(
-            bi_thresh_do(handle, &source, c.type, c.width, at.x0, at.x1, at.y0, at.y1, out.data()),
-            0);
-        unsigned char smooth = 0;
-        bi_get_smooth(handle, &smooth);
-        bi_upset(handle);
-
-        ASSERT_EQ(out.contents(), expected) << "case " << i;
-        ASSERT_TRUE(out.guards_intact()) << "case " << i;
-        ASSERT_EQ(source.modes, model_source.modes) << "case " << i;
-        ASSERT_EQ(dropout.asked, model_dropout.asked) << "case " << i;
-        ASSERT_EQ(smooth, settings.smooth);
+    const int modes[] = {0, 1, 2, 5, -1};
+    const int thresholds[] = {0, 128, 256, 300, -1};
+    for (std::uint32_t i = 0; i < 500 && !HasFatalFailure(); ++i) {
+        SCOPED_TRACE(i);
+        const Case c = random_case(random, i);
+        compare_threshold(c);
+        compare_grey(c);
+        compare_one_shot(c, modes[i % 5], thresholds[i / 5 % 5]);
     }
 }
 
-TEST(Threshold, OneShotModes) {
-    constexpr int kWidth = 33;
-    constexpr int kHeight = 9;
-    for (const int type : {1, 2, 3}) {
-        const std::size_t row = kWidth * (type == 1 ? 1U : 3U);
-        RecordingReader source(page_bytes(kHeight, row, true, 7), row);
-        RecordingReader model_source = source;
-        RecordingDropout dropout;
-        RecordingDropout model_dropout;
-        for (const int mode : {0, 1, 2, 5, -1}) {
-            for (const int thresh : {0, 128, 256, 300, -1}) {
-                Bytes out(kHeight * 8);
-                Bytes expected(kHeight * 8);
-                model::bi_thresh(mode, thresh, RecordingReader::read, &model_source, type, kWidth,
-                                 0, kWidth, 0, kHeight, expected.data());
-                ASSERT_EQ(bi_thresh(mode, thresh, RecordingReader::read, &source, type, kWidth, 0,
-                                    kWidth, 0, kHeight, out.data()),
-                          0);
-                ASSERT_EQ(out, expected) << "mode " << mode << " thresh " << thresh;
-                model::bi_thresh_dropout(mode, thresh, RecordingReader::read, &model_source,
-                                         RecordingDropout::decide, &model_dropout, type, kWidth, 0,
-                                         kWidth, 0, kHeight, expected.data());
-                ASSERT_EQ(bi_thresh_dropout(mode, thresh, RecordingReader::read, &source,
-                                            RecordingDropout::decide, &dropout, type, kWidth, 0,
-                                            kWidth, 0, kHeight, out.data()),
-                          0);
-                ASSERT_EQ(out, expected) << "mode " << mode << " thresh " << thresh;
-            }
-        }
-        EXPECT_EQ(source.modes, model_source.modes);
-        EXPECT_EQ(dropout.asked, model_dropout.asked);
-        EXPECT_EQ(dropout.asked.empty(), type == 1);
-    }
-}
-
-// Ink of each row as text: what the rules give for a few rows that can be checked by hand.
+// What the rules give for a few rows that can be checked by hand.
 TEST(Threshold, RulesSeenOnSmallRows) {
     const struct {
         const char* what;
         Bytes grey;
         int thresh;
-        int first_byte;
-    } cases[] = {{"strictly below", {127, 128, 0, 255}, 128, 0xA0},
-                 {"uniform, automatic", {9, 9, 9, 9}, 0, 0x00},
-                 {"two levels, automatic: the lower one is white", {50, 200, 50, 200}, 0, 0x00},
-                 {"three levels, automatic", {10, 50, 200, 200}, 0, 0x80}};
-    for (const auto& c : cases) {
+        std::uint8_t ink;
+    } rows[] = {{"strictly below", {127, 128, 0, 255}, 128, 0xA0},
+                {"uniform, automatic", {9, 9, 9, 9}, 0, 0x00},
+                {"two levels, automatic: the lower one is white", {50, 200, 50, 200}, 0, 0x00},
+                {"three levels, automatic", {10, 50, 200, 200}, 0, 0x80}};
+    for (const auto& c : rows) {
         RecordingReader source(c.grey, c.grey.size());
         Bytes out(4, 0xFF);
-        ASSERT_EQ(
-            bi_thresh(0, c.thresh, RecordingReader::read, &source, 1, 4, 0, 4, 0, 1, out.data()),
-            0);
-        EXPECT_EQ(out, (Bytes{static_cast<std::uint8_t>(c.first_byte), 0, 0, 0})) << c.what;
+        ASSERT_EQ(bi_thresh(0, c.thresh, kRead, &source, 1, 4, 0, 4, 0, 1, out.data()), 0);
+        EXPECT_EQ(out, (Bytes{c.ink, 0, 0, 0})) << c.what;
     }
+    const struct {
+        const char* what;
+        int type, height, smooth;
+        Bytes page, grey;
+    } pages[] = {{"strong light colours are held, neutral ones kept",
+                  3,
+                  1,
+                  0,
+                  {255, 255, 0, 230, 230, 230, 255, 255, 171, 255, 255, 170, 0, 0, 255},
+                  {200, 230, 245, 200, 29}},
+                 {"blue first", 2, 1, 0, {255, 255, 0, 0, 255, 255}, {178, 200}},
+                 {"one row is never smoothed", 1, 1, 248, {255, 0, 201}, {255, 0, 201}},
+                 {"one dark pixel is drawn to its neighbours",
+                  1,
+                  3,
+                  248,
+                  {255, 255, 255, 255, 0, 255, 255, 255, 255},
+                  {255, 255, 255, 255, 127, 255, 255, 255, 255}}};
+    for (const auto& c : pages) {
+        const int size = static_cast<int>(c.grey.size());
+        const int width = size / c.height;
+        RecordingReader source(c.page, row_bytes(c.type, width));
+        Bytes out(c.grey.size());
+        ASSERT_EQ(
+            bi_color2greybuf(static_cast<unsigned char>(c.smooth), kRead, &source, nullptr, c.type,
+                             width, 300, 0, width, 0, c.height, out.data(), size, 1, 0),
+            0);
+        EXPECT_EQ(out, c.grey) << c.what;
+    }
+}
+
+// A reader whose second pass delivers other rows than the first: the conversion uses the first, the
+// hold on strong colours looks at the second.
+TEST(Threshold, HoldLooksAtTheRowsOfItsOwnPass) {
+    int passes = 0;
+    const prepro_row_reader fickle = [](void* ctx, int mode, unsigned char* row) {
+        if (mode == 0) ++*static_cast<int*>(ctx);
+        std::fill_n(row, 3, std::uint8_t{230});
+        if (*static_cast<int*>(ctx) == 2) row[2] = 0;
+        return 0;
+    };
+    unsigned char grey = 0;
+    ASSERT_EQ(bi_color2greybuf(0, fickle, &passes, nullptr, 3, 1, 300, 0, 1, 0, 1, &grey, 1, 1, 0),
+              0);
+    EXPECT_EQ(grey, 200);
 }
 
 // Large enough for the counting that pays on pages, at odd widths, with noise, flat runs and
@@ -179,84 +243,88 @@ TEST(Threshold, RulesSeenOnSmallRows) {
 TEST(Threshold, AutomaticThresholdOfLargeRegions) {
     for (const int width : {1029, 2000, 31}) {
         const int height = 270000 / width;
-        const auto row = static_cast<std::size_t>(width);
-        support::Random random(static_cast<std::uint32_t>(width));
-        Bytes bytes(row * static_cast<std::size_t>(height));
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            bytes[i] = i % 1000 < 300   ? std::uint8_t{250}
-                       : i % 1000 < 600 ? static_cast<std::uint8_t>(i % 2 == 0 ? 40 : 60)
-                                        : static_cast<std::uint8_t>(random.between(0, 255));
-        }
-        RecordingReader source(bytes, row);
-        RecordingReader model_source = source;
         const model::Region at{width, 0, width, 0, height};
-        Bytes out(bitonal_size(at));
-        Bytes expected(out.size());
-        ASSERT_EQ(bi_thresh(0, 0, RecordingReader::read, &source, 1, width, 0, width, 0, height,
-                            out.data()),
-                  0);
-        model::bi_thresh(0, 0, RecordingReader::read, &model_source, 1, width, 0, width, 0, height,
-                         expected.data());
-        EXPECT_EQ(out, expected) << width;
+        Bytes bytes =
+            random_page(model::offset(height, width, 0), 0, static_cast<std::uint32_t>(width));
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            if (i % 1000 < 300) bytes[i] = 250;
+            if (i % 1000 >= 300 && i % 1000 < 600) bytes[i] = i % 2 == 0 ? 40 : 60;
+        }
+        compare_threshold({1, at, 1, 0, 0, false, 0, bytes});
     }
 }
 
-// Everything that is refused leaves the output alone and calls nobody; smooth is raised all the
-// same.
+// All calls with a region. Everything that is refused leaves the output alone and calls nobody.
 TEST(Threshold, RefusesWhatCannotBeWorkedOn) {
-    RecordingReader source(page_bytes(120, 30, true, 3), 30);
-    bi_settings* handle = bi_setup(RecordingReader::read);
-    bi_settings* no_reader = bi_setup(nullptr);
-    GuardedBuffer out(120 * 4);
+    RecordingReader source(random_page(30 * 120, 0, 3), 30);
+    const SettingsHandle handle(kRead);
+    const SettingsHandle no_reader(nullptr);
+    GuardedBuffer out(120 * 30);
     const Bytes before = out.contents();
+    const unsigned char* no_image[4] = {source.page.data(), nullptr, nullptr, nullptr};
     const struct {
         const char* what;
-        bi_settings* handle;
         int type, width, x0, x1, y0, y1, threads;
-    } cases[] = {
-        {"null handle", nullptr, 1, 30, 0, 10, 0, 10, 1},
-        {"null reader", no_reader, 1, 30, 0, 10, 0, 10, 1},
-        {"null reader, colour", no_reader, 2, 10, 0, 10, 0, 120, 4},
-        {"type 0", handle, 0, 30, 0, 10, 0, 10, 1},
-        {"type 4", handle, 4, 30, 0, 10, 0, 10, 1},
-        {"width 0", handle, 1, 0, 0, 10, 0, 10, 1},
-        {"negative width", handle, 1, -30, 0, 10, 0, 10, 1},
-        {"negative x0", handle, 1, 30, -1, 10, 0, 10, 1},
-        {"negative y0", handle, 1, 30, 0, 10, -1, 10, 1},
-        {"no columns", handle, 1, 30, 10, 10, 0, 10, 1},
-        {"columns the wrong way round", handle, 1, 30, 10, 9, 0, 10, 1},
-        {"no rows", handle, 1, 30, 0, 10, 10, 10, 1},
-        {"rows the wrong way round", handle, 1, 30, 0, 10, 10, 9, 1},
-        {"extremes", handle, 1, 30, 0, INT32_MIN, 0, INT32_MIN, 1},
-        {"beyond the row", handle, 1, 30, 0, 31, 0, 10, 1},
-        {"threads without an image", handle, 3, 10, 0, 10, 0, 100, 2},
+        bool reader = true;
+    } regions[] = {
+        {"no reader", 1, 30, 0, 10, 0, 10, 1, false},
+        {"no reader, colour", 2, 10, 0, 10, 0, 120, 4, false},
+        {"type 0", 0, 30, 0, 10, 0, 10, 1},
+        {"type 4", 4, 30, 0, 10, 0, 10, 1},
+        {"width 0", 1, 0, 0, 10, 0, 10, 1},
+        {"negative width", 1, -30, 0, 10, 0, 10, 1},
+        {"negative x0", 1, 30, -1, 10, 0, 10, 1},
+        {"negative y0", 1, 30, 0, 10, -1, 10, 1},
+        {"no columns", 1, 30, 10, 10, 0, 10, 1},
+        {"columns the wrong way round", 1, 30, 10, 9, 0, 10, 1},
+        {"no rows", 1, 30, 0, 10, 10, 10, 1},
+        {"rows the wrong way round", 1, 30, 0, 10, 10, 9, 1},
+        {"extremes", 1, 30, 0, INT_MIN, 0, INT_MIN, 1},
+        {"beyond the row", 1, 30, 0, 31, 0, 10, 1},
+        {"threads without an image", 3, 10, 0, 10, 0, 100, 2},
     };
-    for (const auto& c : cases) {
-        if (c.handle != nullptr) {
-            bi_set_smooth(c.handle, 100);
-            bi_set_nb_threads(c.handle, c.threads);
+    for (const auto& [what, type, width, x0, x1, y0, y1, threads, reader] : regions) {
+        SCOPED_TRACE(what);
+        const prepro_row_reader read = reader ? kRead : nullptr;
+        bi_settings* const settings = reader ? handle : no_reader;
+        bi_set_nb_threads(settings, threads);
+        int smooth = 100;
+        for (const auto call : {bi_thresh_do, bi_gradl_do, bi_gradl_do_sobel}) {
+            bi_set_smooth(settings, 100);
+            EXPECT_EQ(call(settings, &source, type, width, x0, x1, y0, y1, out.data()), -1);
+            // Raised all the same, except by the statistics.
+            smooth = call == bi_gradl_do_sobel ? 100 : 102;
+            EXPECT_EQ((reader ? handle : no_reader).smooth(), smooth);
         }
-        EXPECT_EQ(
-            bi_thresh_do(c.handle, &source, c.type, c.width, c.x0, c.x1, c.y0, c.y1, out.data()),
-            -1)
-            << c.what;
-        EXPECT_EQ(out.contents(), before) << c.what;
-        EXPECT_TRUE(source.modes.empty()) << c.what;
-        if (c.handle == nullptr) continue;
-        unsigned char smooth = 0;
-        bi_get_smooth(c.handle, &smooth);
-        EXPECT_EQ(smooth, 102) << c.what;
+        const void* const image = no_image;
+        for (const void* record : {image, static_cast<const void*>(nullptr)}) {
+            EXPECT_EQ(bi_color2greybuf(0, read, &source, record, type, width, 300, x0, x1, y0, y1,
+                                       out.data(), 0, threads, 0),
+                      -1);
+        }
+        if (threads == 1) {
+            EXPECT_EQ(bi_thresh(0, 9, read, &source, type, width, x0, x1, y0, y1, out.data()), -1);
+            EXPECT_EQ(bi_gradl(0, read, &source, type, width, x0, x1, y0, y1, out.data()), -1);
+        }
     }
-    EXPECT_EQ(bi_thresh_do(handle, &source, 1, 30, 0, 10, 0, 10, nullptr), -1);
-    EXPECT_EQ(bi_thresh(0, 128, nullptr, &source, 1, 30, 0, 10, 0, 10, out.data()), -1);
-    EXPECT_EQ(bi_thresh(0, 128, RecordingReader::read, &source, 1, 30, 0, 10, 0, 10, nullptr), -1);
-    bi_upset(handle);
-    bi_upset(no_reader);
+    for (const auto call : {bi_thresh_do, bi_gradl_do, bi_gradl_do_sobel}) {
+        EXPECT_EQ(call(nullptr, &source, 1, 30, 0, 10, 0, 10, out.data()), -1);
+        EXPECT_EQ(call(handle, &source, 1, 30, 0, 10, 0, 10, nullptr), -1);
+    }
+    const auto grey = [&](unsigned char* to, int size) {
+        return bi_color2greybuf(0, kRead, &source, nullptr, 1, 30, 300, 0, 10, 0, 10, to, size, 1,
+                                0);
+    };
+    EXPECT_EQ(grey(out.data(), -1), -1);
+    EXPECT_EQ(grey(out.data(), 101), -1);
+    EXPECT_EQ(grey(nullptr, 100), -1);
+    EXPECT_EQ(out.contents(), before);
+    EXPECT_TRUE(source.modes.empty());
 }
 
 TEST(Threshold, AReaderIsNotNeededWhereTheImageIsRead) {
-    const Bytes page = page_bytes(100, 30, true, 3);
-    bi_settings* handle = bi_setup(nullptr);
+    const Bytes page = random_page(30 * 100, 0, 3);
+    const SettingsHandle handle(nullptr);
     bi_set_nb_threads(handle, 2);
     bi_set_image_pointer(handle, page.data());
     Bytes out(100 * 4);
@@ -265,56 +333,48 @@ TEST(Threshold, AReaderIsNotNeededWhereTheImageIsRead) {
     bi_set_dropout(handle, RecordingDropout::decide, &context);
     EXPECT_EQ(bi_thresh_do(handle, nullptr, 3, 10, 0, 10, 0, 100, out.data()), -1)
         << "dropout has to read the source";
-    bi_upset(handle);
 }
 
-TEST(Threshold, SmoothingRisesFromCallToCallUpToItsEnd) {
-    RecordingReader source(page_bytes(5, 5, true, 3), 5);
-    bi_settings* handle = bi_setup(RecordingReader::read);
-    const std::pair<int, int> steps[] = {{0, 0}, {250, 252}, {254, 255}, {255, 255}, {1, 3}};
-    for (const auto& [stored, raised] : steps) {
-        bi_set_smooth(handle, static_cast<unsigned char>(stored));
-        Bytes out(5 * 4);
-        EXPECT_EQ(bi_thresh_do(handle, &source, 1, 5, 0, 5, 0, 5, out.data()), 0);
-        unsigned char smooth = 99;
-        bi_get_smooth(handle, &smooth);
-        EXPECT_EQ(smooth, raised);
-    }
-    bi_upset(handle);
-}
-
-// A failed allocation leaves the output untouched, or binarized in full where only the dropout
-// could not be run any more.
+// A failed allocation leaves the output untouched, or finished where only the dropout could not be
+// run any more.
 TEST(Threshold, SurvivesEveryFailedAllocation) {
     for (const int type : {1, 2, 3}) {
-        for (const int threads : {1, 2}) {
-            const std::size_t row = type == 1 ? 10 : 30;
-            RecordingReader source(page_bytes(100, row, true, 5), row);
-            source.modes.reserve(100000);
-            const auto keep_all = [](void*, const unsigned char*) { return 0; };
-            Bytes out(100 * 4);
-            Bytes expected(100 * 4);
-            int context = 0;
-            bi_thresh(1, 0, RecordingReader::read, &source, type, 10, 0, 10, 0, 100,
-                      expected.data());
-            const Bytes untouched(100 * 4, 0x5C);
+        RecordingReader source(random_page(row_bytes(type, 10) * 120, 0, 5), row_bytes(type, 10));
+        source.modes.reserve(100000);
+        const unsigned char* record[4] = {nullptr, nullptr, nullptr, source.page.data()};
+        Bytes out(10 * 120);
+        const Bytes untouched(10 * 120, 0x5C);
+        const auto sweep = [&](const std::function<int()>& call) {
+            const auto refilled = [&] {
+                out = untouched;
+                return call();
+            };
+            refilled();
+            const Bytes complete = out;
             const int allocations = support::fail_each_allocation([&] {
-                std::fill(out.begin(), out.end(), std::uint8_t{0x5C});
-                bi_settings* handle = bi_setup(RecordingReader::read);
-                if (handle == nullptr) return -1;
+                const int result = refilled();
+                EXPECT_TRUE(out == complete || (result == -1 && out == untouched));
+                return result;
+            });
+            EXPECT_GE(allocations, 3);
+        };
+        for (const int threads : {1, 2}) {
+            sweep([&] {
+                const SettingsHandle handle(kRead);
+                static int context;
                 bi_set_smooth(handle, 248);
                 bi_set_thresh(handle, 0);
                 bi_set_nb_threads(handle, threads);
                 bi_set_image_pointer(handle, source.page.data());
-                bi_set_dropout(handle, keep_all, &context);
-                const int result =
-                    bi_thresh_do(handle, &source, type, 10, 0, 10, 0, 100, out.data());
-                bi_upset(handle);
-                EXPECT_TRUE(out == expected || (result == -1 && out == untouched));
-                return result;
+                bi_set_dropout(
+                    handle, [](void*, const unsigned char*) { return 0; }, &context);
+                return bi_thresh_do(handle, &source, type, 10, 0, 10, 0, 120, out.data());
             });
-            EXPECT_GE(allocations, 3);
         }
+        sweep([&] {
+            return bi_color2greybuf(248, kRead, &source, record, type, 10, 300, 0, 10, 0, 120,
+                                    out.data(), static_cast<int>(out.size()), 2, 1);
+        });
     }
 }
 

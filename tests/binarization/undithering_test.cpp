@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "binarization/screen_analysis.h"
+#include "models/pixels.h"
 #include "support/allocation_limit.h"
 #include "support/random_page.h"
 #include "support/row_reader.h"
@@ -108,10 +108,6 @@ TEST(Undithering, LeavesEverythingElseAlone) {
         return page;
     };
     const Bytes ink = support::random_text(kHeight, kWidth, (kWidth + 7) / 8, 5);
-    const auto is_ink = [&](int x, int y) {
-        return (ink[static_cast<std::size_t>(y * ((kWidth + 7) / 8) + x / 8)] >> (7 - x % 8) & 1) !=
-               0;
-    };
     const Named pages[] = {
         {"uniform", with_contrast(page_of([](int, int) { return 200; }))},
         {"tones", with_contrast(page_of(tone))},
@@ -120,7 +116,9 @@ TEST(Undithering, LeavesEverythingElseAlone) {
          })},
         {"noise", page_of([&](int, int) { return random.byte(); })},
         {"black and white noise", page_of([&](int, int) { return random.chance(0.5) ? 255 : 0; })},
-        {"print", page_of([&](int x, int y) { return is_ink(x, y) ? 20 : 235; })},
+        {"print", page_of([&](int x, int y) {
+             return model::get_bit(ink.data(), (kWidth + 7) / 8, x, y) ? 20 : 235;
+         })},
         {"strokes", page_of([](int x, int y) { return x % 9 < 3 && y % 40 < 25 ? 0 : 255; })},
         {"rules", page_of([](int, int y) { return y % 12 < 2 ? 0 : 255; })},
         {"fine columns", page_of([](int x, int) { return x % 4 < 2 ? 0 : 255; })},
@@ -160,18 +158,10 @@ TEST(Undithering, NeedsSmoothingAndContrast) {
     EXPECT_EQ(grey_of(faint, true), faint) << "steps of 112 call for nothing";
 }
 
-TEST(Undithering, FindsTheLattice) {
-    const Bytes page = screened([](int x, int y) { return dot_threshold(x, y, 8, 0); });
-    const auto screen = binarization::find_screen({page.data(), kHeight, kWidth, kWidth}, 2, 300);
-    EXPECT_TRUE(screen.found());
-    EXPECT_EQ(screen.cell(), 8);
-}
-
 TEST(Undithering, SurvivesEveryFailedAllocation) {
-    const Bytes page = screened([](int x, int y) { return bayer_threshold(x, y, 8); });
-    RecordingReader source(page, kWidth);
+    RecordingReader source(screened([](int x, int y) { return bayer_threshold(x, y, 8); }), kWidth);
     source.modes.reserve(1000000);
-    Bytes out(page.size());
+    Bytes out(source.page.size());
     const int allocations = support::fail_each_allocation([&] {
         return bi_color2greybuf(248, RecordingReader::read, &source, nullptr, 1, kWidth, 300, 0,
                                 kWidth, 0, kHeight, out.data(), static_cast<int>(out.size()), 1, 1);

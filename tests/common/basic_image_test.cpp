@@ -1,19 +1,25 @@
+// The internal images and the ring of rows against plain vectors.
 #include "common/basic_image.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <deque>
 #include <string>
 #include <vector>
 
-#include "models/image_model.h"
+#include "common/circular_buffer.h"
+#include "models/pixels.h"
 #include "support/allocation_limit.h"
 #include "support/random_page.h"
 
 namespace {
 
 using common::BasicImage;
+using Bytes = std::vector<std::uint8_t>;
 
-std::vector<std::uint8_t> bytes_of(const BasicImage& image) {
+Bytes bytes_of(const BasicImage& image) {
     const auto size = static_cast<std::size_t>(image.getHeight()) *
                       static_cast<std::size_t>(image.getBytesPerLine());
     return {image.getData(), image.getData() + size};
@@ -65,38 +71,38 @@ class ForeignImage : public common::Image {
 };
 
 TEST(BasicImage, RowsAndPixelsFollowTheType) {
-    struct Case {
-        int type, width, stride, bytes_per_pixel;
-    };
-    for (const Case& c : {Case{1, 33, 8, -1},
-                          {1, 32, 4, -1},
-                          {2, 33, 33, 1},
-                          {3, 33, 99, 3},
-                          {4, 5, 20, 4},
-                          {0, 5, 0, -1},
-                          {9, 5, 0, -1}}) {
-        BasicImage image(7, c.width, c.type, 300, 200);
-        EXPECT_EQ(image.getBytesPerLine(), c.stride);
+    const int cases[][4] = {{1, 33, 8, -1}, {1, 32, 4, -1}, {2, 33, 33, 1}, {3, 33, 99, 3},
+                            {4, 5, 20, 4},  {0, 5, 0, -1},  {9, 5, 0, -1}};
+    for (const auto& [type, width, stride, bytes_per_pixel] : cases) {
+        BasicImage image(7, width, type, 300, 200);
+        EXPECT_EQ(image.getBytesPerLine(), stride);
         int bytes = -1;
-        EXPECT_EQ(image.getBytesPerPixel(bytes), c.bytes_per_pixel > 0);
-        EXPECT_EQ(bytes, c.bytes_per_pixel);
-        if (c.stride == 0 || c.type == 4) {
+        EXPECT_EQ(image.getBytesPerPixel(bytes), bytes_per_pixel > 0);
+        EXPECT_EQ(bytes, bytes_per_pixel);
+        if (stride == 0 || type == 4) {
             EXPECT_EQ(image.getRow(3), nullptr);
             EXPECT_EQ(image.getPixel(1, 1), 0U);
             image.setPixel(1, 1, 1);
             continue;
         }
-        EXPECT_EQ(image.getRow(3) - image.getData(), 3 * c.stride);
-        auto expected = bytes_of(image);
+        EXPECT_EQ(image.getRow(3) - image.getData(), 3 * stride);
+        Bytes expected = bytes_of(image);
         support::Random random(1);
         for (int i = 0; i < 200; ++i) {
-            const int x = random.between(0, c.width - 1);
+            const int x = random.between(0, width - 1);
             const int y = random.between(0, 6);
             const auto value = static_cast<std::uint32_t>(random.between(0, 0x1FFFFFF)) * 7;
             image.setPixel(x, y, value);
-            model::set_pixel(c.type, expected, c.stride, c.width, x, y, value);
-            ASSERT_EQ(image.getPixel(x, y),
-                      model::get_pixel(c.type, expected, c.stride, c.width, x, y));
+            if (type == common::kBitonal) {
+                model::set_bit(expected.data(), stride, x, y, value != 0);
+                ASSERT_EQ(image.getPixel(x, y), value != 0 ? 1U : 0U);
+                continue;
+            }
+            for (int byte = 0; byte < bytes_per_pixel; ++byte) {
+                expected[model::offset(y, stride, (x + 1) * bytes_per_pixel - 1 - byte)] =
+                    static_cast<std::uint8_t>(value >> (8 * byte));
+            }
+            ASSERT_EQ(image.getPixel(x, y), value & (type == common::kGrey ? 0xFFU : 0xFFFFFFU));
         }
         EXPECT_EQ(bytes_of(image), expected);
     }
@@ -109,7 +115,7 @@ TEST(BasicImage, CopiesOwnAndAssignmentsKeepMemoryOfTheSameSize) {
     EXPECT_EQ(bytes_of(copy), bytes_of(source));
     EXPECT_EQ(copy.getXResolution(), 200);
 
-    std::vector<std::uint8_t> wrapped(100, 3);
+    Bytes wrapped(100, 3);
     {
         BasicImage wrapper(wrapped.data(), 10, 10, 10, common::kGrey, 1, 1);
         wrapper = source;  // same size: the caller's buffer is written, and stays the caller's
@@ -132,64 +138,140 @@ TEST(BasicImage, CopiesOwnAndAssignmentsKeepMemoryOfTheSameSize) {
     EXPECT_EQ(copy.getYResolution(), 150);
 }
 
+Bytes grey_of(const BasicImage& bitonal) {
+    Bytes grey;
+    for (int y = 0; y < bitonal.getHeight(); ++y)
+        for (int x = 0; x < bitonal.getWidth(); ++x)
+            grey.push_back(model::get_bit(bitonal.getData(), bitonal.getBytesPerLine(),
+                                          x + bitonal.getBitOffset(), y)
+                               ? 0
+                               : 255);
+    return grey;
+}
+
 TEST(BasicImage, ConversionsMatchThePlainForm) {
     for (int width = 1; width < 70; width += 3) {
-        for (int offset : {0, 1, 7}) {
+        for (const int offset : {0, 1, 7}) {
             const OffsetImage bitonal(5, width, offset, static_cast<std::uint32_t>(width));
-            BasicImage grey(static_cast<const common::Image&>(bitonal));
-            EXPECT_EQ(bytes_of(grey), model::grey_from_bitonal(bitonal.getData(), 5, width,
-                                                               bitonal.getBytesPerLine(), offset));
+            EXPECT_EQ(bytes_of(BasicImage(static_cast<const common::Image&>(bitonal))),
+                      grey_of(bitonal));
         }
-        for (int threshold : {-1, 0, 128, 255}) {
+        for (const int threshold : {-1, 0, 128, 255}) {
             BasicImage image = noise(4, width, common::kGrey, 9);
             image.setPixel(0, 0, 128);
-            const auto expected = model::bitonal_from_grey(bytes_of(image), 4, width, threshold);
+            const int stride = model::word_stride(width);
+            Bytes expected(model::offset(4, stride, 0));  // clear padding
+            for (int y = 0; y < 4; ++y)
+                for (int x = 0; x < width; ++x)
+                    model::set_bit(expected.data(), stride, x, y,
+                                   static_cast<int>(image.getPixel(x, y)) <= threshold);
             image.convertToBitonal(threshold);
             EXPECT_EQ(bytes_of(image), expected);
             EXPECT_EQ(image.getType(), common::kBitonal);
             EXPECT_EQ(image.getYResolution(), 100);
+            const Bytes grey = grey_of(image);
             image.convertToGrey();
-            EXPECT_EQ(bytes_of(image), model::grey_from_bitonal(expected.data(), 4, width,
-                                                                model::word_stride(width)));
+            EXPECT_EQ(bytes_of(image), grey);
         }
     }
 }
 
+// Bitonal pages take the source where the mask is black, grey ones where it is not; colour stays.
 TEST(BasicImage, MasksAndPaper) {
-    for (int type : {1, 2, 3}) {
+    for (const int type : {1, 2, 3}) {
         BasicImage image = noise(6, 41, type, 1);
         const BasicImage source = noise(6, 41, type, 2);
         const BasicImage mask = noise(6, 41, type, 3);
-        const auto expected = model::copy_where_mask_is_black(type, bytes_of(image),
-                                                              bytes_of(source), bytes_of(mask));
+        Bytes expected = bytes_of(image);
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            const int taken = type == 1 ? mask.getData()[i] : type == 2 ? ~mask.getData()[i] : 0;
+            expected[i] =
+                static_cast<std::uint8_t>((expected[i] & ~taken) | (source.getData()[i] & taken));
+        }
         image.copyWhereMaskIsBlack(source, mask);
         EXPECT_EQ(bytes_of(image), expected);
         image.fillWhite();
-        EXPECT_EQ(bytes_of(image),
-                  std::vector<std::uint8_t>(expected.size(), type == common::kBitonal ? 0 : 255));
+        EXPECT_EQ(bytes_of(image), Bytes(expected.size(), type == common::kBitonal ? 0 : 255));
     }
 }
 
+using Rectangle = std::array<double, 4>;  // right, bottom, left, top
+
+Rectangle white_rectangle(const BasicImage& image) {
+    const common::WhiteRectangle r = image.findLargestWhiteRectangle();
+    return {r.right, r.bottom, r.left, r.top};
+}
+
+// Every white pixel proposes the rectangle that hangs from the top of its white column down to it,
+// as wide as it goes; the first of the largest wins, in raster order of the proposing pixels.
+Rectangle expected_white_rectangle(const BasicImage& image) {
+    const int width = image.getWidth();
+    std::vector<int> whites(static_cast<std::size_t>(width) + 2, 0);  // above, with a black margin
+    Rectangle best{};
+    int best_area = 0;
+    for (int y = 0; y < image.getHeight(); ++y) {
+        for (int x = 0; x < width; ++x) {
+            int& count = whites[static_cast<std::size_t>(x + 1)];
+            count = image.getPixel(x, y) != 0 ? 0 : count + 1;
+        }
+        for (auto column = whites.begin() + 1; column != whites.end() - 1; ++column) {
+            const auto lower = [&](int count) { return count < std::max(*column, 1); };
+            const auto right = std::find_if(column, whites.end(), lower);
+            const auto left =
+                std::find_if(std::reverse_iterator(column), whites.rend(), lower).base();
+            const int area = static_cast<int>(right - left) * *column;
+            if (area <= best_area) continue;
+            best_area = area;
+            best = {static_cast<double>(right - whites.begin() - 1), y + 1.0,
+                    static_cast<double>(left - whites.begin() - 1), y + 1.0 - *column};
+        }
+    }
+    return best;
+}
+
 TEST(BasicImage, LargestWhiteRectangleIsTheFirstOfTheLargest) {
-    const auto as_array = [](const common::WhiteRectangle& r) {
-        return std::array<double, 4>{r.right, r.bottom, r.left, r.top};
-    };
-    EXPECT_EQ(as_array(BasicImage(5, 10, common::kBitonal, 300, 300).findLargestWhiteRectangle()),
-              (std::array<double, 4>{10, 5, 0, 0}));
-    EXPECT_EQ(as_array(BasicImage().findLargestWhiteRectangle()), (std::array<double, 4>{}));
+    EXPECT_EQ(white_rectangle(BasicImage(5, 10, common::kBitonal, 300, 300)),
+              (Rectangle{10, 5, 0, 0}));
+    EXPECT_EQ(white_rectangle(BasicImage()), (Rectangle{}));
     for (std::uint32_t seed = 0; seed < 60; ++seed) {
         support::Random random(seed);
-        const int width = random.between(1, 40);
-        const int height = random.between(1, 30);
-        BasicImage image(height, width, common::kBitonal, 300, 300);
-        const auto bytes =
-            support::random_bitonal(height, static_cast<std::size_t>(image.getBytesPerLine()),
-                                    seed % 2 == 0 ? 0.05 : 0.5, seed);
+        BasicImage image(random.between(1, 30), random.between(1, 40), common::kBitonal, 300, 300);
+        const Bytes bytes = support::random_bitonal(
+            image.getHeight(), static_cast<std::size_t>(image.getBytesPerLine()),
+            seed % 2 == 0 ? 0.05 : 0.5, seed);
         std::copy(bytes.begin(), bytes.end(), image.getData());
-        ASSERT_EQ(
-            as_array(image.findLargestWhiteRectangle()),
-            model::largest_white_rectangle(bytes.data(), height, width, image.getBytesPerLine()))
-            << seed;
+        ASSERT_EQ(white_rectangle(image), expected_white_rectangle(image)) << seed;
+    }
+}
+
+// Where the next row goes and the oldest lies follows from the pushes since the ring was empty.
+TEST(CircularBuffer2D, HoldsTheLastRows) {
+    constexpr int kLength = 3;
+    for (int capacity = 1; capacity <= 5; ++capacity) {
+        common::CircularBuffer2D<int> ring(kLength, capacity);
+        const int* const base = ring.oldest_row();
+        std::deque<int> rows;
+        int pushes = 0;
+        support::Random random(static_cast<std::uint32_t>(capacity));
+        for (int step = 0; step < 200; ++step) {
+            if (random.chance(0.35)) {
+                ring.pop();
+                if (!rows.empty()) rows.pop_front();
+            } else {
+                std::fill_n(ring.write_row(), kLength, step);
+                ring.push();
+                rows.push_back(step);
+                if (++pushes; static_cast<int>(rows.size()) > capacity) rows.pop_front();
+            }
+            const int count = static_cast<int>(rows.size());
+            if (count == 0) pushes = 0;
+            ASSERT_EQ(ring.count(), count);
+            ASSERT_EQ(ring.write_row() - base, pushes % capacity * kLength);
+            if (count == 0) continue;
+            ASSERT_EQ(ring.oldest_row() - base, (pushes - count) % capacity * kLength);
+            ASSERT_EQ(*ring.oldest_row(), rows.front());
+            ASSERT_EQ(*ring.previous_row(), rows.back());
+        }
     }
 }
 
@@ -219,8 +301,10 @@ TEST(BasicImage, SaysWhatWentWrong) {
     const std::string assigned = text_of([&] { target = bitonal; });
     const std::string converted =
         text_of([&] { BasicImage grey(static_cast<const common::Image&>(bitonal)); });
+    const std::string ring = text_of([] { common::CircularBuffer2D<int>(4, 4); });
     support::allocations_until_failure = -1;
     prepro_redefine_malloc(nullptr);
+    EXPECT_EQ(ring, "error while constructing CircularBuffer2D, could not allocate enough memory");
     EXPECT_EQ(constructed,
               "string: error while constructing BasicImage 12 x 34 no data, could not allocate "
               "enough memory");

@@ -84,35 +84,34 @@ TEST_F(DebugFiles, TheStreamReadsAndSeeks) {
     boost::iostreams::stream<diag::easy_file_sink<char>> file(sink);
     file << "hello" << std::flush;
     file.seekg(1);
-    char text[5] = {};
-    file.read(text, 4);
-    EXPECT_STREQ(text, "ello");
+    std::string text;
+    file >> text;
+    EXPECT_EQ(text, "ello");
 }
 
 TEST_F(DebugFiles, WhatCannotBeMadeSaysWhy) {
     std::ofstream((folder / "file").string()) << "x";
-    EXPECT_EQ(failure(folder / "file" / "log", ios_base::out).substr(0, 46),
-              "creation of easy_file_sink failed for file: " +
-                  (folder / "file" / "log").string().substr(0, 2));
-    const std::string nested = failure(folder / "file" / "b" / "log", ios_base::out);
-    EXPECT_EQ(nested.rfind("error while creating directory " + (folder / "file" / "b").string(), 0),
-              0U)
-        << nested;
-    const std::string deeper = failure(folder / "file" / "b" / "c" / "log", ios_base::out);
-    EXPECT_EQ(
-        deeper.rfind("while creating: \"" + (folder / "file" / "b" / "c").string() + "\"\n", 0), 0U)
-        << deeper;
+    const auto starts = [](const std::string& text, const std::string& start) {
+        EXPECT_EQ(text.substr(0, start.size()), start);
+    };
+    const std::string creation = "creation of easy_file_sink failed for file: ";
+    const fs::path log = folder / "file" / "log";
+    starts(failure(log, ios_base::out), creation + log.string().substr(0, 2));
+    const fs::path b = folder / "file" / "b";
+    starts(failure(b / "log", ios_base::out), "error while creating directory " + b.string());
+    starts(failure(b / "c" / "log", ios_base::out),
+           "while creating: \"" + (b / "c").string() + "\"\n");
     EXPECT_EQ(failure("log", ios_base::out), "could not create: \"\" root does not exist");
     EXPECT_FALSE(fs::exists("log"));
     fs::create_directory(folder / "empty");
-    EXPECT_EQ(failure(folder / "empty", ios_base::app | ios_base::out).rfind("creation of", 0), 0U);
+    starts(failure(folder / "empty", ios_base::app | ios_base::out), "creation of");
     EXPECT_EQ(failure(folder / "empty", ios_base::out), "");
     EXPECT_TRUE(fs::is_regular_file(folder / "empty"));
     fs::create_directories(folder / "full" / "log" / "inside");
     ::testing::internal::CaptureStdout();
     const std::string removal = failure(folder / "full" / "log", ios_base::out);
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), removal + "\n");
-    EXPECT_EQ(removal.rfind("error could not remove file : ", 0), 0U) << removal;
+    starts(removal, "error could not remove file : ");
 }
 
 TEST_F(DebugFiles, ThreadsMakeOverlappingFoldersTogether) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <new>
@@ -81,18 +80,12 @@ TEST_F(MemoryHooks, BufferFailsCleanlyAndOwnsItsBlock) {
 // back.
 template <class Hook>
 void expect_own_slot(void (*install)(Hook), Hook marker, Hook frame::HookTable::*slot) {
-    const auto bytes = [](const frame::HookTable& table) {
-        std::array<std::byte, sizeof(table)> copy{};
-        std::memcpy(copy.data(), &table, sizeof(table));
-        return copy;
-    };
     frame::HookTable expected = frame::kDefaultHooks;
     expected.*slot = marker;
     install(marker);
-    const auto installed = bytes(frame::hooks);
+    EXPECT_EQ(std::memcmp(&frame::hooks, &expected, sizeof(expected)), 0);
     install(nullptr);
-    EXPECT_EQ(installed, bytes(expected));
-    EXPECT_EQ(bytes(frame::hooks), bytes(frame::kDefaultHooks));
+    EXPECT_EQ(std::memcmp(&frame::hooks, &frame::kDefaultHooks, sizeof(expected)), 0);
 }
 
 TEST(HookInstallers, EachHasItsOwnSlotAndNullRestoresIt) {
@@ -117,19 +110,16 @@ TEST(HookInstallers, EachHasItsOwnSlotAndNullRestoresIt) {
 TEST_F(MemoryHooks, DefaultsForwardToTheirLastArgument) {
     const auto& defaults = frame::kDefaultHooks;
     static void* const block = &last_size;
-    EXPECT_EQ(
-        defaults.realloc_hook(
-            block, 7, [](void* given, std::size_t size) { return size == 7 ? given : nullptr; }),
-        block);
-    EXPECT_EQ(defaults.aligned_malloc_hook(8, 16,
-                                           [](std::size_t size, std::size_t alignment) {
-                                               return size == 8 && alignment == 16 ? block
-                                                                                   : nullptr;
-                                           }),
-              block);
-    EXPECT_EQ(
-        defaults.gpu_malloc_hook(9, [](std::size_t size) { return size == 9 ? block : nullptr; }),
-        block);
+    const auto reallocated = [](void* given, std::size_t size) {
+        return size == 7 ? given : nullptr;
+    };
+    const auto aligned = [](std::size_t size, std::size_t alignment) {
+        return size == 8 && alignment == 16 ? block : nullptr;
+    };
+    const auto allocated = [](std::size_t size) { return size == 9 ? block : nullptr; };
+    EXPECT_EQ(defaults.realloc_hook(block, 7, reallocated), block);
+    EXPECT_EQ(defaults.aligned_malloc_hook(8, 16, aligned), block);
+    EXPECT_EQ(defaults.gpu_malloc_hook(9, allocated), block);
     static void* freed;
     defaults.aligned_free_hook(block, [](void* given) { freed = given; });
     EXPECT_EQ(freed, block);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "models/rotation_model.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
@@ -8,17 +10,21 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using BitonalTurn = decltype(&kyd_rotate_180);
 
 constexpr unsigned kUntouched = 0xDEADBEEF;
 
-std::size_t demanded_size(int mode, int height, int stride) {
-    const int size =
-        mode == PREPRO_TURN_HALF ? height * stride : stride / 4 * model::ceil_div(height, 32) * 128;
+struct Shape {
+    int width, height, stride;
+};
+
+std::size_t demanded_size(int mode, const Shape& shape) {
+    const int size = mode == PREPRO_TURN_HALF
+                         ? shape.height * shape.stride
+                         : shape.stride / 4 * model::ceil_div(shape.height, 32) * 128;
     return static_cast<std::size_t>(size);
 }
 
-BitonalTurn function_of(int mode) {
+auto function_of(int mode) {
     return mode == PREPRO_TURN_HALF        ? kyd_rotate_180
            : mode == PREPRO_TURN_CLOCKWISE ? kyd_rotate_090
                                            : kyd_rotate_270;
@@ -26,37 +32,52 @@ BitonalTurn function_of(int mode) {
 
 struct Turned {
     Bytes rows;  // the result without work area
-    unsigned stride;
+    unsigned stride = kUntouched;
+
+    friend bool operator==(const Turned&, const Turned&) = default;
 };
 
-// Turns from a source that ends with the last row's pixels, behind which the sanitizer watches, to
-// a destination of exactly the demanded size, and checks what is around it.
-Turned turn(int mode, const Bytes& src, int width, int height, int stride) {
-    const Bytes exact(src.begin(), src.begin() + (height - 1) * stride + (width + 7) / 8);
-    support::GuardedBuffer dst(demanded_size(mode, height, stride));
-    unsigned out_stride = kUntouched;
-    EXPECT_EQ(function_of(mode)(exact.data(), width, height, stride, dst.data(),
-                                static_cast<int>(dst.size()), &out_stride),
-              0);
+// Into a destination of exactly the demanded size; call(destination, size, out_stride).
+template <class Call>
+Turned turned(int mode, const Shape& shape, Call&& call) {
+    support::GuardedBuffer dst(demanded_size(mode, shape));
+    Turned result;
+    EXPECT_EQ(call(dst.data(), static_cast<int>(dst.size()), &result.stride), 0);
     EXPECT_TRUE(dst.guards_intact());
-    Bytes rows = dst.contents();
-    const auto out_height = static_cast<std::size_t>(mode == PREPRO_TURN_HALF ? height : width);
-    rows.resize(out_height * out_stride);
-    return {rows, out_stride};
+    result.rows = dst.contents();
+    result.rows.resize(
+        static_cast<std::size_t>(mode == PREPRO_TURN_HALF ? shape.height : shape.width) *
+        result.stride);
+    return result;
 }
 
-Bytes model_rows(int mode, const Bytes& src, int width, int height, int stride) {
-    Bytes dst(demanded_size(mode, height, stride));
-    unsigned out_stride = 0;
-    model::kyd_rotate_bitmap(mode, src.data(), height, width, stride, dst.data(),
-                             static_cast<int>(dst.size()), &out_stride);
-    dst.resize(static_cast<std::size_t>(mode == PREPRO_TURN_HALF ? height : width) * out_stride);
-    return dst;
+// From a source that ends with the last row's pixels, behind which the sanitizer watches.
+Turned turn(int mode, const Bytes& src, const Shape& shape) {
+    const Bytes exact(src.begin(),
+                      src.begin() + (shape.height - 1) * shape.stride + (shape.width + 7) / 8);
+    return turned(mode, shape, [&](unsigned char* dst, int size, unsigned* stride) {
+        return function_of(mode)(exact.data(), shape.width, shape.height, shape.stride, dst, size,
+                                 stride);
+    });
 }
 
-struct Shape {
-    int width, height, stride;
-};
+void expect_as_model(const Shape& shape, std::uint32_t seed) {
+    const Bytes src =
+        support::random_bitonal(shape.height, static_cast<std::size_t>(shape.stride), 0.4, seed);
+    for (const int mode : {1, 2, 3}) {
+        const auto with = [&](auto rotate_bitmap) {
+            return turned(mode, shape, [&](unsigned char* dst, int size, unsigned* stride) {
+                return rotate_bitmap(mode, src.data(), shape.height, shape.width, shape.stride, dst,
+                                     size, stride);
+            });
+        };
+        const Turned expected = with(model::kyd_rotate_bitmap);
+        ASSERT_EQ(turn(mode, src, shape), expected)
+            << "code " << mode << ", " << shape.width << " x " << shape.height << ", "
+            << shape.stride;
+        ASSERT_EQ(with(kyd_rotate_bitmap), expected);
+    }
+}
 
 // Around every boundary: bytes, words, 64-bit blocks, vectors, tiles of 512; strides with 0 to
 // thousands of padding bits.
@@ -69,60 +90,39 @@ constexpr Shape kShapes[] = {
 
 TEST(RightAngle, BitonalEqualsTheModelOnEveryTarget) {
     support::on_every_target([] {
-        for (const auto& [width, height, stride] : kShapes) {
-            const Bytes src = support::random_bitonal(height, static_cast<std::size_t>(stride), 0.5,
-                                                      static_cast<std::uint32_t>(width));
-            for (const int mode : {1, 2, 3}) {
-                ASSERT_EQ(turn(mode, src, width, height, stride).rows,
-                          model_rows(mode, src, width, height, stride))
-                    << "code " << mode << ", " << width << " x " << height << ", " << stride;
-            }
+        for (const Shape& shape : kShapes) {
+            expect_as_model(shape, static_cast<std::uint32_t>(shape.width));
         }
     });
-}
-
-TEST(RightAngle, BitonalSizesAtRandom) {
     support::Random random(51);
-    for (int i = 0; i < 200; ++i) {
+    for (std::uint32_t i = 0; i < 200; ++i) {
         const int width = random.between(1, random.chance(0.1) ? 1200 : 140);
         const int height = random.between(1, random.chance(0.1) ? 1200 : 140);
-        const int stride = model::word_stride(width) + 4 * random.between(0, 4);
-        const Bytes src = support::random_bitonal(height, static_cast<std::size_t>(stride), 0.3,
-                                                  static_cast<std::uint32_t>(i));
-        for (const int mode : {1, 2, 3}) {
-            ASSERT_EQ(turn(mode, src, width, height, stride).rows,
-                      model_rows(mode, src, width, height, stride))
-                << "code " << mode << ", " << width << " x " << height << ", " << stride;
-        }
+        expect_as_model({width, height, model::word_stride(width) + 4 * random.between(0, 4)}, i);
     }
 }
 
-TEST(RightAngle, FourQuarterTurnsAreTheIdentity) {
-    const int width = 203;
-    const int height = 77;
-    Bytes page = support::random_bitonal(height, 28, 0.5, 9);
-    for (int y = 0; y < height; ++y) page[static_cast<std::size_t>(28 * y + 25)] &= 0xE0;
-    for (int y = 0; y < height; ++y) {
-        for (std::size_t x : {26U, 27U}) page[static_cast<std::size_t>(28 * y) + x] = 0;
-    }
-    for (const int mode : {1, 3}) {
-        Turned turned{page, 28};
-        for (int quarter = 0; quarter < 4; ++quarter) {
-            const bool upright = quarter % 2 == 0;
-            turned = turn(mode, turned.rows, upright ? width : height, upright ? height : width,
-                          static_cast<int>(turned.stride));
-        }
-        EXPECT_EQ(turned.rows, page);
+TEST(RightAngle, TheUpperLeftCornerGoesWhereItsTurnTakesIt) {
+    const Shape shape{40, 30, 8};
+    Bytes src(30 * 8);
+    src[0] = 0x80;
+    const int corners[][2] = {{0, 39}, {39, 29}, {29, 0}};  // x, y by code
+    for (const int mode : {1, 2, 3}) {
+        const auto& [x, y] = corners[mode - 1];
+        const Turned result = turn(mode, src, shape);
+        EXPECT_TRUE(model::get_bit(result.rows.data(), static_cast<int>(result.stride), x, y));
     }
 }
 
 TEST(RightAngle, BitonalRejections) {
     Bytes src(64 * 8, 0xFF);
-    struct Case {
+    support::GuardedBuffer dst(512);
+    const Bytes before = dst.contents();
+    unsigned stride = kUntouched;
+    const struct {
         const char* what;
         int mode, width, height, stride, dst_size;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"half turn into one byte too few", 2, 60, 33, 8, 33 * 8 - 1},
         {"counter-clockwise into one byte too few", 1, 60, 33, 8, 511},
         {"clockwise into one byte too few", 3, 60, 33, 8, 511},
@@ -137,55 +137,31 @@ TEST(RightAngle, BitonalRejections) {
         {"negative stride", 2, 1, 1, -4, 512},
         {"no width", 2, 0, 4, 8, 512},
         {"negative height", 1, 4, -1, 8, 512},
-        {"half turn beyond 32 bits", 2, 32, 2147483647, 4, 512},
-        {"quarter turn beyond 32 bits", 1, 32, 2147483647, 2147483644, 2147483647},
+        {"half turn beyond 32 bits", 2, 32, INT_MAX, 4, 512},
+        {"quarter turn beyond 32 bits", 1, 32, INT_MAX, INT_MAX - 3, INT_MAX},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        support::GuardedBuffer dst(512);
-        const Bytes before = dst.contents();
-        unsigned stride = kUntouched;
         EXPECT_EQ(function_of(c.mode)(src.data(), c.width, c.height, c.stride, dst.data(),
                                       c.dst_size, &stride),
                   -1);
         EXPECT_EQ(kyd_rotate_bitmap(c.mode, src.data(), c.height, c.width, c.stride, dst.data(),
                                     c.dst_size, &stride),
                   -1);
-        EXPECT_EQ(dst.contents(), before);
-        EXPECT_EQ(stride, kUntouched);
     }
-    unsigned stride = kUntouched;
-    Bytes dst(512);
     for (const int mode : {1, 2, 3}) {
-        const BitonalTurn function = function_of(mode);
+        const auto function = function_of(mode);
         EXPECT_EQ(function(nullptr, 8, 8, 4, dst.data(), 512, &stride), -1);
         EXPECT_EQ(function(src.data(), 8, 8, 4, nullptr, 512, &stride), -1);
         EXPECT_EQ(function(src.data(), 8, 8, 4, dst.data(), 512, nullptr), -1);
     }
-    EXPECT_EQ(stride, kUntouched);
-}
-
-TEST(RightAngle, BitmapDispatcher) {
-    const Bytes src = support::random_bytes(12 * 40, 3);
-    for (const int mode : {1, 2, 3}) {
-        Bytes dst(demanded_size(mode, 40, 12));
-        unsigned stride = 0;
-        ASSERT_EQ(kyd_rotate_bitmap(mode, src.data(), 40, 70, 12, dst.data(),
-                                    static_cast<int>(dst.size()), &stride),
-                  0);
-        const Turned expected = turn(mode, src, 70, 40, 12);
-        dst.resize(expected.rows.size());
-        EXPECT_EQ(dst, expected.rows);
-        EXPECT_EQ(stride, expected.stride);
-    }
-    unsigned stride = kUntouched;
-    Bytes dst(512, 7);
-    for (const int mode : {0, -1, 5, 90, 2147483647}) {
+    // Other codes than those of the turns do nothing; one of them fails.
+    for (const int mode : {0, -1, 5, 90, INT_MAX}) {
         EXPECT_EQ(kyd_rotate_bitmap(mode, src.data(), 1, 1, 4, dst.data(), 512, &stride), 0);
         EXPECT_EQ(kyd_rotate_bitmap(mode, nullptr, 0, 0, 3, nullptr, 0, nullptr), 0);
     }
     EXPECT_EQ(kyd_rotate_bitmap(4, src.data(), 1, 1, 4, dst.data(), 512, &stride), -1);
-    EXPECT_EQ(dst, Bytes(512, 7));
+    EXPECT_EQ(dst.contents(), before);
     EXPECT_EQ(stride, kUntouched);
 }
 
@@ -193,28 +169,29 @@ TEST(RightAngle, PackedEqualsTheModelOnEveryTarget) {
     constexpr int kSizes[][2] = {{1, 1},   {1, 70},   {70, 1},    {5, 6},    {6, 5},    {16, 16},
                                  {17, 64}, {64, 15},  {65, 66},   {63, 130}, {130, 63}, {18, 300},
                                  {6, 300}, {300, 18}, {129, 257}, {20, 21},  {21, 20}};
+    const auto compare = [](int mode, int height, int width, int pixel_bytes) {
+        SCOPED_TRACE(::testing::Message() << "code " << mode << ", " << height << " x " << width
+                                          << " x " << pixel_bytes);
+        const auto size = static_cast<std::size_t>(height * width * pixel_bytes);
+        const Bytes src = support::random_bytes(size, static_cast<std::uint32_t>(size));
+        support::GuardedBuffer dst(size);
+        Bytes expected(size);
+        int out[2] = {-1, -1};
+        int expected_out[2] = {-2, -2};
+        model::kyd_rotate_color(mode, pixel_bytes, src.data(), height, width, expected.data(),
+                                &expected_out[0], &expected_out[1]);
+        ASSERT_EQ(kyd_rotate_color(mode, pixel_bytes, src.data(), height, width, dst.data(),
+                                   &out[0], &out[1]),
+                  0);
+        ASSERT_EQ(dst.contents(), expected);
+        ASSERT_TRUE(dst.guards_intact());
+        EXPECT_EQ(out[0], expected_out[0]);
+        EXPECT_EQ(out[1], expected_out[1]);
+    };
     support::on_every_target([&] {
         for (const auto& [height, width] : kSizes) {
             for (const int pixel_bytes : {1, 2, 3, 4, 5, 8, 17}) {
-                const auto size = static_cast<std::size_t>(height * width * pixel_bytes);
-                const Bytes src = support::random_bytes(size, static_cast<std::uint32_t>(size));
-                for (const int mode : {1, 2, 3}) {
-                    SCOPED_TRACE(::testing::Message() << "code " << mode << ", " << height << " x "
-                                                      << width << " x " << pixel_bytes);
-                    support::GuardedBuffer dst(size);
-                    Bytes expected(size);
-                    int out[2] = {-1, -1};
-                    int expected_out[2] = {-2, -2};
-                    model::kyd_rotate_color(mode, pixel_bytes, src.data(), height, width,
-                                            expected.data(), &expected_out[0], &expected_out[1]);
-                    ASSERT_EQ(kyd_rotate_color(mode, pixel_bytes, src.data(), height, width,
-                                               dst.data(), &out[0], &out[1]),
-                              0);
-                    ASSERT_EQ(dst.contents(), expected);
-                    ASSERT_TRUE(dst.guards_intact());
-                    EXPECT_EQ(out[0], expected_out[0]);
-                    EXPECT_EQ(out[1], expected_out[1]);
-                }
+                for (const int mode : {1, 2, 3}) compare(mode, height, width, pixel_bytes);
             }
         }
     });
@@ -225,7 +202,7 @@ TEST(RightAngle, PackedRejectionsAndEmptyImages) {
     Bytes dst(64, 7);
     int height = -5;
     int width = -6;
-    for (const int mode : {0, 4, -1, 2147483647}) {
+    for (const int mode : {0, 4, -1, INT_MAX}) {
         EXPECT_EQ(kyd_rotate_color(mode, 1, src.data(), 2, 2, dst.data(), &height, &width), -1);
         EXPECT_EQ(kyd_rotate_color(mode, 1, src.data(), 0, 2, dst.data(), &height, &width), -1);
     }
@@ -237,15 +214,14 @@ TEST(RightAngle, PackedRejectionsAndEmptyImages) {
     EXPECT_EQ(height, -5);
     EXPECT_EQ(width, -6);
 
-    EXPECT_EQ(kyd_rotate_color(1, 1, nullptr, 0, 9, nullptr, &height, &width), 0);
-    EXPECT_EQ(height, 9);
-    EXPECT_EQ(width, 0);
-    EXPECT_EQ(kyd_rotate_color(2, 0, nullptr, 4, -3, nullptr, &height, &width), 0);
-    EXPECT_EQ(height, 4);
-    EXPECT_EQ(width, -3);
-    EXPECT_EQ(kyd_rotate_color(3, 3, src.data(), -2, 7, dst.data(), &height, &width), 0);
-    EXPECT_EQ(height, 7);
-    EXPECT_EQ(width, -2);
+    const int empty[][4] = {{1, 1, 0, 9}, {2, 0, 4, -3}, {3, 3, -2, 7}};
+    for (const auto& [mode, pixel_bytes, rows, columns] : empty) {
+        EXPECT_EQ(
+            kyd_rotate_color(mode, pixel_bytes, nullptr, rows, columns, nullptr, &height, &width),
+            0);
+        EXPECT_EQ(height, mode == 2 ? rows : columns);
+        EXPECT_EQ(width, mode == 2 ? columns : rows);
+    }
     EXPECT_EQ(dst, Bytes(64, 7));
 }
 

@@ -54,15 +54,33 @@ inline Bits shear_rows(const Bits& from, double slope) {
     return to;
 }
 
-inline Bits shear_columns(const Bits& from, double slope) {
-    const int growth = shear_growth(from.width, slope);
-    const int base = slope < 0 ? growth : 0;
-    Bits to(from.height + growth, from.width);
-    for (int x = 0; x < from.width; ++x)
-        for (int y = 0; y < from.height; ++y)
-            if (from.get(x, y)) to.set(x, y + floor_shift(x, slope) + base, true);
+inline Bits transposed(const Bits& from) {
+    Bits to(from.width, from.height);
+    for (int y = 0; y < from.height; ++y)
+        for (int x = 0; x < from.width; ++x) to.set(y, x, from.get(x, y));
     return to;
 }
+
+inline Bits shear_columns(const Bits& from, double slope) {
+    return transposed(shear_rows(transposed(from), slope));
+}
+
+struct AlignedShears {
+    bool three;
+    double row_slope;
+    double column_slope;
+
+    explicit AlignedShears(int yskew) : three(std::abs(yskew) > 25) {
+        const double angle = skew_angle(yskew);
+        row_slope = -shear_tangent(three ? angle / 2 : angle);
+        column_slope = shear_sine(angle);
+    }
+    void measure(int height, int width, int& out_height, int& out_width) const {
+        out_width = width + shear_growth(height, row_slope);
+        out_height = height + shear_growth(out_width, column_slope);
+        if (three) out_width += shear_growth(out_height, row_slope);
+    }
+};
 
 inline int skew_binary_image_aligned_with_skrotimg_mem(
     int skew, int scale, const unsigned char* src, int height, int width, int bytes_per_line,
@@ -76,39 +94,23 @@ inline int skew_binary_image_aligned_with_skrotimg_mem(
         return 0;
     }
     if (std::abs(yskew) > 96) return -1;
-    const bool three = std::abs(yskew) > 25;
-    const double angle = skew_angle(yskew);
-    const double t = shear_tangent(three ? angle / 2 : angle);
-    const double s = shear_sine(angle);
-
-    const int w1 = width + shear_growth(height, -t);
-    const int h1 = height + shear_growth(w1, s);
-    const int w2 = w1 + (three ? shear_growth(h1, -t) : 0);
+    const AlignedShears shears(yskew);
+    int h1 = 0;
+    int w2 = 0;
+    shears.measure(height, width, h1, w2);
     if (w2 > out_width || h1 > out_height) return -1;
 
     report(progress, 0, 3);
-    Bits page = shear_rows(unpack(src, height, width, bytes_per_line), -t);
+    Bits page = shear_rows(unpack(src, height, width, bytes_per_line), shears.row_slope);
     report(progress, 1, 3);
-    page = shear_columns(page, s);
+    page = shear_columns(page, shears.column_slope);
     report(progress, 2, 3);
-    if (three) page = shear_rows(page, -t);
+    if (shears.three) page = shear_rows(page, shears.row_slope);
     const int stride = word_stride(w2);
     for (int y = 0; y < h1; ++y)
         for (int x = 0; x < 8 * stride; ++x) set_bit(dst, stride, x, y, page.get(x, y));
     report(progress, 3, 3);
     return 0;
-}
-
-inline int skew_binary_image_aligned_with_skrotimg_mem_black_background(
-    int skew, int scale, unsigned char* src, int height, int width, int bytes_per_line,
-    unsigned char* dst, int out_height, int out_width, int out_bytes_per_line, Progress progress) {
-    if (!strides_fit(width, bytes_per_line, out_width, out_bytes_per_line)) return -2;
-    complement(src, height, bytes_per_line);
-    const int result = model::skew_binary_image_aligned_with_skrotimg_mem(
-        skew, scale, src, height, width, bytes_per_line, dst, out_height, out_width,
-        out_bytes_per_line, progress);
-    complement(src, height, bytes_per_line);
-    return result;
 }
 
 }  // namespace model

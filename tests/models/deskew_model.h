@@ -152,13 +152,15 @@ inline void complement(unsigned char* image, int height, int stride) {
         image[i] = static_cast<unsigned char>(~image[i]);
 }
 
-inline int skrotbmp_b_mem(int skew, int scale, unsigned char* src, int height, int width,
-                          int bytes_per_line, unsigned char* dst, int out_height, int out_width,
-                          int out_bytes_per_line, Progress progress) {
+// A rotation of the complement: the source comes back as it was.
+template <auto rotation>
+int on_complement(int skew, int scale, unsigned char* src, int height, int width,
+                  int bytes_per_line, unsigned char* dst, int out_height, int out_width,
+                  int out_bytes_per_line, Progress progress) {
     if (!strides_fit(width, bytes_per_line, out_width, out_bytes_per_line)) return -2;
     complement(src, height, bytes_per_line);
-    const int result = model::skrotbmp_mem(skew, scale, src, height, width, bytes_per_line, dst,
-                                           out_height, out_width, out_bytes_per_line, progress);
+    const int result = rotation(skew, scale, src, height, width, bytes_per_line, dst, out_height,
+                                out_width, out_bytes_per_line, progress);
     complement(src, height, bytes_per_line);
     return result;
 }

@@ -41,55 +41,47 @@ inline bool strongly_coloured(const unsigned char* pixel) {
     return std::max({pixel[0], pixel[1], pixel[2]}) - std::min({pixel[0], pixel[1], pixel[2]}) > 84;
 }
 
-// Delivers source row y0 first and the rows below it one by one.
+// The rows of a region from the caller's reader, asked for in their order.
 struct Rows {
     RowReader reader;
     void* ctx;
     std::vector<unsigned char> row;
 
-    Rows(RowReader r, void* c, int bytes, int y0)
-        : reader(r), ctx(c), row(static_cast<std::size_t>(bytes)) {
+    Rows(RowReader r, void* c, int bytes_per_pixel, const Region& at)
+        : reader(r), ctx(c), row(offset(at.width, bytes_per_pixel, 0)) {
         reader(ctx, 0, row.data());
-        for (int y = 0; y < y0; ++y) next();
+        for (int y = 0; y < at.y0; ++y) reader(ctx, 1, row.data());
     }
-    void next() { reader(ctx, 1, row.data()); }
-    const unsigned char* pixel(int x, int bytes_per_pixel) const {
-        return row.data() + offset(x, bytes_per_pixel, 0);
+    const unsigned char* operator()(int k) {
+        if (k > 0) reader(ctx, 1, row.data());
+        return row.data();
     }
 };
 
 using Grey = std::vector<unsigned char>;
 
-inline void grey_from_reader(RowReader reader, void* ctx, int type, const Region& at, Grey& grey) {
-    const int bytes = type == 1 ? 1 : 3;
-    Rows first(reader, ctx, at.width * bytes, at.y0);
+// Calls visit(grey, pixel) for every pixel of the region; `row_of(k)` is row y0 + k of the source.
+template <typename RowOf, typename Visit>
+void for_each_pixel(const Region& at, int bytes, Grey& grey, RowOf row_of, Visit visit) {
     for (int k = 0; k < at.h(); ++k) {
-        if (k > 0) first.next();
-        for (int j = 0; j < at.w(); ++j) {
-            const unsigned char* pixel = first.pixel(at.x0 + j, bytes);
-            grey[offset(k, at.w(), j)] =
-                static_cast<unsigned char>(type == 1 ? *pixel : pixel_luminance(type, pixel));
-        }
-    }
-    if (type == 1) return;
-    Rows second(reader, ctx, at.width * bytes, at.y0);
-    for (int k = 0; k < at.h(); ++k) {
-        if (k > 0) second.next();
-        for (int j = 0; j < at.w(); ++j) {
-            unsigned char& value = grey[offset(k, at.w(), j)];
-            if (value > 200 && strongly_coloured(second.pixel(at.x0 + j, bytes))) value = 200;
-        }
+        const unsigned char* row = row_of(k);
+        for (int j = 0; j < at.w(); ++j)
+            visit(grey[offset(k, at.w(), j)], row + offset(at.x0 + j, bytes, 0));
     }
 }
 
-inline void grey_from_image(const unsigned char* image, const Region& at, Grey& grey) {
-    for (int k = 0; k < at.h(); ++k)
-        for (int j = 0; j < at.w(); ++j) {
-            const unsigned char* pixel = image + offset(at.y0 + k, 3 * at.width, 3 * (at.x0 + j));
-            const int value = pixel_luminance(3, pixel);
-            grey[offset(k, at.w(), j)] =
-                static_cast<unsigned char>(value > 200 && strongly_coloured(pixel) ? 200 : value);
-        }
+// The conversion and the hold on strong light colours, each by a pass of its own where a reader
+// delivers the rows; start() begins a pass and gives its row_of.
+template <typename Start>
+void grey_of_source(Start start, int type, const Region& at, Grey& grey) {
+    const int bytes = type == 1 ? 1 : 3;
+    for_each_pixel(at, bytes, grey, start(), [&](unsigned char& value, const unsigned char* pixel) {
+        value = static_cast<unsigned char>(type == 1 ? *pixel : pixel_luminance(type, pixel));
+    });
+    if (type == 1) return;
+    for_each_pixel(at, bytes, grey, start(), [](unsigned char& value, const unsigned char* pixel) {
+        if (value > 200 && strongly_coloured(pixel)) value = 200;
+    });
 }
 
 inline bool has_steep_edge(const Grey& grey, int h, int w) {
@@ -125,9 +117,10 @@ inline int prepare_grey(int smooth, RowReader reader, void* ctx, const void* ima
     if (type == 3 && std::min(nb_threads, at.h() / 50) >= 2) {
         const auto* words = static_cast<const unsigned char* const*>(image_record);
         if (!words || !words[3]) return -1;
-        grey_from_image(words[3], at, grey);
+        const auto row_of = [&](int k) { return words[3] + offset(at.y0 + k, 3 * at.width, 0); };
+        grey_of_source([&] { return row_of; }, type, at, grey);
     } else {
-        grey_from_reader(reader, ctx, type, at, grey);
+        grey_of_source([&] { return Rows(reader, ctx, type == 1 ? 1 : 3, at); }, type, at, grey);
     }
     if (at.h() > 1 && at.w() > 1 && smooth != 0 && has_steep_edge(grey, at.h(), at.w()))
         grey = smoothed(grey, at.h(), at.w(), 256 - smooth);
@@ -179,13 +172,13 @@ inline int otsu_threshold(const Grey& grey) {
 inline int drop_colours(Dropout dropout, void* context, RowReader reader, void* ctx,
                         const Region& at, unsigned char* out) {
     if (!at.valid()) return -1;
-    Rows rows(reader, ctx, at.width * 3, at.y0);
+    const int stride = word_stride(at.w());
+    Rows rows(reader, ctx, 3, at);
     for (int k = 0; k < at.h(); ++k) {
-        if (k > 0) rows.next();
+        const unsigned char* row = rows(k);
         for (int j = 0; j < at.w(); ++j)
-            if (get_bit(out, word_stride(at.w()), j, k) &&
-                dropout(context, rows.pixel(at.x0 + j, 3)) == 1)
-                set_bit(out, word_stride(at.w()), j, k, false);
+            if (get_bit(out, stride, j, k) && dropout(context, row + 3 * (at.x0 + j)) == 1)
+                set_bit(out, stride, j, k, false);
     }
     return 0;
 }

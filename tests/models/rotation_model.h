@@ -1,15 +1,7 @@
 // Right-angle rotations, one pixel at a time.
 //
-// Defined bytes of `dst` after success:
-//  - kyd_rotate_180: all height * bytes_per_line bytes.
-//  - kyd_rotate_270 and kyd_rotate_090: the result is the first `width` rows of 4 * ceil(height /
-//  32) bytes. The rest of
-//    the demanded work area (up to 8 * bytes_per_line rows) is scratch: the models leave there what
-//    the word-block method leaves, row i holding the source's bit column 8 * bytes_per_line - 1 -
-//    i, so that a test may compare the whole area if the code under test promises that; a caller
-//    may only rely on the first `width` rows.
-//  - kyd_rotate_color: height * width * bytes_per_pixel bytes.
-// Nothing is written on rejection, nor beyond these bytes.
+// Written on success: by kyd_rotate_180 all height * bytes_per_line bytes, by the quarter turns the
+// `width` rows of 4 * ceil(height / 32) bytes of the result, not the work area behind them.
 #pragma once
 
 #include <cstring>
@@ -32,53 +24,33 @@ inline int kyd_rotate_180(const unsigned char* src, int width, int height, int b
     return 0;
 }
 
-inline int kyd_rotate_270(const unsigned char* src, int width, int height, int bytes_per_line,
-                          unsigned char* dst, int dst_size, unsigned int* out_bytes_per_line) {
+inline int quarter_turn(bool clockwise, const unsigned char* src, int width, int height,
+                        int bytes_per_line, unsigned char* dst, int dst_size,
+                        unsigned int* out_bytes_per_line) {
     if (bytes_per_line % 4 != 0) return -1;
-    const int columns = 8 * bytes_per_line;
     const int stride = word_stride(height);
-    const long long size = static_cast<long long>(columns) * stride;
-    if (size > dst_size) return -1;
-    std::memset(dst, 0, static_cast<std::size_t>(size));
-    for (int row = 0; row < columns; ++row) {
-        const int x = row < width ? width - 1 - row : columns - 1 - row;
-        for (int y = 0; y < height; ++y)
-            set_bit(dst, stride, y, row, get_bit(src, bytes_per_line, x, y));
-    }
-    *out_bytes_per_line = static_cast<unsigned int>(stride);
-    return 0;
-}
-
-inline int kyd_rotate_090(const unsigned char* src, int width, int height, int bytes_per_line,
-                          unsigned char* dst, int dst_size, unsigned int* out_bytes_per_line) {
-    if (model::kyd_rotate_270(src, width, height, bytes_per_line, dst, dst_size,
-                              out_bytes_per_line) != 0)
-        return -1;
-    const int stride = word_stride(height);
+    if (8LL * bytes_per_line * stride > dst_size) return -1;
+    std::memset(dst, 0, offset(width, stride, 0));
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            set_bit(dst, stride, height - 1 - y, x, get_bit(src, bytes_per_line, x, y));
+        for (int x = 0; x < width; ++x) {
+            const int to_x = clockwise ? height - 1 - y : y;
+            const int to_y = clockwise ? x : width - 1 - x;
+            set_bit(dst, stride, to_x, to_y, get_bit(src, bytes_per_line, x, y));
+        }
+    *out_bytes_per_line = static_cast<unsigned int>(stride);
     return 0;
 }
 
 inline int kyd_rotate_bitmap(int mode, const unsigned char* src, int height, int width,
                              int bytes_per_line, unsigned char* dst, int dst_size,
                              unsigned int* out_bytes_per_line) {
-    switch (mode) {
-        case 1:
-            return model::kyd_rotate_270(src, width, height, bytes_per_line, dst, dst_size,
-                                         out_bytes_per_line);
-        case 2:
-            return model::kyd_rotate_180(src, width, height, bytes_per_line, dst, dst_size,
-                                         out_bytes_per_line);
-        case 3:
-            return model::kyd_rotate_090(src, width, height, bytes_per_line, dst, dst_size,
-                                         out_bytes_per_line);
-        case 4:
-            return -1;
-        default:
-            return 0;
-    }
+    if (mode == 1 || mode == 3)
+        return quarter_turn(mode == 3, src, width, height, bytes_per_line, dst, dst_size,
+                            out_bytes_per_line);
+    if (mode == 2)
+        return model::kyd_rotate_180(src, width, height, bytes_per_line, dst, dst_size,
+                                     out_bytes_per_line);
+    return mode == 4 ? -1 : 0;
 }
 
 inline int kyd_rotate_color(int mode, int bytes_per_pixel, const unsigned char* src, int height,

@@ -10,51 +10,35 @@
 #include <ostream>
 #include <vector>
 
+#include "field.h"
 #include "pixels.h"
 
 namespace model {
 
-// Cells of a working image, row by row.
-struct Cells {
-    int rows;
-    int columns;
-    std::vector<int> cell;
-
-    Cells(int r, int c)
-        : rows(r), columns(c), cell(static_cast<std::size_t>(r) * static_cast<std::size_t>(c), 0) {}
-    int& at(int r, int c) { return cell[offset(r, columns, c)]; }
-    int at(int r, int c) const { return cell[offset(r, columns, c)]; }
-};
-
-inline Cells count_cells(const unsigned char* src, int height, int width, int stride,
+inline Field count_cells(const unsigned char* src, int height, int width, int stride,
                          int cell_height, int cell_width) {
-    Cells counts(height / cell_height, 8 * stride / cell_width);
-    for (int y = 0; y < counts.rows * cell_height; ++y)
+    Field counts(height / cell_height, 8 * stride / cell_width);
+    for (int y = 0; y < counts.height * cell_height; ++y)
         for (int x = 0; x < width / 8 * 8; ++x)
             counts.at(y / cell_height, x / cell_width) += get_bit(src, stride, x, y) ? 1 : 0;
     return counts;
 }
 
-inline Cells row_edges(const Cells& counts) {
-    Cells edges(counts.rows, counts.columns);
-    for (int r = 1; r < counts.rows; ++r)
-        for (int c = 0; c < counts.columns; ++c)
-            edges.at(r, c) = std::abs(counts.at(r, c) - counts.at(r - 1, c));
+// Differences from the cell that is so many rows up and columns to the left, where there is one.
+inline Field edges_from(const Field& counts, int up, int left) {
+    Field edges(counts.height, counts.width);
+    for_each_cell(counts, [&](int r, int c) {
+        if (counts.inside(r - up, c - left))
+            edges.at(r, c) = std::abs(counts.at(r, c) - counts.at(r - up, c - left));
+    });
     return edges;
 }
 
-inline Cells column_edges(const Cells& counts) {
-    Cells edges(counts.rows, counts.columns);
-    for (int r = 0; r < counts.rows; ++r)
-        for (int c = 1; c < counts.columns; ++c)
-            edges.at(r, c) = std::abs(counts.at(r, c) - counts.at(r, c - 1));
-    return edges;
-}
-
-inline Cells reduce_cells(const Cells& full) {
-    Cells half(full.rows / 2, full.columns / 2);
-    for (int r = 0; r < half.rows * 2; ++r)
-        for (int c = 0; c < half.columns * 2; ++c) half.at(r / 2, c / 2) += full.at(r, c);
+inline Field reduce_cells(const Field& full) {
+    Field half(full.height / 2, full.width / 2);
+    for_each_cell(full, [&](int r, int c) {
+        if (half.inside(r / 2, c / 2)) half.at(r / 2, c / 2) += full.at(r, c);
+    });
     return half;
 }
 
@@ -68,6 +52,10 @@ inline double skew_degrees(int skew) {
     return 180 * angle / 3.14159265;
 }
 
+inline void trace_angle(std::ostream& trace, int skew) {
+    trace << "corresponds to angle: " << skew_degrees(skew) << " degrees\n\n";
+}
+
 enum class Along { kRows, kColumns };
 
 struct SearchResult {
@@ -77,7 +65,7 @@ struct SearchResult {
     double worst_power;
 };
 
-inline SearchResult skew_search(const Cells& image, Along along, int centre, int range, int step,
+inline SearchResult skew_search(const Field& image, Along along, int centre, int range, int step,
                                 std::ostream* trace) {
     const bool rows = along == Along::kRows;
     std::vector<int> candidates;
@@ -86,8 +74,8 @@ inline SearchResult skew_search(const Cells& image, Along along, int centre, int
     int largest = 0;
     for (int s : candidates) largest = std::max(largest, std::abs(s));
     const int margin = static_cast<int>(static_cast<long long>(largest) *
-                                        (rows ? image.columns : image.rows) / 64);
-    const int bins = (rows ? image.rows : image.columns) + 2 * margin;
+                                        (rows ? image.width : image.height) / 64);
+    const int bins = (rows ? image.height : image.width) + 2 * margin;
 
     SearchResult found{candidates[0], 0.0, candidates[0], 0.0};
     if (trace) *trace << "line projections:\n";
@@ -95,13 +83,12 @@ inline SearchResult skew_search(const Cells& image, Along along, int centre, int
         std::vector<long long> bin(static_cast<std::size_t>(bins), 0);
         int lo = bins;
         int hi = -1;
-        for (int r = 0; r < image.rows; ++r)
-            for (int c = 0; c < image.columns; ++c) {
-                const int k = (rows ? r + s * c / 64 : c + s * r / 64) + margin;
-                bin.at(static_cast<std::size_t>(k)) += image.at(r, c);
-                lo = std::min(lo, k);
-                hi = std::max(hi, k);
-            }
+        for_each_cell(image, [&](int r, int c) {
+            const int k = (rows ? r + s * c / 64 : c + s * r / 64) + margin;
+            bin.at(static_cast<std::size_t>(k)) += image.at(r, c);
+            lo = std::min(lo, k);
+            hi = std::max(hi, k);
+        });
         double power = 0.0;
         if (trace) *trace << "yskew :" << s << " : ";
         for (int k = lo + 1; k <= (rows ? hi : hi - 1); ++k) {
@@ -124,8 +111,8 @@ inline SearchResult skew_search(const Cells& image, Along along, int centre, int
         *trace << "\nworst yskew on " << where << ": " << found.worst
                << " with power: " << found.worst_power << "\n"
                << "best yskew on " << where << ": " << found.best
-               << " with power: " << found.best_power << "\n"
-               << "corresponds to angle: " << skew_degrees(found.best) << " degrees\n\n";
+               << " with power: " << found.best_power << "\n";
+        trace_angle(*trace, found.best);
     }
     return found;
 }
@@ -136,7 +123,7 @@ struct SkewEstimate {
     double confidence;
 };
 
-inline SkewEstimate skew_along(const Cells& edges, Along along, std::ostream* trace) {
+inline SkewEstimate skew_along(const Field& edges, Along along, std::ostream* trace) {
     const char* lines = along == Along::kRows ? "rows" : "columns";
     const char* where = along == Along::kRows ? "rows" : "cols";
     if (trace) *trace << "rough estimation on " << lines << "\n";
@@ -152,10 +139,6 @@ inline SkewEstimate skew_along(const Cells& edges, Along along, std::ostream* tr
     return {fine.best, fine.best_power, confidence};
 }
 
-inline void trace_angle(std::ostream& trace, int skew) {
-    trace << "corresponds to angle: " << skew_degrees(skew) << " degrees\n\n";
-}
-
 inline int estimate_skew_of_binary_image(std::ostream* trace, const unsigned char* src, int height,
                                          int width, int bytes_per_line, int* yskew, int* scale,
                                          double* confidence, int* out_height, int* out_width) {
@@ -165,11 +148,10 @@ inline int estimate_skew_of_binary_image(std::ostream* trace, const unsigned cha
     if (bytes_per_line % 4 != 0 || bytes_per_line / 4 < ceil_div(width, 32)) return -1;
     if (height < 32 || bytes_per_line < 4 || width < 32) return -1;
 
-    const Cells rows_image = row_edges(count_cells(src, height, width, bytes_per_line, 2, 16));
-    const SkewEstimate rows = skew_along(rows_image, Along::kRows, trace);
-    const Cells columns_image =
-        column_edges(count_cells(src, height, width, bytes_per_line, 16, 2));
-    const SkewEstimate columns = skew_along(columns_image, Along::kColumns, trace);
+    const Field wide_cells = count_cells(src, height, width, bytes_per_line, 2, 16);
+    const SkewEstimate rows = skew_along(edges_from(wide_cells, 1, 0), Along::kRows, trace);
+    const Field tall_cells = count_cells(src, height, width, bytes_per_line, 16, 2);
+    const SkewEstimate columns = skew_along(edges_from(tall_cells, 0, 1), Along::kColumns, trace);
 
     const bool on_rows = rows.confidence > columns.confidence;
     int skew = on_rows ? rows.skew : -columns.skew;
@@ -193,13 +175,6 @@ inline int estimate_skew_of_binary_image(std::ostream* trace, const unsigned cha
     const int words = ceil_div(*out_width, 32);
     *out_height = height + static_cast<int>(std::llabs(4LL * words * skew / 64));
     return 0;
-}
-
-inline int skbitmap_mem(const unsigned char* src, int height, int width, int bytes_per_line,
-                        int* yskew, int* scale, int* out_height, int* out_width) {
-    double confidence = 0;
-    return model::estimate_skew_of_binary_image(nullptr, src, height, width, bytes_per_line, yskew,
-                                                scale, &confidence, out_height, out_width);
 }
 
 }  // namespace model
