@@ -8,7 +8,6 @@
 #include "cleaning/despeckle.h"
 
 #include <algorithm>
-#include <new>
 
 #include "cleaning/busy_regions.h"
 #include "cleaning/component_stream.h"
@@ -48,14 +47,10 @@ class JudgedRule {
     ComponentJudge judge_;
 };
 
-void require(std::int32_t result) {
-    if (result < 0) throw std::bad_alloc();
-}
-
 void widen(common::MutableBitonalView page, std::int32_t distance) {
     const auto stride = static_cast<std::int32_t>(page.stride);
-    require(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
-    require(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    require_memory(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    require_memory(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
 }
 
 template <class Rule>
@@ -106,22 +101,11 @@ void despeckle_busy_regions(common::MutableBitonalView page, std::int32_t max_ar
                             std::int32_t density) {
     const BusyRegions busy(page, density);
     if (!busy.any()) return;
-    const auto bytes = static_cast<std::size_t>(common::bitonal_bytes(page.width));
-    PageCopy copy(page);
-    const common::MutableBitonalView inner = copy.view();
-    for (std::int32_t y = 0; y < page.height; ++y) {
-        const std::uint8_t* const mask = busy.row(y);
-        std::uint8_t* const ink = inner.row(y);
-        for (std::size_t i = 0; i < bytes; ++i) ink[i] = ink[i] & mask[i];
-    }
-    despeckle(inner, max_area);
-    for (std::int32_t y = 0; y < page.height; ++y) {
-        const std::uint8_t* const mask = busy.row(y);
-        const std::uint8_t* const kept = inner.row(y);
-        std::uint8_t* const to = page.row(y);
-        for (std::size_t i = 0; i < bytes; ++i)
-            to[i] = to[i] & (kept[i] | static_cast<std::uint8_t>(~mask[i]));
-    }
+    PageCopy inner(page);
+    combine_pages(inner.view(), busy, [](int ink, int mask) { return ink & mask; });
+    despeckle(inner.view(), max_area);
+    combine_pages(inner.view(), busy, [](int kept, int mask) { return kept | ~mask; });
+    and_page(page, inner.view());
 }
 
 }  // namespace cleaning

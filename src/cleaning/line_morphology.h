@@ -9,7 +9,6 @@
 #pragma once
 
 #include <cstdint>
-#include <new>
 
 #include "cleaning/line_removal.h"
 #include "cleaning/run_morphology.h"
@@ -19,35 +18,43 @@ namespace cleaning {
 class LineMorphology {
   public:
     LineMorphology(LineDirection direction, std::int32_t stride, const LineZone& zone)
-        : horizontal_(direction == LineDirection::kHorizontal), stride_(stride), zone_(zone) {}
+        : along_(direction == LineDirection::kHorizontal ? kRows : kColumns),
+          across_(direction == LineDirection::kHorizontal ? kColumns : kRows),
+          stride_(stride),
+          zone_(zone) {}
 
     void fill_gaps_along(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? h_fill_gaps : v_fill_gaps, n, image);
+        run(along_.fill_gaps, n, image);
     }
     void fill_gaps_across(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? v_fill_gaps : h_fill_gaps, n, image);
+        run(across_.fill_gaps, n, image);
     }
     void remove_short_along(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? h_remove_short : v_remove_short, n, image);
+        run(along_.remove_short, n, image);
     }
     void remove_short_across(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? v_remove_short : h_remove_short, n, image);
+        run(across_.remove_short, n, image);
     }
-    void dilate_along(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? h_dilate : v_dilate, n, image);
-    }
-    void dilate_across(std::int32_t n, std::uint8_t* image) const {
-        run(horizontal_ ? v_dilate : h_dilate, n, image);
-    }
+    void dilate_along(std::int32_t n, std::uint8_t* image) const { run(along_.dilate, n, image); }
+    void dilate_across(std::int32_t n, std::uint8_t* image) const { run(across_.dilate, n, image); }
 
   private:
-    void run(decltype(&h_dilate) operation, std::int32_t n, std::uint8_t* image) const {
-        if (operation(nullptr, n, image, stride_, zone_.x0, zone_.x1, zone_.y0, zone_.y1) < 0) {
-            throw std::bad_alloc();
-        }
+    using Operation = decltype(&h_dilate);
+    struct Operations {
+        Operation fill_gaps;
+        Operation remove_short;
+        Operation dilate;
+    };
+    static constexpr Operations kRows{h_fill_gaps, h_remove_short, h_dilate};
+    static constexpr Operations kColumns{v_fill_gaps, v_remove_short, v_dilate};
+
+    void run(Operation operation, std::int32_t n, std::uint8_t* image) const {
+        require_memory(
+            operation(nullptr, n, image, stride_, zone_.x0, zone_.x1, zone_.y0, zone_.y1));
     }
 
-    bool horizontal_;
+    const Operations& along_;
+    const Operations& across_;
     std::int32_t stride_;
     LineZone zone_;
 };

@@ -12,9 +12,10 @@
 
 namespace cleaning {
 
-// Calls combine(byte of page, byte of other) for two pages of the same size.
-template <class Combine>
-void combine_pages(common::MutableBitonalView page, common::BitonalView other, Combine combine) {
+// Each byte of a page becomes combine(it, the byte of the other), of which the low eight bits
+// count. Other: a page of the same size, or what else has a row(y) of as many bytes.
+template <class Other, class Combine>
+void combine_pages(common::MutableBitonalView page, const Other& other, Combine combine) {
     const auto bytes = static_cast<std::size_t>(common::bitonal_bytes(page.width));
     for (std::int32_t y = 0; y < page.height; ++y) {
         std::uint8_t* const a = page.row(y);

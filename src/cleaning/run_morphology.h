@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 
 #include "diag/logger.h"
 
@@ -49,5 +50,10 @@ std::int32_t h_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* imag
 std::int32_t v_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                      std::int32_t y1);
+
+// Throws std::bad_alloc for the result of an operation that had no memory.
+inline void require_memory(std::int32_t result) {
+    if (result < 0) throw std::bad_alloc();
+}
 
 }  // namespace cleaning

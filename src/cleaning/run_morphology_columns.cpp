@@ -31,14 +31,15 @@ void copy_strip_row(std::uint8_t* to, const std::uint8_t* from, std::size_t size
 class ColumnStrips {
   public:
     // Windows have up to `length` pixels.
-    ColumnStrips(std::uint8_t* image, std::int32_t stride, std::int32_t x0, std::int32_t x1,
-                 std::int32_t y0, std::int32_t y1, std::size_t length)
-        : bytes_(x0, x1),
-          first_row_(image + std::ptrdiff_t{y0} * stride + bytes_.first),
-          stride_(stride),
-          rows_(static_cast<std::size_t>(std::int64_t{y1} - y0)),
+    ColumnStrips(const Zone& zone, std::size_t length)
+        : bytes_(zone.x0, zone.x1),
+          first_row_(zone.row() + bytes_.first),
+          stride_(zone.stride),
+          rows_(zone.height()),
           count_((rows_ + length) * kStripWords),
           string_(count_, simd::margin_words(length * kStripPixels)) {}
+
+    static std::size_t extent(const Zone& zone) { return zone.height(); }
 
     explicit operator bool() const { return static_cast<bool>(string_); }
 
@@ -105,47 +106,30 @@ class ColumnStrips {
     PixelString string_;
 };
 
-template <CombineStep kFirst, CombineStep kSecond>
-std::int32_t slide_along_columns(diag::LoggerSlot logger, std::size_t length, std::uint8_t* image,
-                                 std::int32_t stride, std::int32_t x0, std::int32_t x1,
-                                 std::int32_t y0, std::int32_t y1) {
-    return slide_windows<kFirst, kSecond>(
-        logger, ColumnStrips(image, stride, x0, x1, y0, y1, length), length);
-}
-
 }  // namespace
 
 std::int32_t v_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                          std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                          std::int32_t y1) {
-    // A gap, like a run, is at least a pixel long: none is shorter than 1.
-    if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_columns<simd::or_preceding, simd::and_following>(
-        logger, effective_length(n, y0, y1), image, stride, x0, x1, y0, y1);
+    return fill_gaps<ColumnStrips>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t v_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                             std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                             std::int32_t y1) {
-    if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_columns<simd::and_following, simd::or_preceding>(
-        logger, effective_length(n, y0, y1), image, stride, x0, x1, y0, y1);
+    return remove_short<ColumnStrips>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t v_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                       std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                       std::int32_t y1) {
-    if (nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_columns<simd::or_preceding, simd::or_following>(
-        logger, effective_length(n, y0, y1) + 1, image, stride, x0, x1, y0, y1);
+    return dilate<ColumnStrips>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t v_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                      std::int32_t y1) {
-    if (nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_columns<simd::and_preceding, simd::and_following>(
-        logger, effective_length(n, y0, y1) + 1, image, stride, x0, x1, y0, y1);
+    return erode<ColumnStrips>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 }  // namespace cleaning

@@ -22,16 +22,17 @@ constexpr std::size_t rounded_up(std::size_t words) {
 class RowBatches {
   public:
     // Windows have up to `length` pixels.
-    RowBatches(std::uint8_t* image, std::int32_t stride, std::int32_t x0, std::int32_t x1,
-               std::int32_t y0, std::int32_t y1, std::size_t length)
-        : bytes_(x0, x1),
-          row_(image + std::ptrdiff_t{y0} * stride + bytes_.first),
-          stride_(stride),
-          rows_left_(static_cast<std::size_t>(std::int64_t{y1} - y0)),
+    RowBatches(const Zone& zone, std::size_t length)
+        : bytes_(zone.x0, zone.x1),
+          row_(zone.row() + bytes_.first),
+          stride_(zone.stride),
+          rows_left_(zone.height()),
           pitch_((bytes_.size + 7) / 8 + length / 64 + 1),
           rows_(std::clamp<std::size_t>(kBatchWords / pitch_, 1, rows_left_)),
           count_(rounded_up(rows_ * pitch_)),
           string_(count_, simd::margin_words(length)) {}
+
+    static std::size_t extent(const Zone& zone) { return zone.width(); }
 
     explicit operator bool() const { return static_cast<bool>(string_); }
 
@@ -97,47 +98,30 @@ class RowBatches {
     PixelString string_;
 };
 
-template <CombineStep kFirst, CombineStep kSecond>
-std::int32_t slide_along_rows(diag::LoggerSlot logger, std::size_t length, std::uint8_t* image,
-                              std::int32_t stride, std::int32_t x0, std::int32_t x1,
-                              std::int32_t y0, std::int32_t y1) {
-    return slide_windows<kFirst, kSecond>(logger, RowBatches(image, stride, x0, x1, y0, y1, length),
-                                          length);
-}
-
 }  // namespace
 
 std::int32_t h_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                          std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                          std::int32_t y1) {
-    // A gap, like a run, is at least a pixel long: none is shorter than 1.
-    if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_rows<simd::or_preceding, simd::and_following>(
-        logger, effective_length(n, x0, x1), image, stride, x0, x1, y0, y1);
+    return fill_gaps<RowBatches>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t h_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                             std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                             std::int32_t y1) {
-    if (n == 1 || nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_rows<simd::and_following, simd::or_preceding>(
-        logger, effective_length(n, x0, x1), image, stride, x0, x1, y0, y1);
+    return remove_short<RowBatches>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t h_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                       std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                       std::int32_t y1) {
-    if (nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_rows<simd::or_preceding, simd::or_following>(
-        logger, effective_length(n, x0, x1) + 1, image, stride, x0, x1, y0, y1);
+    return dilate<RowBatches>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 std::int32_t h_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
                      std::int32_t y1) {
-    if (nothing_to_do(n, x0, x1, y0, y1)) return 0;
-    return slide_along_rows<simd::and_preceding, simd::and_following>(
-        logger, effective_length(n, x0, x1) + 1, image, stride, x0, x1, y0, y1);
+    return erode<RowBatches>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
 }  // namespace cleaning

@@ -6,7 +6,6 @@
 #include "cleaning/text_filter.h"
 
 #include <algorithm>
-#include <new>
 
 #include "cleaning/component_stream.h"
 #include "cleaning/page_copy.h"
@@ -26,10 +25,10 @@ class TextRule {
 
     bool stays(const OpenComponent&) const { return false; }
     bool erases(const OpenComponent& ended) const {
-        const std::int64_t sides[] = {ended.height(), ended.width()};
-        return sides[0] > shape_.max_height ||
-               ended.area < *std::max_element(sides, sides + 2) * shape_.min_density ||
-               ended.area < *std::min_element(sides, sides + 2) * shape_.min_density;
+        const std::int64_t height = ended.height();
+        const std::int64_t width = ended.width();
+        return height > shape_.max_height || ended.area < height * shape_.min_density ||
+               ended.area < width * shape_.min_density;
     }
 
   private:
@@ -60,9 +59,7 @@ void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t*
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
     const auto stride = static_cast<std::int32_t>(page.stride);
     PageCopy copy(page);
-    if (h_fill_gaps(nullptr, 2, page.data, stride, 0, page.width, 0, page.height) < 0) {
-        throw std::bad_alloc();
-    }
+    require_memory(h_fill_gaps(nullptr, 2, page.data, stride, 0, page.width, 0, page.height));
     stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
                       TextRule(shape));
     and_page(page, copy.view());

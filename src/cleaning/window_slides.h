@@ -10,8 +10,9 @@
 // A window of n pixels is built by doubling: pixels combined with those 1, 2, 4, ... away, in
 // place.
 //
-// Use: a class Parts that copies the zone part by part into a PixelString, with white around it,
-// and back; slide_windows<simd::or_preceding, simd::or_following>(logger, Parts(...), n + 1).
+// Use: a class Parts(zone, longest window) that copies the zone part by part into a PixelString,
+// with white around it, and back, and that knows the zone's extent() along the runs;
+// dilate<Parts>(logger, n, zone).
 #pragma once
 
 #include <algorithm>
@@ -24,6 +25,22 @@
 #include "simd/bit_windows.h"
 
 namespace cleaning {
+
+// A part of an image: columns x0 <= x < x1, rows y0 <= y < y1.
+struct Zone {
+    std::uint8_t* image;
+    std::int32_t stride;
+    std::int32_t x0;
+    std::int32_t x1;
+    std::int32_t y0;
+    std::int32_t y1;
+
+    bool empty() const { return x0 >= x1 || y0 >= y1; }
+    // Of zones that are not empty.
+    std::size_t width() const { return static_cast<std::size_t>(std::int64_t{x1} - x0); }
+    std::size_t height() const { return static_cast<std::size_t>(std::int64_t{y1} - y0); }
+    std::uint8_t* row() const { return image + std::ptrdiff_t{y0} * stride; }
+};
 
 // The bytes of a row that hold a zone's columns. The zone's pixels in the first and in the last of
 // them are those of the masks; a single byte has both.
@@ -84,10 +101,15 @@ bool slide_window(std::uint64_t* words, std::size_t count, std::size_t length,
     return true;
 }
 
-// Windows of `length` pixels, then windows of the same length in the other direction, on every
-// part. Returns 0, or -1 with a record in the log when the parts have no memory.
-template <CombineStep kFirst, CombineStep kSecond, class Parts>
-std::int32_t slide_windows(diag::LoggerSlot logger, Parts&& parts, std::size_t length) {
+// Windows of n + `own` pixels, then windows of the same length in the other direction, on every
+// part of the zone. Returns 0, or -1 with a record in the log when the parts have no memory.
+template <class Parts, CombineStep kFirst, CombineStep kSecond>
+std::int32_t slide_windows(diag::LoggerSlot logger, std::int32_t n, std::size_t own,
+                           const Zone& zone) {
+    if (n <= 0 || zone.empty()) return 0;
+    // Beyond one more than the zone has pixels along the runs no length makes a difference.
+    const std::size_t length = std::min(static_cast<std::size_t>(n), Parts::extent(zone) + 1) + own;
+    Parts parts(zone, length);
     if (!parts) {
         diag::report(logger, diag::kOwner, diag::kErrorLevel, diag::kListGrowthCode,
                      diag::kNoMemoryText);
@@ -100,14 +122,27 @@ std::int32_t slide_windows(diag::LoggerSlot logger, Parts&& parts, std::size_t l
     return 0;
 }
 
-inline bool nothing_to_do(std::int32_t n, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                          std::int32_t y1) {
-    return n <= 0 || x0 >= x1 || y0 >= y1;
+// A gap, like a run, is at least a pixel long: none is shorter than 1.
+template <class Parts>
+std::int32_t fill_gaps(diag::LoggerSlot logger, std::int32_t n, const Zone& zone) {
+    if (n == 1) return 0;
+    return slide_windows<Parts, simd::or_preceding, simd::and_following>(logger, n, 0, zone);
 }
 
-// n, or one more than the zone has pixels along the runs: beyond that no length makes a difference.
-inline std::size_t effective_length(std::int32_t n, std::int32_t from, std::int32_t to) {
-    return static_cast<std::size_t>(std::min<std::int64_t>(n, std::int64_t{to} - from + 1));
+template <class Parts>
+std::int32_t remove_short(diag::LoggerSlot logger, std::int32_t n, const Zone& zone) {
+    if (n == 1) return 0;
+    return slide_windows<Parts, simd::and_following, simd::or_preceding>(logger, n, 0, zone);
+}
+
+template <class Parts>
+std::int32_t dilate(diag::LoggerSlot logger, std::int32_t n, const Zone& zone) {
+    return slide_windows<Parts, simd::or_preceding, simd::or_following>(logger, n, 1, zone);
+}
+
+template <class Parts>
+std::int32_t erode(diag::LoggerSlot logger, std::int32_t n, const Zone& zone) {
+    return slide_windows<Parts, simd::and_preceding, simd::and_following>(logger, n, 1, zone);
 }
 
 }  // namespace cleaning
