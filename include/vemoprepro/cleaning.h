@@ -124,9 +124,9 @@ VEMOPREPRO_API int linerm_v(unsigned char* image, int height, int width, int str
  * its parts at least. thickness: what is at least this thick across is no line. dilate: a line may
  * step aside by this much. x0, x1: lines are looked for in the columns x0 <= x < x1, which lie in
  * the image; where there are none, all candidates stay and none is counted. An image of no bytes
- * has no lines. Returns how many columns (rows when vertical) have a line, or -1; target then holds
- * an intermediate state. At most 100,000 lines are counted. A height
- * or an x1 beyond 65,535 is refused. */
+ * has no lines. Returns how many columns (rows when vertical) have a line, or -1; target may then
+ * hold an intermediate state. At most 100,000 lines are counted. A height or an x1 beyond 65,535 is
+ * refused. */
 VEMOPREPRO_API int extract_underline(int ink_value, int vertical, int min_extent, int min_run,
                                      int thickness, int dilate, const unsigned char* source,
                                      unsigned char* target, int height, int stride, int x0, int x1);

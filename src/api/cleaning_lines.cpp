@@ -14,59 +14,35 @@ using api::guarded;
 using api::kFailure;
 using api::kSuccess;
 using cleaning::LineDirection;
+using cleaning::LineSettings;
+using cleaning::LineZone;
 
-struct LrmDirection {
-    std::uint32_t min_length = 128;
-    std::uint32_t max_thickness = 16;
-    std::uint32_t max_gap = 2;
-    std::uint32_t dilate = 1;
-    std::uint32_t clean_x = 1;
-    std::uint32_t clean_y = 1;
-};
-
+// All sizes are those of 16-bit arguments.
 struct lrm_settings {
     unsigned char* image;
-    std::uint32_t height;
-    std::uint32_t width;
-    std::uint32_t stride;
-    std::uint32_t x0;
-    std::uint32_t x1;
-    std::uint32_t y0;
-    std::uint32_t y1;
-    LrmDirection horz;
-    LrmDirection vert;
+    std::int32_t height;
+    std::int32_t width;
+    std::int32_t stride;
+    LineZone zone;
+    LineSettings horz;
+    LineSettings vert;
 };
 
 namespace {
 
-constexpr std::int32_t pixels(std::uint32_t setting) {
-    return static_cast<std::int32_t>(setting);
-}
-
-int set(lrm_settings* lrm, LrmDirection lrm_settings::*direction,
-        std::uint32_t LrmDirection::*setting, unsigned short value) {
+int set(lrm_settings* lrm, LineSettings lrm_settings::*direction,
+        std::int32_t LineSettings::*setting, unsigned short value) {
     if (lrm == nullptr) return kFailure;
     lrm->*direction.*setting = value;
     return kSuccess;
 }
 
-int remove_lines(const lrm_settings* lrm, LineDirection direction) {
+int remove_lines(const lrm_settings* lrm, LineDirection direction, LineSettings lrm_settings::*of) {
     if (lrm == nullptr || lrm->image == nullptr) return kFailure;
     if (lrm->height == 0 || lrm->stride == 0) return kFailure;
     return guarded([&] {
-        const bool horizontal = direction == LineDirection::kHorizontal;
-        const LrmDirection& own = horizontal ? lrm->horz : lrm->vert;
-        const cleaning::LineSettings settings{pixels(own.min_length),
-                                              pixels(own.max_thickness),
-                                              pixels(own.max_gap),
-                                              pixels(own.dilate),
-                                              pixels(horizontal ? own.clean_x : own.clean_y),
-                                              pixels(horizontal ? own.clean_y : own.clean_x)};
-        cleaning::remove_lines({lrm->image, pixels(lrm->height), pixels(lrm->width),
-                                static_cast<std::ptrdiff_t>(lrm->stride)},
-                               direction,
-                               {pixels(lrm->x0), pixels(lrm->x1), pixels(lrm->y0), pixels(lrm->y1)},
-                               settings);
+        cleaning::remove_lines({lrm->image, lrm->height, lrm->width, lrm->stride}, direction,
+                               lrm->zone, lrm->*of);
         return kSuccess;
     });
 }
@@ -89,8 +65,7 @@ lrm_settings* lrm_init_mem(unsigned char* image, unsigned short height, unsigned
     if (stride < common::bitonal_bytes(width)) return nullptr;
     void* const block = frame::allocate(sizeof(lrm_settings));
     if (block == nullptr) return nullptr;
-    return new (block) lrm_settings{image, height, width,  stride,         0,
-                                    width, 0,      height, LrmDirection{}, LrmDirection{}};
+    return new (block) lrm_settings{image, height, width, stride, {0, width, 0, height}, {}, {}};
 }
 
 int lrm_exit(lrm_settings* lrm) {
@@ -103,56 +78,53 @@ int lrm_set_zone(lrm_settings* lrm, unsigned short x0, unsigned short x1, unsign
                  unsigned short y1) {
     if (lrm == nullptr || x1 <= x0 || x1 > lrm->width) return kFailure;
     if (y1 <= y0 || y1 > lrm->height) return kFailure;
-    lrm->x0 = x0;
-    lrm->x1 = x1;
-    lrm->y0 = y0;
-    lrm->y1 = y1;
+    lrm->zone = {x0, x1, y0, y1};
     return kSuccess;
 }
 
 int lrm_set_horz_min_length(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::min_length, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::min_length, pixels);
 }
 int lrm_set_horz_max_thickness(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::max_thickness, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::max_thickness, pixels);
 }
 int lrm_set_horz_max_gap(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::max_gap, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::max_gap, pixels);
 }
 int lrm_set_horz_dilate(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::dilate, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::dilate, pixels);
 }
 int lrm_set_horz_clean_x(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::clean_x, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::clean_along, pixels);
 }
 int lrm_set_horz_clean_y(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::horz, &LrmDirection::clean_y, pixels);
+    return set(lrm, &lrm_settings::horz, &LineSettings::clean_across, pixels);
 }
 int lrm_set_vert_min_length(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::min_length, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::min_length, pixels);
 }
 int lrm_set_vert_max_thickness(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::max_thickness, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::max_thickness, pixels);
 }
 int lrm_set_vert_max_gap(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::max_gap, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::max_gap, pixels);
 }
 int lrm_set_vert_dilate(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::dilate, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::dilate, pixels);
 }
 int lrm_set_vert_clean_x(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::clean_x, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::clean_across, pixels);
 }
 int lrm_set_vert_clean_y(lrm_settings* lrm, unsigned short pixels) {
-    return set(lrm, &lrm_settings::vert, &LrmDirection::clean_y, pixels);
+    return set(lrm, &lrm_settings::vert, &LineSettings::clean_along, pixels);
 }
 
 int lrm_do_horz(lrm_settings* lrm) {
-    return remove_lines(lrm, LineDirection::kHorizontal);
+    return remove_lines(lrm, LineDirection::kHorizontal, &lrm_settings::horz);
 }
 
 int lrm_do_vert(lrm_settings* lrm) {
-    return remove_lines(lrm, LineDirection::kVertical);
+    return remove_lines(lrm, LineDirection::kVertical, &lrm_settings::vert);
 }
 
 int linerm_h(unsigned char* image, int height, int width, int stride, int thickness, int min_length,
