@@ -156,8 +156,9 @@ VEMOPREPRO_API int bi_grey_gradl_do(bi_settings* settings, unsigned char* grey, 
 
 /* Binarization by the statistics of the Sobel edges around every 4 x 4 block: thresholds from means
  * and deviations (bi_set_sigma()) of the darkest and lightest greys beside edges. black1 and black2
- * are grey levels here; the stored smoothing is used as it is. Regions below 13 x 13 pixels are
- * binarized by Otsu's method. */
+ * are grey levels here; the stored smoothing is used as it is. Regions of less than 13 rows or
+ * columns are binarized by Otsu's method. Arguments and result as bi_thresh_do(), but `out` is
+ * cleared once the grey image is made: an allocation that fails after that leaves it white. */
 VEMOPREPRO_API int bi_gradl_do_sobel(bi_settings* settings, void* ctx, int type, int width, int x0,
                                      int x1, int y0, int y1, unsigned char* out);
 

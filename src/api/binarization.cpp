@@ -15,7 +15,8 @@ using api::drop_colours;
 using api::guarded;
 using api::kFailure;
 using api::kSuccess;
-using api::set_mode;
+using api::one_shot_settings;
+using api::page_of;
 using api::source_of;
 using binarization::GreyOptions;
 using binarization::Region;
@@ -56,8 +57,7 @@ int thresh_do(Settings& settings, void* ctx, int type, int width, const Region& 
                               .undithering = settings.undithering,
                               .threads = settings.threads};
     if (!binarization::reachable(source, region, options.threads)) return kFailure;
-    const common::MutableBitonalView page{out, region.height(), region.width(),
-                                          common::bitonal_stride(region.width())};
+    const common::MutableBitonalView page = page_of(out, region.height(), region.width());
     binarization::binarize_by_threshold(source, region, options, settings.thresh, page);
     return drop_colours(settings, source, region, page);
 }
@@ -217,12 +217,8 @@ int bi_thresh_dropout(int mode, int thresh, prepro_row_reader reader, void* ctx,
                       prepro_dropout dropout, void* dropout_context, int type, int width, int x0,
                       int x1, int y0, int y1, unsigned char* out) {
     return guarded([=] {
-        Settings settings;
-        settings.reader = reader;
-        set_mode(settings, mode);
+        Settings settings = one_shot_settings(mode, reader, dropout, dropout_context);
         settings.thresh = static_cast<std::uint8_t>(thresh & 0xFF);
-        settings.dropout = dropout;
-        settings.dropout_context = dropout_context;
         return thresh_do(settings, ctx, type, width, {x0, x1, y0, y1}, out);
     });
 }

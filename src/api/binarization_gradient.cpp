@@ -1,6 +1,4 @@
 // Binarization by the gradient of the page, and by the statistics of its Sobel edges.
-#include <cstring>
-
 #include "api/binarization_handle.h"
 #include "api/guard.h"
 #include "binarization/gradient.h"
@@ -13,7 +11,8 @@ using api::drop_colours;
 using api::guarded;
 using api::kFailure;
 using api::kSuccess;
-using api::set_mode;
+using api::one_shot_settings;
+using api::page_of;
 using api::source_of;
 using binarization::GreyOptions;
 using binarization::Region;
@@ -34,19 +33,28 @@ struct Job {
     unsigned char* out;
 };
 
-void binarize_by_statistics(const common::GreyView& grey, const Settings& settings,
-                            const common::MutableBitonalView& page) {
-    binarization::binarize_by_sobel_statistics(
-        grey, {settings.delta1, settings.delta2, settings.black1, settings.black2, settings.sigma},
-        page);
+enum class Method { kGradient, kStatistics };
+
+// What the do calls of the gradient method run.
+Method method_of(const Settings& settings) {
+    return settings.sobel_statistics ? Method::kStatistics : Method::kGradient;
 }
 
-common::MutableBitonalView page_of(unsigned char* out, int height, int width) {
-    return {out, height, width, common::bitonal_stride(width)};
+void binarize(const common::GreyView& grey, const Settings& settings, Method method,
+              const common::MutableBitonalView& page) {
+    if (method == Method::kStatistics) {
+        binarization::binarize_by_sobel_statistics(
+            grey,
+            {settings.delta1, settings.delta2, settings.black1, settings.black2, settings.sigma},
+            page);
+    } else {
+        binarization::binarize_by_gradient(grey, gradient_parameters(settings), settings.threads,
+                                           page);
+    }
 }
 
 // Grey preparation, one of the two methods, dropout.
-int prepare_and_binarize(const Settings& settings, const Job& job, bool statistics) {
+int prepare_and_binarize(const Settings& settings, const Job& job, Method method) {
     const Region& region = job.region;
     if (!binarization::known_type(job.type) || !binarization::acceptable(job.width, region) ||
         job.out == nullptr) {
@@ -60,12 +68,7 @@ int prepare_and_binarize(const Settings& settings, const Job& job, bool statisti
     {
         const auto pixels = binarization::prepare_grey(source, region, options);
         const common::GreyView grey{pixels.data(), region.height(), region.width(), region.width()};
-        if (statistics) {
-            binarize_by_statistics(grey, settings, page);
-        } else {
-            binarization::binarize_by_gradient(grey, gradient_parameters(settings),
-                                               settings.threads, page);
-        }
+        binarize(grey, settings, method, page);
     }
     return drop_colours(settings, source, region, page);
 }
@@ -73,35 +76,22 @@ int prepare_and_binarize(const Settings& settings, const Job& job, bool statisti
 // With the method switched, a gradient call is the statistics call: neither the smoothing is raised
 // nor the resolution used.
 int gradl_do(Settings& settings, Job job) {
-    if (settings.sobel_statistics) {
+    const Method method = method_of(settings);
+    if (method == Method::kStatistics) {
         job.resolution = kResolution;
-        return prepare_and_binarize(settings, job, true);
+    } else {
+        settings.raise_smooth();
     }
-    settings.raise_smooth();
-    return prepare_and_binarize(settings, job, false);
+    return prepare_and_binarize(settings, job, method);
 }
 
 int grey_gradl_do(Settings& settings, const unsigned char* pixels, int height, int width,
                   unsigned char* out) {
-    if (!settings.sobel_statistics) settings.raise_smooth();
+    const Method method = method_of(settings);
+    if (method == Method::kGradient) settings.raise_smooth();
     if (pixels == nullptr || out == nullptr || height < 1 || width < 1) return kFailure;
-    const common::GreyView grey{pixels, height, width, width};
-    const common::MutableBitonalView page = page_of(out, height, width);
-    if (settings.sobel_statistics) {
-        binarize_by_statistics(grey, settings, page);
-    } else {
-        binarization::binarize_by_gradient(grey, gradient_parameters(settings), settings.threads,
-                                           page);
-    }
+    binarize({pixels, height, width, width}, settings, method, page_of(out, height, width));
     return kSuccess;
-}
-
-void set_one_shot(Settings& settings, int mode) {
-    set_mode(settings, mode);
-    settings.delta1 = 40;
-    settings.delta2 = 32;
-    settings.black1 = 128;
-    settings.black2 = 96;
 }
 
 }  // namespace
@@ -138,7 +128,7 @@ int bi_gradl_do_sobel(bi_settings* settings, void* ctx, int type, int width, int
     if (settings == nullptr) return kFailure;
     return guarded([=] {
         const Job job{ctx, type, width, kResolution, {x0, x1, y0, y1}, out};
-        return prepare_and_binarize(settings->values, job, true);
+        return prepare_and_binarize(settings->values, job, Method::kStatistics);
     });
 }
 
@@ -151,11 +141,11 @@ int bi_gradl_dropout(int mode, prepro_row_reader reader, void* ctx, prepro_dropo
                      void* dropout_context, int type, int width, int x0, int x1, int y0, int y1,
                      unsigned char* out) {
     return guarded([=] {
-        Settings settings;
-        settings.reader = reader;
-        set_one_shot(settings, mode);
-        settings.dropout = dropout;
-        settings.dropout_context = dropout_context;
+        Settings settings = one_shot_settings(mode, reader, dropout, dropout_context);
+        settings.delta1 = 40;
+        settings.delta2 = 32;
+        settings.black1 = 128;
+        settings.black2 = 96;
         return gradl_do(settings, {ctx, type, width, kResolution, {x0, x1, y0, y1}, out});
     });
 }

@@ -20,10 +20,20 @@ int drop_colours(const binarization::Settings& settings, const Source& source,
     return kSuccess;
 }
 
-void set_mode(binarization::Settings& settings, int mode) {
+common::MutableBitonalView page_of(std::uint8_t* out, int height, int width) {
+    return {out, height, width, common::bitonal_stride(width)};
+}
+
+binarization::Settings one_shot_settings(int mode, prepro_row_reader reader, prepro_dropout dropout,
+                                         void* dropout_context) {
     constexpr std::uint8_t kOneShotSmooth = 248;
+    binarization::Settings settings;
+    settings.reader = reader;
     settings.smooth = mode == 0 ? 0 : kOneShotSmooth;
     settings.undithering = mode != 0 && mode != 1;
+    settings.dropout = dropout;
+    settings.dropout_context = dropout_context;
+    return settings;
 }
 
 }  // namespace api

@@ -20,7 +20,12 @@ binarization::Source source_of(prepro_row_reader reader, void* ctx, const void* 
 int drop_colours(const binarization::Settings& settings, const binarization::Source& source,
                  const binarization::Region& region, const common::MutableBitonalView& page);
 
-// The one-shot modes: 0 plain, 1 smoothed, any other smoothed and undithered.
-void set_mode(binarization::Settings& settings, int mode);
+// The packed page that a call writes.
+common::MutableBitonalView page_of(std::uint8_t* out, int height, int width);
+
+// The settings of a call without an object. mode: 0 plain, 1 smoothed, any other smoothed and
+// undithered.
+binarization::Settings one_shot_settings(int mode, prepro_row_reader reader, prepro_dropout dropout,
+                                         void* dropout_context);
 
 }  // namespace api
