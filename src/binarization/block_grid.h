@@ -1,7 +1,7 @@
 // Maps of one byte for every 4 x 4 block of a page, and the two ways to give thresholds to blocks
 // that have none (0).
 //
-// Use: BlockGrids<n> maps(block rows, block columns); maps[0] and so on; spread(map, saved);
+// Use: BlockGrids maps(n, block rows, block columns); maps[0] and so on; spread(map, saved);
 // fill(map, by_mean, saved, out).
 #pragma once
 
@@ -9,16 +9,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "binarization/blocks.h"
 #include "binarization/padded_rows.h"
 #include "simd/midpoint_rows.h"
 
 namespace binarization {
-
-constexpr std::size_t kBlockPixels = 4;
-
-constexpr std::size_t blocks_along(std::size_t pixels) {
-    return (pixels + kBlockPixels - 1) / kBlockPixels;
-}
 
 // One map; somebody else owns the cells.
 class BlockGrid {

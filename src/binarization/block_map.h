@@ -1,5 +1,5 @@
 // A byte for every 4 x 4 block of a page: where local thresholds are collected before they are
-// applied. The last block row and column cover the pixels that are left.
+// applied.
 //
 // Use: auto blocks = BlockMap::of_page(height, width); blocks.row(i)[j] is the block of the pixels
 // 4 i .. 4 i + 3 down and 4 j .. 4 j + 3 across. 0 is an empty block.
@@ -8,11 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "binarization/blocks.h"
 #include "frame/buffer.h"
 
 namespace binarization {
-
-constexpr int kBlockSide = 4;  // pixels
 
 struct BlockMap {
     std::size_t height = 0;  // blocks
@@ -22,8 +21,8 @@ struct BlockMap {
     // All blocks empty.
     static BlockMap of_page(int page_height, int page_width) {
         BlockMap map;
-        map.height = (static_cast<std::size_t>(page_height) + kBlockSide - 1) / kBlockSide;
-        map.width = (static_cast<std::size_t>(page_width) + kBlockSide - 1) / kBlockSide;
+        map.height = blocks_along(static_cast<std::size_t>(page_height));
+        map.width = blocks_along(static_cast<std::size_t>(page_width));
         map.cells = frame::Buffer<std::uint8_t>::zeroed(map.height * map.width);
         return map;
     }

@@ -4,7 +4,6 @@
 #include "binarization/gradient_band.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "simd/block_rows.h"

@@ -90,11 +90,11 @@ simd::BlockRows rows_of_block(const common::GreyView& grey, std::size_t i) {
     const auto height = static_cast<std::size_t>(grey.height);
     rows.width = static_cast<std::size_t>(grey.width);
     for (std::size_t k = 0; k < 6; ++k) {
-        const std::size_t y = std::clamp<std::size_t>(kBlockSide * i + k, 1, height) - 1;
+        const std::size_t y = std::clamp<std::size_t>(kBlockPixels * i + k, 1, height) - 1;
         rows.row[k] = grey.row(static_cast<std::ptrdiff_t>(y));
     }
     rows.edges_from = i == 0 ? 1 : 0;
-    rows.edges_to = kBlockSide * (i + 1) == height ? 3 : 4;
+    rows.edges_to = kBlockPixels * (i + 1) == height ? 3 : 4;
     return rows;
 }
 
@@ -137,8 +137,8 @@ void set_thresholds(SumsRing& ring, std::size_t i, std::size_t whole_blocks,
 Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& parameters) {
     Maps maps{BlockMap::of_page(grey.height, grey.width),
               BlockMap::of_page(grey.height, grey.width), false, false};
-    const auto whole_rows = static_cast<std::size_t>(grey.height / kBlockSide);
-    const auto whole_blocks = static_cast<std::size_t>(grey.width / kBlockSide);
+    const auto whole_rows = static_cast<std::size_t>(grey.height) / kBlockPixels;
+    const auto whole_blocks = static_cast<std::size_t>(grey.width) / kBlockPixels;
     const int gradient = 3 * parameters.delta1 + 20;
     const simd::EdgeLimits limits{gradient * gradient, parameters.delta2};
     SumsRing ring(whole_blocks);
@@ -208,7 +208,7 @@ void binarize_by_sobel_statistics(const common::GreyView& grey, const SobelStati
     merge(maps, parameters.black2);
     for (int y = 0; y < page.height; ++y) {
         simd::pack_below_blocks(grey.row(y), static_cast<std::size_t>(page.width),
-                                maps.edges.row(static_cast<std::size_t>(y / kBlockSide)),
+                                maps.edges.row(static_cast<std::size_t>(y) / kBlockPixels),
                                 page.row(y));
     }
 }

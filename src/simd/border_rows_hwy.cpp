@@ -19,18 +19,14 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/word_vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::CappedTag<std::uint8_t, kMaskBlock>;
-using Words = hn::Repartition<std::uint16_t, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
-
-constexpr Bytes kBytes;
-constexpr Words kWords;
+static_assert(kMaskBlock == 64);  // whole vectors of word_vectors.h
 constexpr hn::CappedTag<std::uint64_t, 8> kMarks;
 
 HWY_INLINE WordVector word(std::uint16_t value) {
@@ -46,18 +42,10 @@ HWY_INLINE WordVector weighted(WordVector red, WordVector green, WordVector blue
     return hn::ShiftRight<6>(hn::MulHigh(eighth, word(33555)));
 }
 
-HWY_INLINE WordVector even_bytes(ByteVector bytes) {
-    return hn::And(hn::BitCast(kWords, bytes), word(0xFF));
-}
-
-HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
-    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
-}
-
 HWY_INLINE ByteVector grey_vector(ByteVector red, ByteVector green, ByteVector blue) {
     const WordVector even = weighted(even_bytes(red), even_bytes(green), even_bytes(blue));
     const WordVector odd = weighted(odd_bytes(red), odd_bytes(green), odd_bytes(blue));
-    return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
+    return interleave(even, odd);
 }
 
 HWY_INLINE ByteVector load_grey(PixelLayout layout, const std::uint8_t* pixels) {

@@ -20,28 +20,15 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/word_vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::ScalableTag<std::uint8_t>;
-using Words = hn::Repartition<std::uint16_t, Bytes>;
 using SignedWords = hn::Repartition<std::int16_t, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
-
-constexpr Bytes kBytes;
-constexpr Words kWords;
 constexpr SignedWords kSignedWords;
-
-HWY_INLINE WordVector even_bytes(ByteVector bytes) {
-    return hn::And(hn::BitCast(kWords, bytes), hn::Set(kWords, std::uint16_t{0xFF}));
-}
-
-HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
-    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
-}
 
 // 256 times the luminance, with dirt in the low byte.
 HWY_INLINE WordVector scaled_luminance(WordVector red, WordVector green, WordVector blue) {
@@ -57,11 +44,6 @@ HWY_INLINE WordVector scaled_luminance(WordVector red, WordVector green, WordVec
     const WordVector low = weighted(common::kRedWeight & 0xFF, common::kGreenWeight & 0xFF,
                                     common::kBlueWeight & 0xFF);
     return hn::Add(high, hn::ShiftRight<8>(low));
-}
-
-// Even lanes' results are in the low bytes, odd lanes' in the low bytes too.
-HWY_INLINE ByteVector interleave(WordVector even, WordVector odd) {
-    return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
 }
 
 HWY_INLINE void luminance_vector(const std::uint8_t* colour, bool red_first, std::uint8_t* grey) {

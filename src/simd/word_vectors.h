@@ -1,5 +1,5 @@
-// What the vector kernels that work on words of 64 pixels share. Included by their sources only,
-// once per instruction set.
+// What vector kernels share that work on words of 64 pixels, or on pixels as halves of 16-bit
+// lanes. Included by their sources only, once per instruction set.
 #if defined(VEMOPREPRO_SIMD_WORD_VECTORS_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef VEMOPREPRO_SIMD_WORD_VECTORS_H_
 #undef VEMOPREPRO_SIMD_WORD_VECTORS_H_
