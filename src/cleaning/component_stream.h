@@ -1,6 +1,7 @@
 // The 8-connected components of a page, found row by row and erased as they end, where the pass
 // decides so: what component_engine.h does, for passes that erase or keep and nothing else, in a
-// fraction of the time.
+// fraction of the time. The engine remains for rules that look at a component's runs, take white
+// for ink, or end a step before its last component, which is then decided about again.
 //
 // Use:
 //     ComponentStream<Rule> stream(page, rule);

@@ -194,7 +194,7 @@ std::uint32_t BasicImage::getPixel(int x, int y) const {
     const std::uint8_t* row = getRow(y);
     switch (type_) {
         case kBitonal:
-            return row[x / 8] >> (7 - x % 8) & 1U;
+            return static_cast<std::uint32_t>(row[x / 8]) >> (7 - x % 8) & 1U;
         case kGrey:
             return row[x];
         case kColour: {
