@@ -50,178 +50,185 @@ int drop_dark_red(void*, const unsigned char* colour) {
     return colour[0] > 200 ? 1 : 0;
 }
 
-using Rotation = int (*)(int, int, unsigned char*, int, int, int, unsigned char*, int, int, int,
-                         prepro_progress);
-
-int skrotbmp(int skew, int scale, unsigned char* src, int height, int width, int stride,
-             unsigned char* dst, int out_height, int out_width, int out_stride,
-             prepro_progress progress) {
-    return skrotbmp_mem(skew, scale, src, height, width, stride, dst, out_height, out_width,
-                        out_stride, progress);
-}
-
-int aligned(int skew, int scale, unsigned char* src, int height, int width, int stride,
-            unsigned char* dst, int out_height, int out_width, int out_stride,
-            prepro_progress progress) {
-    return skew_binary_image_aligned_with_skrotimg_mem(skew, scale, src, height, width, stride, dst,
-                                                       out_height, out_width, out_stride, progress);
-}
-
-int rotate(Rotation rotation, int skew) {
-    Fixture& f = fixture();
-    const std::vector<std::uint8_t>& before = f.text;
+// A page that a call may change; it keeps its capacity, so that it allocates the first time only.
+std::uint8_t* page_like(const std::vector<std::uint8_t>& original) {
     static std::vector<std::uint8_t> page;
-    page.assign(before.begin(), before.end());  // keeps its capacity: allocates the first time only
-    const int result = rotation(skew, 512, page.data(), kHeight, kWidth, kStride, f.out.data(),
-                                kHeight + 200, kWidth + 200, (kWidth + 200 + 31) / 32 * 4, nullptr);
-    EXPECT_EQ(std::memcmp(page.data(), before.data(), page.size()), 0)
-        << "the source was not restored";
-    return result;
+    page.assign(original.begin(), original.end());
+    return page.data();
 }
 
-int estimate(int debug) {
-    Fixture& f = fixture();
-    return estimate_skew_of_binary_image(debug, f.folder.c_str(), f.text.data(), kHeight, kWidth,
-                                         kStride, &f.numbers[0], &f.numbers[1], &f.confidence,
-                                         &f.numbers[2], &f.numbers[3]);
+using Call = std::function<int()>;
+
+// Rotates the page by a function that gives back the source as it was.
+template <class Rotation>
+Call rotated(Rotation rotation, int skew) {
+    return [=] {
+        Fixture& f = fixture();
+        std::uint8_t* const page = page_like(f.text);
+        const int result =
+            rotation(skew, 512, page, kHeight, kWidth, kStride, f.out.data(), kHeight + 200,
+                     kWidth + 200, (kWidth + 200 + 31) / 32 * 4, nullptr);
+        EXPECT_EQ(std::memcmp(page, f.text.data(), f.text.size()), 0)
+            << "the source was not restored";
+        return result;
+    };
 }
 
-int grey(int nb_threads, unsigned char undithering) {
-    Fixture& f = fixture();
-    const void* const record[4] = {nullptr, nullptr, nullptr, f.colour.data()};
-    return bi_color2greybuf(248, read_row, nullptr, record, PREPRO_SOURCE_RGB, kWidth, 300, 0,
-                            kWidth, 0, kHeight, f.out.data(), kWidth * kHeight, nb_threads,
-                            undithering);
+template <class Turn>
+Call turned(Turn turn) {
+    return [=] {
+        Fixture& f = fixture();
+        return turn(f.text.data(), kWidth, kHeight, kStride, f.out.data(), 1 << 20, &f.stride);
+    };
+}
+
+Call estimated(int debug) {
+    return [=] {
+        Fixture& f = fixture();
+        return estimate_skew_of_binary_image(debug, f.folder.c_str(), f.text.data(), kHeight,
+                                             kWidth, kStride, &f.numbers[0], &f.numbers[1],
+                                             &f.confidence, &f.numbers[2], &f.numbers[3]);
+    };
+}
+
+Call greyed(int nb_threads, unsigned char undithering) {
+    return [=] {
+        Fixture& f = fixture();
+        const void* const record[4] = {nullptr, nullptr, nullptr, f.colour.data()};
+        return bi_color2greybuf(248, read_row, nullptr, record, PREPRO_SOURCE_RGB, kWidth, 300, 0,
+                                kWidth, 0, kHeight, f.out.data(), kWidth * kHeight, nb_threads,
+                                undithering);
+    };
 }
 
 // The page stays as it is when the call fails.
-int crop(int type, int height) {
-    Fixture& f = fixture();
-    static std::vector<std::uint8_t> page;
-    page.assign(f.colour.begin(), f.colour.end());
-    int* const box = f.numbers;
-    const int stride = kWidth * (type == PREPRO_CROP_GREY ? 1 : 3);
-    const int result = cropimg(page.data(), type, height, kWidth, stride, 99, 200, 100, box,
-                               box + 1, box + 2, box + 3);
-    if (result != 0) {
-        EXPECT_EQ(std::memcmp(page.data(), f.colour.data(), page.size()), 0);
-    }
-    return result;
+Call cropped(int type, int height) {
+    return [=] {
+        Fixture& f = fixture();
+        std::uint8_t* const page = page_like(f.colour);
+        int* const box = f.numbers;
+        const int stride = kWidth * (type == PREPRO_CROP_GREY ? 1 : 3);
+        const int result = cropimg(page, type, height, kWidth, stride, 99, 200, 100, box, box + 1,
+                                   box + 2, box + 3);
+        if (result != 0) {
+            EXPECT_EQ(std::memcmp(page, f.colour.data(), f.colour.size()), 0);
+        }
+        return result;
+    };
 }
 
-int with_handle(const std::function<int(bi_settings*)>& call) {
-    bi_settings* handle = bi_setup(read_row);
-    if (handle == nullptr) return -1;
-    const int result = call(handle);
-    bi_upset(handle);
-    return result;
+void set_dropout(bi_settings* handle) {
+    static int context;
+    bi_set_dropout(handle, drop_dark_red, &context);
 }
 
-// Cleaning works in place: on a copy of the page.
-int clean_copy(int (*call)(unsigned char* image)) {
-    static std::vector<std::uint8_t> page;
-    page = fixture().text;  // keeps its capacity: allocates the first time only
-    return call(page.data());
+void set_threads(bi_settings* handle) {
+    bi_set_nb_threads(handle, 4);
+    bi_set_image_pointer(handle, fixture().colour.data());
 }
 
-int remove_lines_with_handle(int (*call)(lrm_settings*)) {
-    static std::vector<std::uint8_t> page;
-    page = fixture().text;
-    lrm_settings* handle = lrm_init_mem(page.data(), kHeight, kWidth, kStride);
-    if (handle == nullptr) return -1;
-    const int result = call(handle);
-    lrm_exit(handle);
-    return result;
+template <class Work>
+Call with_handle(Work work) {
+    return [=] {
+        bi_settings* const handle = bi_setup(read_row);
+        if (handle == nullptr) return -1;
+        const int result = work(handle);
+        bi_upset(handle);
+        return result;
+    };
+}
+
+// Binarizes the page that the reader gives by a handle with these settings.
+template <class Binarize, class... More>
+Call binarized(Binarize binarize, void (*set)(bi_settings*), More... more) {
+    return with_handle([=](bi_settings* handle) {
+        set(handle);
+        return binarize(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
+                        fixture().out.data(), more...);
+    });
+}
+
+// Cleans in place, on a copy of the page.
+template <class Clean, class... More>
+Call cleaned(Clean clean, More... more) {
+    return [=] { return clean(page_like(fixture().text), kHeight, kWidth, kStride, more...); };
+}
+
+Call without_lines(int (*remove)(lrm_settings*)) {
+    return [=] {
+        lrm_settings* const handle =
+            lrm_init_mem(page_like(fixture().text), kHeight, kWidth, kStride);
+        if (handle == nullptr) return -1;
+        const int result = remove(handle);
+        lrm_exit(handle);
+        return result;
+    };
+}
+
+Call underlined(int vertical) {
+    return [=] {
+        Fixture& f = fixture();
+        const int covered = extract_underline(0, vertical, 9, 4, 5, 1, f.text.data(), f.out.data(),
+                                              kHeight, kStride, 3, kWidth);
+        return covered > 0 ? 0 : covered;
+    };
 }
 
 int erase_narrow(void*, int, int width, int) {
     return width < 6 ? 1 : 0;
 }
 
-int gradient(int (*binarize)(bi_settings*, void*, int, int, int, int, int, int, unsigned char*),
-             bi_settings* handle) {
-    return binarize(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
-                    fixture().out.data());
-}
-
 struct Case {
     const char* name;
     bool allocates;
-    std::function<int()> call;
+    Call call;
 };
 
 std::vector<Case> cases() {
     Fixture& f = fixture();
     auto* const out = f.out.data();
-    const auto* const text = f.text.data();
-    const auto threshold = [](bi_settings* handle) {
-        Fixture& shared = fixture();
-        return bi_thresh_do(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
-                            shared.out.data());
-    };
+    auto* const text = f.text.data();
+    auto* const colour = f.colour.data();
+    const auto plain = [](bi_settings*) {};
     return {
-        {"kyd_rotate_180", false,
-         [=, &f] {
-             return kyd_rotate_180(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
-         }},
-        {"kyd_rotate_270", false,
-         [=, &f] {
-             return kyd_rotate_270(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
-         }},
-        {"kyd_rotate_090", false,
-         [=, &f] {
-             return kyd_rotate_090(text, kWidth, kHeight, kStride, out, 1 << 20, &f.stride);
-         }},
+        {"kyd_rotate_180", false, turned(kyd_rotate_180)},
+        {"kyd_rotate_270", false, turned(kyd_rotate_270)},
+        {"kyd_rotate_090", false, turned(kyd_rotate_090)},
         {"kyd_rotate_bitmap", false,
          [=, &f] {
              return kyd_rotate_bitmap(3, text, kHeight, kWidth, kStride, out, 1 << 20, &f.stride);
          }},
         {"kyd_rotate_color", false,
          [=, &f] {
-             return kyd_rotate_color(1, 3, f.colour.data(), kHeight, kWidth, out, &f.numbers[0],
+             return kyd_rotate_color(1, 3, colour, kHeight, kWidth, out, &f.numbers[0],
                                      &f.numbers[1]);
          }},
-        {"estimate_skew_of_binary_image", true, [] { return estimate(0); }},
-        {"estimate_skew_of_binary_image, traced", true, [] { return estimate(1); }},
+        {"estimate_skew_of_binary_image", true, estimated(0)},
+        {"estimate_skew_of_binary_image, traced", true, estimated(1)},
         {"skbitmap_mem", true,
          [=, &f] {
              return skbitmap_mem(text, kHeight, kWidth, kStride, &f.numbers[0], &f.numbers[1],
                                  &f.numbers[2], &f.numbers[3]);
          }},
-        {"skrotbmp_mem, components", true, [] { return rotate(skrotbmp, 20); }},
-        {"skrotbmp_mem, plain", true, [] { return rotate(skrotbmp, -90); }},
-        {"skrotbmp_b_mem", true, [] { return rotate(skrotbmp_b_mem, -20); }},
-        {"aligned, two shears", true, [] { return rotate(aligned, 20); }},
-        {"aligned, three shears", true, [] { return rotate(aligned, -40); }},
+        {"skrotbmp_mem, components", true, rotated(skrotbmp_mem, 20)},
+        {"skrotbmp_mem, plain", true, rotated(skrotbmp_mem, -90)},
+        {"skrotbmp_b_mem", true, rotated(skrotbmp_b_mem, -20)},
+        {"aligned, two shears", true, rotated(skew_binary_image_aligned_with_skrotimg_mem, 20)},
+        {"aligned, three shears", true, rotated(skew_binary_image_aligned_with_skrotimg_mem, -40)},
         {"aligned, black background", true,
-         [] { return rotate(skew_binary_image_aligned_with_skrotimg_mem_black_background, 20); }},
-        {"bi_setup", true, [] { return with_handle([](bi_settings*) { return 0; }); }},
-        {"bi_set_debug_folder", true,
-         [] {
-             return with_handle([](bi_settings* handle) {
-                 const std::string_view longer =
-                     "/a/folder/whose/path/is/longer/than/a/short/string";
-                 return bi_set_debug_folder(handle, "/tmp") |
-                        bi_set_debug_folder(handle, longer.data());
-             });
-         }},
+         rotated(skew_binary_image_aligned_with_skrotimg_mem_black_background, 20)},
+        {"bi_setup", true, with_handle([](bi_settings*) { return 0; })},
+        {"bi_set_debug_folder", true, with_handle([](bi_settings* handle) {
+             return bi_set_debug_folder(handle, "/tmp") |
+                    bi_set_debug_folder(handle, "/a/folder/whose/path/is/longer/than/a/short/one");
+         })},
         {"bi_thresh_do, Otsu, dropout", true,
-         [=] {
-             return with_handle([=](bi_settings* handle) {
-                 static int context;
-                 bi_set_thresh(handle, 0);
-                 bi_set_dropout(handle, drop_dark_red, &context);
-                 return threshold(handle);
-             });
-         }},
-        {"bi_thresh_do, threads", true,
-         [=] {
-             return with_handle([=](bi_settings* handle) {
-                 bi_set_nb_threads(handle, 4);
-                 bi_set_image_pointer(handle, fixture().colour.data());
-                 return threshold(handle);
-             });
-         }},
+         binarized(bi_thresh_do,
+                   [](bi_settings* handle) {
+                       bi_set_thresh(handle, 0);
+                       set_dropout(handle);
+                   })},
+        {"bi_thresh_do, threads", true, binarized(bi_thresh_do, set_threads)},
         {"bi_thresh", true,
          [=] {
              return bi_thresh(2, 0, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
@@ -233,48 +240,27 @@ std::vector<Case> cases() {
                                       PREPRO_SOURCE_BGR, kWidth, 0, kWidth, 0, kHeight, out);
          }},
         {"bi_gradl_do, dropout", true,
-         [] {
-             return with_handle([](bi_settings* handle) {
-                 static int context;
-                 bi_set_dropout(handle, drop_dark_red, &context);
-                 bi_set_internal_gaussian_smoothing(handle, 1);
-                 return gradient(bi_gradl_do, handle);
-             });
-         }},
+         binarized(bi_gradl_do,
+                   [](bi_settings* handle) {
+                       set_dropout(handle);
+                       bi_set_internal_gaussian_smoothing(handle, 1);
+                   })},
         {"bi_gradl_do, threads, fill mean", true,
-         [] {
-             return with_handle([](bi_settings* handle) {
-                 bi_set_nb_threads(handle, 4);
-                 bi_set_fill_mean(handle, 1);
-                 bi_set_image_pointer(handle, fixture().colour.data());
-                 return gradient(bi_gradl_do, handle);
-             });
-         }},
-        {"bi_gradl_do_with_resolution", true,
-         [=] {
-             return with_handle([=](bi_settings* handle) {
-                 return bi_gradl_do_with_resolution(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 150,
-                                                    0, kWidth, 0, kHeight, out);
-             });
-         }},
+         binarized(bi_gradl_do,
+                   [](bi_settings* handle) {
+                       set_threads(handle);
+                       bi_set_fill_mean(handle, 1);
+                   })},
+        {"bi_gradl_do_with_resolution", true, with_handle([=](bi_settings* handle) {
+             return bi_gradl_do_with_resolution(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 150, 0,
+                                                kWidth, 0, kHeight, out);
+         })},
         {"bi_gradl_do_debug", true,
-         [=] {
-             return with_handle([=](bi_settings* handle) {
-                 return bi_gradl_do_debug(handle, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0,
-                                          kHeight, out, "/a/folder/longer/than/a/short/string");
-             });
-         }},
-        {"bi_grey_gradl_do", true,
-         [=, &f] {
-             return with_handle([=, &f](bi_settings* handle) {
-                 return bi_grey_gradl_do(handle, f.colour.data(), kHeight, kWidth, out);
-             });
-         }},
-        {"bi_gradl_do_sobel", true,
-         [] {
-             return with_handle(
-                 [](bi_settings* handle) { return gradient(bi_gradl_do_sobel, handle); });
-         }},
+         binarized(bi_gradl_do_debug, plain, "/a/folder/longer/than/a/short/string")},
+        {"bi_grey_gradl_do", true, with_handle([=](bi_settings* handle) {
+             return bi_grey_gradl_do(handle, colour, kHeight, kWidth, out);
+         })},
+        {"bi_gradl_do_sobel", true, binarized(bi_gradl_do_sobel, plain)},
         {"bi_gradl", true,
          [=] {
              return bi_gradl(1, read_row, nullptr, PREPRO_SOURCE_RGB, kWidth, 0, kWidth, 0, kHeight,
@@ -285,99 +271,35 @@ std::vector<Case> cases() {
              return bi_gradl_dropout(2, read_row, nullptr, drop_dark_red, &f, PREPRO_SOURCE_BGR,
                                      kWidth, 0, kWidth, 0, kHeight, out);
          }},
-        {"bi_color2greybuf", true, [] { return grey(1, 0); }},
-        {"bi_color2greybuf, undithered", true, [] { return grey(1, 1); }},
-        {"bi_color2greybuf, threads", true, [] { return grey(4, 0); }},
+        {"bi_color2greybuf", true, greyed(1, 0)},
+        {"bi_color2greybuf, undithered", true, greyed(1, 1)},
+        {"bi_color2greybuf, threads", true, greyed(4, 0)},
         {"cropbmp", true, [=] { return cropbmp(0, text, kHeight, kWidth, kStride, out); }},
         {"cropbmp, paper", true, [=] { return cropbmp(1, text, kHeight, kWidth, kStride, out); }},
-        {"cropimg, grey", true, [] { return crop(PREPRO_CROP_GREY, kHeight); }},
-        {"cropimg, colour", true, [] { return crop(PREPRO_CROP_RGB, kHeight); }},
-        {"cropimg, small", true, [] { return crop(PREPRO_CROP_BGR, 23); }},
-        {"cropgrey_get", false,
-         [=, &f] { return cropgrey_get(out, f.colour.data(), kHeight, kWidth, kWidth); }},
+        {"cropimg, grey", true, cropped(PREPRO_CROP_GREY, kHeight)},
+        {"cropimg, colour", true, cropped(PREPRO_CROP_RGB, kHeight)},
+        {"cropimg, small", true, cropped(PREPRO_CROP_BGR, 23)},
+        {"cropgrey_get", false, [=] { return cropgrey_get(out, colour, kHeight, kWidth, kWidth); }},
         {"cropgrey_replace", false,
          [=] { return cropgrey_replace(255, 0, out, kHeight, kWidth, kWidth); }},
         {"cropcolor_get", false,
-         [=, &f] { return cropcolor_get(out, f.colour.data(), kHeight, kWidth, kWidth); }},
+         [=] { return cropcolor_get(out, colour, kHeight, kWidth, kWidth); }},
         {"cropcolor_replace", false,
-         [=, &f] {
-             const auto* const row = f.colour.data();
-             return cropcolor_replace(row, row, out, kHeight, kWidth, kWidth);
-         }},
-        {"lrm_do_horz", true, [] { return remove_lines_with_handle(lrm_do_horz); }},
-        {"lrm_do_vert", true, [] { return remove_lines_with_handle(lrm_do_vert); }},
-        {"linerm_h", true,
-         [] {
-             return clean_copy([](unsigned char* image) {
-                 return linerm_h(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
-             });
-         }},
-        {"linerm_v", true,
-         [] {
-             return clean_copy([](unsigned char* image) {
-                 return linerm_v(image, kHeight, kWidth, kStride, 5, 40, 3, 20, 3, 2);
-             });
-         }},
-        {"extract_underline, horizontal", true,
-         [=] {
-             const int covered =
-                 extract_underline(0, 0, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
-             return covered > 0 ? 0 : covered;
-         }},
-        {"extract_underline, vertical", true,
-         [=] {
-             const int covered =
-                 extract_underline(0, 1, 9, 4, 5, 1, text, out, kHeight, kStride, 3, kWidth);
-             return covered > 0 ? 0 : covered;
-         }},
-        {"despeckl_mem, few pixels", false,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_mem(page, kHeight, kWidth, kStride, 8);
-             });
-         }},
-        {"despeckl_mem, many pixels", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_mem(page, kHeight, kWidth, kStride, 400);
-             });
-         }},
-        {"despeckl_c_mem, few pixels", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 8, 3);
-             });
-         }},
-        {"despeckl_c_mem, many pixels", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_c_mem(page, kHeight, kWidth, kStride, 400, 3);
-             });
-         }},
-        {"despeckl_cb_mem", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_cb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr);
-             });
-         }},
-        {"despeckl_ccb_mem", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_ccb_mem(page, kHeight, kWidth, kStride, erase_narrow, nullptr, 2);
-             });
-         }},
-        {"despeckl_selective", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return despeckl_selective(page, kHeight, kWidth, kStride, 0, 100, 2);
-             });
-         }},
-        {"pre_tva", true,
-         [] {
-             return clean_copy([](unsigned char* page) {
-                 return pre_tva(page, kHeight, kWidth, kStride, 20, 2);
-             });
-         }},
+         [=] { return cropcolor_replace(colour, colour, out, kHeight, kWidth, kWidth); }},
+        {"lrm_do_horz", true, without_lines(lrm_do_horz)},
+        {"lrm_do_vert", true, without_lines(lrm_do_vert)},
+        {"linerm_h", true, cleaned(linerm_h, 5, 40, 3, 20, 3, 2)},
+        {"linerm_v", true, cleaned(linerm_v, 5, 40, 3, 20, 3, 2)},
+        {"extract_underline, horizontal", true, underlined(0)},
+        {"extract_underline, vertical", true, underlined(1)},
+        {"despeckl_mem, few pixels", false, cleaned(despeckl_mem, 8)},
+        {"despeckl_mem, many pixels", true, cleaned(despeckl_mem, 400)},
+        {"despeckl_c_mem, few pixels", true, cleaned(despeckl_c_mem, 8, 3)},
+        {"despeckl_c_mem, many pixels", true, cleaned(despeckl_c_mem, 400, 3)},
+        {"despeckl_cb_mem", true, cleaned(despeckl_cb_mem, erase_narrow, nullptr)},
+        {"despeckl_ccb_mem", true, cleaned(despeckl_ccb_mem, erase_narrow, nullptr, 2)},
+        {"despeckl_selective", true, cleaned(despeckl_selective, 0, 100, 2)},
+        {"pre_tva", true, cleaned(pre_tva, short{20}, short{2})},
     };
 }
 

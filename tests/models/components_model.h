@@ -90,27 +90,18 @@ struct ListModel {
     std::vector<int>::iterator find(int slot) {
         return std::find(order.begin(), order.end(), slot);
     }
-    int next(int slot) {
-        const auto at = find(slot);
-        return at == order.end() || at + 1 == order.end() ? -1 : *(at + 1);
-    }
-    int prev(int slot) {
-        const auto at = find(slot);
-        return at == order.end() || at == order.begin() ? -1 : *(at - 1);
-    }
 
     int insert_node(int position) {
         const bool at_end = position == -2;
         const bool at_front = position == -1;
         if (!at_end && !at_front && !in_use(position)) return -1;
-        int slot = static_cast<int>(used.size());
         if (released.empty()) {
-            used.push_back(true);
-        } else {
-            slot = released.back();
-            released.pop_back();
-            used[static_cast<std::size_t>(slot)] = true;
+            released.push_back(static_cast<int>(used.size()));
+            used.push_back(false);
         }
+        const int slot = released.back();
+        released.pop_back();
+        used[static_cast<std::size_t>(slot)] = true;
         order.insert(at_end ? order.end() : at_front ? order.begin() : find(position), slot);
         return slot;
     }
@@ -123,19 +114,9 @@ struct ListModel {
         return 0;
     }
 
-    int relink_all() {
-        order.clear();
-        return 0;
-    }
-
     int append_existing(int slot) {
         if (!in_use(slot)) return -1;
         order.push_back(slot);
-        return 0;
-    }
-
-    int release_storage() {
-        *this = ListModel{};
         return 0;
     }
 };

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "field.h"
 #include "pixels.h"
 
 namespace model {
@@ -57,56 +58,38 @@ inline int crop_pixel_size(int type) {
 }
 
 inline int crop_grey_value(const unsigned char* pixel, int type) {
-    switch (type) {
-        case 1:
-            return pixel[0];
-        case 2:
-            return (299 * pixel[2] + 587 * pixel[1] + 114 * pixel[0]) / 1000;
-        case 3:
-            return (299 * pixel[0] + 587 * pixel[1] + 114 * pixel[2]) / 1000;
-        default:
-            return (299 * pixel[1] + 587 * pixel[2] + 114 * pixel[3]) / 1000;
-    }
+    if (type == 1) return pixel[0];
+    const int red = type == 2 ? 2 : type == 3 ? 0 : 1;
+    const int green = type == 4 ? 2 : 1;
+    const int blue = type == 2 ? 0 : type == 3 ? 2 : 3;
+    return (299 * pixel[red] + 587 * pixel[green] + 114 * pixel[blue]) / 1000;
 }
 
-struct GreyPage {
-    int height;
-    int width;
-    std::vector<int> values;
-    int get(int x, int y) const {
-        return values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
-    }
-};
-
 struct BorderRule {
-    int dark;
-    int light;
-    int step;
+    int dark, light, step;
 };
 
 // Grows the border into the page; the pixels of (x, y) that were visited before lie at x - dx and
 // y - dy, outside the page where (x, y) is on the edge that the pass starts from.
-inline bool joins_border(const GreyPage& g, const Bits& border, const BorderRule& rule, int x,
-                         int y, int dx, int dy) {
-    const int value = g.get(x, y);
+inline bool joins_border(const Field& g, const Bits& border, const BorderRule& rule, int x, int y,
+                         int dx, int dy) {
+    const int value = g.at(y, x);
     const bool first_column = x - dx < 0 || x - dx >= g.width;
     const bool first_row = y - dy < 0 || y - dy >= g.height;
-    const auto like = [&](int nx, int ny) { return std::abs(value - g.get(nx, ny)) < rule.step; };
+    const auto like = [&](int nx, int ny) { return std::abs(value - g.at(ny, nx)) < rule.step; };
+    const auto next_to = [&](int nx, int ny) {
+        return value < rule.light && border.get(nx, ny) && like(nx, ny);
+    };
     if (first_column && first_row) return value < rule.dark;
-    if (first_row)
-        return value < rule.dark ||
-               (value < rule.light && border.get(x - dx, y) && like(x - dx, y));
-    if (first_column)
-        return value < rule.dark ||
-               (value < rule.light && border.get(x, y - dy) && like(x, y - dy));
+    if (first_row) return value < rule.dark || next_to(x - dx, y);
+    if (first_column) return value < rule.dark || next_to(x, y - dy);
     const bool reached =
         border.get(x - dx, y) || border.get(x, y - dy) || border.get(x - dx, y - dy);
     return value < rule.light && reached && like(x - dx, y) && like(x, y - dy) &&
            like(x - dx, y - dy);
 }
 
-inline void grow_border(const GreyPage& g, Bits& border, const BorderRule& rule) {
+inline void grow_border(const Field& g, Bits& border, const BorderRule& rule) {
     for (const int d : {1, -1, 1})
         for (int y = d > 0 ? 0 : g.height - 1; y >= 0 && y < g.height; y += d)
             for (int x = d > 0 ? 0 : g.width - 1; x >= 0 && x < g.width; x += d)
@@ -138,66 +121,57 @@ struct Content {
     int x0, x1, y0, y1;  // all inclusive
 };
 
-inline bool byte_free_of_border(const Bits& border, int byte, int y) {
-    for (int x = 8 * byte; x < 8 * byte + 8; ++x)
-        if (border.get(x, y)) return false;
+// Whether `pixels` pixels from (x, y) on are free of border.
+inline bool is_content(const Bits& border, int x, int y, int pixels) {
+    for (int i = x; i < x + pixels; ++i)
+        if (border.get(i, y)) return false;
     return true;
-}
-
-inline bool column_has_content(const Bits& border, int x) {
-    for (int y = 0; y < border.height; ++y)
-        if (!border.get(x, y)) return true;
-    return false;
 }
 
 // Rows count when eight aligned pixels are free of border, columns when one pixel is.
 inline Content content_of(const Bits& border) {
-    int y0 = border.height;
-    int y1 = -1;
+    Content c{border.width, -1, border.height, -1};
     for (int y = 0; y < border.height; ++y)
-        for (int byte = 0; byte < ceil_div(border.width, 8); ++byte)
-            if (byte_free_of_border(border, byte, y)) {
-                y0 = std::min(y0, y);
-                y1 = y;
+        for (int x = 0; x < border.width; ++x) {
+            if (is_content(border, x, y, 1)) {
+                c.x0 = std::min(c.x0, x);
+                c.x1 = std::max(c.x1, x);
             }
-    if (y1 < y0)
+            if (x % 8 == 0 && is_content(border, x, y, 8)) {
+                c.y0 = std::min(c.y0, y);
+                c.y1 = y;
+            }
+        }
+    if (c.y1 < 0)
         return {border.width / 2, border.width / 2 + 1, border.height / 2, border.height / 2 + 1};
-    int x0 = 0;
-    while (!column_has_content(border, x0)) ++x0;
-    int x1 = border.width - 1;
-    while (!column_has_content(border, x1)) --x1;
-    return {x0, x1, y0, y1};
+    return c;
 }
 
 inline int cropimg(unsigned char* image, int type, int height, int width, int stride, int dark,
                    int light, int step, int* x0, int* x1, int* y0, int* y1) {
     if (type < 1 || type > 4) return -1;
-    if (height < 24 || width < 24) {
-        *x0 = 0;
-        *x1 = width;
-        *y0 = 0;
-        *y1 = height;
+    const auto write_box = [=](const Content& box) {
+        *x0 = box.x0;
+        *x1 = box.x1;
+        *y0 = box.y0;
+        *y1 = box.y1;
         return 0;
-    }
+    };
+    if (height < 24 || width < 24) return write_box({0, width, 0, height});
     const int size = crop_pixel_size(type);
-    GreyPage grey{height, width, {}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            grey.values.push_back(crop_grey_value(image + offset(y, stride, size * x), type));
+    Field grey(height, width);
+    for_each_cell(grey, [&](int y, int x) {
+        grey.at(y, x) = crop_grey_value(image + offset(y, stride, size * x), type);
+    });
     Bits border(height, width);
     grow_border(grey, border, {dark, light, step});
     border = widen_border(border, 8);
     frame_border(border, 8);
-    const Content content = content_of(border);
-    *x0 = content.x0;
-    *x1 = content.x1;
-    *y0 = content.y0;
-    *y1 = content.y1;
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             for (int i = type == 4 ? 1 : 0; i < size; ++i)
                 if (border.get(x, y)) image[offset(y, stride, size * x + i)] = 255;
-    return 0;
+    return write_box(content_of(border));
 }
 
 // What is met first on the way in from the edges: sums of up to three bytes of the pixels met.
@@ -217,20 +191,15 @@ struct FirstMet {
         ++count;
         return true;
     }
-    void walk_right(int y, int from, int to) {
-        for (int x = from; x <= to; ++x)
-            if (meet(x, y)) return;
-    }
-    void walk_left(int y, int from, int to) {
-        for (int x = from; x >= to; --x)
-            if (meet(x, y)) return;
+    // From (x, y) on, `pixels` pixels.
+    void walk(int x, int y, int dx, int dy, int pixels) {
+        for (int i = 0; i < pixels; ++i)
+            if (meet(x + i * dx, y + i * dy)) return;
     }
     void walk_columns(int height, int width) {
         for (int x = 0; x < width; ++x) {
-            for (int y = 0; y < height; ++y)
-                if (meet(x, y)) break;
-            for (int y = height - 1; y >= 0; --y)
-                if (meet(x, y)) break;
+            walk(x, 0, 0, 1, height);
+            walk(x, height - 1, 0, -1, height);
         }
     }
 };
@@ -239,8 +208,8 @@ inline int cropgrey_get(unsigned char* value, const unsigned char* grey, int hei
                         int stride) {
     FirstMet met{grey, stride, 1};
     for (int y = 1; y <= height - 2; ++y) {
-        met.walk_right(y, 1, width - 2);
-        met.walk_left(y, width - 1, 0);
+        met.walk(1, y, 1, 0, width - 2);
+        met.walk(width - 1, y, -1, 0, width);
     }
     met.walk_columns(height, width);
     *value = static_cast<unsigned char>(met.count == 0 ? 255 : met.sums[0] / met.count);
@@ -251,8 +220,8 @@ inline int cropcolor_get(unsigned char* value, const unsigned char* colour, int 
                          int row_pixels) {
     FirstMet met{colour, std::ptrdiff_t{3} * row_pixels, 3};
     for (int y = 0; y < height; ++y) {
-        met.walk_right(y, 0, width - 1);
-        met.walk_left(y, width - 1, 0);
+        met.walk(0, y, 1, 0, width);
+        met.walk(width - 1, y, -1, 0, width);
     }
     met.walk_columns(height, width);
     for (int i = 0; i < 3; ++i)

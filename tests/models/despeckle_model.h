@@ -24,6 +24,7 @@ inline Erases erases_up_to(int max_area) {
 }
 
 inline Erases erases_as_told(ComponentRule rule, void* user) {
+    if (rule == nullptr) return {};
     return [rule, user](int height, int width, long long area) {
         return rule(user, height, width, static_cast<int>(area)) == 1;
     };
@@ -47,11 +48,11 @@ inline void protected_pass(unsigned char* image, int height, int width, int stri
     const std::vector<unsigned char> copy = copy_of(image, height, stride);
     const int n = std::clamp(distance, 0, 65536);
     despeckle_pass(image, height, width, stride, erases);
-    model::h_dilate(n, image, stride, 0, width, 0, height);
-    model::v_dilate(n, image, stride, 0, width, 0, height);
-    model::or_buffers(image, copy.data(), height, stride);
+    h_dilate(n, image, stride, 0, width, 0, height);
+    v_dilate(n, image, stride, 0, width, 0, height);
+    or_buffers(image, copy.data(), height, stride);
     despeckle_pass(image, height, width, stride, erases);
-    model::and_buffers(image, copy.data(), height, stride);
+    and_buffers(image, copy.data(), height, stride);
 }
 
 enum class Sizes { kRefused, kEmpty, kPage };
@@ -80,25 +81,23 @@ inline int despeckle(unsigned char* image, int height, int width, int stride, in
     return 0;
 }
 
-inline int despeckl_mem(unsigned char* image, int height, int width, int stride, int max_area) {
-    return despeckle(image, height, width, stride, 0, erases_up_to(max_area));
-}
-
 inline int despeckl_c_mem(unsigned char* image, int height, int width, int stride, int max_area,
                           int distance) {
     return despeckle(image, height, width, stride, distance, erases_up_to(max_area));
 }
 
-inline int despeckl_cb_mem(unsigned char* image, int height, int width, int stride,
-                           ComponentRule rule, void* user) {
-    return despeckle(image, height, width, stride, 0,
-                     rule == nullptr ? Erases() : erases_as_told(rule, user));
+inline int despeckl_mem(unsigned char* image, int height, int width, int stride, int max_area) {
+    return despeckl_c_mem(image, height, width, stride, max_area, 0);
 }
 
 inline int despeckl_ccb_mem(unsigned char* image, int height, int width, int stride,
                             ComponentRule rule, void* user, int distance) {
-    return despeckle(image, height, width, stride, distance,
-                     rule == nullptr ? Erases() : erases_as_told(rule, user));
+    return despeckle(image, height, width, stride, distance, erases_as_told(rule, user));
+}
+
+inline int despeckl_cb_mem(unsigned char* image, int height, int width, int stride,
+                           ComponentRule rule, void* user) {
+    return despeckl_ccb_mem(image, height, width, stride, rule, user, 0);
 }
 
 // Whether more than 2 * density / 300 of the pixels of the window around (x0, y0) differ from their
@@ -160,12 +159,12 @@ inline int pre_tva(unsigned char* image, int height, int width, int stride, shor
     if (height <= 0 || width < 0 || stride <= 0) return -1;
     if (image == nullptr || stride < ceil_div(width, 8)) return -1;
     const std::vector<unsigned char> copy = copy_of(image, height, stride);
-    model::h_fill_gaps(2, image, stride, 0, width, 0, height);
+    h_fill_gaps(2, image, stride, 0, width, 0, height);
     const Erases erases = [=](int h, int w, long long area) {
         return max_height < h || area < 1LL * w * min_density || area < 1LL * h * min_density;
     };
     if (despeckle(image, height, width, stride, 0, erases) != 0) return -1;
-    model::and_buffers(image, copy.data(), height, stride);
+    and_buffers(image, copy.data(), height, stride);
     return 0;
 }
 

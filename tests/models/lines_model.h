@@ -33,17 +33,9 @@ struct LinePage {
     void apply(Step step, int n) {
         step(std::clamp(n, 0, 1 << 24), bytes.data(), stride, x0, x1, y0, y1);
     }
-    void operator&=(const LinePage& other) {
-        model::and_buffers(bytes.data(), other.bytes.data(), height, stride);
-    }
-    void operator|=(const LinePage& other) {
-        model::or_buffers(bytes.data(), other.bytes.data(), height, stride);
-    }
-    void operator^=(const LinePage& other) {
-        model::xor_buffers(bytes.data(), other.bytes.data(), height, stride);
-    }
-    void subtract(const LinePage& other) {
-        model::and_not_buffers(bytes.data(), other.bytes.data(), height, stride);
+    // Combines with another page, byte by byte.
+    void apply(int (*combine)(unsigned char*, const unsigned char*, int, int), const LinePage& by) {
+        combine(bytes.data(), by.bytes.data(), height, stride);
     }
     void write_to(unsigned char* image) const { std::copy(bytes.begin(), bytes.end(), image); }
 };
@@ -78,36 +70,30 @@ struct LrmSettings {
     LrmDirection vert = {};
 };
 
-inline int lrm_do(const LrmSettings& lrm, const LrmDirection& set, const LineSteps& steps) {
+// The vertical recipe widens its lines in the same order, across and then along them.
+inline int lrm_do(const LrmSettings& lrm, bool horizontal) {
     if (lrm.height * lrm.stride == 0) return -1;
+    const LrmDirection& set = horizontal ? lrm.horz : lrm.vert;
+    const LineSteps& steps = horizontal ? kHorizontalLines : kVerticalLines;
     LinePage image(lrm.image, lrm.height, lrm.stride, lrm.x0, lrm.x1, lrm.y0, lrm.y1);
     LinePage lines = image;
     LinePage strokes = image;
     lines.apply(steps.fill_along, set.max_gap);
     lines.apply(steps.dilate_across, set.dilate);
     lines.apply(steps.remove_along, set.min_length);
-    lines &= image;
+    lines.apply(and_buffers, image);
     lines.apply(steps.dilate_across, set.clean_across);
     lines.apply(steps.dilate_along, set.clean_along);
-    image.subtract(lines);
+    image.apply(and_not_buffers, lines);
     strokes.apply(steps.remove_across, set.max_thickness);
-    image |= strokes;
+    image.apply(or_buffers, strokes);
     image.write_to(lrm.image);
     return 0;
 }
 
-inline int lrm_do_horz(const LrmSettings& lrm) {
-    return lrm_do(lrm, lrm.horz, kHorizontalLines);
-}
-
-// The vertical recipe widens its lines in the same order, across and then along them.
-inline int lrm_do_vert(const LrmSettings& lrm) {
-    return lrm_do(lrm, lrm.vert, kVerticalLines);
-}
-
-inline int linerm(unsigned char* pixels, int height, int width, int stride, int thickness,
-                  int min_length, int max_gap, int min_run, int join, int clean,
-                  const LineSteps& steps) {
+template <const LineSteps& steps>
+int linerm(unsigned char* pixels, int height, int width, int stride, int thickness, int min_length,
+           int max_gap, int min_run, int join, int clean) {
     if (height == 0 || stride == 0) return -1;
     LinePage image(pixels, height, stride, 0, width, 0, height);
     const LinePage page = image;
@@ -115,32 +101,23 @@ inline int linerm(unsigned char* pixels, int height, int width, int stride, int 
     lines.apply(steps.remove_along, min_run);
     lines.apply(steps.fill_across, join);
     lines.apply(steps.remove_across, thickness);
-    lines ^= page;
+    lines.apply(xor_buffers, page);
     lines.apply(steps.fill_along, max_gap);
     lines.apply(steps.remove_along, min_length);
     lines.apply(steps.dilate_across, clean);
     LinePage thin = page;
     thin.apply(steps.remove_across, thickness);
-    thin ^= page;
-    lines &= thin;
-    image.subtract(lines);
+    thin.apply(xor_buffers, page);
+    lines.apply(and_buffers, thin);
+    image.apply(and_not_buffers, lines);
     image.apply(steps.fill_across, thickness);
-    image &= page;
+    image.apply(and_buffers, page);
     image.write_to(pixels);
     return 0;
 }
 
-inline int linerm_h(unsigned char* image, int height, int width, int stride, int thickness,
-                    int min_length, int max_gap, int min_run, int join, int clean) {
-    return linerm(image, height, width, stride, thickness, min_length, max_gap, min_run, join,
-                  clean, kHorizontalLines);
-}
-
-inline int linerm_v(unsigned char* image, int height, int width, int stride, int thickness,
-                    int min_length, int max_gap, int min_run, int join, int clean) {
-    return linerm(image, height, width, stride, thickness, min_length, max_gap, min_run, join,
-                  clean, kVerticalLines);
-}
+inline constexpr auto linerm_h = linerm<kHorizontalLines>;
+inline constexpr auto linerm_v = linerm<kVerticalLines>;
 
 // At most this many lines are recorded. The line after that stays undecided, and with it, row for
 // row, all components that come after it in the list: short ones stay in the target.
@@ -156,10 +133,10 @@ inline int extract_underline(int ink_value, int vertical, int min_extent, int mi
     LinePage lines = page;
     lines.apply(steps.dilate_across, dilate);
     lines.apply(steps.remove_along, min_run);
-    lines &= page;
+    lines.apply(and_buffers, page);
     LinePage thick = lines;
     thick.apply(steps.remove_across, thickness);
-    lines.subtract(thick);
+    lines.apply(and_not_buffers, thick);
     lines.write_to(target);
 
     std::vector<std::pair<int, int>> extents;

@@ -1,5 +1,4 @@
-// Runs, run morphology and connected components of bitonal images, one pixel at a time; and the
-// order rules of the index-linked list.
+// Runs and run morphology of bitonal images, one pixel at a time.
 //
 // Zones are columns [x0, x1) and rows [y0, y1). Runs are half-open. The morphology takes the
 // arguments of the library's operations without the error log, and keeps every pixel outside the
@@ -8,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -31,39 +31,21 @@ inline int extract_runs(int ink_value, const unsigned char* row, int x_start, in
     return written;
 }
 
-inline int paint_span(unsigned char* row, int x, int length, int value) {
-    for (int i = x; i < x + length; ++i) set_bit(row, 0, i, 0, value == 1);
-    return 0;
-}
-
-template <typename Combine>
-int combine_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride,
-                    Combine combine) {
+template <class Combine>
+int combine_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
     for (std::size_t i = 0; i < offset(rows, stride, 0); ++i)
-        for (int bit = 0; bit < 8; ++bit)
-            set_bit(dst + i, 0, bit, 0,
-                    combine(get_bit(dst + i, 0, bit, 0), get_bit(src + i, 0, bit, 0)));
+        dst[i] = static_cast<unsigned char>(Combine()(dst[i], src[i]));
     return 0;
 }
-inline int and_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
-    return combine_buffers(dst, src, rows, stride, [](bool d, bool s) { return d && s; });
-}
-inline int and_not_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
-    return combine_buffers(dst, src, rows, stride, [](bool d, bool s) { return d && !s; });
-}
-inline int or_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
-    return combine_buffers(dst, src, rows, stride, [](bool d, bool s) { return d || s; });
-}
-inline int xor_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
-    return combine_buffers(dst, src, rows, stride, [](bool d, bool s) { return d != s; });
-}
 
-inline long long count_black_pixels(const unsigned char* image, int rows, int stride) {
-    long long count = 0;
-    for (int y = 0; y < rows; ++y)
-        for (int x = 0; x < 8 * stride; ++x) count += get_bit(image, stride, x, y) ? 1 : 0;
-    return count;
-}
+struct AndNot {
+    int operator()(int d, int s) const { return d & ~s; }
+};
+
+inline constexpr auto and_buffers = combine_buffers<std::bit_and<int>>;
+inline constexpr auto and_not_buffers = combine_buffers<AndNot>;
+inline constexpr auto or_buffers = combine_buffers<std::bit_or<int>>;
+inline constexpr auto xor_buffers = combine_buffers<std::bit_xor<int>>;
 
 using Line = std::vector<char>;
 
@@ -109,11 +91,9 @@ inline Line erode(const Line& line, int n) {
     return result;
 }
 
-using LineRule = Line (*)(const Line&, int);
-
-inline int along_rows(LineRule rule, int n, unsigned char* image, int stride, int x0, int x1,
-                      int y0, int y1) {
-    if (n == 0 || x0 >= x1 || y0 >= y1) return 0;
+template <Line (*rule)(const Line&, int)>
+int along_rows(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
+    if (n == 0) return 0;
     for (int y = y0; y < y1; ++y) {
         Line line;
         for (int x = x0; x < x1; ++x) line.push_back(get_bit(image, stride, x, y) ? 1 : 0);
@@ -123,9 +103,9 @@ inline int along_rows(LineRule rule, int n, unsigned char* image, int stride, in
     }
     return 0;
 }
-inline int along_columns(LineRule rule, int n, unsigned char* image, int stride, int x0, int x1,
-                         int y0, int y1) {
-    if (n == 0 || x0 >= x1 || y0 >= y1) return 0;
+template <Line (*rule)(const Line&, int)>
+int along_columns(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
+    if (n == 0) return 0;
     for (int x = x0; x < x1; ++x) {
         Line line;
         for (int y = y0; y < y1; ++y) line.push_back(get_bit(image, stride, x, y) ? 1 : 0);
@@ -136,29 +116,13 @@ inline int along_columns(LineRule rule, int n, unsigned char* image, int stride,
     return 0;
 }
 
-inline int h_fill_gaps(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_rows(fill_gaps, n, image, stride, x0, x1, y0, y1);
-}
-inline int h_remove_short(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_rows(remove_short, n, image, stride, x0, x1, y0, y1);
-}
-inline int h_dilate(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_rows(dilate, n, image, stride, x0, x1, y0, y1);
-}
-inline int h_erode(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_rows(erode, n, image, stride, x0, x1, y0, y1);
-}
-inline int v_fill_gaps(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_columns(fill_gaps, n, image, stride, x0, x1, y0, y1);
-}
-inline int v_remove_short(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_columns(remove_short, n, image, stride, x0, x1, y0, y1);
-}
-inline int v_dilate(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_columns(dilate, n, image, stride, x0, x1, y0, y1);
-}
-inline int v_erode(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    return along_columns(erode, n, image, stride, x0, x1, y0, y1);
-}
+inline constexpr auto h_fill_gaps = along_rows<fill_gaps>;
+inline constexpr auto h_remove_short = along_rows<remove_short>;
+inline constexpr auto h_dilate = along_rows<dilate>;
+inline constexpr auto h_erode = along_rows<erode>;
+inline constexpr auto v_fill_gaps = along_columns<fill_gaps>;
+inline constexpr auto v_remove_short = along_columns<remove_short>;
+inline constexpr auto v_dilate = along_columns<dilate>;
+inline constexpr auto v_erode = along_columns<erode>;
 
 }  // namespace model

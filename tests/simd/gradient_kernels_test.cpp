@@ -1,103 +1,74 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
+// The kernels of the gradient methods and of their maps of blocks against their plain forms.
+#include "simd/block_fill.h"
 #include "simd/block_rows.h"
 #include "simd/block_threshold_bits.h"
+#include "simd/edge_block_sums.h"
 #include "simd/gradient_rows.h"
-#include "simd/light_counts.h"
 #include "simd/midpoint_rows.h"
-#include "support/every_target.h"
-#include "support/random_page.h"
+#include "support/kernel_frame.h"
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-using Bits = std::vector<std::uint64_t>;
+using support::expect_twins;
+using support::on_every_width;
+using support::Random;
+using support::Row;
+using support::Words;
 
-constexpr std::size_t kLongest = 3 * 64 + 7;
+constexpr std::size_t kRoom = simd::kRowPad + 64;  // whole words, and the padding behind
 
-// Rows with the room around them that the kernels ask for, filled with noise.
-class Rows {
-  public:
-    Rows(std::size_t rows, support::Random& random, int most = 255, double empty = 0) {
-        for (std::size_t i = 0; i < rows; ++i) {
-            Bytes row(kLongest + 64 + 2 * simd::kRowPad);
-            for (auto& value : row) {
-                const int tone = random.between(0, most);
-                value = static_cast<std::uint8_t>(random.chance(empty) ? 0 : tone);
-            }
-            rows_.push_back(row);
-        }
+// Rows with the room around them that the kernels ask for.
+struct Rows {
+    std::vector<Row> rows;
+
+    Rows(std::size_t count, std::size_t width, Random& random, int most = 255, double empty = 0) {
+        for (std::size_t i = 0; i < count; ++i)
+            rows.emplace_back(width, random, 0, most, empty, kRoom);
     }
-
-    std::uint8_t* operator[](std::size_t i) { return rows_[i].data() + simd::kRowPad; }
-    Bytes part(std::size_t i, std::size_t width) {
-        return {(*this)[i], (*this)[i] + static_cast<std::ptrdiff_t>(width)};
-    }
-    simd::ThreeRows three() { return {(*this)[0], (*this)[1], (*this)[2]}; }
-    simd::FourRows four() { return {{(*this)[0], (*this)[1], (*this)[2], (*this)[3]}}; }
-
-  private:
-    std::vector<Bytes> rows_;
+    Row& operator[](std::size_t i) { return rows[i]; }
+    simd::ThreeRows three(std::size_t i = 0) { return {rows[i], rows[i + 1], rows[i + 2]}; }
+    simd::FourRows four() { return {{rows[0], rows[1], rows[2], rows[3]}}; }
 };
 
-// Calls check(width, random) for every width on every instruction set.
-template <class Check>
-void on_every_width(std::size_t least, const Check& check) {
-    support::on_every_target([&] {
-        support::Random random(11);
-        for (std::size_t width = least; width <= kLongest; ++width) check(width, random);
-    });
-}
-
-simd::GradientRow gradient_in(Rows& rows, std::size_t first) {
-    return {rows[first], rows[first + 1], rows[first + 2]};
-}
-
-TEST(GradientKernels, GradientsAgreeOnEveryWidth) {
-    on_every_width(1, [](std::size_t width, support::Random& random) {
-        Rows grey(3, random, random.chance(0.5) ? 255 : 20);
-        Rows fast(3, random);
-        Rows slow(3, random);
-        simd::gradient_row(grey[0], grey[1], grey[2], width, gradient_in(fast, 0));
-        simd::plain::gradient_row(grey[0], grey[1], grey[2], width, gradient_in(slow, 0));
-        for (std::size_t i = 0; i < 3; ++i) {
-            ASSERT_EQ(fast.part(i, width), slow.part(i, width)) << width;
-        }
+TEST(GradientKernels, Gradients) {
+    on_every_width(1, [](std::size_t width, Random& random) {
+        Rows grey(3, width, random, random.chance(0.5) ? 255 : 20);
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::gradient_row : simd::plain::gradient_row)(
+                grey[0], grey[1], grey[2], width, {out[0], out[1], out[2]});
+        };
+        expect_twins(3, width, random, call, kRoom);
     });
 }
 
 // A step of gx to the right and of gy downwards gives these components: all pairs that there are.
 TEST(GradientKernels, MagnitudesAreRoundedRoots) {
     support::on_every_target([] {
-        support::Random random(1);
-        for (int gx = 0; gx <= 127; ++gx) {
-            Rows grey(3, random, 0);
-            Rows out(3, random);
-            for (int gy = 0; gy <= 127; ++gy) {
-                for (std::size_t x = 0; x < 128; ++x) {
-                    grey[0][x] = static_cast<std::uint8_t>(x == 0 ? 0 : gx);
-                    grey[1][x] = grey[0][x];
-                    grey[2][x] = static_cast<std::uint8_t>(grey[0][x] + gy);
-                }
-                simd::gradient_row(grey[0], grey[1], grey[2], 128, gradient_in(out, 0));
-                const int magnitude = out[0][1];
-                const int square = gx * gx + gy * gy;
-                ASSERT_EQ(out[1][1] & 0x7F, gx);
-                ASSERT_EQ(out[2][1], gy);
-                // Nearest whole number: its distance to the root is below a half.
-                ASSERT_LE(magnitude * magnitude - magnitude, square) << gx << " " << gy;
-                ASSERT_LE(square, magnitude * magnitude + magnitude) << gx << " " << gy;
+        Random random(1);
+        Rows grey(3, 128, random), out(3, 128, random);
+        for (int i = 0; i < 128 * 128; ++i) {
+            const int gx = i / 128;
+            const int gy = i % 128;
+            for (int x = 0; x < 128; ++x) {
+                grey[0][x] = grey[1][x] = static_cast<std::uint8_t>(x == 0 ? 0 : gx);
+                grey[2][x] = static_cast<std::uint8_t>(grey[0][x] + gy);
             }
+            simd::gradient_row(grey[0], grey[1], grey[2], 128, {out[0], out[1], out[2]});
+            const int magnitude = out[0][1];
+            const int square = gx * gx + gy * gy;
+            ASSERT_EQ(out[1][1] & 0x7F, gx);
+            ASSERT_EQ(out[2][1], gy);
+            // Nearest whole number: its distance to the root is below a half.
+            ASSERT_LE(magnitude * magnitude - magnitude, square) << gx << " " << gy;
+            ASSERT_LE(square, magnitude * magnitude + magnitude) << gx << " " << gy;
         }
     });
 }
 
-TEST(GradientKernels, LocalMaximaAgreeOnEveryWidth) {
-    on_every_width(2, [](std::size_t width, support::Random& random) {
-        Rows magnitudes(3, random, random.chance(0.5) ? 181 : 4);
-        Rows gradient(2, random, 127);
+TEST(GradientKernels, LocalMaxima) {
+    on_every_width(2, [](std::size_t width, Random& random) {
+        Rows magnitudes(3, width, random, random.chance(0.5) ? 181 : 4);
+        Rows gradient(2, width, random, 127);
         for (std::size_t x = 0; x < width; ++x) {
             if (random.chance(0.5)) gradient[0][x] |= 0x80;
             if (random.chance(0.2)) gradient[1][x] = gradient[0][x] & 0x7F;
@@ -107,120 +78,160 @@ TEST(GradientKernels, LocalMaximaAgreeOnEveryWidth) {
                                               static_cast<std::uint8_t>(random.between(0, 60))};
         const simd::MagnitudeRows rows{magnitudes[0], magnitudes[1], magnitudes[2]};
         const simd::GradientRow across{magnitudes[1], gradient[0], gradient[1]};
-        const std::size_t words = (width + 63) / 64;
-        Bits fast(2 * words), slow(2 * words);
-        const bool found = simd::local_maxima_row(rows, across, width, thresholds, fast.data(),
-                                                  fast.data() + words);
-        ASSERT_EQ(found, simd::plain::local_maxima_row(rows, across, width, thresholds, slow.data(),
-                                                       slow.data() + words));
-        ASSERT_EQ(fast, slow) << width;
+        const auto call = [&](bool fast, const auto& out) {
+            return (fast ? simd::local_maxima_row : simd::plain::local_maxima_row)(
+                rows, across, width, thresholds, out[0], out[1]);
+        };
+        expect_twins<std::uint64_t>(2, (width + 63) / 64, random, call);
     });
 }
 
-// Bits of the inner pixels of a row.
-Bits random_edges(std::size_t width, support::Random& random) {
-    Bits edges((width + 63) / 64);
-    if (random.chance(0.2)) return edges;
-    for (std::size_t x = 1; x + 1 < width; ++x) {
-        if (random.chance(0.1)) edges[x / 64] |= std::uint64_t{1} << (x % 64);
-    }
-    return edges;
-}
-
-TEST(GradientKernels, MidpointsAndMarksAgreeOnEveryWidth) {
-    on_every_width(2, [](std::size_t width, support::Random& random) {
-        Rows grey(5, random, random.chance(0.2) ? 1 : 255);
-        Rows fast(3, random), slow(3, random), contrast(6, random);
-        std::vector<Bits> edges;
+TEST(GradientKernels, MidpointsAndMarks) {
+    on_every_width(2, [](std::size_t width, Random& random) {
+        Rows grey(5, width, random, random.chance(0.2) ? 1 : 255);
+        Rows midpoints(3, width, random), contrast(1, width, random);
+        std::vector<Words> edges;
+        const std::size_t words = (width + 63) / 64;
         for (std::size_t i = 0; i < 3; ++i) {
-            edges.push_back(random_edges(width, random));
-            const simd::ThreeRows around{grey[i], grey[i + 1], grey[i + 2]};
-            const std::size_t words = edges[i].size();
-            ASSERT_EQ(simd::midpoint_row(around, edges[i].data(), words, fast[i], contrast[i]),
-                      simd::plain::midpoint_row(around, edges[i].data(), words, slow[i],
-                                                contrast[i + 3]));
-            ASSERT_EQ(fast.part(i, width), slow.part(i, width)) << width;
-            ASSERT_EQ(contrast.part(i, width), contrast.part(i + 3, width)) << width;
+            edges.push_back(support::random_marks(width, random.chance(0.2) ? 0 : 0.1, random));
+            edges[i][0] &= ~std::uint64_t{1};
+            edges[i].back() &= ~(std::uint64_t{1} << ((width - 1) % 64));
+            const auto call = [&](bool fast, const auto& out) {
+                return (fast ? simd::midpoint_row : simd::plain::midpoint_row)(
+                    grey.three(i), edges[i].data(), words, out[0], out[1]);
+            };
+            expect_twins(2, width, random, call, kRoom);
+            simd::plain::midpoint_row(grey.three(i), edges[i].data(), words, midpoints[i],
+                                      contrast[0]);
         }
         const simd::ThreeBitRows bits{edges[0].data(), edges[1].data(), edges[2].data()};
-        Bits marks(edges[0].size()), expected(edges[0].size());
-        simd::mark_row(fast.three(), bits, grey[2], width, marks.data());
-        simd::plain::mark_row(fast.three(), bits, grey[2], width, expected.data());
-        ASSERT_EQ(marks, expected) << width;
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::mark_row : simd::plain::mark_row)(midpoints.three(), bits, grey[2], width,
+                                                            out[0]);
+        };
+        expect_twins<std::uint64_t>(1, words, random, call);
     });
 }
 
-TEST(GradientKernels, BlockMeansAgreeOnEveryLength) {
-    on_every_width(1, [](std::size_t width, support::Random& random) {
+TEST(GradientKernels, MeansOfBlocks) {
+    on_every_width(1, [](std::size_t width, Random& random) {
         const std::size_t words = (width + 63) / 64;
-        Rows midpoints(4, random), contrasts(4, random, 255, 0.8), fast(3, random), slow(3, random);
-        Bits any(words);
+        Rows midpoints(4, 64 * words, random), contrasts(4, 64 * words, random, 255, 0.8);
+        Words any(words);
         for (std::size_t i = 0; i < words; ++i) {
             any[i] = random.chance(0.8) ? 1 : 0;
-            for (std::size_t x = 64 * i; any[i] == 0 && x < 64 * i + 64; ++x) {
-                for (std::size_t row = 0; row < 4; ++row) contrasts[row][x] = 0;
-            }
+            for (auto& row : contrasts.rows)
+                if (any[i] == 0) std::fill_n(row + 64 * i, 64, std::uint8_t{0});
         }
-        simd::edge_means(midpoints.four(), contrasts.four(), any.data(), words, fast[0], fast[1]);
-        simd::plain::edge_means(midpoints.four(), contrasts.four(), any.data(), words, slow[0],
-                                slow[1]);
-        simd::grey_means(midpoints.four(), words, fast[2]);
-        simd::plain::grey_means(midpoints.four(), words, slow[2]);
-        for (std::size_t i = 0; i < 3; ++i) {
-            ASSERT_EQ(fast.part(i, 16 * words), slow.part(i, 16 * words)) << width;
-        }
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::edge_means : simd::plain::edge_means)(midpoints.four(), contrasts.four(),
+                                                                any.data(), words, out[0], out[1]);
+            (fast ? simd::grey_means : simd::plain::grey_means)(midpoints.four(), words, out[2]);
+        };
+        expect_twins(3, 16 * words, random, call, kRoom);
     });
 }
 
-TEST(GradientKernels, BlockRowsAgreeOnEveryWidth) {
-    on_every_width(2, [](std::size_t width, support::Random& random) {
-        Rows map(3, random, random.chance(0.5) ? 255 : 9, random.chance(0.5) ? 0.5 : 0.9);
-        Rows fast(3, random), slow(3, random);
-        const auto limit = static_cast<std::uint8_t>(random.between(0, 255));
-        simd::spread_row(map.three(), width, fast[0]);
-        simd::plain::spread_row(map.three(), width, slow[0]);
-        simd::clean_row(map.three(), width, fast[1]);
-        simd::plain::clean_row(map.three(), width, slow[1]);
-        simd::middle_row(map.three(), width, limit, fast[2]);
-        simd::plain::middle_row(map.three(), width, limit, slow[2]);
-        for (std::size_t i = 0; i < 3; ++i) {
-            ASSERT_EQ(fast.part(i, width), slow.part(i, width)) << width << ", kernel " << i;
-        }
+TEST(GradientKernels, RowsOfBlocks) {
+    on_every_width(2, [](std::size_t width, Random& random) {
+        Rows map(3, width, random, random.chance(0.5) ? 255 : 9, random.chance(0.5) ? 0.5 : 0.9);
+        const std::uint8_t limit = random.byte();
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::spread_row : simd::plain::spread_row)(map.three(), width, out[0]);
+            (fast ? simd::clean_row : simd::plain::clean_row)(map.three(), width, out[1]);
+            (fast ? simd::middle_row : simd::plain::middle_row)(map.three(), width, limit, out[2]);
+        };
+        expect_twins(3, width, random, call, kRoom);
     });
 }
 
-TEST(GradientKernels, ThresholdBitsAgreeOnEveryWidth) {
-    on_every_width(1, [](std::size_t width, support::Random& random) {
-        Rows grey(3, random), thresholds(1, random);
-        const auto level = static_cast<std::uint8_t>(random.between(0, 255));
+TEST(GradientKernels, ThresholdBits) {
+    on_every_width(1, [](std::size_t width, Random& random) {
+        Rows grey(3, width, random), thresholds(1, width, random);
+        const std::uint8_t level = random.byte();
         const std::size_t words = (width + 63) / 64;
-        Bits fast(words), slow(words);
-        fast[0] = slow[0] = random.byte();
-        simd::set_below_blocks(grey[1], thresholds[0], words, fast.data());
-        simd::plain::set_below_blocks(grey[1], thresholds[0], words, slow.data());
-        ASSERT_EQ(fast, slow) << width;
-        simd::set_dark_areas(grey.three(), width, level, fast.data());
-        simd::plain::set_dark_areas(grey.three(), width, level, slow.data());
-        ASSERT_EQ(fast, slow) << width;
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::set_below_blocks : simd::plain::set_below_blocks)(grey[1], thresholds[0],
+                                                                            words, out[0]);
+            (fast ? simd::set_dark_areas : simd::plain::set_dark_areas)(grey.three(), width, level,
+                                                                        out[1]);
+        };
+        expect_twins<std::uint64_t>(2, words, random, call);
     });
 }
 
-TEST(GradientKernels, LightCountsAgreeOnEveryWidth) {
-    support::on_every_target([&] {
-        for (std::int32_t width = 0; width <= static_cast<std::int32_t>(kLongest); ++width) {
-            const std::int32_t height = width % 64 == 1 ? 300 : 7;
-            const std::ptrdiff_t stride = width + 3;
-            const auto size = static_cast<std::size_t>(height * stride);
-            const Bytes bytes = support::random_bytes(size, static_cast<std::uint32_t>(width));
-            const common::GreyView grey{bytes.data(), height, width, stride};
-            for (const int first : {1, 100, 248}) {
-                simd::LightCounts fast, slow;
-                fast.at_least[3] = slow.at_least[3] = 9;  // counts are added to
-                simd::count_light(grey, static_cast<std::uint8_t>(first), fast);
-                simd::plain::count_light(grey, static_cast<std::uint8_t>(first), slow);
-                ASSERT_EQ(fast.at_least, slow.at_least) << width << " from " << first;
-                ASSERT_EQ(fast.least, slow.least) << width;
+// Flat, noisy and stepped rows, so that limits are met, missed and hit exactly; they end where
+// their memory ends.
+TEST(EdgeBlockSums, OfEveryWidth) {
+    on_every_width(1, [](std::size_t width, Random& random) {
+        std::vector<Row> rows;
+        simd::BlockRows block{
+            {}, width, random.chance(0.2) ? 1U : 0U, random.chance(0.2) ? 3U : 4U};
+        for (std::size_t k = 0; k < 6; ++k) {
+            const int step = random.chance(0.5) ? 1 : random.between(2, 85);
+            rows.emplace_back(width, random, 0, random.chance(0.5) ? 255 : random.between(0, 60));
+            for (std::size_t x = 0; x < width; ++x)
+                rows[k][x] = static_cast<std::uint8_t>(rows[k][x] / step * step);
+        }
+        for (std::size_t k = 0; k < 6; ++k) block.row[k] = rows[k];
+        const int gradient = 3 * (random.chance(0.2) ? 255 : random.between(0, 90)) + 20;
+        const simd::EdgeLimits limits{gradient * gradient,
+                                      static_cast<std::uint8_t>(random.between(0, 120))};
+        const auto call = [&](bool fast, const auto& out) {
+            (fast ? simd::sum_edge_blocks : simd::plain::sum_edge_blocks)(
+                block, limits, {out[0], out[1], out[2], out[3], out[4], out[5]});
+        };
+        expect_twins<std::int32_t>(6, width / 4, random, call);
+    });
+}
+
+// Both members of the bound that rules pixels out before their gradient is taken: the steepest
+// gradient that a difference of `contrast` can have counts, a limit just above it does not.
+TEST(EdgeBlockSums, TheSteepestGradientOfEveryContrast) {
+    support::on_every_target([] {
+        for (int contrast = 5; contrast <= 175; ++contrast) {
+            Random random(1);
+            std::vector<Row> rows(6, Row(12, random, 40, 40));
+            simd::BlockRows block{{}, 12};
+            for (std::size_t k = 0; k < 6; ++k) block.row[k] = rows[k];
+            const auto light = static_cast<std::uint8_t>(40 + contrast);
+            rows[2][6] = rows[3][6] = rows[1][6] = rows[3][5] = light;
+            const int most = 20 * contrast * contrast;  // at row 2, column 5
+            for (const int above : {0, 1}) {
+                std::int32_t sums[6][3];
+                simd::sum_edge_blocks(block, {most + above, 0},
+                                      {sums[0], sums[1], sums[2], sums[3], sums[4], sums[5]});
+                ASSERT_EQ(sums[1][1], 1 - above) << contrast;
             }
+        }
+    });
+}
+
+TEST(BlockFill, WidensAndPulls) {
+    on_every_width(0, [](std::size_t width, Random& random) {
+        for (int round = 0; round < 3; ++round) {
+            std::vector<Row> rows;
+            for (int i = 0; i < 3; ++i)
+                rows.emplace_back(width, random, 0, 255, random.between(0, 10) / 10.0);
+            std::uint8_t* const above = rows[0];
+            std::uint8_t* const below = rows[2];
+            const auto call = [&](bool fast, const auto& out) {
+                (fast ? simd::widen_into_empty : simd::plain::widen_into_empty)(
+                    above, rows[1], below, width, out[0], out[1]);
+                std::copy_n(out[0], width, out[2]);
+                if (fast) {
+                    simd::pull_forward(above, out[1], width, out[2]);
+                } else {
+                    simd::plain::pull_forward(above, out[1], 0, width, out[2]);
+                }
+                std::copy_n(out[2], width, out[3]);
+                if (fast) {
+                    simd::pull_backward(below, out[1], width, out[3]);
+                } else {
+                    simd::plain::pull_backward(below, out[1], 0, width, width, out[3]);
+                }
+            };
+            expect_twins(4, width, random, call);
         }
     });
 }

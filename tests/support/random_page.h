@@ -56,27 +56,21 @@ inline std::vector<std::uint8_t> random_text(int height, int width, std::size_t 
                                              std::uint32_t seed) {
     Random random(seed);
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(height) * stride);
-    const int row_bits = static_cast<int>(stride * 8);
-    for (int y = 0; y < height; ++y) {
-        for (int x = width; x < row_bits; ++x) {
-            if (random.chance(0.5)) {
-                bytes[static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(x / 8)] |=
-                    static_cast<std::uint8_t>(0x80 >> (x % 8));
-            }
-        }
-    }
+    const auto ink = [&](int x, int y) {
+        bytes[static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(x / 8)] |=
+            static_cast<std::uint8_t>(0x80 >> (x % 8));
+    };
+    for (int y = 0; y < height; ++y)
+        for (int x = width; x < static_cast<int>(stride * 8); ++x)
+            if (random.chance(0.5)) ink(x, y);
     const int strokes = height * width / 200 + 1;
     for (int stroke = 0; stroke < strokes; ++stroke) {
         const int x0 = random.between(0, width - 1);
         const int y0 = random.between(0, height - 1);
         const int w = random.chance(0.02) ? random.between(1, width) : random.between(1, 12);
         const int h = random.chance(0.02) ? random.between(1, height) : random.between(1, 6);
-        for (int y = y0; y < std::min(height, y0 + h); ++y) {
-            for (int x = x0; x < std::min(width, x0 + w); ++x) {
-                bytes[static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(x / 8)] |=
-                    static_cast<std::uint8_t>(0x80 >> (x % 8));
-            }
-        }
+        for (int y = y0; y < std::min(height, y0 + h); ++y)
+            for (int x = x0; x < std::min(width, x0 + w); ++x) ink(x, y);
     }
     return bytes;
 }
@@ -90,6 +84,11 @@ class GuardedBuffer {
     explicit GuardedBuffer(std::size_t size, std::uint8_t fill = 0x5C)
         : size_(size), bytes_(size + 2 * kGuard, kGuardByte) {
         std::fill_n(bytes_.begin() + kGuard, size, fill);
+    }
+
+    explicit GuardedBuffer(const std::vector<std::uint8_t>& contents)
+        : size_(contents.size()), bytes_(contents.size() + 2 * kGuard, kGuardByte) {
+        std::copy(contents.begin(), contents.end(), data());
     }
 
     std::uint8_t* data() { return bytes_.data() + kGuard; }

@@ -1,0 +1,311 @@
+// Line removal and underline extraction against the pixel model, over random ruled pages and noise;
+// what they take of drawn lines; and what they refuse.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "models/lines_model.h"
+#include "support/bitonal_page.h"
+#include "support/random_page.h"
+#include "vemoprepro/cleaning.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using Page = support::BitonalPage;
+using support::GuardedBuffer;
+using support::Random;
+
+constexpr int kRounds = 300;
+
+// Noise, text or white under some rules; the padding is dirty.
+Page random_page(Random& random) {
+    const int height = random.between(1, random.chance(0.8) ? 60 : 150);
+    const int width = random.between(1, random.chance(0.7) ? 90 : 400);
+    const int stride = (width + 7) / 8 + random.between(0, 3);
+    const auto seed = static_cast<std::uint32_t>(random.between(0, 1 << 30));
+    const auto row = static_cast<std::size_t>(stride);
+    const double density = random.chance(0.3) ? 0.0 : random.between(1, 19) / 20.0;
+    Page page{height, width, stride,
+              random.chance(0.4) ? support::random_text(height, width, row, seed)
+                                 : support::random_bitonal(height, row, density, seed)};
+    for (int rule = random.between(0, 6); rule > 0; --rule) {
+        const bool horizontal = random.chance(0.5);
+        const int thickness = random.between(1, 5);
+        const int x0 = random.between(0, width - 1);
+        const int y0 = random.between(0, height - 1);
+        for (int i = horizontal ? x0 : y0; i < (horizontal ? width : height); ++i) {
+            for (int j = 0; j < thickness; ++j) {
+                const int x = horizontal ? i : x0 + j;
+                const int y = horizontal ? y0 + j : i;
+                if (random.chance(0.97)) page.fill(x, x + 1, y, y + 1);
+            }
+        }
+    }
+    return page;
+}
+
+// Mostly small, at times beyond the page.
+int random_setting(Random& random) {
+    if (random.chance(0.2)) return random.between(0, 2);
+    return random.chance(0.9) ? random.between(0, 40) : random.between(40, 65535);
+}
+
+void expect_same(const GuardedBuffer& changed, const Page& expected) {
+    ASSERT_EQ(changed.contents(), expected.bytes)
+        << expected.height << " x " << expected.width << ", stride " << expected.stride;
+    ASSERT_TRUE(changed.guards_intact());
+}
+
+using Handle = std::unique_ptr<lrm_settings, decltype(&lrm_exit)>;
+using Short = unsigned short;
+
+Handle handle_of(std::uint8_t* image, int height, int width, int stride) {
+    return {lrm_init_mem(image, static_cast<Short>(height), static_cast<Short>(width),
+                         static_cast<Short>(stride)),
+            lrm_exit};
+}
+Handle handle_of(Page& page) {
+    return handle_of(page.bytes.data(), page.height, page.width, page.stride);
+}
+
+using Setter = int (*)(lrm_settings*, Short);
+constexpr Setter kHorizontal[] = {lrm_set_horz_min_length, lrm_set_horz_max_thickness,
+                                  lrm_set_horz_max_gap,    lrm_set_horz_dilate,
+                                  lrm_set_horz_clean_x,    lrm_set_horz_clean_y};
+constexpr Setter kVertical[] = {lrm_set_vert_min_length, lrm_set_vert_max_thickness,
+                                lrm_set_vert_max_gap,    lrm_set_vert_dilate,
+                                lrm_set_vert_clean_y,    lrm_set_vert_clean_x};
+constexpr int model::LrmDirection::*kValues[] = {
+    &model::LrmDirection::min_length,  &model::LrmDirection::max_thickness,
+    &model::LrmDirection::max_gap,     &model::LrmDirection::dilate,
+    &model::LrmDirection::clean_along, &model::LrmDirection::clean_across};
+
+TEST(LinesModel, HandleMatchesInRandomZones) {
+    Random random(31);
+    for (int round = 0; round < kRounds; ++round) {
+        SCOPED_TRACE(round);
+        Page page = random_page(random);
+        GuardedBuffer changed(page.bytes);
+        const Handle lrm = handle_of(changed.data(), page.height, page.width, page.stride);
+        ASSERT_NE(lrm, nullptr);
+        model::LrmSettings settings{page.bytes.data(), page.height, page.width, page.stride};
+        if (random.chance(0.6)) {
+            settings.x0 = random.between(0, page.width - 1);
+            settings.x1 = random.between(settings.x0 + 1, page.width);
+            settings.y0 = random.between(0, page.height - 1);
+            settings.y1 = random.between(settings.y0 + 1, page.height);
+            ASSERT_EQ(lrm_set_zone(lrm.get(), static_cast<Short>(settings.x0),
+                                   static_cast<Short>(settings.x1), static_cast<Short>(settings.y0),
+                                   static_cast<Short>(settings.y1)),
+                      0);
+        }
+        for (const bool horizontal : {true, false}) {
+            model::LrmDirection& direction = horizontal ? settings.horz : settings.vert;
+            for (std::size_t i = 0; i < 6; ++i) {
+                if (random.chance(0.2)) continue;
+                const int value = random_setting(random);
+                (horizontal ? kHorizontal : kVertical)[i](lrm.get(), static_cast<Short>(value));
+                direction.*kValues[i] = value;
+            }
+        }
+        for (int calls = random.between(1, 2); calls > 0; --calls) {
+            const bool horizontal = random.chance(0.5);
+            ASSERT_EQ(horizontal ? lrm_do_horz(lrm.get()) : lrm_do_vert(lrm.get()), 0);
+            ASSERT_EQ(model::lrm_do(settings, horizontal), 0);
+            expect_same(changed, page);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+TEST(LinesModel, CarefulRemovalMatches) {
+    Random random(32);
+    for (int round = 0; round < kRounds; ++round) {
+        SCOPED_TRACE(round);
+        Page page = random_page(random);
+        int n[6];
+        for (int& value : n) value = random.chance(0.02) ? -3 : random_setting(random);
+        GuardedBuffer changed(page.bytes);
+        const bool horizontal = round % 2 == 0;
+        const auto call = [&](auto function, std::uint8_t* image) {
+            return function(image, page.height, page.width, page.stride, n[0], n[1], n[2], n[3],
+                            n[4], n[5]);
+        };
+        ASSERT_EQ(call(horizontal ? linerm_h : linerm_v, changed.data()), 0);
+        ASSERT_EQ(call(horizontal ? model::linerm_h : model::linerm_v, page.bytes.data()), 0);
+        expect_same(changed, page);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(LinesModel, UnderlinesMatch) {
+    Random random(33);
+    for (int round = 0; round < kRounds; ++round) {
+        SCOPED_TRACE(round);
+        const Page page = random_page(random);
+        const int ink_value = random.chance(0.85) ? 0 : random.between(-1, 2);
+        const int vertical = random.chance(0.5) ? 0 : random.between(-1, 2);
+        const int x0 = random.chance(0.4) ? 0 : random.between(0, 8 * page.stride);
+        const int x1 = random.chance(0.4) ? 8 * page.stride : random.between(0, 8 * page.stride);
+        int n[4];
+        for (int& value : n) value = random_setting(random);
+        if (random.chance(0.03)) n[0] = -1;
+        Page expected{page.height, page.width, page.stride};
+        GuardedBuffer changed(page.bytes.size());
+        const auto call = [&](auto function, std::uint8_t* target) {
+            return function(ink_value, vertical, n[0], n[1], n[2], n[3], page.bytes.data(), target,
+                            page.height, page.stride, x0, x1);
+        };
+        ASSERT_EQ(call(extract_underline, changed.data()),
+                  call(model::extract_underline, expected.bytes.data()));
+        expect_same(changed, expected);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(LineRemoval, TakesLongThinRulesOnly) {
+    struct Case {
+        const char* name;
+        int length, thickness;
+        int gap;  // every 20 pixels
+        bool removed;
+    };
+    for (const Case& c :
+         {Case{"shortest", 128, 3, 0, true}, Case{"too short", 127, 3, 0, false},
+          Case{"thickest", 200, 15, 0, true}, Case{"too thick", 200, 16, 0, false},
+          Case{"gaps of 1", 200, 3, 1, true}, Case{"gaps of 2", 200, 3, 2, false}}) {
+        SCOPED_TRACE(c.name);
+        Page page{60, 240, 30};
+        page.fill(20, 20 + c.length, 30, 30 + c.thickness);
+        for (int x = 40; x < 200; x += 20) page.fill(x, x + c.gap, 30, 33, false);
+        const int before = page.ink();
+        EXPECT_EQ(lrm_do_horz(handle_of(page).get()), 0);
+        EXPECT_EQ(page.ink(), c.removed ? 0 : before);
+    }
+}
+
+TEST(LineRemoval, KeepsTheStrokesThatCrossALine) {
+    for (const bool careful : {false, true}) {
+        Page page{60, 240, 30};
+        page.fill(20, 220, 30, 33);
+        page.fill(100, 104, 17, 47);
+        EXPECT_EQ(careful ? linerm_h(page.bytes.data(), 60, 240, 30, 6, 100, 5, 60, 2, 1)
+                          : lrm_do_horz(handle_of(page).get()),
+                  0);
+        EXPECT_EQ(page.ink(), 4 * 30);
+        EXPECT_EQ(page.ink(100, 104, 17, 47), 4 * 30);
+    }
+}
+
+TEST(LineRemoval, HandlesAreChecked) {
+    Page page{2, 33, 5};
+    EXPECT_EQ(handle_of(page.bytes.data(), 2, 33, 4), nullptr);
+    for (const auto& [height, width, stride] :
+         {std::array{0, 33, 5}, std::array{0, 0, 0}, std::array{2, 0, 0}}) {
+        const Handle empty = handle_of(page.bytes.data(), height, width, stride);
+        ASSERT_NE(empty, nullptr);
+        EXPECT_EQ(lrm_do_horz(empty.get()), -1);
+        EXPECT_EQ(lrm_do_vert(empty.get()), -1);
+    }
+    const Handle handle = handle_of(page);
+    struct Case {
+        Short x0, x1, y0, y1;
+        int result;
+    };
+    // The last zone that fits stays.
+    for (const Case& c : {Case{0, 33, 0, 2, 0}, Case{32, 33, 1, 2, 0}, Case{0, 34, 0, 2, -1},
+                          Case{7, 7, 0, 2, -1}, Case{8, 7, 0, 2, -1}, Case{0, 33, 1, 1, -1},
+                          Case{0, 33, 2, 1, -1}, Case{0, 33, 0, 3, -1}}) {
+        EXPECT_EQ(lrm_set_zone(handle.get(), c.x0, c.x1, c.y0, c.y1), c.result);
+        EXPECT_EQ(lrm_set_zone(nullptr, c.x0, c.x1, c.y0, c.y1), -1);
+    }
+    for (const auto& setters : {kHorizontal, kVertical}) {
+        for (std::size_t i = 0; i < 6; ++i) {
+            EXPECT_EQ(setters[i](nullptr, 1), -1);
+            EXPECT_EQ(setters[i](handle.get(), 65535), 0);
+            EXPECT_EQ(setters[i](handle.get(), i == 1 ? 65535 : 0), 0);
+        }
+    }
+    page.fill(0, 40, 0, 2);
+    EXPECT_EQ(lrm_do_horz(handle.get()), 0);
+    EXPECT_EQ(page.ink(), 65);
+    EXPECT_EQ(page.ink(32, 33, 1, 2), 0);
+    EXPECT_EQ(lrm_do_horz(nullptr), -1);
+    EXPECT_EQ(lrm_do_vert(nullptr), -1);
+    EXPECT_EQ(lrm_exit(nullptr), -1);
+}
+
+TEST(LineRemoval, RefusesImagesThatCannotBe) {
+    Bytes bytes(8, 0xFF);
+    struct Case {
+        int height, width, stride;
+        bool image;
+        int result;
+    };
+    for (const Case& c :
+         {Case{0, 32, 4, true, -1}, Case{2, 0, 0, true, -1}, Case{2, 33, 4, true, -1},
+          Case{-2, 32, 4, true, -1}, Case{2, 32, 4, false, -1}, Case{2, 0, 4, true, 0}}) {
+        for (const auto call : {linerm_h, linerm_v}) {
+            EXPECT_EQ(call(c.image ? bytes.data() : nullptr, c.height, c.width, c.stride, 3, 8, 2,
+                           8, 2, 1),
+                      c.result);
+        }
+    }
+    EXPECT_EQ(bytes, Bytes(8, 0xFF));
+}
+
+TEST(Underlines, CountTheColumnsThatTheyCover) {
+    Page page{40, 128, 16};
+    page.fill(10, 60, 8, 9);
+    page.fill(40, 100, 20, 21);
+    const Bytes lines = page.bytes;
+    page.fill(100, 120, 30, 31);  // too short
+    page.fill(10, 120, 33, 39);   // too thick
+    Bytes target(lines.size(), 0xFF);
+    EXPECT_EQ(
+        extract_underline(0, 0, 20, 10, 5, 1, page.bytes.data(), target.data(), 40, 16, 0, 128),
+        90);
+    EXPECT_EQ(target, lines);
+}
+
+// One line more than are counted: the last one's columns are not, and from then on short lines that
+// began after it stay.
+TEST(Underlines, BeyondTheLimitAreNotCounted) {
+    Page page{204, 2000, 250};  // 1,000 lines of 1 pixel a row, every other row
+    for (int y = 0; y < 200; y += 2)
+        for (int x = 0; x < 2000; x += 2) page.fill(x, x + 1, y, y + 1);
+    for (const int more : {0, 1}) {
+        if (more == 1) page.fill(1, 2, 202, 203);
+        Bytes target(page.bytes.size());
+        EXPECT_EQ(extract_underline(0, 0, 0, 1, 5, 0, page.bytes.data(), target.data(), 204, 250, 0,
+                                    2000),
+                  1000);
+        EXPECT_EQ(target, page.bytes);
+    }
+}
+
+TEST(Underlines, RefuseWhatCannotBe) {
+    Bytes page(8, 0xFF);
+    Bytes target(8, 0x5A);
+    struct Case {
+        int height, stride, x0, x1;
+        int result;
+    };
+    for (const Case& c : {Case{0, 4, 0, 32, 0}, Case{2, 0, 0, 0, 0}, Case{-1, 4, 0, 32, -1},
+                          Case{2, -4, 0, 32, -1}, Case{2, 4, -1, 32, -1}, Case{2, 4, 0, 33, -1}}) {
+        EXPECT_EQ(extract_underline(0, 0, 2, 2, 2, 1, page.data(), target.data(), c.height,
+                                    c.stride, c.x0, c.x1),
+                  c.result);
+    }
+    EXPECT_EQ(extract_underline(0, 0, 2, 2, 2, 1, nullptr, target.data(), 2, 4, 0, 32), -1);
+    EXPECT_EQ(extract_underline(0, 0, 2, 2, 2, 1, page.data(), nullptr, 2, 4, 0, 32), -1);
+    EXPECT_EQ(target, Bytes(8, 0x5A));
+    EXPECT_EQ(extract_underline(0, 0, 2, 2, 3, 1, page.data(), target.data(), 2, 4, 9, 9), 0);
+    EXPECT_EQ(target, page) << "no columns to look in: all candidates stay";
+}
+
+}  // namespace
