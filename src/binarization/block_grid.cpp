@@ -27,26 +27,17 @@ bool has_threshold(const BlockGrid& map) {
     return false;
 }
 
-// Cells without a threshold become 255, and all ones in `empty`.
-void mark_empty(const std::uint8_t* map, std::size_t width, std::uint8_t* out,
-                std::uint8_t* empty) {
-    for (std::size_t x = 0; x < width; ++x) {
-        empty[x] = map[x] == 0 ? 0xFF : 0;
-        out[x] = map[x] | empty[x];
-    }
-}
-
 void fill_by_lowest(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
     const std::size_t width = map.width();
-    std::uint8_t* empty = saved.row(0);
-    for (std::size_t y = 0; y < map.height(); ++y) {
-        mark_empty(map.row(y), width, out.row(y), empty);
-        simd::pull_forward(out.row(y > 0 ? y - 1 : 0), empty, width, out.row(y));
+    const std::size_t last = map.height() - 1;
+    std::uint8_t* above = saved.row(0);
+    std::memset(above, 255, width);
+    for (std::size_t y = 0; y <= last; ++y) {
+        simd::pull_forward(map.row(y), above, width, out.row(y));
+        above = out.row(y);
     }
-    std::uint8_t* unused = saved.row(1);
     for (std::size_t y = map.height(); y-- > 0;) {
-        mark_empty(map.row(y), width, unused, empty);
-        simd::pull_backward(out.row(std::min(y + 1, map.height() - 1)), empty, width, out.row(y));
+        simd::pull_backward(map.row(y), out.row(std::min(y + 1, last)), width, out.row(y));
     }
 }
 

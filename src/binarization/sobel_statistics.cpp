@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <utility>
 
 #include "binarization/block_map.h"
 #include "binarization/threshold.h"
@@ -149,47 +148,38 @@ Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& param
     return maps;
 }
 
-// Every empty inner cell takes the largest value beside it, all from before the pass. The cells
-// still empty are set to 255 and marked.
-void widen_into_empty_cells(BlockMap& map, frame::Buffer<std::uint8_t>& was_empty) {
-    frame::Buffer<std::uint8_t> copies(2 * map.width);
-    std::uint8_t* above = copies.data();
-    std::uint8_t* current = above + map.width;
-    std::memcpy(current, map.row(0), map.width);
-    simd::plain::mark_empty(current, map.width, map.row(0), was_empty.data());
-    for (std::size_t i = 1; i + 1 < map.height; ++i) {
-        std::swap(above, current);
-        std::memcpy(current, map.row(i), map.width);
-        simd::widen_into_empty(above, current, map.row(i + 1), map.width, map.row(i),
-                               was_empty.data() + i * map.width);
-    }
+// Every empty inner cell takes the largest value beside it, all from before the pass.
+void widen_into_empty_cells(const BlockMap& map, BlockMap& widened) {
     const std::size_t last = map.height - 1;
-    simd::plain::mark_empty(map.row(last), map.width, map.row(last),
-                            was_empty.data() + last * map.width);
+    std::memcpy(widened.row(0), map.row(0), map.width);
+    for (std::size_t i = 1; i < last; ++i) {
+        simd::widen_into_empty(map.row(i - 1), map.row(i), map.row(i + 1), map.width,
+                               widened.row(i));
+    }
+    std::memcpy(widened.row(last), map.row(last), map.width);
 }
 
 // Cells that stay empty are filled from above and the left in one pass, from below and the right in
-// a second one, each with the least of what it finds.
-void complete(BlockMap& map, frame::Buffer<std::uint8_t>& was_empty) {
-    widen_into_empty_cells(map, was_empty);
-    // Where there is no row beside, a row serves itself: that adds nothing to its left or right
-    // neighbour.
-    for (std::size_t i = 0; i < map.height; ++i) {
-        simd::pull_forward(map.row(i == 0 ? i : i - 1), was_empty.data() + i * map.width, map.width,
-                           map.row(i));
+// a second one, each with the least of what it finds. Rows beyond the map add nothing.
+void complete(BlockMap& map, BlockMap& widened) {
+    widen_into_empty_cells(map, widened);
+    const std::size_t last = map.height - 1;
+    std::memset(map.row(last), 255, map.width);
+    const std::uint8_t* above = map.row(last);
+    for (std::size_t i = 0; i <= last; ++i) {
+        simd::pull_forward(widened.row(i), above, map.width, map.row(i));
+        above = map.row(i);
     }
     for (std::size_t i = map.height; i-- > 0;) {
-        simd::pull_backward(map.row(i + 1 == map.height ? i : i + 1),
-                            was_empty.data() + i * map.width, map.width, map.row(i));
+        simd::pull_backward(widened.row(i), map.row(std::min(i + 1, last)), map.width, map.row(i));
     }
 }
 
 // The higher of the completed maps and `lowest`, in the first map.
-void merge(Maps& maps, std::uint8_t lowest) {
-    frame::Buffer<std::uint8_t> was_empty(maps.edges.cells.size());
-    if (maps.any_edge) complete(maps.edges, was_empty);
-    if (maps.any_dark) complete(maps.edges_and_dark, was_empty);
-    for (std::size_t cell = 0; cell < was_empty.size(); ++cell) {
+void merge(Maps& maps, std::uint8_t lowest, BlockMap& scratch) {
+    if (maps.any_edge) complete(maps.edges, scratch);
+    if (maps.any_dark) complete(maps.edges_and_dark, scratch);
+    for (std::size_t cell = 0; cell < maps.edges.cells.size(); ++cell) {
         std::uint8_t& threshold = maps.edges.cells[cell];
         threshold = std::max({threshold, maps.edges_and_dark.cells[cell], lowest});
     }
@@ -205,7 +195,8 @@ void binarize_by_sobel_statistics(const common::GreyView& grey, const SobelStati
         return binarize_by_threshold(grey, kAutomaticThreshold, page);
     }
     Maps maps = block_thresholds(grey, parameters);
-    merge(maps, parameters.black2);
+    BlockMap scratch = BlockMap::of_page(grey.height, grey.width);
+    merge(maps, parameters.black2, scratch);
     for (int y = 0; y < page.height; ++y) {
         simd::pack_below_blocks(grey.row(y), static_cast<std::size_t>(page.width),
                                 maps.edges.row(static_cast<std::size_t>(y) / kBlockPixels),

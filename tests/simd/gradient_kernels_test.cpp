@@ -215,23 +215,24 @@ TEST(BlockFill, WidensAndPulls) {
                 rows.emplace_back(width, random, 0, 255, random.between(0, 10) / 10.0);
             std::uint8_t* const above = rows[0];
             std::uint8_t* const below = rows[2];
+            const bool last_row = round == 2;
             const auto call = [&](bool fast, const auto& out) {
+                std::uint8_t* const beneath = last_row ? static_cast<std::uint8_t*>(out[2]) : below;
                 (fast ? simd::widen_into_empty : simd::plain::widen_into_empty)(
-                    above, rows[1], below, width, out[0], out[1]);
-                std::copy_n(out[0], width, out[2]);
+                    above, rows[1], below, width, out[0]);
                 if (fast) {
-                    simd::pull_forward(above, out[1], width, out[2]);
+                    simd::pull_forward(rows[1], above, width, out[1]);
                 } else {
-                    simd::plain::pull_forward(above, out[1], 0, width, out[2]);
+                    simd::plain::pull_forward(rows[1], above, 0, width, out[1]);
                 }
-                std::copy_n(out[2], width, out[3]);
+                std::copy_n(out[1], width, out[2]);
                 if (fast) {
-                    simd::pull_backward(below, out[1], width, out[3]);
+                    simd::pull_backward(rows[1], beneath, width, out[2]);
                 } else {
-                    simd::plain::pull_backward(below, out[1], 0, width, width, out[3]);
+                    simd::plain::pull_backward(rows[1], beneath, 0, width, width, out[2]);
                 }
             };
-            expect_twins(4, width, random, call);
+            expect_twins(3, width, random, call);
         }
     });
 }
