@@ -1,12 +1,13 @@
-// Rows are converted while they are hot from the reader, and searched for contrast in the same
-// visit. The reader is run once for the conversion and, for colour, a second time for the hold on
-// strongly coloured pixels: a caller sees the same calls whatever the page holds.
+// Rows are converted while they are hot from the reader, and searched for contrast and smoothed in
+// the same visit. The reader is run once for the conversion and, for colour, a second time for the
+// hold on strongly coloured pixels: a caller sees the same calls whatever the page holds.
 //
 // A page in memory needs no reader, so its rows can be converted by several threads, each on its
 // own band.
 #include "binarization/grey_preparation.h"
 
 #include <cstring>
+#include <optional>
 
 #include "binarization/smoothing.h"
 #include "binarization/undithering.h"
@@ -24,25 +25,61 @@ simd::ChannelOrder channel_order(const Source& source) {
                                            : simd::ChannelOrder::kBlueFirst;
 }
 
+bool may_smooth(const Region& region, const GreyOptions& options) {
+    return options.smooth != 0 && region.height() > 1 && region.width() > 1;
+}
+
+// Follows the rows of a grey page as they become final: looks for contrast, and smooths the page
+// where it has any. Undithering needs the whole page first; without it rows are smoothed at once.
+class Finish {
+  public:
+    // Throws std::bad_alloc.
+    Finish(const Region& region, const GreyOptions& options)
+        : options_(options), contrast_(may_smooth(region, options)) {
+        if (may_smooth(region, options)) smoothing_.emplace(options.smooth, region.width());
+    }
+
+    // Without anything to do.
+    Finish() : contrast_(false) {}
+
+    // Rows 0, 1, ... once each.
+    void visit(const MutableGreyView& grey, int y) {
+        contrast_.visit(grey, y);
+        if (contrast_.found() && !options_.undithering) smoothing_->advance(grey, y + 1);
+    }
+
+    // After the last row.
+    void undither_and_smooth(const MutableGreyView& grey) {
+        if (!contrast_.found() || !options_.undithering) return;
+        undither(grey, undithering_parameter(options_.smooth), options_.resolution);
+        smoothing_->advance(grey, grey.height);
+    }
+
+  private:
+    GreyOptions options_;
+    ContrastSearch contrast_;
+    std::optional<Smoothing> smoothing_;
+};
+
 // A whole row goes straight to its place; a part of one has to be cut out of the row.
 void read_grey(const Source& source, const Region& region, const MutableGreyView& grey,
-               ContrastSearch& contrast) {
+               Finish& finish) {
     if (region.width() == source.width) {
         RowStream rows(source, region.y0);
         for (int y = 0; y < grey.height; ++y) {
             rows.next(grey.row(y));
-            contrast.visit(grey, y);
+            finish.visit(grey, y);
         }
         return;
     }
     visit_rows(source, region, [&](int y, const std::uint8_t* row) {
         std::memcpy(grey.row(y), row + region.x0, static_cast<std::size_t>(grey.width));
-        contrast.visit(grey, y);
+        finish.visit(grey, y);
     });
 }
 
 void read_colour(const Source& source, const Region& region, const MutableGreyView& grey,
-                 ContrastSearch& contrast) {
+                 Finish& finish) {
     const auto width = static_cast<std::size_t>(grey.width);
     const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
     visit_rows(source, region, [&](int y, const std::uint8_t* row) {
@@ -50,7 +87,7 @@ void read_colour(const Source& source, const Region& region, const MutableGreyVi
     });
     visit_rows(source, region, [&](int y, const std::uint8_t* row) {
         simd::hold_saturated(row + skipped, width, grey.row(y));
-        contrast.visit(grey, y);
+        finish.visit(grey, y);
     });
 }
 
@@ -70,16 +107,12 @@ void convert_in_bands(const Source& source, const Region& region, const MutableG
 }
 
 void read_rows(const Source& source, const Region& region, const MutableGreyView& grey,
-               ContrastSearch& contrast) {
+               Finish& finish) {
     if (source.colour()) {
-        read_colour(source, region, grey, contrast);
+        read_colour(source, region, grey, finish);
     } else {
-        read_grey(source, region, grey, contrast);
+        read_grey(source, region, grey, finish);
     }
-}
-
-bool may_smooth(const Region& region, const GreyOptions& options) {
-    return options.smooth != 0 && region.height() > 1 && region.width() > 1;
 }
 
 }  // namespace
@@ -98,23 +131,17 @@ frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& reg
     const auto width = static_cast<std::size_t>(region.width());
     frame::Buffer<std::uint8_t> pixels(width * static_cast<std::size_t>(region.height()));
     const MutableGreyView grey{pixels.data(), region.height(), region.width(), region.width()};
-    ContrastSearch contrast(may_smooth(region, options));
+    Finish finish(region, options);
 
     if (reads_image(source.type, region, options.threads)) {
         const int threads = threads::effective_threads(options.threads, grey.height);
         convert_in_bands(source, region, grey, threads);
-        for (int y = 0; y < grey.height; ++y) contrast.visit(grey, y);
+        for (int y = 0; y < grey.height; ++y) finish.visit(grey, y);
     } else {
-        read_rows(source, region, grey, contrast);
+        read_rows(source, region, grey, finish);
     }
 
-    if (contrast.found()) {
-        const Smoothing smoothing(options.smooth);
-        if (options.undithering) {
-            undither(grey, smoothing.undithering_parameter(), options.resolution);
-        }
-        smoothing.apply(grey);
-    }
+    finish.undither_and_smooth(grey);
     return pixels;
 }
 
@@ -123,8 +150,8 @@ bool only_converts(const Source& source, const Region& region, const GreyOptions
 }
 
 void convert_rows(const Source& source, const Region& region, const MutableGreyView& grey) {
-    ContrastSearch none(false);
-    read_rows(source, region, grey, none);
+    Finish nothing;
+    read_rows(source, region, grey, nothing);
 }
 
 }  // namespace binarization

@@ -6,13 +6,15 @@
 #include <cstring>
 #include <utility>
 
-#include "frame/buffer.h"
-#include "simd/grey_rows.h"
-
 namespace binarization {
 namespace {
 
 constexpr std::uint8_t kContrast = 112;
+
+// 1 .. 255, from strong to weak.
+int weakness(std::uint8_t smooth) {
+    return 256 - smooth;
+}
 
 }  // namespace
 
@@ -25,22 +27,27 @@ void ContrastSearch::visit(const common::GreyView& grey, int y) {
     searching_ = !found_;
 }
 
-int Smoothing::undithering_parameter() const {
-    return std::max(1, parameter_ - 4);
+Smoothing::Smoothing(std::uint8_t smooth, std::int32_t width)
+    : weight_(static_cast<simd::NeighbourWeight>(1024 / (weakness(smooth) + 8))),
+      above_(static_cast<std::size_t>(width)),
+      here_(static_cast<std::size_t>(width)) {}
+
+void Smoothing::advance(const common::MutableGreyView& grey, std::int32_t rows) {
+    const auto width = static_cast<std::size_t>(grey.width);
+    if (width < 3) return;
+    for (; filtered_ + 1 < rows; ++filtered_) {
+        std::uint8_t* row = grey.row(filtered_);
+        std::memcpy(here_.data(), row, width);
+        if (filtered_ > 0) {
+            simd::smooth_row(above_.data(), here_.data(), grey.row(filtered_ + 1), width, weight_,
+                             row);
+        }
+        std::swap(above_, here_);
+    }
 }
 
-void Smoothing::apply(const common::MutableGreyView& grey) const {
-    if (grey.height < 3 || grey.width < 3) return;
-    const auto weight = static_cast<simd::NeighbourWeight>(1024 / (parameter_ + 8));
-    const auto width = static_cast<std::size_t>(grey.width);
-    frame::Buffer<std::uint8_t> above(width);
-    frame::Buffer<std::uint8_t> here(width);
-    std::memcpy(above.data(), grey.row(0), width);
-    for (int y = 1; y + 1 < grey.height; ++y) {
-        std::memcpy(here.data(), grey.row(y), width);
-        simd::smooth_row(above.data(), here.data(), grey.row(y + 1), width, weight, grey.row(y));
-        std::swap(above, here);
-    }
+int undithering_parameter(std::uint8_t smooth) {
+    return std::max(1, weakness(smooth) - 4);
 }
 
 }  // namespace binarization

@@ -4,6 +4,8 @@
 #include <cstdint>
 
 #include "common/views.h"
+#include "frame/buffer.h"
+#include "simd/grey_rows.h"
 
 namespace binarization {
 
@@ -26,20 +28,27 @@ class ContrastSearch {
 };
 
 // The filter draws every inner pixel towards the mean of its neighbours; the pixels of the border
-// keep their values.
+// keep their values. It works in place and down the page, so that rows can be filtered as soon as
+// the one below has its final value.
+//
+// Use: Smoothing smoothing(parameter, width) allocates all that is needed; smoothing.advance(grey,
+// rows) as often as further rows are final, at last for all of them.
 class Smoothing {
   public:
-    // smooth: 1 .. 255, from weak to strong.
-    explicit Smoothing(std::uint8_t smooth) : parameter_(256 - smooth) {}
+    // smooth: 1 .. 255, from weak to strong. Throws std::bad_alloc.
+    Smoothing(std::uint8_t smooth, std::int32_t width);
 
-    // In place. Throws std::bad_alloc before anything is changed.
-    void apply(const common::MutableGreyView& grey) const;
-
-    // What undither() is called with beside this smoothing: 1 .. 251.
-    int undithering_parameter() const;
+    // Filters what the first `rows` rows of the page allow.
+    void advance(const common::MutableGreyView& grey, std::int32_t rows);
 
   private:
-    int parameter_;  // 1 .. 255, from strong to weak
+    simd::NeighbourWeight weight_;
+    std::int32_t filtered_ = 0;          // rows
+    frame::Buffer<std::uint8_t> above_;  // as they were: the row above the next one, and that one
+    frame::Buffer<std::uint8_t> here_;
 };
+
+// What undither() is called with beside a smoothing: 1 .. 251. smooth: 1 .. 255.
+int undithering_parameter(std::uint8_t smooth);
 
 }  // namespace binarization

@@ -77,9 +77,25 @@ HWY_INLINE WordVector component(SignedVector response) {
     return hn::Min(hn::ShiftRight<2>(size), hn::Set(kWords, std::uint16_t{127}));
 }
 
+// Of squares up to 15: the table has their rounded roots.
+HWY_INLINE ByteVector small_roots(WordVector even, WordVector odd) {
+    alignas(16) constexpr std::uint8_t kRoots[16] = {0, 1, 1, 2, 2, 2, 2, 3,
+                                                     3, 3, 3, 3, 3, 4, 4, 4};
+    return hn::TableLookupBytes(hn::LoadDup128(kBytes, kRoots), interleave(even, odd));
+}
+
+// On most of the paper of a page all gradients of a vector are small.
+HWY_INLINE ByteVector magnitudes(WordVector even, WordVector odd) {
+    const WordVector small = hn::Set(kWords, std::uint16_t{15});
+    if (hn::AllTrue(kWords, hn::Eq(hn::Max(hn::Max(even, odd), small), small))) {
+        return small_roots(even, odd);
+    }
+    return interleave(rounded_roots(even), rounded_roots(odd));
+}
+
 // What the two responses of a pixel become.
 struct Gradient {
-    WordVector magnitude;
+    WordVector squares;  // of the magnitude
     WordVector across;
     WordVector down;
 };
@@ -96,7 +112,7 @@ HWY_INLINE Gradient gradient(WordVector left, WordVector right, WordVector upper
     // The sign of a zero counts for nothing: its component has no weight.
     const WordVector opposite =
         hn::And(hn::ShiftRight<8>(as_words(hn::Xor(gx, gy))), hn::Set(kWords, std::uint16_t{0x80}));
-    return {rounded_roots(squares), hn::Or(across, opposite), down};
+    return {squares, hn::Or(across, opposite), down};
 }
 
 HWY_INLINE WordVector one_two_one(WordVector first, WordVector middle, WordVector last) {
@@ -126,7 +142,7 @@ HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* r
         gradient(column0, column2, one_two_one(a0, a1, a2), one_two_one(b0, b1, b2));
     const Gradient odd =
         gradient(column1, column3, one_two_one(a1, a2, a3), one_two_one(b1, b2, b3));
-    hn::StoreU(interleave(even.magnitude, odd.magnitude), kBytes, out.magnitude + x);
+    hn::StoreU(magnitudes(even.squares, odd.squares), kBytes, out.magnitude + x);
     hn::StoreU(interleave(even.across, odd.across), kBytes, out.across + x);
     hn::StoreU(interleave(even.down, odd.down), kBytes, out.down + x);
 }

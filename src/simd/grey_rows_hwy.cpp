@@ -1,15 +1,13 @@
 // Vector forms of grey_rows.h.
 //
-// All of them work on 16-bit lanes that hold two pixels, one in each byte: the even pixels are the
-// low bytes, the odd pixels the high bytes, so that nothing has to be widened or packed.
+// Luminance: products of 16 bits are added up in pairs to 32 bits. The weight of green is too large
+// for that as it is, and taken in halves; it is even.
 //
-// Luminance: with each weight split as 256 * high + low, the sum of products is 256 * H + L and
-// (256 * H + L) >> 16 == (H + (L >> 8)) >> 8. H <= 255 * 255 and L <= 255 * 256, so every step fits
-// in 16 unsigned bits.
-//
-// Smoothing: with d = neighbours - 8 * centre, (weight * neighbours + 8 * (128 - weight) * centre)
-// / 1024 == centre + floor(weight * d / 1024), and floor(weight * d / 1024) is the high half of the
-// 16-bit product (64 * weight) * d; |d| <= 2040 and 64 * weight <= 8128.
+// Smoothing works on 16-bit lanes that hold two pixels, one in each byte: the even pixels are the
+// low bytes, the odd pixels the high bytes, so that nothing has to be widened or packed. With d =
+// neighbours - 8 * centre, (weight * neighbours + 8 * (128 - weight) * centre) / 1024 == centre +
+// floor(weight * d / 1024), and floor(weight * d / 1024) is the high half of the 16-bit product (64
+// * weight) * d; |d| <= 2040 and 64 * weight <= 8128.
 //
 // A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
 // all four are functions of their input pixels alone (the hold of a held pixel changes nothing).
@@ -30,42 +28,104 @@ namespace hn = hwy::HWY_NAMESPACE;
 using SignedWords = hn::Repartition<std::int16_t, Bytes>;
 constexpr SignedWords kSignedWords;
 
-// 256 times the luminance, with dirt in the low byte.
-HWY_INLINE WordVector scaled_luminance(WordVector red, WordVector green, WordVector blue) {
-    const auto weighted = [&](std::uint32_t r, std::uint32_t g, std::uint32_t b) HWY_ATTR {
-        const auto weight = [](std::uint32_t value) HWY_ATTR {
-            return hn::Set(kWords, static_cast<std::uint16_t>(value));
+using Quads = hn::Repartition<std::uint32_t, Bytes>;
+using SignedQuads = hn::Repartition<std::int32_t, Bytes>;
+constexpr Quads kQuads;
+constexpr SignedQuads kSignedQuads;
+
+// Where the bytes of pixels come to stand for the sums of products. A vector takes as many pixels
+// as it has lanes of 32 bits: first every block of 16 bytes gets four of them, as three lanes of
+// their bytes and one of no use, then each lane its pixel's channels as pairs of 16 bits.
+struct PixelLayout {
+    static constexpr int kLanes = static_cast<int>(hn::MaxLanes(kQuads));
+    std::int32_t quads[kLanes] = {};
+    alignas(16) std::uint8_t first_and_green[16] = {};
+    alignas(16) std::uint8_t last_and_green[16] = {};
+
+    constexpr PixelLayout() {
+        for (int i = 0; i < kLanes; ++i) quads[i] = i / 4 * 3 + std::min(i % 4, 2);
+        for (int i = 0; i < 4; ++i) {
+            const auto first = static_cast<std::uint8_t>(3 * i);
+            const auto green = static_cast<std::uint8_t>(3 * i + 1);
+            const auto last = static_cast<std::uint8_t>(3 * i + 2);
+            put(first_and_green, i, first, green);
+            put(last_and_green, i, last, green);
+        }
+    }
+
+  private:
+    static constexpr void put(std::uint8_t (&table)[16], int pixel, std::uint8_t low,
+                              std::uint8_t high) {
+        constexpr std::uint8_t kZero = 0x80;
+        table[4 * pixel] = low;
+        table[4 * pixel + 1] = kZero;
+        table[4 * pixel + 2] = high;
+        table[4 * pixel + 3] = kZero;
+    }
+};
+
+// Half of the weight of green goes to each of the two sums.
+static_assert(common::kGreenWeight % 2 == 0);
+
+struct LuminanceWeights {
+    hn::Vec<SignedWords> first_and_green;
+    hn::Vec<SignedWords> last_and_green;
+
+    HWY_INLINE explicit LuminanceWeights(ChannelOrder order) {
+        const auto pair = [](std::uint32_t channel) HWY_ATTR {
+            return hn::BitCast(kSignedWords,
+                               hn::Set(kQuads, (common::kGreenWeight / 2) << 16 | channel));
         };
-        return hn::Add(hn::Add(hn::Mul(red, weight(r)), hn::Mul(green, weight(g))),
-                       hn::Mul(blue, weight(b)));
+        const bool red_first = order == ChannelOrder::kRedFirst;
+        first_and_green = pair(red_first ? common::kRedWeight : common::kBlueWeight);
+        last_and_green = pair(red_first ? common::kBlueWeight : common::kRedWeight);
+    }
+};
+
+// The sums of products of as many pixels as there are lanes: the luminance is the third byte. Reads
+// a whole vector.
+HWY_INLINE WordVector weighted_sums(const std::uint8_t* colour, const LuminanceWeights& weights) {
+    static constexpr PixelLayout kLayout;
+    const auto pixels =
+        hn::BitCast(kBytes, hn::TableLookupLanes(hn::BitCast(kQuads, hn::LoadU(kBytes, colour)),
+                                                 hn::SetTableIndices(kQuads, kLayout.quads)));
+    const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
+        return hn::BitCast(kSignedWords,
+                           hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kBytes, table)));
     };
-    const WordVector high =
-        weighted(common::kRedWeight >> 8, common::kGreenWeight >> 8, common::kBlueWeight >> 8);
-    const WordVector low = weighted(common::kRedWeight & 0xFF, common::kGreenWeight & 0xFF,
-                                    common::kBlueWeight & 0xFF);
-    return hn::Add(high, hn::ShiftRight<8>(low));
+    auto other = hn::Zero(kSignedQuads);
+    auto sums =
+        hn::ReorderWidenMulAccumulate(kSignedQuads, pairs(kLayout.first_and_green),
+                                      weights.first_and_green, hn::Zero(kSignedQuads), other);
+    sums = hn::ReorderWidenMulAccumulate(kSignedQuads, pairs(kLayout.last_and_green),
+                                         weights.last_and_green, sums, other);
+    return hn::BitCast(kWords, hn::RearrangeToOddPlusEven(sums, other));
 }
 
-HWY_INLINE void luminance_vector(const std::uint8_t* colour, bool red_first, std::uint8_t* grey) {
-    ByteVector first, green, last;
-    hn::LoadInterleaved3(kBytes, colour, first, green, last);
-    const ByteVector red = red_first ? first : last;
-    const ByteVector blue = red_first ? last : first;
-    const WordVector even = scaled_luminance(even_bytes(red), even_bytes(green), even_bytes(blue));
-    const WordVector odd = scaled_luminance(odd_bytes(red), odd_bytes(green), odd_bytes(blue));
-    hn::StoreU(interleave(hn::ShiftRight<8>(even), hn::ShiftRight<8>(odd)), kBytes, grey);
+// A vector of pixels. Reads a quarter of a vector behind them.
+HWY_INLINE void luminance_vector(const std::uint8_t* colour, const LuminanceWeights& weights,
+                                 std::uint8_t* grey) {
+    const std::size_t part = 3 * hn::Lanes(kQuads);
+    const auto sums = [&](std::size_t i)
+                          HWY_ATTR { return weighted_sums(colour + i * part, weights); };
+    const ByteVector low = hn::BitCast(kBytes, hn::ConcatOdd(kWords, sums(1), sums(0)));
+    const ByteVector high = hn::BitCast(kBytes, hn::ConcatOdd(kWords, sums(3), sums(2)));
+    hn::StoreU(hn::ConcatEven(kBytes, high, low), kBytes, grey);
 }
 
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
     const std::size_t lanes = hn::Lanes(kBytes);
-    if (width < lanes) return plain::luminance_row(colour, width, order, grey);
-    const bool red_first = order == ChannelOrder::kRedFirst;
-    for (std::size_t x = 0; x + lanes < width; x += lanes) {
-        luminance_vector(colour + 3 * x, red_first, grey + x);
+    const std::size_t read_ahead = (lanes / 4 + 2) / 3;
+    if (width < lanes + read_ahead) return plain::luminance_row(colour, width, order, grey);
+    const LuminanceWeights weights(order);
+    const std::size_t last = width - read_ahead - lanes;
+    for (std::size_t x = 0; x < last; x += lanes) {
+        luminance_vector(colour + 3 * x, weights, grey + x);
     }
-    const std::size_t last = width - lanes;
-    luminance_vector(colour + 3 * last, red_first, grey + last);
+    luminance_vector(colour + 3 * last, weights, grey + last);
+    const std::size_t end = width - read_ahead;
+    plain::luminance_row(colour + 3 * end, read_ahead, order, grey + end);
 }
 
 HWY_INLINE void hold_vector(const std::uint8_t* colour, std::uint8_t* grey) {
