@@ -43,9 +43,12 @@ struct Position {
     std::size_t depth;
 };
 
-// Where neighbours lie, in raster order.
-constexpr std::uint8_t kRowOf[9] = {0, 0, 0, 1, 1, 1, 2, 2, 2};
-constexpr std::uint8_t kColumnOf[9] = {0, 1, 2, 0, 1, 2, 0, 1, 2};
+// The column of neighbour i, in raster order: 0, 1 or 2. Out of a number, since the next step of a
+// trace waits for it, and a table in memory would take longer.
+inline std::size_t column_of(std::size_t i) {
+    constexpr std::uint32_t kColumns = 0b10'01'00'10'01'00'10'01'00;
+    return kColumns >> (2 * i) & 3U;
+}
 
 }  // namespace
 
@@ -79,21 +82,23 @@ void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
     Position at{open_.row(y), x, 0};
     clear_bit(at.row, x);
     for (;;) {
-        std::uint64_t* const rows[3] = {at.row == first_row ? last_row : at.row - pitch, at.row,
-                                        at.row == last_row ? first_row : at.row + pitch};
-        const unsigned around = three_bits(rows[0], at.x) | three_bits(rows[1], at.x) << 3 |
-                                three_bits(rows[2], at.x) << 6;
+        std::uint64_t* const above = at.row == first_row ? last_row : at.row - pitch;
+        std::uint64_t* const below = at.row == last_row ? first_row : at.row + pitch;
+        const unsigned around = three_bits(above, at.x) | three_bits(at.row, at.x) << 3 |
+                                three_bits(below, at.x) << 6;
         if (around == 0) {
             if (count == 0) return;
             at = left[--count];
             continue;
         }
         const auto first = static_cast<std::size_t>(std::countr_zero(around));
-        std::uint64_t* const row = rows[kRowOf[first]];
-        const std::size_t column = at.x + kColumnOf[first] - 1;
+        std::uint64_t* row = (around & 0b000'111'111U) != 0 ? at.row : below;
+        row = (around & 0b000'000'111U) != 0 ? above : row;
+        const std::size_t column = at.x + column_of(first) - 1;
         clear_bit(row, column);
         if (at.depth == kDeepestTraced) continue;
-        if ((around & (around - 1)) != 0) left[count++] = at;
+        left[count] = at;
+        count += (around & (around - 1)) != 0 ? 1 : 0;
         at = {row, column, at.depth + 1};
     }
 }
