@@ -26,32 +26,6 @@ EdgeOptions edge_options(const GradientParameters& parameters) {
     return options;
 }
 
-// Sets pixels of a row of the page from bits whose first pixel is the least significant one; bits
-// behind the last pixel are dropped. The bytes of a word are in the order of the machines that the
-// library is for, the least significant one first.
-void set_bits(const std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
-    const auto stride =
-        static_cast<std::size_t>(common::bitonal_stride(static_cast<std::int64_t>(width)));
-    for (std::size_t i = 0; 8 * i < stride; ++i) {
-        std::uint64_t word = bits[i];
-        if (word == 0) continue;
-        if (width - i * 64 < 64) word &= (std::uint64_t{1} << (width - i * 64)) - 1;
-        word = (word & 0x5555555555555555U) << 1 | (word >> 1 & 0x5555555555555555U);
-        word = (word & 0x3333333333333333U) << 2 | (word >> 2 & 0x3333333333333333U);
-        word = (word & 0x0F0F0F0F0F0F0F0FU) << 4 | (word >> 4 & 0x0F0F0F0F0F0F0F0FU);
-        std::uint64_t before = 0;
-        if (8 * i + 8 <= stride) {
-            std::memcpy(&before, row + 8 * i, 8);
-            word |= before;
-            std::memcpy(row + 8 * i, &word, 8);
-        } else {
-            std::memcpy(&before, row + 8 * i, 4);
-            word |= before;
-            std::memcpy(row + 8 * i, &word, 4);
-        }
-    }
-}
-
 // Of the rings of grey rows and what is made of them: a row of blocks, the rows around it and those
 // that are looked at ahead.
 constexpr std::size_t kRingRows = 8;
@@ -99,7 +73,7 @@ void GradientBand::mark_edges(const common::GreyView& grey,
             simd::mark_row(around(midpoints_, y),
                            {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
                            grey_.row(grey, y), width_, bits_.data());
-            set_bits(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
+            simd::set_pixels(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
         }
         if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) {
             close_block_row(grey, y / kBlockPixels);
@@ -205,7 +179,7 @@ void GradientBand::apply_thresholds(const common::GreyView& grey,
         if (y > 0 && y + 1 < height_) {
             simd::set_dark_areas(greys_around(grey, y), width_, parameters_.black1, bits_.data());
         }
-        set_bits(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
+        simd::set_pixels(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
     }
 }
 

@@ -74,6 +74,35 @@ void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level
     }
 }
 
+// Each byte with its bits in the reverse order.
+HWY_INLINE ByteVector reversed_bits(ByteVector bytes) {
+    alignas(16) static constexpr std::uint8_t kReversed[16] = {
+        0x0, 0x8, 0x4, 0xC, 0x2, 0xA, 0x6, 0xE, 0x1, 0x9, 0x5, 0xD, 0x3, 0xB, 0x7, 0xF};
+    const ByteVector table = hn::LoadDup128(kBytes, kReversed);
+    const ByteVector low = hn::And(bytes, hn::Set(kBytes, std::uint8_t{0xF}));
+    const ByteVector high = hn::BitCast(
+        kBytes, hn::ShiftRight<4>(hn::BitCast(kWords, hn::AndNot(hn::Set(kBytes, 0xF), bytes))));
+    const auto moved = hn::ShiftLeft<4>(hn::BitCast(kWords, hn::TableLookupBytes(table, low)));
+    return hn::Or(hn::BitCast(kBytes, moved), hn::TableLookupBytes(table, high));
+}
+
+// The bytes of a word are in the order of the machines that the library is for, the least
+// significant one first. The last vector overlaps the one before it: setting a pixel again changes
+// nothing.
+void set_pixels(std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t count = (width + 7) / 8;
+    if (count < lanes) return plain::set_pixels(bits, width, row);
+    plain::clear_behind(bits, width);
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(bits);
+    const auto set = [=](std::size_t i) HWY_ATTR {
+        const ByteVector pixels = reversed_bits(hn::LoadU(kBytes, bytes + i));
+        hn::StoreU(hn::Or(hn::LoadU(kBytes, row + i), pixels), kBytes, row + i);
+    };
+    for (std::size_t i = 0; i + lanes < count; i += lanes) set(i);
+    set(count - lanes);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace simd
 HWY_AFTER_NAMESPACE();
@@ -83,6 +112,7 @@ namespace simd {
 
 HWY_EXPORT(set_below_blocks);
 HWY_EXPORT(set_dark_areas);
+HWY_EXPORT(set_pixels);
 
 void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds, std::size_t words,
                       std::uint64_t* bits) {
@@ -92,6 +122,10 @@ void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds, 
 void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level,
                     std::uint64_t* bits) {
     HWY_DYNAMIC_DISPATCH(set_dark_areas)(grey, width, level, bits);
+}
+
+void set_pixels(std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
+    HWY_DYNAMIC_DISPATCH(set_pixels)(bits, width, row);
 }
 
 }  // namespace simd

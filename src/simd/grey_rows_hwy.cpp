@@ -18,6 +18,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/fetch_ahead.h"
 #include "simd/word_vectors.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -148,29 +149,42 @@ HWY_INLINE ByteVector excess(const std::uint8_t* first, const std::uint8_t* seco
     return hn::SaturatedSub(difference, limit);
 }
 
+// All ones for the bytes whose successor belongs to the same pixel, from the first byte of one on.
+struct SamePixel {
+    alignas(64) std::uint8_t bytes[3 * 64] = {};
+
+    constexpr SamePixel() {
+        for (std::size_t i = 0; i < sizeof bytes; ++i) bytes[i] = i % 3 == 2 ? 0 : 0xFF;
+    }
+};
+
 // False only when none of the pixels from `colour` on can be strongly coloured, for either of two
 // reasons: every channel is so light that no spread above the limit fits under white, as on paper;
-// or neighbouring bytes, channels of one pixel or the last and the first of two, differ by at most
-// half of the limit, and a spread is at most the sum of two such differences. Reads one byte behind
-// the pixels.
+// or the green of every pixel differs from its red and from its blue by at most half of the limit,
+// and the spread is at most the sum of both. Reads one byte behind the pixels.
 HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) {
+    static constexpr SamePixel kSamePixel;
     const ByteVector darkest =
         hn::Min(hn::Min(hn::LoadU(kBytes, colour), hn::LoadU(kBytes, colour + lanes)),
                 hn::LoadU(kBytes, colour + 2 * lanes));
     const ByteVector light = hn::Set(kBytes, std::uint8_t{255 - kSaturatedSpread});
     if (hn::AllTrue(kBytes, hn::Eq(hn::Min(darkest, light), light))) return false;
-    const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedSpread / 2});
-    const ByteVector found = hn::Or(
-        hn::Or(excess(colour, colour + 1, half), excess(colour + lanes, colour + lanes + 1, half)),
-        excess(colour + 2 * lanes, colour + 2 * lanes + 1, half));
-    return !hn::AllTrue(kBytes, hn::Eq(found, hn::Zero(kBytes)));
+    const auto found = [=](std::size_t at) HWY_ATTR {
+        const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedSpread / 2});
+        return hn::And(hn::LoadU(kBytes, kSamePixel.bytes + at),
+                       excess(colour + at, colour + at + 1, half));
+    };
+    const ByteVector any = hn::Or(hn::Or(found(0), found(lanes)), found(2 * lanes));
+    return !hn::AllTrue(kBytes, hn::Eq(any, hn::Zero(kBytes)));
 }
 
 // Most of most pages is paper and ink without colour, which the test above is quick to pass over.
+// The machine does not see then that the grey row will be wanted by who comes next.
 void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
     const std::size_t lanes = hn::Lanes(kBytes);
     if (width < lanes) return plain::hold_saturated(colour, width, grey);
     for (std::size_t x = 0; x + lanes < width; x += lanes) {
+        fetch_ahead(grey + x);
         if (may_be_saturated(colour + 3 * x, lanes)) hold_vector(colour + 3 * x, grey + x);
     }
     const std::size_t last = width - lanes;

@@ -157,6 +157,11 @@ TEST(GradientKernels, ThresholdBits) {
                                                                         out[1]);
         };
         expect_twins<std::uint64_t>(2, words, random, call);
+        const std::vector<std::uint64_t> marks = support::random_marks(64 * words, 0.4, random);
+        expect_twins(1, (width + 7) / 8, random, [&](bool fast, const auto& out) {
+            auto bits = marks;
+            (fast ? simd::set_pixels : simd::plain::set_pixels)(bits.data(), width, out[0]);
+        });
     });
 }
 
