@@ -1,5 +1,6 @@
 #include "binarization/block_grid.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "simd/block_fill.h"
@@ -27,10 +28,10 @@ bool has_threshold(const BlockGrid& map) {
     return false;
 }
 
-void fill_by_lowest(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
+void fill_by_lowest(const BlockGrid& map, PaddedRows& scratch, BlockGrid& out) {
     const std::size_t width = map.width();
     const std::size_t last = map.height() - 1;
-    std::uint8_t* above = saved.row(0);
+    std::uint8_t* above = scratch.row(0);
     std::memset(above, 255, width);
     for (std::size_t y = 0; y <= last; ++y) {
         simd::pull_forward(map.row(y), above, width, out.row(y));
@@ -41,36 +42,91 @@ void fill_by_lowest(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
     }
 }
 
-// The mean of the cells around (y, x), up to two away, that are not 0.
-std::uint8_t mean_around(const BlockGrid& map, std::size_t y, std::size_t x) {
-    constexpr std::size_t kReach = 2;
-    const std::size_t y1 = std::min(y + kReach, map.height() - 1);
-    const std::size_t x0 = x < kReach ? 0 : x - kReach;
-    const std::size_t x1 = std::min(x + kReach, map.width() - 1);
-    unsigned sum = 0;
-    unsigned count = 0;
-    for (std::size_t i = y < kReach ? 0 : y - kReach; i <= y1; ++i) {
-        for (std::size_t j = x0; j <= x1; ++j) {
-            sum += map.row(i)[j];
-            count += map.row(i)[j] != 0 ? 1U : 0U;
+// The cells of five rows that are not 0, column by column: their sum in the low 16 bits of a
+// number, how many they are above. Filled cells count at once.
+class FilledAround {
+  public:
+    static constexpr std::size_t kReach = 2;
+
+    // `columns` has room for the width of the map and kReach numbers on either side.
+    FilledAround(BlockGrid& map, std::uint32_t* columns)
+        : map_(map), columns_(columns + kReach), width_(map.width()) {
+        std::fill_n(columns, width_ + 2 * kReach, 0);
+    }
+
+    void add_row(std::size_t y) {
+        const std::uint8_t* row = map_.row(y);
+        for (std::size_t x = 0; x < width_; ++x) columns_[x] += counted(row[x]);
+    }
+
+    void take_row(std::size_t y) {
+        const std::uint8_t* row = map_.row(y);
+        for (std::size_t x = 0; x < width_; ++x) columns_[x] -= counted(row[x]);
+    }
+
+    // Gives (y, x), in the middle row, the mean of the cells that are not 0, if there are any.
+    void fill(std::size_t y, std::size_t x) {
+        const std::uint32_t* at = columns_ + x;
+        const std::uint32_t all = at[-2] + at[-1] + at[0] + at[1] + at[2];
+        if (all == 0) return;
+        const auto mean = static_cast<std::uint8_t>((all & 0xFFFF) / (all >> 16));
+        map_.row(y)[x] = mean;
+        columns_[x] += counted(mean);
+    }
+
+  private:
+    static std::uint32_t counted(std::uint8_t cell) { return cell | (cell != 0 ? 1U << 16 : 0U); }
+
+    BlockGrid& map_;
+    std::uint32_t* columns_;
+    std::size_t width_;
+};
+
+// In raster order.
+void fill_forward(BlockGrid& map, std::uint32_t* columns) {
+    const std::size_t height = map.height();
+    constexpr std::size_t kReach = FilledAround::kReach;
+    FilledAround around(map, columns);
+    for (std::size_t y = 0; y < std::min(kReach, height); ++y) around.add_row(y);
+    for (std::size_t y = 0; y < height; ++y) {
+        if (y + kReach < height) around.add_row(y + kReach);
+        if (y > kReach) around.take_row(y - kReach - 1);
+        std::uint8_t* row = map.row(y);
+        for (std::size_t x = 0; x < map.width(); ++x) {
+            if (row[x] == 0) around.fill(y, x);
         }
     }
-    return static_cast<std::uint8_t>(count == 0 ? 0 : sum / count);
 }
 
-void fill_by_mean(const BlockGrid& map, PaddedRows& saved, BlockGrid& out) {
+// In the reverse of raster order.
+void fill_backward(BlockGrid& map, std::uint32_t* columns) {
+    const std::size_t height = map.height();
+    constexpr std::size_t kReach = FilledAround::kReach;
+    FilledAround around(map, columns);
+    for (std::size_t i = 0; i < std::min(kReach, height); ++i) around.add_row(height - 1 - i);
+    for (std::size_t y = height; y-- > 0;) {
+        if (y >= kReach) around.add_row(y - kReach);
+        if (y + kReach + 1 < height) around.take_row(y + kReach + 1);
+        std::uint8_t* row = map.row(y);
+        for (std::size_t x = map.width(); x-- > 0;) {
+            if (row[x] == 0) around.fill(y, x);
+        }
+    }
+}
+
+bool has_empty(const BlockGrid& map) {
+    for (std::size_t y = 0; y < map.height(); ++y) {
+        if (std::memchr(map.row(y), 0, map.width()) != nullptr) return true;
+    }
+    return false;
+}
+
+void fill_by_mean(const BlockGrid& map, GridScratch& scratch, BlockGrid& out) {
     constexpr int kSpreads = 8;
     copy(map, out);
-    for (int i = 0; i < kSpreads; ++i) spread(out, saved);
-    const auto fill_cell = [&](std::size_t y, std::size_t x) {
-        if (out.row(y)[x] == 0) out.row(y)[x] = mean_around(out, y, x);
-    };
-    for (std::size_t y = 0; y < out.height(); ++y) {
-        for (std::size_t x = 0; x < out.width(); ++x) fill_cell(y, x);
-    }
-    for (std::size_t y = out.height(); y-- > 0;) {
-        for (std::size_t x = out.width(); x-- > 0;) fill_cell(y, x);
-    }
+    for (int i = 0; i < kSpreads; ++i) spread(out, scratch.rows);
+    if (has_empty(out)) fill_forward(out, scratch.columns.data());
+    if (has_empty(out)) fill_backward(out, scratch.columns.data());
 }
 
 }  // namespace
@@ -81,11 +137,11 @@ void spread(BlockGrid& map, PaddedRows& saved) {
     });
 }
 
-void fill(const BlockGrid& map, bool by_mean, PaddedRows& saved, BlockGrid& out) {
+void fill(const BlockGrid& map, bool by_mean, GridScratch& scratch, BlockGrid& out) {
     if (by_mean) {
-        fill_by_mean(map, saved, out);
+        fill_by_mean(map, scratch, out);
     } else if (has_threshold(map)) {
-        fill_by_lowest(map, saved, out);
+        fill_by_lowest(map, scratch.rows, out);
     } else {
         copy(map, out);
     }

@@ -2,7 +2,7 @@
 // that have none (0).
 //
 // Use: BlockGrids maps(n, block rows, block columns); maps[0] and so on; spread(map, saved);
-// fill(map, by_mean, saved, out).
+// fill(map, by_mean, scratch, out).
 #pragma once
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 
 #include "binarization/blocks.h"
 #include "binarization/padded_rows.h"
+#include "frame/buffer.h"
 #include "simd/midpoint_rows.h"
 
 namespace binarization {
@@ -56,6 +57,15 @@ class BlockGrids {
     PaddedRows rows_;
 };
 
+// Working space of the steps on maps of one width.
+struct GridScratch {
+    // Throws std::bad_alloc.
+    explicit GridScratch(std::size_t width) : rows(2, width), columns(width + 4) {}
+
+    PaddedRows rows;
+    frame::Buffer<std::uint32_t> columns;
+};
+
 // Calls set(row of out, row of each map, width) for every row.
 template <class Set, class... Maps>
 void by_rows(BlockGrid& out, const Set& set, const Maps&... maps) {
@@ -86,6 +96,6 @@ void spread(BlockGrid& map, PaddedRows& saved);
 // By the mean: eight spreads, then each cell still empty becomes the mean, rounded down, of the
 // filled cells among the 5 x 5 around it, those filled before it included: in raster order, then in
 // the reverse of it for those that found none.
-void fill(const BlockGrid& map, bool by_mean, PaddedRows& saved, BlockGrid& out);
+void fill(const BlockGrid& map, bool by_mean, GridScratch& scratch, BlockGrid& out);
 
 }  // namespace binarization

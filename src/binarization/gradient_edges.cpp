@@ -96,7 +96,8 @@ void EdgeFinder::advance(std::size_t y) {
 }
 
 void EdgeFinder::smooth_row(std::size_t y) {
-    if (options_.smoothed && y < height_) smooth_gaussian(grey_, y, smoothed_.row(y));
+    if (!options_.smoothed || y >= height_) return;
+    smooth_gaussian(grey_, static_cast<std::int32_t>(y), smoothed_.row(y));
 }
 
 const std::uint8_t* EdgeFinder::source_row(std::size_t y) {

@@ -84,8 +84,8 @@ void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
     for (;;) {
         std::uint64_t* const above = at.row == first_row ? last_row : at.row - pitch;
         std::uint64_t* const below = at.row == last_row ? first_row : at.row + pitch;
-        const unsigned around = three_bits(above, at.x) | three_bits(at.row, at.x) << 3 |
-                                three_bits(below, at.x) << 6;
+        const unsigned around =
+            three_bits(above, at.x) | three_bits(at.row, at.x) << 3 | three_bits(below, at.x) << 6;
         if (around == 0) {
             if (count == 0) return;
             at = left[--count];

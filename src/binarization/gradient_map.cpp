@@ -98,23 +98,23 @@ void raise_to(BlockGrid& map, const BlockGrid& other) {
 void complete(ThresholdMaps& maps, int start, bool by_mean) {
     BlockGrid& levels = maps.average;
     const auto fill_and_raise = [&](const BlockGrid& map) {
-        fill(map, by_mean, maps.saved, maps.filled);
+        fill(map, by_mean, maps.scratch, maps.filled);
         raise_to(maps.result, maps.filled);
     };
-    clean(maps.threshold, maps.saved);
+    clean(maps.threshold, maps.scratch.rows);
     keep_contrast(maps.threshold, maps.contrast, 12, 17, start, maps.strong);
     take_levels(maps, start);
-    spread(maps.threshold, maps.saved);
+    spread(maps.threshold, maps.scratch.rows);
     put_levels_between(maps.threshold, maps.strong, maps.filled, levels);
-    spread(maps.strong, maps.saved);
+    spread(maps.strong, maps.scratch.rows);
 
-    fill(maps.threshold, by_mean, maps.saved, maps.result);
+    fill(maps.threshold, by_mean, maps.scratch, maps.result);
     fill_and_raise(maps.strong);
     fill_and_raise(levels);
     BlockGrid& stronger = maps.threshold;
     for (const auto& [own, of] : {std::pair{3, 5}, std::pair{1, 2}}) {
         keep_contrast(maps.strong, maps.contrast, own, of, start, stronger);
-        spread(stronger, maps.saved);
+        spread(stronger, maps.scratch.rows);
         fill_and_raise(stronger);
     }
 }

@@ -23,7 +23,7 @@ class ThresholdMaps {
           result(grids_[3]),
           strong(grids_[4]),
           filled(grids_[5]),
-          saved(2, width) {}
+          scratch(width) {}
 
     BlockGrid threshold;
     BlockGrid contrast;
@@ -33,7 +33,7 @@ class ThresholdMaps {
     // Working space.
     BlockGrid strong;
     BlockGrid filled;
-    PaddedRows saved;
+    GridScratch scratch;
 };
 
 // start: the edge strength that contrasts are measured by. by_mean: how empty blocks are filled.

@@ -1,29 +1,37 @@
 // All sums are whole: the mean is taken once, with the sum of the weights that took part.
 #include "binarization/gradient_smoothing.h"
 
-namespace binarization {
+#include <algorithm>
 
-void smooth_gaussian(const common::GreyView& grey, std::size_t y, std::uint8_t* out) {
-    const auto height = static_cast<std::size_t>(grey.height);
-    const auto width = static_cast<std::size_t>(grey.width);
-    const auto row_at = [&](std::size_t at) { return grey.row(static_cast<std::ptrdiff_t>(at)); };
-    const std::uint8_t* row = row_at(y);
-    const std::uint8_t* above = y > 0 ? row_at(y - 1) : nullptr;
-    const std::uint8_t* below = y + 1 < height ? row_at(y + 1) : nullptr;
-    const int weight = 2 + (above != nullptr ? 1 : 0) + (below != nullptr ? 1 : 0);
-    const auto column = [=](std::size_t x) {
-        return 2 * row[x] + (above != nullptr ? above[x] : 0) + (below != nullptr ? below[x] : 0);
-    };
-    int left = 0;
-    int here = column(0);
-    for (std::size_t x = 0; x < width; ++x) {
-        const bool last = x + 1 == width;
-        const int right = last ? 0 : column(x + 1);
-        const int weights = weight * (2 + (x > 0 ? 1 : 0) + (last ? 0 : 1));
-        out[x] = static_cast<std::uint8_t>((left + 2 * here + right + weights / 2) / weights);
-        left = here;
-        here = right;
+#include "simd/grey_rows.h"
+
+namespace binarization {
+namespace {
+
+std::uint8_t smoothed_at(const common::GreyView& grey, std::int32_t y, std::int32_t x) {
+    int sum = 0;
+    int weights = 0;
+    for (std::int32_t i = std::max(y - 1, 0); i <= std::min(y + 1, grey.height - 1); ++i) {
+        for (std::int32_t j = std::max(x - 1, 0); j <= std::min(x + 1, grey.width - 1); ++j) {
+            const int weight = (i == y ? 2 : 1) * (j == x ? 2 : 1);
+            sum += weight * grey.row(i)[j];
+            weights += weight;
+        }
     }
+    return static_cast<std::uint8_t>((sum + weights / 2) / weights);
+}
+
+}  // namespace
+
+void smooth_gaussian(const common::GreyView& grey, std::int32_t y, std::uint8_t* out) {
+    if (y == 0 || y + 1 == grey.height) {
+        for (std::int32_t x = 0; x < grey.width; ++x) out[x] = smoothed_at(grey, y, x);
+        return;
+    }
+    simd::gaussian_row(grey.row(y - 1), grey.row(y), grey.row(y + 1),
+                       static_cast<std::size_t>(grey.width), out);
+    out[0] = smoothed_at(grey, y, 0);
+    out[grey.width - 1] = smoothed_at(grey, y, grey.width - 1);
 }
 
 }  // namespace binarization

@@ -115,10 +115,6 @@ HWY_INLINE Gradient gradient(WordVector left, WordVector right, WordVector upper
     return {squares, hn::Or(across, opposite), down};
 }
 
-HWY_INLINE WordVector one_two_one(WordVector first, WordVector middle, WordVector last) {
-    return hn::Add(hn::Add(first, last), hn::Add(middle, middle));
-}
-
 // With `before` the rows from one pixel to the left on and `behind` from one to the right, the lane
 // of pixels x and x + 1, x even, has x - 1 and x in the bytes of `before` and x + 1 and x + 2 in
 // those of `behind`: the four columns that the two pixels need.

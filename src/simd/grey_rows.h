@@ -1,5 +1,5 @@
 // Rows on their way from colour to a smoothed grey page: luminance, the hold on strongly coloured
-// light pixels, the search for contrast and the 3 x 3 smoothing.
+// light pixels, the search for contrast and the two kinds of 3 x 3 smoothing.
 //
 // Use: one call per row. The forms in simd::plain say what each computes; the vector forms give the
 // same bytes.
@@ -40,6 +40,11 @@ bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::s
 // Inner pixels of `row` drawn towards their 8 neighbours; the first and the last pixel are copied.
 void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                 std::size_t width, NeighbourWeight weight, std::uint8_t* out);
+
+// Inner pixels of `row` under the weights 1 2 1 / 2 4 2 / 1 2 1, rounded, halves up. The first and
+// the last pixel of `out` are not written.
+void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                  std::size_t width, std::uint8_t* out);
 
 namespace plain {
 
@@ -82,6 +87,15 @@ inline void smooth_row(const std::uint8_t* above, const std::uint8_t* row,
         out[x] = smoothed(above + x, row + x, below + x, weight);
     }
     out[width - 1] = row[width - 1];
+}
+
+inline void gaussian_row(const std::uint8_t* above, const std::uint8_t* row,
+                         const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
+    const auto column = [=](std::size_t x) { return above[x] + 2 * row[x] + below[x]; };
+    for (std::size_t x = 1; x + 1 < width; ++x) {
+        out[x] =
+            static_cast<std::uint8_t>((column(x - 1) + 2 * column(x) + column(x + 1) + 8) / 16);
+    }
 }
 
 }  // namespace plain

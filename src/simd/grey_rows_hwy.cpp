@@ -254,6 +254,38 @@ void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::u
     out[width - 1] = row[width - 1];
 }
 
+// Lanes pixels from `row` on; the columns are those of smooth_vector().
+HWY_INLINE void gaussian_vector(const std::uint8_t* above, const std::uint8_t* row,
+                                const std::uint8_t* below, std::uint8_t* out) {
+    const auto columns = [=](std::ptrdiff_t from, WordVector& even, WordVector& odd) HWY_ATTR {
+        const ByteVector a = hn::LoadU(kBytes, above + from);
+        const ByteVector b = hn::LoadU(kBytes, row + from);
+        const ByteVector c = hn::LoadU(kBytes, below + from);
+        even = one_two_one(even_bytes(a), even_bytes(b), even_bytes(c));
+        odd = one_two_one(odd_bytes(a), odd_bytes(b), odd_bytes(c));
+    };
+    WordVector column0, column1, column2, column3;
+    columns(-1, column0, column1);
+    columns(1, column2, column3);
+    const auto mean = [](WordVector sum) HWY_ATTR {
+        return hn::ShiftRight<4>(hn::Add(sum, hn::Set(kWords, std::uint16_t{8})));
+    };
+    hn::StoreU(interleave(mean(one_two_one(column0, column1, column2)),
+                          mean(one_two_one(column1, column2, column3))),
+               kBytes, out);
+}
+
+void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                  std::size_t width, std::uint8_t* out) {
+    const std::size_t lanes = hn::Lanes(kBytes);
+    if (width < lanes + 2) return plain::gaussian_row(above, row, below, width, out);
+    const std::size_t last = width - 1 - lanes;
+    for (std::size_t x = 1; x < last; x += lanes) {
+        gaussian_vector(above + x, row + x, below + x, out + x);
+    }
+    gaussian_vector(above + last, row + last, below + last, out + last);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace simd
 HWY_AFTER_NAMESPACE();
@@ -265,6 +297,7 @@ HWY_EXPORT(luminance_row);
 HWY_EXPORT(hold_saturated);
 HWY_EXPORT(differs_above);
 HWY_EXPORT(smooth_row);
+HWY_EXPORT(gaussian_row);
 
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
@@ -283,6 +316,11 @@ bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::s
 void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                 std::size_t width, NeighbourWeight weight, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(smooth_row)(above, row, below, width, weight, out);
+}
+
+void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
+                  std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(gaussian_row)(above, row, below, width, out);
 }
 
 }  // namespace simd

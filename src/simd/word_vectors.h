@@ -42,6 +42,10 @@ HWY_INLINE ByteVector interleave(WordVector even, WordVector odd) {
     return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
 }
 
+HWY_INLINE WordVector one_two_one(WordVector first, WordVector middle, WordVector last) {
+    return hn::Add(hn::Add(first, last), hn::Add(middle, middle));
+}
+
 // A bit per lane, lane 0 in the least significant one.
 template <class Mask>
 HWY_INLINE std::uint64_t bits_of(Mask mask) {

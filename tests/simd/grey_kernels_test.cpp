@@ -61,6 +61,10 @@ TEST(GreyRows, LuminanceHeldAndSmoothed) {
             std::copy_n(start.data(), width, out[0]);
             (fast ? simd::hold_saturated : simd::plain::hold_saturated)(light, width, out[0]);
         });
+        expect_twins(1, width, random, [&](bool fast, const auto& out) {
+            (fast ? simd::gaussian_row : simd::plain::gaussian_row)(
+                noise, noise + width, noise + 2 * width, width, out[0]);
+        });
         for (const int parameter : {1, random.between(2, 254), 255}) {
             const auto weight = static_cast<simd::NeighbourWeight>(1024 / (parameter + 8));
             expect_twins(1, width, random, [&](bool fast, const auto& out) {
