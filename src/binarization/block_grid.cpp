@@ -1,6 +1,7 @@
 #include "binarization/block_grid.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "simd/block_fill.h"
@@ -42,74 +43,70 @@ void fill_by_lowest(const BlockGrid& map, PaddedRows& scratch, BlockGrid& out) {
     }
 }
 
-// The cells of five rows that are not 0, column by column: their sum in the low 16 bits of a
-// number, how many they are above. Filled cells count at once.
-class FilledAround {
-  public:
-    static constexpr std::size_t kReach = 2;
-
-    // `columns` has room for the width of the map and kReach numbers on either side.
-    FilledAround(BlockGrid& map, std::uint32_t* columns)
-        : map_(map), columns_(columns + kReach), width_(map.width()) {
-        std::fill_n(columns, width_ + 2 * kReach, 0);
+// 2^20 / count, rounded up or 1 above. With sums of at most 255 * count the product is below 2^32,
+// and too large by less than 6375 of 2^20, which is less than the 1 / 25 by which a quotient stays
+// below the next whole number.
+constexpr int kMostAround = 25;
+constexpr int kReciprocalBits = 20;
+constexpr std::array<std::uint32_t, kMostAround + 1> kReciprocals = [] {
+    std::array<std::uint32_t, kMostAround + 1> values{};
+    for (std::uint32_t count = 1; count <= kMostAround; ++count) {
+        values[count] = (std::uint32_t{1} << kReciprocalBits) / count + 1;
     }
+    return values;
+}();
 
-    void add_row(std::size_t y) {
-        const std::uint8_t* row = map_.row(y);
-        for (std::size_t x = 0; x < width_; ++x) columns_[x] += counted(row[x]);
-    }
+// A cell as columns count it: its value in the low 16 bits, above them 1 where it is not 0.
+std::uint32_t counted(std::uint8_t cell) {
+    return cell | (cell != 0 ? 1U << 16 : 0U);
+}
 
-    void take_row(std::size_t y) {
-        const std::uint8_t* row = map_.row(y);
-        for (std::size_t x = 0; x < width_; ++x) columns_[x] -= counted(row[x]);
-    }
-
-    // Gives (y, x), in the middle row, the mean of the cells that are not 0, if there are any.
-    void fill(std::size_t y, std::size_t x) {
-        const std::uint32_t* at = columns_ + x;
-        const std::uint32_t all = at[-2] + at[-1] + at[0] + at[1] + at[2];
-        if (all == 0) return;
-        const auto mean = static_cast<std::uint8_t>((all & 0xFFFF) / (all >> 16));
-        map_.row(y)[x] = mean;
-        columns_[x] += counted(mean);
-    }
-
-  private:
-    static std::uint32_t counted(std::uint8_t cell) { return cell | (cell != 0 ? 1U << 16 : 0U); }
-
-    BlockGrid& map_;
-    std::uint32_t* columns_;
-    std::size_t width_;
-};
-
-// In raster order.
-void fill_forward(BlockGrid& map, std::uint32_t* columns) {
-    const std::size_t height = map.height();
-    constexpr std::size_t kReach = FilledAround::kReach;
-    FilledAround around(map, columns);
-    for (std::size_t y = 0; y < std::min(kReach, height); ++y) around.add_row(y);
-    for (std::size_t y = 0; y < height; ++y) {
-        if (y + kReach < height) around.add_row(y + kReach);
-        if (y > kReach) around.take_row(y - kReach - 1);
-        std::uint8_t* row = map.row(y);
-        for (std::size_t x = 0; x < map.width(); ++x) {
-            if (row[x] == 0) around.fill(y, x);
+// Empty cells of a row, one after the other kStep apart from x on, become the mean of the cells
+// around them that are not 0. columns[x] has those of five rows counted, the cells of this row in
+// their middle; there are two more on either side. Cells filled count for the next.
+template <std::ptrdiff_t kStep>
+void fill_row(std::uint8_t* row, std::ptrdiff_t x, std::size_t cells, std::uint32_t* columns) {
+    std::uint32_t two_before = 0;
+    std::uint32_t before = 0;
+    for (; cells > 0; --cells, x += kStep) {
+        std::uint32_t here = columns[x];
+        const std::uint32_t all =
+            two_before + before + (here + columns[x + kStep] + columns[x + 2 * kStep]);
+        if (row[x] == 0 && all != 0) {
+            const std::uint32_t mean = (all & 0xFFFF) * kReciprocals[all >> 16] >> kReciprocalBits;
+            row[x] = static_cast<std::uint8_t>(mean);
+            here += mean | 1U << 16;
+            columns[x] = here;
         }
+        two_before = before;
+        before = here;
     }
 }
 
-// In the reverse of raster order.
-void fill_backward(BlockGrid& map, std::uint32_t* columns) {
+void add_row(const std::uint8_t* row, std::size_t width, std::uint32_t* columns) {
+    for (std::size_t x = 0; x < width; ++x) columns[x] += counted(row[x]);
+}
+
+void take_row(const std::uint8_t* row, std::size_t width, std::uint32_t* columns) {
+    for (std::size_t x = 0; x < width; ++x) columns[x] -= counted(row[x]);
+}
+
+// In raster order, or in the reverse of it.
+void fill_means(BlockGrid& map, bool forward, frame::Buffer<std::uint32_t>& space) {
     const std::size_t height = map.height();
-    constexpr std::size_t kReach = FilledAround::kReach;
-    FilledAround around(map, columns);
-    for (std::size_t i = 0; i < std::min(kReach, height); ++i) around.add_row(height - 1 - i);
-    for (std::size_t y = height; y-- > 0;) {
-        if (y >= kReach) around.add_row(y - kReach);
-        if (y + kReach + 1 < height) around.take_row(y + kReach + 1);
-        std::uint8_t* row = map.row(y);
-        for (std::size_t x = map.width(); x-- > 0;) {
-            if (row[x] == 0) around.fill(y, x);
+    const std::size_t width = map.width();
+    std::fill(space.begin(), space.end(), 0);
+    std::uint32_t* columns = space.data() + GridScratch::kReach;
+    const auto row = [&](std::size_t i) { return map.row(forward ? i : height - 1 - i); };
+    constexpr std::size_t kReach = GridScratch::kReach;
+    for (std::size_t i = 0; i < std::min(kReach, height); ++i) add_row(row(i), width, columns);
+    for (std::size_t i = 0; i < height; ++i) {
+        if (i + kReach < height) add_row(row(i + kReach), width, columns);
+        if (i > kReach) take_row(row(i - kReach - 1), width, columns);
+        if (forward) {
+            fill_row<1>(row(i), 0, width, columns);
+        } else {
+            fill_row<-1>(row(i), static_cast<std::ptrdiff_t>(width) - 1, width, columns);
         }
     }
 }
@@ -125,8 +122,9 @@ void fill_by_mean(const BlockGrid& map, GridScratch& scratch, BlockGrid& out) {
     constexpr int kSpreads = 8;
     copy(map, out);
     for (int i = 0; i < kSpreads; ++i) spread(out, scratch.rows);
-    if (has_empty(out)) fill_forward(out, scratch.columns.data());
-    if (has_empty(out)) fill_backward(out, scratch.columns.data());
+    for (const bool forward : {true, false}) {
+        if (has_empty(out)) fill_means(out, forward, scratch.columns);
+    }
 }
 
 }  // namespace

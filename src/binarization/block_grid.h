@@ -59,8 +59,10 @@ class BlockGrids {
 
 // Working space of the steps on maps of one width.
 struct GridScratch {
+    static constexpr std::size_t kReach = 2;  // of the mean around a cell
+
     // Throws std::bad_alloc.
-    explicit GridScratch(std::size_t width) : rows(2, width), columns(width + 4) {}
+    explicit GridScratch(std::size_t width) : rows(2, width), columns(width + 2 * kReach) {}
 
     PaddedRows rows;
     frame::Buffer<std::uint32_t> columns;
