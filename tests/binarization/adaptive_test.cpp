@@ -88,8 +88,9 @@ TEST(Gradient, GivesTheModelsBytes) {
     for (int i = 0; i < 1500 && !HasFatalFailure(); ++i) {
         const bool small = random.chance(0.5);
         const bool tall = !small && random.chance(0.15);
+        const bool wide = !small && !tall && random.chance(0.1);  // more blocks than a vector has
         const int height = tall ? random.between(99, 235) : random.between(1, small ? 9 : 70);
-        const int width = random.between(1, small ? 9 : (tall ? 70 : 150));
+        const int width = random.between(wide ? 257 : 1, small ? 9 : tall ? 70 : wide ? 700 : 150);
         const int threads = random.between(1, 8);
         const Kind kind = any_kind(random);
         const binarization::GradientParameters p = random_parameters(random);
