@@ -173,6 +173,31 @@ class Errors(ToolCase):
                 self.assertEqual(running.wait(), -number)
             self.assertEqual(sorted(os.listdir(self.here)), ["a.png", "in.tif"])
 
+    def test_signals_remove_temporary_folders(self):
+        self.save("in.tif", *[text_page(1, (2400, 3200))] * 3)
+        os.mkdir(self.path("t"))
+        with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1", "--report", "look"],
+                              cwd=self.here, env={**os.environ, "TMPDIR": self.path("t")},
+                              stdout=subprocess.DEVNULL) as running:
+            while not os.listdir(self.path("t")) and running.poll() is None:
+                time.sleep(0.001)
+            running.send_signal(signal.SIGINT)
+            self.assertEqual(running.wait(), -signal.SIGINT)
+        self.assertEqual((os.listdir(self.path("t")), os.listdir(self.path("look"))), ([], []))
+
+    def test_closed_standard_streams(self):
+        def run(closed, *arguments):
+            command = [PROGRAM, *arguments]
+            return subprocess.run(["sh", "-c", f'exec "$@" {closed}', "sh", *command], cwd=self.here,
+                                  stderr=subprocess.PIPE, check=False)
+        self.assertEqual(run(">&-", "clean", "a.png", "-o", "-", "-q").stderr,
+                         b"vemoprepro: -: Bad file descriptor\n")
+        self.assertEqual(run("<&-", "clean", "-", "-o", "o.tif").stderr,
+                         b"vemoprepro: -: Bad file descriptor\n")
+        self.good("clean", "a.png", "-o", "a.pbm")
+        run("<&- >&-", "clean", "a.png", "-o", "o.pbm", "-v")
+        self.assertEqual(self.read("o.pbm"), self.read("a.pbm"))
+
 
 if __name__ == "__main__":
     unittest.main()

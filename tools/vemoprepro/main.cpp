@@ -32,6 +32,7 @@ int run_command(const tool::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    tool::hold_standard_streams();
     tool::take_standard_error();
     tool::set_up_page_memory();
     int exit_status = tool::kExitDone;

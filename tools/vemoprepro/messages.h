@@ -8,8 +8,12 @@
 
 namespace tool {
 
+/* Keeps files from taking the place of a standard stream that is closed. Call once, first of all.
+ */
+void hold_standard_streams();
+
 /* Takes standard error for the program alone: decoders that print to it on their own are silenced,
- * what they have to say is in the complaints. Call once, first of all. */
+ * what they have to say is in the complaints. Call once, before anything else prints. */
 void take_standard_error();
 
 /* Standard error, as it was before. */

@@ -1,6 +1,7 @@
-/* Writing aside and renaming. The names of unfinished files are kept in one set; a thread of its
- * own waits for the signals, which every other thread blocks, removes what is in the set and lets
- * the signal end the process as it would have done. So no work is done in a signal handler. */
+/* Writing aside and renaming. The names of unfinished files and temporary folders are kept; a
+ * thread of its own waits for the signals, which every other thread blocks, removes what has been
+ * kept and lets the signal end the process as it would have done. So no work is done in a signal
+ * handler. */
 #include "output_file.h"
 
 #include <fcntl.h>
@@ -10,6 +11,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -22,12 +24,28 @@ namespace {
 struct Unfinished {
     std::mutex lock;
     std::set<std::string> paths;
+    std::set<std::string> folders;
 };
 
 /* Never destroyed: the signal thread may look at it until the process has ended. */
 Unfinished& unfinished() {
     static Unfinished* const all = new Unfinished;
     return *all;
+}
+
+/* Another thread may be about to make a file in the folder. */
+void remove_folder(const std::string& path) {
+    constexpr int kTries = 100;
+    std::error_code failed;
+    for (int i = 0; i < kTries; ++i) {
+        std::filesystem::remove_all(path, failed);
+        if (!failed) return;
+    }
+}
+
+std::string temporary_template() {
+    const char* folder = std::getenv("TMPDIR");
+    return std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
 }
 
 void end_by_signal(int signal) {
@@ -48,6 +66,7 @@ void wait_for_signals(sigset_t signals) {
     /* The lock is kept to the end, so that nothing is made or published any more. */
     unfinished().lock.lock();
     for (const std::string& path : unfinished().paths) unlink(path.c_str());
+    for (const std::string& path : unfinished().folders) remove_folder(path);
     end_by_signal(signal);
 }
 
@@ -87,6 +106,21 @@ void write_all(int file, const void* bytes, std::size_t size, const std::string&
     }
 }
 
+TemporaryFolder::TemporaryFolder() : path_(temporary_template()) {
+    const std::lock_guard guard(unfinished().lock);
+    if (mkdtemp(path_.data()))
+        unfinished().folders.insert(path_);
+    else
+        path_.clear();
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    if (path_.empty()) return;
+    const std::lock_guard guard(unfinished().lock);
+    remove_folder(path_);
+    unfinished().folders.erase(path_);
+}
+
 OutputFile::OutputFile(std::string name, bool overwrite)
     : name_(std::move(name)),
       target_(behind_links(name_)),
@@ -98,8 +132,7 @@ OutputFile::OutputFile(std::string name, bool overwrite)
 void OutputFile::open_aside() {
     std::string path;
     if (stream_) {
-        const char* folder = std::getenv("TMPDIR");
-        path = std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
+        path = temporary_template();
     } else {
         const std::size_t slash = target_.rfind('/') + 1;
         path = target_.substr(0, slash) + ".vemoprepro-XXXXXX";

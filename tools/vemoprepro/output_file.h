@@ -13,6 +13,22 @@
 
 namespace tool {
 
+/* A new folder in the one for temporary files, which goes away with all that is in it, on a signal
+ * too. */
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    /* Empty when it could not be made. */
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
 class OutputFile {
   public:
     /* name: a path, or "-" for standard output. overwrite: replace a file of that name. Throws

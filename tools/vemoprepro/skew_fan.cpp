@@ -3,42 +3,19 @@
  * over the worst of the latter is the confidence. */
 #include "skew_fan.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "output_file.h"
 #include "skew_measure.h"
 
 namespace tool {
 namespace {
 
 constexpr const char* kTraceName = "estimate_skew_of_binary_image.log";
-
-/* A folder of its own that goes away with all that is in it. */
-class TraceFolder {
-  public:
-    TraceFolder() {
-        const char* place = std::getenv("TMPDIR");
-        path_ = std::string(place && *place ? place : "/tmp") + "/vemoprepro.XXXXXX";
-        if (!mkdtemp(path_.data())) path_.clear();
-    }
-    ~TraceFolder() {
-        std::error_code ignored;
-        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
-    }
-    TraceFolder(const TraceFolder&) = delete;
-    TraceFolder& operator=(const TraceFolder&) = delete;
-
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-};
 
 struct Candidate {
     int slope;
@@ -122,7 +99,7 @@ std::vector<SkewFan> trace_fans(const Page& page) {
     if (page.kind != PageKind::bitonal || page.width < kShortestSkewSide ||
         page.height < kShortestSkewSide)
         return fans;
-    const TraceFolder folder;
+    const TemporaryFolder folder;
     if (folder.path().empty()) return fans;
     const auto add = [&](const SkewWindow& window) {
         const MeasuredSkew measured = measure_skew(page, window, folder.path().c_str());
