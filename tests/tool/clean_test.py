@@ -82,6 +82,12 @@ class Clean(ToolCase):
                 words = self.good(*arguments, "-v").stdout.decode()
                 self.assertIn("  deskew: skipped: " + step["why"] + "\n", words)
 
+    def test_no_page_becomes_too_large(self):
+        self.save("a.tif", Image.new("1", (32767, 400), 1), compression="group4")
+        page, = self.record("clean", "a.tif", "-o", "b.tif", "--skew", 10)[0]["pages"]
+        self.assertEqual(page["output"], {"kind": "bitonal", "width": 32767, "height": 400})
+        self.assertIn("larger than 32767", page["steps"][4]["why"])
+
     def test_given_skew(self):
         self.save("a.png", text_page(3))
         page = self.record("clean", "a.png", "-o", "a.tif", "--skew", "3")[0]["pages"][0]
@@ -310,6 +316,18 @@ class Record(ToolCase):
         done = self.run_tool("clean", "a.png", "-o", "o.tif", "--apply", "odd.json")
         self.assertEqual(done.returncode, 1)
         self.assertTrue(done.errors[0].startswith("vemoprepro: odd.json: not a record of --json"))
+
+    def test_apply_takes_whole_numbers_only(self):
+        self.save("a.png", text_page())
+        for numerator, denominator, threshold, good in (
+                (12, 512, 143, True), (2**32 + 12, 512, None, False), (12, 2**32 + 512, None, False),
+                (2**64 - 12, 512, None, False), (1e30, 512, None, False), (12.5, 512, None, False),
+                (True, 512, None, False), (0, 0, None, False), (0, 512, 2**32 + 143, False)):
+            skew = {"numerator": numerator, "denominator": denominator}
+            page = {"skew": skew, "threshold": threshold}
+            self.write("r.json", json.dumps({"files": [{"pages": [page]}]}).encode())
+            done = self.run_tool("clean", "a.png", "-o", "o.tif", "--overwrite", "--apply", "r.json")
+            self.assertEqual((done.returncode, len(done.errors)), (0, 0) if good else (1, 1), page)
 
 
 class SideBySide(ToolCase):

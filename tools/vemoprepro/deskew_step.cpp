@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "image_file.h"
 #include "ink.h"
 #include "reading_grey.h"
 #include "resample.h"
@@ -30,12 +31,17 @@ MeasuredSkew measure(const Page& page) {
     return within.clear() && !(whole.clear() && agree) ? within : whole;
 }
 
-void straighten(Page& page, Skew skew) {
+/* The straight page without its pixels. */
+Page straight_frame(const Page& page, Skew skew) {
     Page straight;
     straight.dpi = page.dpi;
     if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
                      &straight.width) != 0)
         throw StepError("the skew is out of range");
+    return straight;
+}
+
+void straighten(Page& page, Skew skew, Page straight) {
     if (page.kind == PageKind::grey) {
         page = levelled(page, skew.numerator, skew.denominator, straight.width, straight.height);
         return;
@@ -56,7 +62,10 @@ std::string with_digits(const char* format, double value) {
 
 Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
     if (skew.numerator == 0) return {false, "already straight" + source};
-    straighten(page, skew);
+    Page straight = straight_frame(page, skew);
+    if (straight.width > kLongestSide || straight.height > kLongestSide)
+        return {false, "straight it would be larger than 32767 pixels a side" + source};
+    straighten(page, skew, std::move(straight));
     return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
 }
 

@@ -2,6 +2,8 @@
  * field's other command-line programs: -j, --dpi, --overwrite, -q, -v. */
 #include "options.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vemoprepro/frame.h>
 
 #include <CLI/CLI.hpp>
@@ -60,6 +62,12 @@ struct Raw {
     throw CLI::ValidationError(what, 1);
 }
 
+/* CLI11 takes an empty text for the number 0. */
+CLI::Validator not_empty() {
+    return {[](std::string& text) { return std::string(text.empty() ? "the value is empty" : ""); },
+            ""};
+}
+
 void add_inputs(CLI::App& command, Options& options) {
     command
         .add_option("INPUT", options.inputs, "TIFF, PNG, JPEG or PNM files; - is standard input")
@@ -90,8 +98,10 @@ void add_outputs(CLI::App& command, Options& options, Raw& raw) {
                     "Resolution in place of the file's (default: the file's, else 300)")
         ->check(CLI::Range(1, 100000));
     command.add_flag("--json", options.json, "Print a record of what was found as JSON");
-    command.add_option("--report", options.report_folder,
-                       "Write a page to look at, before and after, into this folder: index.html");
+    command
+        .add_option("--report", options.report_folder,
+                    "Write a page to look at, before and after, into this folder: index.html")
+        ->check(not_empty());
     add_words(command, options);
 }
 
@@ -131,6 +141,7 @@ CLI::Option* add_directions(CLI::App& command, const char* name, Raw& raw) {
     return command
         .add_option(name, raw.lines, "horizontal, vertical, or both with a comma between them")
         ->delimiter(',')
+        ->allow_extra_args(false) /* what follows the list is an input */
         ->check(CLI::IsMember({"horizontal", "vertical"}));
 }
 
@@ -142,9 +153,11 @@ void add_line_sizes(CLI::App& command, Raw& raw) {
 }
 
 CLI::Option* add_skew(CLI::App& command, Raw& raw) {
-    return command.add_option("--skew", raw.skew_degrees,
-                              "Skew in degrees instead of measuring it, positive when text lines "
-                              "rise to the right");
+    return command
+        .add_option("--skew", raw.skew_degrees,
+                    "Skew in degrees instead of measuring it, positive when text lines rise to the "
+                    "right")
+        ->check(not_empty());
 }
 
 void add_cleaning_steps(CLI::App& command, Options& options, Raw& raw) {
@@ -183,6 +196,7 @@ void add_clean(CLI::App& app, Options& options, Raw& raw) {
     command
         ->add_option("--apply", options.findings,
                      "Use skews and thresholds of a record that --json printed, page by page")
+        ->check(not_empty())
         ->excludes(threshold)
         ->excludes(skew);
 }
@@ -343,8 +357,18 @@ void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     options.text.max_height = pixels_of(command, "--max-height", raw.max_height);
 }
 
+/* True for /dev/stdout and the like where that is a pipe: words must keep off it as with "-". */
+bool is_piped_stdout(const std::string& output) {
+    struct stat named {
+    }, standard{};
+    return stat(output.c_str(), &named) == 0 && fstat(STDOUT_FILENO, &standard) == 0 &&
+           (S_ISFIFO(named.st_mode) || S_ISSOCK(named.st_mode)) &&
+           named.st_dev == standard.st_dev && named.st_ino == standard.st_ino;
+}
+
 Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     options.command = command_named(command.get_name());
+    if (is_piped_stdout(options.output)) options.output = "-";
     check_inputs(options);
     if (options.command == Command::info) return options;
     if (!raw.format.empty()) options.format = format_named(raw.format);
@@ -352,8 +376,6 @@ Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
     options.straighten = !raw.no_deskew;
-    if (given(command, "--report") && options.report_folder.empty())
-        refuse("--report: the name is empty");
     if (given(command, "--skew")) options.skew = skew_from(raw.skew_degrees);
     options.quarter_turns = raw.angle / 90;
     return options;

@@ -42,11 +42,21 @@ double rounded(double seconds) {
     return std::round(seconds * 1e4) / 1e4;
 }
 
+/* A whole number that an int holds; Json converts everything else without a word. */
+int whole_number(const Json& json) {
+    const bool fits = json.is_number_unsigned()
+                          ? json.get<std::uint64_t>() <= INT32_MAX
+                          : json.is_number_integer() && json.get<std::int64_t>() >= INT32_MIN;
+    if (!fits) throw std::out_of_range(json.dump() + " is no whole number of 32 bits");
+    return json.get<int>();
+}
+
 PageFindings findings_of(const Json& page) {
     PageFindings findings;
     const Json& skew = page.at("skew");
     if (!skew.is_null()) {
-        findings.skew = Skew{skew.at("numerator").get<int>(), skew.at("denominator").get<int>()};
+        findings.skew =
+            Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
         const auto numerator = std::abs(static_cast<std::int64_t>(findings.skew->numerator));
         const auto denominator = static_cast<std::int64_t>(findings.skew->denominator);
         if (denominator < 1 || numerator * Skew::kScale > denominator * Skew::kLargest)
@@ -54,7 +64,7 @@ PageFindings findings_of(const Json& page) {
     }
     const Json& threshold = page.at("threshold");
     if (!threshold.is_null()) {
-        findings.threshold = threshold.get<int>();
+        findings.threshold = whole_number(threshold);
         if (*findings.threshold < 1 || *findings.threshold > 255)
             throw std::out_of_range("a threshold beyond 1 .. 255");
     }
