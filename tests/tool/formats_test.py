@@ -6,7 +6,7 @@ import unittest
 import numpy as np
 from PIL import Image, ImageOps
 
-from tool_case import ToolCase, as_array, text_page
+from tool_case import ToolCase, as_array, raw_tiff, text_page, tiles_of
 
 
 def grey_sample(height=45, width=61):
@@ -84,6 +84,54 @@ class FormatsIn(ToolCase):
         for name in ("a.png", "a.tif", "a.pgm"):
             self.good("rotate", 180, name, "-o", "out.png", "--overwrite")
             self.assertSamePixels(self.pages("out.png")[0], grey[::-1, ::-1], name)
+
+    def test_unusual_tiffs(self):
+        grey, colour = grey_sample(), colour_sample()
+        bits = grey > 99
+        deep = grey.astype("<u2") * 257
+        ramp = list(range(256))
+        tiled = {"tile": (32, 16)}
+        cases = {
+            "tiled grey": (grey, 8, 1, [t.tobytes() for t in tiles_of(grey)], tiled),
+            "tiled colour": (colour, 8, 2, [t.tobytes() for t in tiles_of(colour)],
+                             {"samples": 3, **tiled}),
+            "tiled bits": (bits * 255, 1, 1, [np.packbits(t, 1).tobytes() for t in tiles_of(bits)], tiled),
+            "tiled deep grey": (grey, 16, 1, [t.tobytes() for t in tiles_of(deep)], tiled),
+            "tiled deep inverted": (grey, 16, 0, [t.tobytes() for t in tiles_of(65535 - deep)], tiled),
+            "tiled and to be turned": (np.rot90(grey, -1), 8, 1, [t.tobytes() for t in tiles_of(grey)],
+                                       {"others": {274: [6]}, **tiled}),
+            "planes": (colour, 8, 2, [colour[..., i].tobytes() for i in range(3)],
+                       {"samples": 3, "planes": 2}),
+            "deep inverted": (grey, 16, 0, [(65535 - deep).tobytes()], {}),
+            "4 bits inverted": (grey[:, :60] // 16 * 17, 4, 0,
+                                [(255 - (grey[:, :60:2] // 16 * 16 + grey[:, 1:60:2] // 16)).tobytes()], {}),
+            "palette of 8 bits": (np.dstack([grey, 255 - grey, 0 * grey + 7]), 8, 3, [grey.tobytes()],
+                                  {"others": {320: ramp + ramp[::-1] + [7] * 256}}),
+        }
+        for name, (pixels, depth, photometric, chunks, options) in cases.items():
+            with self.subTest(name=name):
+                width = 60 if depth == 4 else 61
+                self.write("a.tif", raw_tiff(width, 45, depth, photometric, chunks, **options))
+                self.good("rotate", 180, "a.tif", "-o", "out.png", "--overwrite")
+                image = self.pages("out.png")[0].rotate(180)
+                self.assertSamePixels(image.convert("L") if image.mode == "1" else image, pixels, name)
+        self.write("a.tif", raw_tiff(61, 45, 32, 1, [bytes(61 * 45 * 4)]))
+        done = self.run_tool("info", "a.tif")
+        self.assertEqual((done.returncode, len(done.errors)), (1, 1))
+        self.assertIn("32-bit samples", done.errors[0])
+
+    def test_transparent_colour_of_a_png(self):
+        grey, colour = grey_sample(), colour_sample()
+        bits = Image.fromarray(grey).point(lambda v: 255 * (v > 99)).convert("1")
+        key = int(grey[3, 4])
+        of_colour = np.where((colour == colour[3, 4]).all(axis=2)[..., None], 255, colour)
+        for name, image, transparent, pixels in (
+                ("grey", grey, key, np.where(grey == key, 255, grey)),
+                ("colour", colour, tuple(map(int, colour[3, 4])), of_colour),
+                ("white", bits, 1, bits), ("black", bits, 0, bits.point(lambda v: 255))):
+            self.save("a.png", image, transparency=transparent)
+            self.good("rotate", 180, "a.png", "-o", "out.png", "--overwrite")
+            self.assertSamePixels(self.pages("out.png")[0].rotate(180), pixels, name)
 
     def test_exif_orientation(self):
         page = Image.fromarray(np.kron(grey_sample(6, 4), np.ones((16, 16), np.uint8)))
@@ -173,6 +221,22 @@ class FormatsOut(ToolCase):
             self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
         words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
         self.assertIn("300 dpi (the file has none)", words)
+
+    def test_a_resolution_that_no_scanner_has_counts_as_none(self):
+        for dpi, found in (((1, 1), None), ((900000, 900000), None), ((200, 0), [200, 200]),
+                           ((1, 150), [150, 150]), ((204, 98), [204, 98])):
+            self.save("in.tif", text_page().convert("1"), dpi=dpi)
+            page, = json.loads(self.good("info", "in.tif", "--json").stdout)["files"][0]["pages"]
+            self.assertEqual(page["dpi"], found, dpi)
+        self.save("in.tif", text_page(), dpi=(1, 1))
+        page, = self.record("clean", "in.tif", "-o", "out.tif")[0]["pages"]
+        self.assertEqual((page["dpi"], page["dpi_source"]), ([300, 300], "default"))
+
+    def test_words_keep_off_a_page_in_a_pipe(self):
+        self.good("clean", "a.png", "-o", "a.tif")
+        done = self.run_tool("clean", "a.png", "-o", "/dev/stdout")
+        self.assertEqual((done.returncode, done.stdout), (0, self.read("a.tif")))
+        self.assertEqual(len(done.errors), 1)
 
     def test_standard_input_and_output(self):
         self.good("clean", "a.png", "-o", "a.tif")

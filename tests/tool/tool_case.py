@@ -4,6 +4,7 @@ angle, and a way to run the program."""
 import io
 import json
 import os
+import struct
 import subprocess
 import tempfile
 import unittest
@@ -34,6 +35,38 @@ def text_page(degrees=0.0, size=(600, 800), ink=20, paper=235):
     frame = Image.new("L", size, paper)
     frame.paste(page.crop((60, 60, size[0] - 60, size[1] - 60)), (60, 60))
     return frame
+
+
+def raw_tiff(width, height, bits, photometric, chunks, samples=1, tile=None, planes=1, others=()):
+    """A TIFF file of uncompressed strips or tiles, for shapes that Pillow does not write."""
+    tags = {256: [width], 257: [height], 258: [bits] * samples, 259: [1], 262: [photometric],
+            277: [samples], 284: [planes], **dict(others)}
+    tags.update({322: [tile[0]], 323: [tile[1]]} if tile else {278: [height]})
+    body = b"".join(chunks)
+    tags[324 if tile else 273] = [8 + sum(map(len, chunks[:i])) for i in range(len(chunks))]
+    tags[325 if tile else 279] = [len(chunk) for chunk in chunks]
+    end = 8 + len(body) + 2 + 12 * len(tags) + 4
+    entries, values = b"", b""
+    for tag in sorted(tags):
+        # LONG throughout but for what is SHORT by definition
+        short = tag in (258, 259, 262, 274, 277, 284, 296, 320, 338)
+        packed = struct.pack("<%d%s" % (len(tags[tag]), "H" if short else "I"), *tags[tag])
+        entries += struct.pack("<HHI", tag, 3 if short else 4, len(tags[tag]))
+        if len(packed) <= 4:
+            entries += packed.ljust(4, b"\0")
+        else:
+            entries += struct.pack("<I", end + len(values))
+            values += packed
+    return (b"II*\0" + struct.pack("<I", 8 + len(body)) + body + struct.pack("<H", len(tags)) + entries +
+            bytes(4) + values)
+
+
+def tiles_of(pixels, width=32, height=16):
+    """Rows of tiles of pixels; those at the right and lower edges are filled up."""
+    padding = [(0, -pixels.shape[0] % height), (0, -pixels.shape[1] % width), (0, 0)][:pixels.ndim]
+    full = np.pad(pixels, padding)
+    return [full[y:y + height, x:x + width]
+            for y in range(0, full.shape[0], height) for x in range(0, full.shape[1], width)]
 
 
 def as_array(image):

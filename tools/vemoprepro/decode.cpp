@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "orientation.h"
+#include "png_colour_key.h"
 #include "tiff_pages.h"
 
 namespace tool {
@@ -67,13 +68,9 @@ void pack_colour_row(const unsigned char* words, int width, bool alpha, bool pre
 }
 
 void take_colour(Page& page, PIX* image, bool premultiplied) {
-    const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image)) * 4;
     const bool alpha = pixGetSpp(image) == 4;
-    page.kind = PageKind::colour;
     page.bytes = block_of(image);
-    for (int y = 0; y < page.height; ++y)
-        pack_colour_row(page.bytes.get() + stride * static_cast<std::size_t>(y), page.width, alpha,
-                        premultiplied, page.row(y));
+    pack_colour(page, alpha, premultiplied);
 }
 
 void take_grey(Page& page, PIX* image) {
@@ -133,13 +130,29 @@ void pack_bits(Page& page) {
 
 }  // namespace
 
+void pack_colour(Page& page, bool alpha, bool premultiplied) {
+    const std::size_t stride = static_cast<std::size_t>(page.width) * 4;
+    page.kind = PageKind::colour;
+    for (int y = 0; y < page.height; ++y)
+        pack_colour_row(page.bytes.get() + stride * static_cast<std::size_t>(y), page.width, alpha,
+                        premultiplied, page.row(y));
+}
+
 void reduce_kind(Page& page) {
     if (page.kind == PageKind::colour && without_colour(page)) keep_one_byte_in_three(page);
     if (page.kind == PageKind::grey && only_black_and_white(page)) pack_bits(page);
+    shrink(page);
 }
 
 Decoded decode_png(std::FILE* file) {
-    return decoded_by(pixReadStreamPng(file));
+    const std::optional<PngColourKey> key = find_colour_key(file);
+    std::rewind(file);
+    if (!key) return decoded_by(pixReadStreamPng(file));
+    const std::vector<std::uint8_t> bytes = without_colour_key(file, *key);
+    Decoded decoded =
+        decoded_by(bytes.empty() ? nullptr : pixReadMemPng(bytes.data(), bytes.size()));
+    if (decoded.image) paint_colour_key(decoded.image.get(), *key);
+    return decoded;
 }
 
 Decoded decode_jpeg(std::FILE* file) {
@@ -185,7 +198,6 @@ Page page_of(Decoded decoded, int orientation_tag) {
     image.reset();
     orient(page, orientation_tag);
     reduce_kind(page);
-    shrink(page);
     return page;
 }
 

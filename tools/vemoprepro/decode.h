@@ -31,8 +31,12 @@ Decoded decode_jpeg(std::FILE* file);
 Decoded decode_pnm(std::FILE* file);
 Decoded decode_tiff(const std::string& path, std::size_t offset);
 
+/* Makes rows of words (red, green, blue, alpha from the top) packed rows of a colour page, in their
+ * place. */
+void pack_colour(Page& page, bool alpha, bool premultiplied);
+
 /* Makes the page one of the least kind that holds it: a colour page without colour becomes grey, a
- * grey one with nothing but 0 and 255 bitonal. */
+ * grey one with nothing but 0 and 255 bitonal. Memory behind its end is given back. */
 void reduce_kind(Page& page);
 
 /* The image as a page of the least kind, oriented by the tag (see orientation.h). Transparent parts

@@ -78,6 +78,18 @@ std::vector<PagePlace> png_page(std::FILE* file) {
     return one_page(failed, width, height);
 }
 
+/* Files have "1 dpi" for "square pixels", and anything by mistake; sizes that scale with it would
+ * take all of a page for specks, or nothing. */
+bool is_plausible(int dpi) {
+    return dpi >= 10 && dpi <= 10000;
+}
+
+/* A side without a resolution has that of the other one. */
+void settle(Resolution& dpi) {
+    if (!is_plausible(dpi.x)) dpi.x = is_plausible(dpi.y) ? dpi.y : 0;
+    if (!is_plausible(dpi.y)) dpi.y = dpi.x;
+}
+
 FileFormat format_of(std::FILE* file, const std::string& name) {
     l_int32 format = IFF_UNKNOWN;
     findFileFormatStream(file, &format);
@@ -187,17 +199,25 @@ std::string ImageFile::damage(std::size_t index, const std::string& reason) cons
            (reason.empty() ? "" : " (" + reason + ")");
 }
 
-/* The two formats with a short way round Leptonica for their most common shapes. */
+/* The two formats with a way round Leptonica: a short one for their most common shapes, and one for
+ * those that it cannot read. */
 std::optional<Page> ImageFile::read_raw_page(std::FILE* file, std::size_t index) const {
     if (format_ == FileFormat::pnm) return read_raw_pnm(file, places_[index]);
     if (format_ != FileFormat::tiff) return std::nullopt;
     const TiffErrors errors;
     std::optional<Page> page = read_packed_tiff(file_.path(), places_[index].offset);
+    if (!page) page = read_unusual_tiff(file_.path(), places_[index].offset);
     if (page && !errors.first().empty()) throw FileError(name_, damage(index, errors.first()));
     return page;
 }
 
 Page ImageFile::read_page(std::size_t index) const {
+    Page page = decode_page(index);
+    settle(page.dpi);
+    return page;
+}
+
+Page ImageFile::decode_page(std::size_t index) const {
     check_size(index);
     const File file = open_file(file_.path(), name_);
     if (std::optional<Page> page = read_raw_page(file.get(), index)) {

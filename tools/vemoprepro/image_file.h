@@ -60,12 +60,13 @@ class ImageFile {
 
     [[nodiscard]] FileFormat format() const { return format_; }
     [[nodiscard]] std::size_t page_count() const { return places_.size(); }
-    /* Decodes page `index`, counted from 0. */
+    /* Decodes page `index`, counted from 0. A resolution that no scanner has counts as none. */
     [[nodiscard]] Page read_page(std::size_t index) const;
 
   private:
     void list_pages();
     void check_size(std::size_t index) const;
+    [[nodiscard]] Page decode_page(std::size_t index) const;
     [[nodiscard]] std::string page_prefix(std::size_t index) const;
     [[nodiscard]] std::string damage(std::size_t index, const std::string& reason) const;
     [[nodiscard]] std::optional<Page> read_raw_page(std::FILE* file, std::size_t index) const;

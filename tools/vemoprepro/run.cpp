@@ -17,8 +17,6 @@ constexpr int kDefaultDpi = 300;
 
 void settle_resolution(const Options& options, Page& page, PageRecord& record) {
     record.dpi_source = "file";
-    if (page.dpi.x <= 0) page.dpi.x = page.dpi.y;
-    if (page.dpi.y <= 0) page.dpi.y = page.dpi.x;
     if (options.dpi || page.dpi.x <= 0) {
         record.dpi_source = options.dpi ? "option" : "default";
         page.dpi.x = page.dpi.y = options.dpi.value_or(kDefaultDpi);

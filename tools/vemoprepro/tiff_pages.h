@@ -37,6 +37,11 @@ std::vector<PagePlace> list_tiff_pages(const std::string& path);
  * decoder needs. None for every other shape. Errors are for TiffErrors to tell. */
 std::optional<Page> read_packed_tiff(const std::string& path, std::size_t offset);
 
+/* Reads a page of a shape that the general decoder refuses or gets wrong: tiles, a plane for each
+ * colour, inverted greys of 2, 4 or 16 bits, palettes of 8-bit values. None for every other shape.
+ * Errors are for TiffErrors to tell. */
+std::optional<Page> read_unusual_tiff(const std::string& path, std::size_t offset);
+
 }  // namespace tool
 
 #endif  // VEMOPREPRO_TOOL_TIFF_PAGES_H_
