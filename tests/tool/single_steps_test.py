@@ -1,6 +1,11 @@
 """The commands that do one thing: binarize, deskew, rotate, info; help and version."""
 
+import fcntl
 import json
+import os
+import pty
+import struct
+import termios
 import unittest
 
 import numpy as np
@@ -111,12 +116,20 @@ class Words(ToolCase):
                         "crop", "textmask", "info"):
             self.assertIn(b"INPUT", self.good(command, "--help").stdout)
 
+    def test_inputs_may_follow_a_list(self):
+        self.save("b.png", text_page().convert("1"))
+        self.good("unline", "--lines", "horizontal,vertical", "b.png", "-o", "b.tif")
+        self.good("clean", "--remove-lines", "horizontal", "b.png", "-o", "c.tif")
+
     def test_wrong_usage(self):
         for arguments in ([], ["clean"], ["clean", "a.png"], ["polish", "a.png", "-o", "b.tif"],
                           ["clean", "a.png", "-o", "b.xyz"], ["clean", "a.png", "-o", ""],
                           ["clean", "a", "-o", "b.tif", "--skew", "10.7"],
                           ["clean", "a", "-o", "b.tif", "--skew", "-90"],
                           ["clean", "a", "-o", "b.tif", "--skew", "nan"],
+                          ["clean", "a", "-o", "b.tif", "--skew", ""],
+                          ["clean", "a", "-o", "b.tif", "--apply", ""],
+                          ["clean", "a", "-o", "b.tif", "--report", ""],
                           ["clean", "a", "-o", "b.tif", "--skew", "1", "--no-deskew"],
                           ["clean", "a", "-o", "b.tif", "--threshold", "256"],
                           ["clean", "a", "-o", "b.tif", "--threshold", "dark"],
@@ -137,6 +150,24 @@ class Words(ToolCase):
     def test_quiet(self):
         self.save("a.png", text_page())
         self.assertEqual(self.good("clean", "a.png", "-o", "a.tif", "-q").stdout, b"")
+
+    def test_progress_on_a_terminal(self):
+        """One line that fits, but what was held back stays, and so does the last page."""
+        self.save("a.tif", text_page(1), text_page(2), text_page(3))
+        def lines(*options):
+            master, slave = pty.openpty()
+            fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 60, 0, 0))
+            self.run_tool("clean", "a.tif", "-o", "o.tif", "--overwrite", *options, stdout=slave)
+            os.close(slave)
+            shown = os.read(master, 1 << 16).decode()
+            os.close(master)
+            return [line.split("\r\x1b[K")[1:] for line in shown.split("\r\n")[:-1]]
+        written, = lines()
+        self.assertEqual([len(text) for text in written[:3]], [59] * 3)
+        self.assertTrue(written[3].startswith(written[2]) and "confidence" in written[3], written)
+        held_back = lines("--despeckle", 1000)
+        self.assertEqual([len(line) for line in held_back], [1] * 3)
+        self.assertTrue(all("despeckle skipped: it would take" in line[0] for line in held_back))
 
     def test_verbose(self):
         self.save("a.png", text_page(2), dpi=(300, 300))

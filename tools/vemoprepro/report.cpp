@@ -2,12 +2,18 @@
  */
 #include "report.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 #include "messages.h"
 
 namespace tool {
 namespace {
+
+/* To the start of the terminal's line, and what is there goes. */
+constexpr const char* kNewLineInPlace = "\r\x1b[K";
 
 std::string page_label(const std::string& input, const PageRecord& record, std::size_t pages) {
     if (pages == 1) return input + ": ";
@@ -24,6 +30,26 @@ std::string summary(const PageRecord& record) {
         if (!step.done && step.ink_removed) text += "; " + step.name + " skipped: it " + step.why;
     }
     return text;
+}
+
+/* What must not be written over by the next page: a step that was held back, and the content's
+ * rectangle that was asked for. */
+bool must_stay(const PageRecord& record) {
+    return record.content ||
+           std::any_of(record.steps.begin(), record.steps.end(), [](const StepRecord& step) {
+               return !step.done && step.ink_removed.has_value();
+           });
+}
+
+/* As much of a line of UTF-8 as fits beside the terminal's edge; a longer one would wrap, and the
+ * next one could not take its place. */
+std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
+    winsize size{};
+    if (ioctl(fileno(terminal), TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
+    int columns = size.ws_col;
+    for (std::size_t i = 0; i < line.size(); ++i)
+        if ((line[i] & 0xC0) != 0x80 && --columns == 0) return line.substr(0, i);
+    return line;
 }
 
 std::string resolution_source(const PageRecord& record) {
@@ -78,13 +104,18 @@ void Report::page(PageRecord record, const std::string& output) {
                          resolution_source(record).c_str());
             print_steps(record, output);
         } else {
-            std::fprintf(words_, terminal_ ? "\r\x1b[K%s%s" : "%s%s\n", label.c_str(),
-                         summary(record).c_str());
-            progress_shown_ = terminal_;
+            print_line(label + summary(record), terminal_ && !must_stay(record));
         }
         std::fflush(words_);
     }
     if (json_) files_.back()["pages"].push_back(to_json(record));
+}
+
+void Report::print_line(const std::string& line, bool as_progress) {
+    if (terminal_) std::fputs(kNewLineInPlace, words_);
+    const std::string shown = as_progress ? cut_to_terminal(line, words_) : line + "\n";
+    std::fputs(shown.c_str(), words_);
+    progress_ = as_progress ? line : "";
 }
 
 void Report::print_steps(const PageRecord& record, const std::string& output) {
@@ -109,8 +140,8 @@ void Report::fail_input(const FileError& error) {
 }
 
 void Report::clear_progress() {
-    if (progress_shown_) std::fputs("\n", words_);
-    progress_shown_ = false;
+    if (!progress_.empty()) std::fprintf(words_, "%s%s\n", kNewLineInPlace, progress_.c_str());
+    progress_.clear();
 }
 
 int Report::finish() {

@@ -28,16 +28,18 @@ class Report {
     int finish();
 
   private:
+    void print_line(const std::string& line, bool as_progress);
     void print_steps(const PageRecord& record, const std::string& output);
+    /* Ends the line of progress: the last page stays, with all that was said of it. */
     void clear_progress();
 
     bool quiet_;
     bool verbose_;
     bool json_;
-    std::FILE* words_;  /* page lines and steps */
-    std::FILE* record_; /* the JSON record */
-    bool terminal_;     /* one line of progress instead of a line per page */
-    bool progress_shown_ = false;
+    std::FILE* words_;     /* page lines and steps */
+    std::FILE* record_;    /* the JSON record */
+    bool terminal_;        /* one line of progress instead of a line per page */
+    std::string progress_; /* the line that stands there, whole; empty: none */
     std::string input_;
     std::size_t page_count_ = 0;
     nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
