@@ -13,6 +13,11 @@ from PIL import Image
 from tool_case import PROGRAM, ToolCase, text_page
 
 
+def take_interrupts():
+    """In the background of a script they are ignored, and what is ignored stays so."""
+    signal.signal(signal.SIGINT, signal.SIG_DFL)
+
+
 class Errors(ToolCase):
     def setUp(self):
         super().setUp()
@@ -93,6 +98,10 @@ class Errors(ToolCase):
         for name in ("a.png", "./a.png", "same.png"):
             self.fails("clean", "a.png", "-o", name, "--overwrite",
                        lines=[f"{name}: the output would overwrite an input"])
+        os.mkdir(self.path("look"))
+        os.link(self.path("a.png"), self.path("look/index.html"))
+        self.fails("clean", "a.png", "-o", "new.tif", "--overwrite", "--report", "look",
+                   lines=["look/index.html: the report would overwrite an input"])
         self.fails("clean", "a.png", "a.tif", "-o", ".", "--overwrite",
                    lines=["./a.tif: the output would overwrite an input"] * 2)
 
@@ -165,7 +174,7 @@ class Errors(ToolCase):
         self.save("in.tif", *[text_page(1, (1200, 1600))] * 12)
         for number in (signal.SIGTERM, signal.SIGINT):
             with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1"], cwd=self.here,
-                                  stdout=subprocess.PIPE) as running:
+                                  stdout=subprocess.PIPE, preexec_fn=take_interrupts) as running:
                 running.stdout.readline()
                 self.assertEqual(len([n for n in os.listdir(self.here) if n[0] == "."]), 1)
                 running.send_signal(number)
@@ -178,7 +187,7 @@ class Errors(ToolCase):
         os.mkdir(self.path("t"))
         with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1", "--report", "look"],
                               cwd=self.here, env={**os.environ, "TMPDIR": self.path("t")},
-                              stdout=subprocess.DEVNULL) as running:
+                              stdout=subprocess.DEVNULL, preexec_fn=take_interrupts) as running:
             while not os.listdir(self.path("t")) and running.poll() is None:
                 time.sleep(0.001)
             running.send_signal(signal.SIGINT)

@@ -147,6 +147,12 @@ class Words(ToolCase):
                           ["rotate", "45", "a", "-o", "b.tif"], ["deskew", "a", "--threshold", "9"]):
             self.usage(*arguments)
 
+    def test_a_border_that_stays_is_said(self):
+        self.save("a.png", Image.new("1", (9, 9)))
+        words = self.good("crop", "a.png", "-o", "a.tif").stdout.decode()
+        self.assertIn("crop skipped: smaller than 24 pixels a side", words)
+        self.assertNotIn("crop", self.good("clean", "a.png", "-o", "b.tif").stdout.decode())
+
     def test_quiet(self):
         self.save("a.png", text_page())
         self.assertEqual(self.good("clean", "a.png", "-o", "a.tif", "-q").stdout, b"")

@@ -164,7 +164,7 @@ Step border_step(const Options& options, bool to_grey) {
     const bool force = options.force;
     const bool reading = options.for_reading;
     return {"crop", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
-                if (!wanted) return {false, "switched off"};
+                if (!wanted) return {false, kSwitchedOff};
                 if (page.width < kShortestSide || page.height < kShortestSide)
                     return {false, "smaller than 24 pixels a side"};
                 if (page.kind == PageKind::bitonal) return crop_bits(page, force, record);

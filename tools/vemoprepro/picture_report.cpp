@@ -9,6 +9,12 @@
 namespace tool {
 namespace {
 
+bool is_same_file(const std::string& path, const struct stat& other) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && status.st_dev == other.st_dev &&
+           status.st_ino == other.st_ino;
+}
+
 /* The path of the report in its folder, which is there afterwards. */
 std::string report_path(const Options& options) {
     const std::string& folder = options.report_folder;
@@ -19,6 +25,9 @@ std::string report_path(const Options& options) {
     std::string path = folder + (folder.back() == '/' ? "" : "/") + "index.html";
     if (stat(path.c_str(), &status) != 0) return path;
     if (S_ISDIR(status.st_mode)) throw system_error_of(path, EISDIR);
+    for (const std::string& input : options.inputs)
+        if (is_same_file(input, status))
+            throw FileError(path, "the report would overwrite an input");
     if (!options.overwrite) throw FileError(path, "exists already (--overwrite replaces it)");
     return path;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "messages.h"
+#include "steps.h"
 
 namespace tool {
 namespace {
@@ -21,13 +22,19 @@ std::string page_label(const std::string& input, const PageRecord& record, std::
            ": ";
 }
 
+/* Why a step that was asked for was not done, when that is worth a word on the page's line. */
+std::string why_not(const StepRecord& step) {
+    if (step.name == "deskew") return "; not straightened: " + step.why;
+    if (step.ink_removed) return "; " + step.name + " skipped: it " + step.why;
+    if (step.name == "crop" && step.why != kSwitchedOff) return "; crop skipped: " + step.why;
+    return "";
+}
+
 /* "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)" */
 std::string summary(const PageRecord& record) {
     std::string text = describe(record);
     for (const StepRecord& step : record.steps) {
-        if (step.done) text += "; " + step.why;
-        if (!step.done && step.name == "deskew") text += "; not straightened: " + step.why;
-        if (!step.done && step.ink_removed) text += "; " + step.name + " skipped: it " + step.why;
+        text += step.done ? "; " + step.why : why_not(step);
     }
     return text;
 }

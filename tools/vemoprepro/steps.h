@@ -25,6 +25,9 @@ class StepError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/* Why a step is skipped that nobody asked for. */
+constexpr const char* kSwitchedOff = "switched off";
+
 struct Outcome {
     bool done;
     std::string why;
