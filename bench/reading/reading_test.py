@@ -4,12 +4,14 @@
     bench/reading/reading_test.py --program build/release/vemoprepro [--cache DIR] [--pages WORD,...]
 
 Draws the pages of pages.py and prints a table of character error rates in per cent: the edit distance between what was
-read and what stands on the page, over the length of the latter, both with all white space as single spaces. What the
-other tools and the untouched pages gave is kept in the cache, so that a later run measures only this program.
+read and what stands on the page, over the length of the latter, both with all white space as single spaces; for each
+fault the mean over its pages. --each prints every page's rates as well. What the other tools and the untouched pages
+gave is kept in the cache, so that a later run measures only this program.
 Needs Debian's tesseract-ocr, tesseract-ocr-eng, unpaper, python3-pil, python3-numpy, fonts-liberation, fonts-dejavu.
 """
 
 import argparse
+import concurrent.futures
 import hashlib
 import os
 import pathlib
@@ -93,8 +95,9 @@ def columns(program):
     return made
 
 
-def measure(name, made, folder, cache):
-    source, text, dpi = pages.draw(name, folder)
+def measure(name, index, made, folder, cache):
+    """The rates of one page, a column each."""
+    source, text, dpi = pages.draw(name, index, folder)
     known, rates = text.read_text(encoding="utf-8"), []
     for heading, make in made.items():
         target = source
@@ -105,22 +108,36 @@ def measure(name, made, folder, cache):
     return rates
 
 
+def print_row(name, rates):
+    best = min(rates)
+    cells = [f"**{rate:.2f}**" if rate == best else f"{rate:.2f}" for rate in rates]
+    print(f"| {name} |", " | ".join(cells), "|", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True)
     parser.add_argument("--cache", default=os.path.expanduser("~/.cache/vemoprepro-reading"))
-    parser.add_argument("--pages", default="", help="only pages whose name contains one of these words")
+    parser.add_argument("--pages", default="", help="only faults whose name contains one of these words")
+    parser.add_argument("--columns", default="", help="only columns whose heading contains one of these words")
+    parser.add_argument("--each", action="store_true", help="the rates of every page, too")
     given = parser.parse_args()
     folder = pathlib.Path(given.cache)
-    cache, made = Cache(folder / "read"), columns(given.program)
+    cache = Cache(folder / "read")
+    made = {heading: make for heading, make in columns(given.program).items()
+            if any(word in heading for word in given.columns.split(","))}
     wanted = [name for name in pages.PAGES if any(word in name for word in given.pages.split(","))]
-    print("| page |", " | ".join(made), "|")
-    print("|---|" + "---:|" * len(made))
-    for name in wanted:
-        rates = measure(name, made, folder, cache)
-        best = min(rates)
-        cells = [f"**{rate:.2f}**" if rate == best else f"{rate:.2f}" for rate in rates]
-        print(f"| {name} |", " | ".join(cells), "|", flush=True)
+    print("| fault | pages |", " | ".join(made), "|")
+    print("|---|---:|" + "---:|" * len(made))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        rows = {name: [pool.submit(measure, name, index, made, folder, cache) for index in range(len(pages.PAGES[name]))]
+                for name in wanted}
+        for name, row in rows.items():
+            rates = [page.result() for page in row]
+            if given.each:
+                for (_, seed, *_), page_rates in zip(pages.PAGES[name], rates):
+                    print_row(f"{name}, {seed} | 1", page_rates)
+            print_row(f"{name} | {len(rates)}", np.mean(rates, axis=0))
 
 
 if __name__ == "__main__":
