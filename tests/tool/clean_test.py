@@ -240,6 +240,32 @@ class Cleaning(ToolCase):
             again, = self.record("clean", "a.tif", "-o", "b.tif", "--overwrite")
             self.assertAlmostEqual(again["pages"][0]["skew"]["degrees"], 0, delta=0.15)
 
+    def test_reading_keeps_strokes_that_lie_along_a_rule(self):
+        arches = np.full((600, 600), 235, np.uint8)
+        for x in range(60, 540, 40):
+            arches[199:225, x:x + 14] = 20
+            arches[204:225, x + 4:x + 10] = 235
+        ruled = arches.copy()
+        ruled[200:203, 20:580] = 20     # within the upper bars, which are 5 pixels high
+        for turned in (False, True):
+            pages = [np.rot90(page) if turned else page for page in (arches, ruled)]
+            plain, read = (self.read_bits(Image.fromarray(page), "--no-deskew")[0] for page in pages)
+            self.assertLess((read ^ plain).sum(), 0.05 * plain.sum(), turned)
+
+    def test_reading_follows_a_rule_and_leaves_a_screen(self):
+        page = np.full((800, 1200), 235, np.uint8)
+        rows, columns = np.indices((300, 500))
+        page[400:700, 300:800] = np.where((rows % 6 < 3) | (columns % 6 < 2), 20, 235)
+        page[100:102, 100:500] = 20    # a rule steps down by a pixel and ends in dashes
+        page[101:103, 500:700] = 20
+        for x in range(720, 900, 45):
+            page[101:103, x:x + 25] = 20
+        page[150:780, 1000:1004] = 20
+        read, steps = self.read_bits(Image.fromarray(page), "--no-deskew", "--no-prepare")
+        self.assertEqual(steps["unline"]["status"], "done")
+        self.assertFalse(read[:380].any() or read[:, 900:].any())
+        self.assertGreater(read[400:700, 300:800].mean(), 0.6)
+
     def test_reading_keeps_print_in_the_dark(self):
         page = np.array(text_page())
         shade = np.where(np.arange(page.shape[1]) < 240, 0.35, 1.0)
