@@ -122,7 +122,7 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;
     if (options.binarization == Binarization::gradient && options.for_reading) {
-        page = bits_for_reading(page, !record.doubled);
+        page = bits_for_reading(page);
         return {true, "gradient thresholds for the contrast of the ink"};
     }
     if (options.binarization == Binarization::gradient) {
@@ -136,11 +136,11 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
 
 }  // namespace
 
-Page bits_for_reading(const Page& grey, bool smooth) {
+Page bits_for_reading(const Page& grey) {
     Page bits = same_size(grey, PageKind::bitonal);
     const Settings settings = make_settings();
     set_edges(settings.get(), edge_for(grey, kStrongestEdge));
-    bi_set_internal_gaussian_smoothing(settings.get(), smooth);
+    bi_set_internal_gaussian_smoothing(settings.get(), 1);
     if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
                          bits.bytes.get()) != 0)
         throw std::bad_alloc();

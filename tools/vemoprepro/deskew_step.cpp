@@ -72,9 +72,8 @@ Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
 Outcome measure_and_straighten(Page& page, PageRecord& record) {
     if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
         return {false, "smaller than 32 pixels a side"};
-    const MeasuredSkew measured = page.kind == PageKind::grey
-                                      ? measure(bits_for_reading(page, !record.doubled))
-                                      : measure(page);
+    const MeasuredSkew measured =
+        page.kind == PageKind::grey ? measure(bits_for_reading(page)) : measure(page);
     record.skew = measured.skew;
     record.confidence = measured.confidence;
     if (std::isnan(measured.confidence)) return {false, "no ink on the page"};

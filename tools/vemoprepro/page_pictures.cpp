@@ -53,11 +53,10 @@ void PagePainter::source(const Page& page) {
     first_ = last_;
 }
 
-void PagePainter::before(const std::string& step, const Page& page, const PageRecord& record) {
+void PagePainter::before(const std::string& step, const Page& page) {
     if (step != "deskew" || !with_fan_) return;
     const Stopwatch watch(seconds_);
-    fans_ = page.kind == PageKind::grey ? trace_fans(bits_for_reading(page, !record.doubled))
-                                        : trace_fans(page);
+    fans_ = page.kind == PageKind::grey ? trace_fans(bits_for_reading(page)) : trace_fans(page);
 }
 
 void PagePainter::after(const std::string& step, const Page& page) {

@@ -39,7 +39,7 @@ class PagePainter final : public PageWatcher {
     explicit PagePainter(bool with_fan) : with_fan_(with_fan) {}
 
     void source(const Page& page) override;
-    void before(const std::string& step, const Page& page, const PageRecord& record) override;
+    void before(const std::string& step, const Page& page) override;
     void after(const std::string& step, const Page& page) override;
 
     PagePictures take(const PageRecord& record);

@@ -53,7 +53,6 @@ struct PageRecord {
     std::optional<int> threshold;
     std::optional<Box> content; /* inside the border that was taken off */
     bool specked = false;       /* heavily; not printed */
-    bool doubled = false;       /* the resolution; not printed */
     std::vector<StepRecord> steps;
     PageKind output_kind = PageKind::bitonal;
     int output_width = 0;

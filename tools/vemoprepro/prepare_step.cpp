@@ -33,9 +33,9 @@ Outcome prepare(Page& page, PageRecord& record) {
     }
     even_light(page);
     if (is_coarse(page)) {
+        sharpen(page);
         page = doubled(page);
-        record.doubled = true;
-        why += ", resolution doubled";
+        why += ", sharpened, resolution doubled";
     }
     return {true, why};
 }

@@ -30,32 +30,55 @@ constexpr int kReach = 3;
 constexpr int kPaper = 240;
 constexpr int kDarkestPaper = 16;
 
+/* Times the difference between a pixel and the mean of the 9 around it. */
+constexpr int kSharpening = 1;
+
 /* Less contrast than this is noise of the paper. */
 constexpr int kLeastContrast = 20;
 
+/* Of the 9 pixels around one; all of the inside of the page have them. */
 unsigned char median_around(const Page& grey, int x, int y) {
-    std::array<unsigned char, 9> around{};
-    auto* to = around.begin();
-    for (int v = y - 1; v <= y + 1; ++v) to = std::copy_n(grey.row(v) + x - 1, 3, to);
+    const unsigned char* a = grey.row(y - 1) + x - 1;
+    const unsigned char* b = grey.row(y) + x - 1;
+    const unsigned char* c = grey.row(y + 1) + x - 1;
+    std::array<unsigned char, 9> around{a[0], a[1], a[2], b[0], b[1], b[2], c[0], c[1], c[2]};
     std::nth_element(around.begin(), around.begin() + 4, around.end());
     return around[4];
 }
 
 /* With four neighbours that differ no more than an impulse does, the median differs no more. */
-bool has_company(const Page& grey, int x, int y) {
-    const int own = grey.row(y)[x];
-    int company = 0;
-    for (int v = y - 1; v <= y + 1; ++v)
-        for (int u = x - 1; u <= x + 1; ++u) company += std::abs(grey.row(v)[u] - own) <= kImpulse;
-    return company >= 5;
+constexpr int kCompany = 4;
+
+/* Adds 1 to the count of every pixel that differs from the other by no more than an impulse. */
+void count_alike(const unsigned char* __restrict own, const unsigned char* __restrict other,
+                 unsigned char* __restrict count, int width) {
+    for (int x = 0; x < width; ++x) {
+        const auto apart =
+            static_cast<unsigned char>(std::max(own[x], other[x]) - std::min(own[x], other[x]));
+        count[x] = static_cast<unsigned char>(count[x] + (apart <= kImpulse ? 1 : 0));
+    }
 }
 
-/* The pixel's median when the pixel is an impulse, else the pixel. */
-unsigned char without_impulse(const Page& grey, int x, int y) {
-    const unsigned char own = grey.row(y)[x];
-    if (has_company(grey, x, y)) return own;
-    const unsigned char median = median_around(grey, x, y);
-    return std::abs(median - own) > kImpulse ? median : own;
+/* How many of its 8 neighbours differ from each pixel of a row by no more than an impulse. Pixels
+ * without 8 neighbours are not counted. */
+void count_company(const Page& grey, int y, std::vector<unsigned char>& company) {
+    std::fill(company.begin(), company.end(), static_cast<unsigned char>(0));
+    for (int v = y - 1; v <= y + 1; ++v)
+        for (int x = 0; x <= 2; ++x)
+            if (v != y || x != 1)
+                count_alike(grey.row(y) + 1, grey.row(v) + x, company.data() + 1, grey.width - 2);
+}
+
+/* Calls found(x, median) for the impulses of row y. */
+template <class Found>
+void for_each_impulse(const Page& grey, int y, std::vector<unsigned char>& company, Found found) {
+    count_company(grey, y, company);
+    const unsigned char* row = grey.row(y);
+    for (int x = 1; x + 1 < grey.width; ++x) {
+        if (company[static_cast<std::size_t>(x)] >= kCompany) continue;
+        const unsigned char median = median_around(grey, x, y);
+        if (std::abs(median - row[x]) > kImpulse) found(x, median);
+    }
 }
 
 /* One value per block. */
@@ -182,23 +205,45 @@ bool all_painted(const Page& cropped, int x0, int x1, int y0, int y1) {
 double impulse_share(const Page& grey) {
     if (grey.width < 3 || grey.height < 3) return 0;
     std::int64_t impulses = 0, seen = 0;
-    for (int y = 1; y + 1 < grey.height; y += kSampledRows)
-        for (int x = 1; x + 1 < grey.width; ++x, ++seen)
-            impulses += without_impulse(grey, x, y) != grey.row(y)[x];
+    std::vector<unsigned char> company(static_cast<std::size_t>(grey.width));
+    for (int y = 1; y + 1 < grey.height; y += kSampledRows, seen += grey.width - 2)
+        for_each_impulse(grey, y, company, [&](int, unsigned char) { ++impulses; });
     return static_cast<double>(impulses) / static_cast<double>(seen);
 }
 
 void remove_impulses(Page& grey) {
     Page result = copy_of(grey);
-    for (int y = 1; y + 1 < grey.height; ++y)
-        for (int x = 1; x + 1 < grey.width; ++x) result.row(y)[x] = without_impulse(grey, x, y);
+    std::vector<unsigned char> company(static_cast<std::size_t>(grey.width));
+    for (int y = 1; y + 1 < grey.height; ++y) {
+        unsigned char* row = result.row(y);
+        for_each_impulse(grey, y, company, [&](int x, unsigned char median) { row[x] = median; });
+    }
     grey = std::move(result);
+}
+
+void sharpen(Page& grey) {
+    const Page soft = copy_of(grey);
+    for (int y = 1; y + 1 < grey.height; ++y) {
+        unsigned char* row = grey.row(y);
+        for (int x = 1; x + 1 < grey.width; ++x) {
+            int around = 0;
+            for (int v = y - 1; v <= y + 1; ++v) {
+                const unsigned char* at = soft.row(v) + x;
+                around += at[-1] + at[0] + at[1];
+            }
+            const int own = soft.row(y)[x];
+            row[x] = static_cast<unsigned char>(
+                std::clamp(own + kSharpening * (9 * own - around) / 9, 0, 255));
+        }
+    }
 }
 
 void even_light(Page& grey) {
     const Blocks paper = paper_of(grey);
     const int whole = 2 * paper.side;
     std::vector<int> here(static_cast<std::size_t>(paper.across) + 2); /* the row's, per block */
+    std::vector<std::pair<int, int>> places;
+    for (int x = 0; x < grey.width; ++x) places.push_back(between_blocks(x, paper.side));
     for (int y = 0; y < grey.height; ++y) {
         const auto [j, down] = between_blocks(y, paper.side);
         for (int i = 0; i < paper.across + 2; ++i)
@@ -206,7 +251,7 @@ void even_light(Page& grey) {
                 paper.near(i - 1, j) * (whole - down) + paper.near(i - 1, j + 1) * down;
         unsigned char* row = grey.row(y);
         for (int x = 0; x < grey.width; ++x) {
-            const auto [i, across] = between_blocks(x, paper.side);
+            const auto [i, across] = places[static_cast<std::size_t>(x)];
             const int* pair = &here[static_cast<std::size_t>(i + 1)];
             const int level = std::max(pair[0] * (whole - across) + pair[1] * across,
                                        kDarkestPaper * whole * whole);

@@ -60,7 +60,7 @@ void process(const Pipeline& pipeline, Page& page, const PageFindings& findings,
              PageWatcher* watcher) {
     if (watcher) watcher->source(page);
     for (const Step& step : pipeline) {
-        if (watcher) watcher->before(step.name, page, record);
+        if (watcher) watcher->before(step.name, page);
         const auto start = std::chrono::steady_clock::now();
         Outcome outcome = step.run(page, findings, record);
         record.steps.push_back({step.name, outcome.done, std::move(outcome.why),

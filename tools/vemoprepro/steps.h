@@ -47,7 +47,7 @@ class PageWatcher {
   public:
     virtual ~PageWatcher() = default;
     virtual void source(const Page& page) = 0;
-    virtual void before(const std::string& step, const Page& page, const PageRecord& record) = 0;
+    virtual void before(const std::string& step, const Page& page) = 0;
     virtual void after(const std::string& step, const Page& page) = 0;
 };
 
