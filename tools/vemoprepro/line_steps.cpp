@@ -15,29 +15,13 @@ constexpr double kShortestLine = 150;
 constexpr double kThickestLine = 10;
 /* Breaks of a line that is printed weakly. */
 constexpr double kGap = 5;
-/* Thick ink (bars, filled boxes) is what has this many pixels in a row, joined across gaps. */
-constexpr double kThickRun = 40;
-constexpr double kThickJoin = 3;
-/* Ragged edges that go with a line. */
-constexpr double kClean = 1;
 /* A line that is not quite level steps aside by this much. */
 constexpr double kStep = 1;
-/* For reading: the pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm. */
+/* The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm. */
 constexpr double kDash = 16;
 constexpr double kAround = 16;
 
-using Removal = int (*)(unsigned char*, int, int, int, int, int, int, int, int, int);
-
-void remove_lines(Page& page, Removal removal, const LineOptions& wanted) {
-    if (removal(page.bytes.get(), page.height, page.width, static_cast<int>(page.stride()),
-                wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
-                wanted.min_length.value_or(scaled_length(page, kShortestLine)),
-                scaled_length(page, kGap), scaled_length(page, kThickRun),
-                scaled_length(page, kThickJoin), scaled_length(page, kClean)) != 0)
-        throw std::bad_alloc();
-}
-
-void remove_for_reading(Page& page, const LineOptions& wanted) {
+void remove_lines(Page& page, const LineOptions& wanted) {
     const RuleScale scale{wanted.min_length.value_or(scaled_length(page, kShortestLine)),
                           wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
                           scaled_length(page, kGap), scaled_length(page, kDash),
@@ -56,15 +40,11 @@ std::string directions(const LineOptions& wanted) {
 Step unline_step(const Options& options) {
     const LineOptions wanted = options.lines;
     const bool force = options.force;
-    const bool reading = options.for_reading;
     return {"unline", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
                 if (!wanted.wanted()) return {false, "switched off"};
                 require_bitonal(page, "unline");
-                return remove_ink(page, force, whole(page), directions(wanted), [&](Page& changed) {
-                    if (reading) return remove_for_reading(changed, wanted);
-                    if (wanted.horizontal) remove_lines(changed, linerm_h, wanted);
-                    if (wanted.vertical) remove_lines(changed, linerm_v, wanted);
-                });
+                return remove_ink(page, force, whole(page), directions(wanted),
+                                  [&](Page& changed) { remove_lines(changed, wanted); });
             }};
 }
 

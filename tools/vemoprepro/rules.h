@@ -1,4 +1,4 @@
-/* Ruled lines on pages that are made ready for recognition.
+/* Ruled lines of a bitonal page.
  *
  * Use: remove_rules(page, scale) takes the horizontal rules off a bitonal page that lies level,
  * remove_upright_rules() the vertical ones.
