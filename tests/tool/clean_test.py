@@ -266,6 +266,16 @@ class Cleaning(ToolCase):
         self.assertFalse(read[:380].any() or read[:, 900:].any())
         self.assertGreater(read[400:700, 300:800].mean(), 0.6)
 
+    def test_reading_takes_rules_fainter_than_the_text_with_their_crossings(self):
+        plain, _ = self.read_bits(text_page(), "--no-deskew")
+        page = np.array(text_page(), np.float32)
+        for at in range(15, 600, 95):
+            page[at:at + 4] *= 0.66
+            page[:, at:at + 4] *= 0.66
+        read, _ = self.read_bits(Image.fromarray(page.astype(np.uint8)), "--no-deskew")
+        self.assertLess((read & ~plain).sum(), 0.02 * plain.sum())
+        self.assertLess((plain & ~read).sum(), 0.06 * plain.sum())    # stems along a rule
+
     def test_reading_keeps_print_in_the_dark(self):
         page = np.array(text_page())
         shade = np.where(np.arange(page.shape[1]) < 240, 0.35, 1.0)

@@ -161,7 +161,10 @@ class Words(ToolCase):
         """One line that fits, but what was held back stays, and so does the last page."""
         self.save("a.tif", text_page(1), text_page(2), text_page(3))
         def lines(*options):
-            master, slave = pty.openpty()
+            try:
+                master, slave = pty.openpty()
+            except OSError:
+                self.skipTest("there are no terminals here")
             fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 60, 0, 0))
             self.run_tool("clean", "a.tif", "-o", "o.tif", "--overwrite", *options, stdout=slave)
             os.close(slave)

@@ -72,6 +72,18 @@ Page gradient_bits(const Page& grey) {
     return bits;
 }
 
+/* For reading. Edges are looked for on a smoothed copy, against noise. */
+Page bits_by_edges(const Page& grey, int strongest) {
+    Page bits = same_size(grey, PageKind::bitonal);
+    const Settings settings = make_settings();
+    set_edges(settings.get(), edge_for(grey, strongest));
+    bi_set_internal_gaussian_smoothing(settings.get(), 1);
+    if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
+                         bits.bytes.get()) != 0)
+        throw std::bad_alloc();
+    return bits;
+}
+
 struct Greys {
     int darkest_white = 255; /* 255 also when all is black */
     bool any_black = false;
@@ -122,6 +134,8 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;
     if (options.binarization == Binarization::gradient && options.for_reading) {
+        if (options.lines.wanted())
+            record.with_faint_ink = std::make_shared<const Page>(bits_by_edges(page, kWeakestEdge));
         page = bits_for_reading(page);
         return {true, "gradient thresholds for the contrast of the ink"};
     }
@@ -137,14 +151,7 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
 }  // namespace
 
 Page bits_for_reading(const Page& grey) {
-    Page bits = same_size(grey, PageKind::bitonal);
-    const Settings settings = make_settings();
-    set_edges(settings.get(), edge_for(grey, kStrongestEdge));
-    bi_set_internal_gaussian_smoothing(settings.get(), 1);
-    if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
-                         bits.bytes.get()) != 0)
-        throw std::bad_alloc();
-    return bits;
+    return bits_by_edges(grey, kStrongestEdge);
 }
 
 Step binarize_step(const Options& options) {

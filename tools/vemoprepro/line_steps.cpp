@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "faint_rules.h"
 #include "ink.h"
 #include "rules.h"
 #include "steps.h"
@@ -20,14 +21,25 @@ constexpr double kStep = 1;
 /* The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm. */
 constexpr double kDash = 16;
 constexpr double kAround = 16;
+/* Ink beside a faint rule that is no letter. */
+constexpr double kCrumb = 4;
+
+RuleScale rule_scale(const Page& page, const LineOptions& wanted) {
+    return {wanted.min_length.value_or(scaled_length(page, kShortestLine)),
+            wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
+            scaled_length(page, kGap), scaled_length(page, kDash), scaled_length(page, kAround)};
+}
 
 void remove_lines(Page& page, const LineOptions& wanted) {
-    const RuleScale scale{wanted.min_length.value_or(scaled_length(page, kShortestLine)),
-                          wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
-                          scaled_length(page, kGap), scaled_length(page, kDash),
-                          scaled_length(page, kAround)};
+    const RuleScale scale = rule_scale(page, wanted);
     if (wanted.horizontal) remove_rules(page, scale);
     if (wanted.vertical) remove_upright_rules(page, scale);
+}
+
+void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted) {
+    Page without_rules = copy_of(with_faint_ink);
+    remove_lines(without_rules, wanted);
+    remove_stubs_of_rules(page, with_faint_ink, without_rules, scaled_area(page, kCrumb));
 }
 
 std::string directions(const LineOptions& wanted) {
@@ -40,11 +52,14 @@ std::string directions(const LineOptions& wanted) {
 Step unline_step(const Options& options) {
     const LineOptions wanted = options.lines;
     const bool force = options.force;
-    return {"unline", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+    return {"unline", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
                 if (!wanted.wanted()) return {false, "switched off"};
                 require_bitonal(page, "unline");
-                return remove_ink(page, force, whole(page), directions(wanted),
-                                  [&](Page& changed) { remove_lines(changed, wanted); });
+                return remove_ink(page, force, whole(page), directions(wanted), [&](Page& changed) {
+                    const auto faint = std::move(record.with_faint_ink);
+                    if (faint) remove_stubs(changed, *faint, wanted);
+                    remove_lines(changed, wanted);
+                });
             }};
 }
 

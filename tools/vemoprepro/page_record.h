@@ -4,6 +4,7 @@
 #define VEMOPREPRO_TOOL_PAGE_RECORD_H_
 
 #include <cstddef>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -53,6 +54,9 @@ struct PageRecord {
     std::optional<int> threshold;
     std::optional<Box> content; /* inside the border that was taken off */
     bool specked = false;       /* heavily; not printed */
+    /* The page with ink that is faint beside the rest of it as well, from binarizing it for reading
+     * until its rules are removed; not printed. */
+    std::shared_ptr<const Page> with_faint_ink;
     std::vector<StepRecord> steps;
     PageKind output_kind = PageKind::bitonal;
     int output_width = 0;

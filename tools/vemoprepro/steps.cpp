@@ -13,13 +13,13 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
 
 /* The border goes while there are greys to tell it from the page by; specks go before the skew is
  * measured, which they would blur; rules go last, since only level ones are straight runs of ink.
- * For reading the page is turned while it is grey, which keeps the letters' edges where they are.
- */
+ * For reading the page is turned while it is grey, which keeps the letters' edges where they are,
+ * and specks go last, so that crumbs of rules are among them. */
 Pipeline cleaning_steps(const Options& options) {
     if (options.for_reading)
-        return {orientation_step(),   border_step(options, true), prepare_step(options),
-                deskew_step(options), binarize_step(options),     despeckle_step(options),
-                unline_step(options)};
+        return {orientation_step(),     border_step(options, true), prepare_step(options),
+                deskew_step(options),   binarize_step(options),     unline_step(options),
+                despeckle_step(options)};
     return {orientation_step(),      border_step(options, true), binarize_step(options),
             despeckle_step(options), deskew_step(options),       unline_step(options)};
 }
