@@ -69,11 +69,28 @@ struct Rule {
     [[nodiscard]] const Column& at(int x) const {
         return columns[static_cast<std::size_t>(x - x0)];
     }
+};
+
+/* Where a rule ran: its row at every kStep columns. On a large page full of screen dots there are
+ * thousands, so little is kept of each. */
+class Path {
+  public:
+    explicit Path(const Rule& rule) : x0_(rule.x0), x1_(rule.x1()) {
+        for (int x = x0_; x < x1_; x += kStep)
+            rows_.push_back(static_cast<short>(rule.at(x).centre / kUnit));
+    }
+
     [[nodiscard]] bool covers(const Seed& seed, int reach) const {
         const int middle = (seed.x0 + seed.x1) / 2;
-        return middle >= x0 && middle < x1() &&
-               std::abs(at(middle).centre / kUnit - seed.y) <= reach;
+        return middle >= x0_ && middle < x1_ &&
+               std::abs(rows_[static_cast<std::size_t>((middle - x0_) / kStep)] - seed.y) <= reach;
     }
+
+  private:
+    static constexpr int kStep = 16;
+
+    int x0_, x1_;
+    std::vector<short> rows_;
 };
 
 bool is_ink(const Page& page, int x, int y) {
@@ -291,9 +308,9 @@ bool is_rule(const Page& page, const Rule& rule, int around) {
     return alone * 100 >= ink * kLeastAlone && beside * 100 <= seen * kMostInkBeside;
 }
 
-bool known(const std::vector<Rule>& rules, const Seed& seed, int reach) {
-    return std::any_of(rules.begin(), rules.end(),
-                       [&](const Rule& rule) { return rule.covers(seed, reach); });
+bool known(const std::vector<Path>& paths, const Seed& seed, int reach) {
+    return std::any_of(paths.begin(), paths.end(),
+                       [&](const Path& path) { return path.covers(seed, reach); });
 }
 
 void turn(Page& page, int direction) {
@@ -316,14 +333,14 @@ void turn(Page& page, int direction) {
 
 void remove_rules(Page& page, const RuleScale& scale) {
     const Page before = copy_of(page);
-    std::vector<Rule> followed; /* rules and what turned out to be none */
+    std::vector<Path> followed; /* rules and what turned out to be none */
     for (const Seed& seed : find_seeds(before, scale)) {
         if (known(followed, seed, scale.thickest / 2 + 1) || in_dark_area(before, seed, scale))
             continue;
         const int thickness = thickness_along(before, seed, scale);
         if (thickness > scale.thickest) continue;
-        followed.push_back(follow(before, seed, scale, thickness));
-        const Rule& rule = followed.back();
+        const Rule rule = follow(before, seed, scale, thickness);
+        followed.emplace_back(rule);
         if (is_rule(before, rule, scale.around)) erase_rule(page, rule);
     }
 }
