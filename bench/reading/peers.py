@@ -12,6 +12,7 @@ _FORMAT_TIFF_G4 = 8
 
 def _library():
     lept = ctypes.CDLL("liblept.so.5")
+    lept.setMsgSeverity(5)    # errors only
     pointer = ctypes.c_void_p
     lept.pixRead.restype = lept.pixConvertTo8.restype = lept.pixDeskew.restype = pointer
     lept.pixRead.argtypes = [ctypes.c_char_p]
@@ -45,7 +46,7 @@ def unpaper(source, target):
     grey = target.with_suffix(".in.pgm")
     Image.open(source).convert("L").save(grey)
     subprocess.run(["unpaper", "--overwrite", "-q", str(grey), str(target.with_suffix(".pgm"))], check=True,
-                   stdout=subprocess.DEVNULL)
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     Image.open(target.with_suffix(".pgm")).save(target)
     grey.unlink()
     target.with_suffix(".pgm").unlink()
