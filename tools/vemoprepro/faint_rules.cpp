@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "ink.h"
@@ -47,18 +46,13 @@ struct Pixel {
     int x, y;
 };
 
-bool take(Page& page, Pixel at) {
-    unsigned char& byte = page.row(at.y)[at.x / 8];
-    const int bit = 0x80 >> at.x % 8;
-    if ((byte & bit) == 0) return false;
-    byte = static_cast<unsigned char>(byte & ~bit);
-    return true;
-}
-
 void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
     for (int y = std::max(0, at.y - 1); y <= std::min(rest.height - 1, at.y + 1); ++y)
         for (int x = std::max(0, at.x - 1); x <= std::min(rest.width - 1, at.x + 1); ++x)
-            if (take(rest, {x, y})) found.push_back({x, y});
+            if (is_ink(rest, x, y)) {
+                erase_ink(rest, x, y);
+                found.push_back({x, y});
+            }
 }
 
 /* Takes off `rest` all that hangs together with the ink of the other page. */
@@ -69,7 +63,7 @@ void take_connected(Page& rest, const Page& ink) {
         for (int x = 0; x < ink.width; ++x) {
             if (row[x / 8] == 0)
                 x |= 7;
-            else if ((row[x / 8] >> (7 - x % 8) & 1) != 0)
+            else if (is_ink(ink, x, y))
                 take_neighbours(rest, {x, y}, found);
         }
     }

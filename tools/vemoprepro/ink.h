@@ -28,6 +28,14 @@ InkWindow inner_part(const Page& page);
 
 Page copy_of(const Page& page);
 
+/* Single pixels of a bitonal page. */
+inline bool is_ink(const Page& page, int x, int y) {
+    return (page.row(y)[x / 8] >> (7 - x % 8) & 1) != 0;
+}
+inline void erase_ink(Page& page, int x, int y) {
+    page.row(y)[x / 8] &= static_cast<unsigned char>(~(0x80 >> x % 8));
+}
+
 /* Throws StepError unless the page is bitonal. */
 void require_bitonal(const Page& page, const char* step);
 

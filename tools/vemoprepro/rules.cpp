@@ -3,12 +3,9 @@
  * in says whether there is the rule alone or a letter, too. */
 #include "rules.h"
 
-#include <vemoprepro/geometry.h>
-
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -92,14 +89,6 @@ class Path {
     int x0_, x1_;
     std::vector<short> rows_;
 };
-
-bool is_ink(const Page& page, int x, int y) {
-    return (page.row(y)[x / 8] >> (7 - x % 8) & 1) != 0;
-}
-
-void erase(Page& page, int x, int y) {
-    page.row(y)[x / 8] &= static_cast<unsigned char>(~(0x80 >> x % 8));
-}
 
 /* The first pixel from x on that is (or is not) ink; the width when there is none. */
 int next_pixel(const Page& page, int y, int x, bool ink) {
@@ -286,7 +275,7 @@ void erase_rule(Page& page, const Rule& rule) {
     for (std::size_t i = 0; i < letter.size(); ++i)
         if (!letter[i])
             for (int y = rule.columns[i].y0; y < rule.columns[i].y1; ++y)
-                erase(page, rule.x0 + static_cast<int>(i), y);
+                erase_ink(page, rule.x0 + static_cast<int>(i), y);
 }
 
 /* Rows of screen dots lie among dots, a rule among paper and perhaps letters; and what is part of
@@ -313,22 +302,6 @@ bool known(const std::vector<Path>& paths, const Seed& seed, int reach) {
                        [&](const Path& path) { return path.covers(seed, reach); });
 }
 
-void turn(Page& page, int direction) {
-    Page turned;
-    turned.dpi = {page.dpi.y, page.dpi.x};
-    turned.width = page.height;
-    turned.height = page.width;
-    const std::size_t words = page.stride() / 4;
-    const std::size_t bands = (static_cast<std::size_t>(page.height) + 31) / 32;
-    turned.bytes = allocate_pixels(words * bands * 128);
-    unsigned int stride = 0;
-    if (kyd_rotate_bitmap(direction, page.bytes.get(), page.height, page.width,
-                          static_cast<int>(page.stride()), turned.bytes.get(),
-                          static_cast<int>(words * bands * 128), &stride) != 0)
-        throw std::bad_alloc();
-    page = std::move(turned);
-}
-
 }  // namespace
 
 void remove_rules(Page& page, const RuleScale& scale) {
@@ -346,9 +319,9 @@ void remove_rules(Page& page, const RuleScale& scale) {
 }
 
 void remove_upright_rules(Page& page, const RuleScale& scale) {
-    turn(page, PREPRO_TURN_CLOCKWISE);
+    turn(page, 1);
     remove_rules(page, scale);
-    turn(page, PREPRO_TURN_COUNTER_CLOCKWISE);
+    turn(page, 3);
 }
 
 }  // namespace tool

@@ -60,6 +60,9 @@ void process(const Pipeline& pipeline, Page& page, const PageFindings& findings,
 Step orientation_step();
 /* Turns the page clockwise. */
 Step rotate_step(int quarter_turns);
+
+/* Quarter turns clockwise, 1 .. 3. */
+void turn(Page& page, int quarter_turns);
 /* Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized). */
 Step border_step(const Options& options, bool to_grey);
 /* What --for ocr does to grey and colour pages beforehand: strong specks, uneven light and low

@@ -39,6 +39,13 @@ bool turn_pixels(const Page& page, int quarter_turns, PixelBlock& to) {
                             &width) == 0;
 }
 
+Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
+    turn(page, quarter_turns);
+    return {true, "turned " + std::to_string(quarter_turns * 90) + " degrees clockwise" + why};
+}
+
+}  // namespace
+
 void turn(Page& page, int quarter_turns) {
     PixelBlock turned;
     const bool good = page.kind == PageKind::bitonal ? turn_bits(page, quarter_turns, turned)
@@ -50,13 +57,6 @@ void turn(Page& page, int quarter_turns) {
         std::swap(page.dpi.x, page.dpi.y);
     }
 }
-
-Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
-    turn(page, quarter_turns);
-    return {true, "turned " + std::to_string(quarter_turns * 90) + " degrees clockwise" + why};
-}
-
-}  // namespace
 
 Step orientation_step() {
     return {"orientation", [](Page& page, const PageFindings&, PageRecord&) -> Outcome {
