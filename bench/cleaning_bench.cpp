@@ -2,11 +2,11 @@
 #include <memory>
 #include <vector>
 
-#include "cleaning/component_engine.h"
-#include "cleaning/extract_runs.h"
-#include "cleaning/run_labels.h"
-#include "cleaning/run_morphology.h"
 #include "harness.h"
+#include "ink/component_engine.h"
+#include "ink/extract_runs.h"
+#include "ink/run_labels.h"
+#include "ink/run_morphology.h"
 #include "leptonica_page.h"
 
 namespace {

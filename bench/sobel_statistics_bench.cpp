@@ -1,5 +1,5 @@
 // The Sobel-statistics variant on a grey A4 page, beside the local threshold that OpenCV has.
-#include "binarization/sobel_statistics.h"
+#include "binarization/statistics/sobel_statistics.h"
 
 #include <memory>
 #include <opencv2/ximgproc.hpp>

@@ -8,11 +8,11 @@
 #include <cstdlib>
 #include <vector>
 
-#include "cleaning/buffer_logic.h"
-#include "cleaning/component_engine.h"
-#include "cleaning/extract_runs.h"
-#include "cleaning/run_labels.h"
-#include "cleaning/run_morphology.h"
+#include "ink/buffer_logic.h"
+#include "ink/component_engine.h"
+#include "ink/extract_runs.h"
+#include "ink/run_labels.h"
+#include "ink/run_morphology.h"
 
 namespace {
 

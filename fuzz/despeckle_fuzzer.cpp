@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "cleaning/run_labels.h"
+#include "ink/run_labels.h"
 #include "vemoprepro/cleaning.h"
 
 namespace {

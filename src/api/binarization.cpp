@@ -6,10 +6,10 @@
 
 #include "api/binarization_handle.h"
 #include "api/guard.h"
-#include "binarization/grey_preparation.h"
 #include "binarization/settings.h"
 #include "binarization/threshold.h"
 #include "frame/memory.h"
+#include "grey/grey_preparation.h"
 
 using api::drop_colours;
 using api::guarded;

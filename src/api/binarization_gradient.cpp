@@ -1,10 +1,10 @@
 // Binarization by the gradient of the page, and by the statistics of its Sobel edges.
 #include "api/binarization_handle.h"
 #include "api/guard.h"
-#include "binarization/gradient.h"
-#include "binarization/grey_preparation.h"
+#include "binarization/gradient/gradient.h"
 #include "binarization/settings.h"
-#include "binarization/sobel_statistics.h"
+#include "binarization/statistics/sobel_statistics.h"
+#include "grey/grey_preparation.h"
 #include "vemoprepro/binarization.h"
 
 using api::drop_colours;

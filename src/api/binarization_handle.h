@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "binarization/settings.h"
-#include "binarization/source.h"
 #include "common/views.h"
+#include "grey/source.h"
 
 struct bi_settings {
     binarization::Settings values;

@@ -2,9 +2,9 @@
 #include <cstdint>
 
 #include "api/guard.h"
-#include "cleaning/border_colour.h"
-#include "cleaning/border_crop.h"
-#include "cleaning/border_ink.h"
+#include "cleaning/borders/border_colour.h"
+#include "cleaning/borders/border_crop.h"
+#include "cleaning/borders/border_ink.h"
 #include "vemoprepro/cleaning.h"
 
 using api::guarded;

@@ -2,9 +2,9 @@
 #include <cstdint>
 
 #include "api/guard.h"
-#include "cleaning/despeckle.h"
-#include "cleaning/stt_image.h"
-#include "cleaning/text_filter.h"
+#include "cleaning/specks/despeckle.h"
+#include "cleaning/specks/stt_image.h"
+#include "cleaning/specks/text_filter.h"
 #include "common/views.h"
 #include "vemoprepro/cleaning.h"
 

@@ -4,8 +4,8 @@
 #include <new>
 
 #include "api/guard.h"
-#include "cleaning/line_removal.h"
-#include "cleaning/underline.h"
+#include "cleaning/lines/line_removal.h"
+#include "cleaning/lines/underline.h"
 #include "common/views.h"
 #include "frame/memory.h"
 #include "vemoprepro/cleaning.h"

@@ -2,8 +2,8 @@
 // leaves the binarized page.
 #pragma once
 
-#include "binarization/source.h"
 #include "common/views.h"
+#include "grey/source.h"
 
 namespace binarization {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "common/views.h"
-#include "simd/level_counts.h"
+#include "simd/pixels/level_counts.h"
 
 namespace binarization {
 

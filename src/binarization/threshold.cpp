@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "binarization/otsu.h"
-#include "simd/threshold_bits.h"
+#include "simd/pixels/threshold_bits.h"
 
 namespace binarization {
 namespace {

@@ -1,9 +1,9 @@
 // Binarization by one threshold for the whole region.
 #pragma once
 
-#include "binarization/grey_preparation.h"
-#include "binarization/source.h"
 #include "common/views.h"
+#include "grey/grey_preparation.h"
+#include "grey/source.h"
 
 namespace binarization {
 

@@ -10,7 +10,7 @@
 #include <algorithm>
 
 #include "frame/buffer.h"
-#include "simd/cell_counts.h"
+#include "simd/bits/cell_counts.h"
 
 namespace deskew {
 

@@ -10,11 +10,11 @@
 #include <cstring>
 #include <exception>
 
-#include "cleaning/run_labels.h"
-#include "deskew/bit_words.h"
 #include "deskew/bitonal_rotation.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
+#include "ink/bit_words.h"
+#include "ink/run_labels.h"
 
 namespace deskew {
 namespace {

@@ -16,7 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simd/sheared_sums.h"
+#include "simd/blocks/sheared_sums.h"
 
 namespace deskew {
 

@@ -8,8 +8,8 @@
 
 #include <algorithm>
 
-#include "deskew/bit_words.h"
-#include "simd/shift_bits.h"
+#include "ink/bit_words.h"
+#include "simd/bits/shift_bits.h"
 
 namespace deskew {
 namespace {

@@ -3,8 +3,8 @@
 // counter-clockwise one. A half turn of packed rows is a reversal of the whole image as one row.
 #include "geometry/right_angle.h"
 
-#include "simd/turn_bits.h"
-#include "simd/turn_pixels.h"
+#include "simd/bits/turn_bits.h"
+#include "simd/pixels/turn_pixels.h"
 
 namespace geometry {
 namespace {

@@ -4,8 +4,8 @@
 #include <sstream>
 #include <vector>
 
-#include "binarization/gradient.h"
-#include "binarization/sobel_statistics.h"
+#include "binarization/gradient/gradient.h"
+#include "binarization/statistics/sobel_statistics.h"
 #include "models/gradient_model.h"
 #include "models/sobel_statistics_model.h"
 #include "support/every_target.h"

@@ -3,11 +3,11 @@
 #include <cstring>
 
 #include "models/pixels.h"
-#include "simd/colour_changes.h"
-#include "simd/count_bits.h"
-#include "simd/shift_bits.h"
-#include "simd/turn_bits.h"
-#include "simd/turn_pixels.h"
+#include "simd/bits/colour_changes.h"
+#include "simd/bits/count_bits.h"
+#include "simd/bits/shift_bits.h"
+#include "simd/bits/turn_bits.h"
+#include "simd/pixels/turn_pixels.h"
 #include "support/kernel_frame.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // The kernels of the gradient methods and of their maps of blocks against their plain forms.
-#include "simd/block_fill.h"
-#include "simd/block_rows.h"
-#include "simd/block_threshold_bits.h"
-#include "simd/edge_block_sums.h"
-#include "simd/gradient_rows.h"
-#include "simd/midpoint_rows.h"
+#include "simd/blocks/block_fill.h"
+#include "simd/blocks/block_rows.h"
+#include "simd/blocks/block_threshold_bits.h"
+#include "simd/blocks/edge_block_sums.h"
+#include "simd/pixels/gradient_rows.h"
+#include "simd/pixels/midpoint_rows.h"
 #include "support/kernel_frame.h"
 
 namespace {

@@ -2,11 +2,11 @@
 // tested with it, on every instruction set.)
 #include <hwy/highway.h>
 
-#include "simd/border_rows.h"
-#include "simd/grey_rows.h"
-#include "simd/level_counts.h"
-#include "simd/light_counts.h"
-#include "simd/threshold_bits.h"
+#include "simd/pixels/border_rows.h"
+#include "simd/pixels/grey_rows.h"
+#include "simd/pixels/level_counts.h"
+#include "simd/pixels/light_counts.h"
+#include "simd/pixels/threshold_bits.h"
 #include "support/kernel_frame.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <limits>
 
-#include "simd/cell_counts.h"
-#include "simd/sheared_sums.h"
+#include "simd/bits/cell_counts.h"
+#include "simd/blocks/sheared_sums.h"
 #include "support/kernel_frame.h"
 
 namespace {

@@ -1,0 +1,149 @@
+// All steps follow each other down the image, each as far behind the one before as it has to be, so
+// that rings of rows take the place of whole images. A trace reaches at most kTraceReach rows up
+// and down (gradient_hysteresis.cpp): candidates are sought so far ahead of it, and edges are final
+// so far behind it.
+//
+// The responses at the border of the image are those of an image continued by its border pixels.
+// Border pixels are never candidates themselves, but are neighbours of candidates.
+#include "binarization/gradient/gradient_edges.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+#include "binarization/gradient/gradient_smoothing.h"
+
+namespace binarization {
+namespace {
+
+constexpr int kLargestMagnitude = 180;  // of gradients up to 127 either way
+constexpr double kLargestScale = 4.0;
+
+// Candidates are sought from this magnitude on. Where the thresholds are to be reduced it is half
+// of the unreduced one, whatever the reduction turns out to be.
+int candidate_threshold(const EdgeOptions& options) {
+    return options.normalization == Normalization::kThresholds ? options.follow / 2
+                                                               : options.follow;
+}
+
+// What brings the largest magnitude of an image to the end of the range. Products and quotients
+// with it are rounded to the nearest whole number, halves away from 0.
+double scale_for(int largest) {
+    if (largest == 0) return kLargestScale;
+    return std::min(kLargestScale, (kLargestMagnitude + 1) / static_cast<double>(largest));
+}
+
+std::array<std::uint8_t, 256> scaled_magnitudes(int largest) {
+    std::array<std::uint8_t, 256> table{};
+    for (int m = 0; m <= largest; ++m) {
+        table[static_cast<std::size_t>(m)] =
+            static_cast<std::uint8_t>(std::lround(m * scale_for(largest)));
+    }
+    return table;
+}
+
+// Rows that are in use at a time: from those that the caller looks back at to those in which
+// candidates are sought already.
+std::size_t ring_rows(std::size_t height) {
+    constexpr std::size_t kLookBack = 8;
+    return std::min(height, kLookBack + 2 * kTraceReach + 1);
+}
+
+}  // namespace
+
+EdgeFinder::EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions& options)
+    : height_(height),
+      width_(width),
+      options_(options),
+      greys_(3, width),
+      smoothed_(3, width),
+      magnitudes_(3, width),
+      across_(2, width),
+      down_(2, width),
+      starts_(ring_rows(height), width),
+      follows_(ring_rows(height), width),
+      open_(ring_rows(height), width) {}
+
+void EdgeFinder::begin(const common::GreyView& grey) {
+    grey_ = grey;
+    int start = options_.start;
+    int follow = options_.follow;
+    if (options_.normalization != Normalization::kOff) {
+        const int largest = largest_magnitude();
+        if (options_.normalization == Normalization::kMagnitudes) {
+            scaled_ = scaled_magnitudes(largest);
+        } else {
+            start = static_cast<int>(std::lround(start / scale_for(largest)));
+            follow = static_cast<int>(std::lround(follow / scale_for(largest)));
+        }
+    }
+    thresholds_ = {static_cast<std::uint8_t>(candidate_threshold(options_)),
+                   static_cast<std::uint8_t>(start), static_cast<std::uint8_t>(follow)};
+    smooth_row(0);
+}
+
+void EdgeFinder::advance(std::size_t y) {
+    const std::size_t last = height_ - 1;
+    for (; traced_ <= std::min(y + kTraceReach, last); ++traced_) {
+        for (; sought_ <= std::min(traced_ + kTraceReach, last); ++sought_) {
+            find_candidates(sought_);
+        }
+        trace(traced_);
+    }
+    std::uint64_t* edges = starts_.row(y);
+    for (std::size_t i = 0; i < words(); ++i) edges[i] |= follows_.row(y)[i] & ~open_.row(y)[i];
+}
+
+void EdgeFinder::smooth_row(std::size_t y) {
+    if (!options_.smoothed || y >= height_) return;
+    smooth_gaussian(grey_, static_cast<std::int32_t>(y), smoothed_.row(y));
+}
+
+const std::uint8_t* EdgeFinder::source_row(std::size_t y) {
+    return options_.smoothed ? smoothed_.row(y) : greys_.row(grey_, y);
+}
+
+simd::GradientRow EdgeFinder::gradient_row(std::size_t y) {
+    return {magnitudes_.row(y), across_.row(y), down_.row(y)};
+}
+
+// Rows up to y have been smoothed.
+void EdgeFinder::take_gradients(std::size_t y) {
+    smooth_row(y + 1);
+    simd::gradient_row(source_row(y > 0 ? y - 1 : 0), source_row(y),
+                       source_row(std::min(y + 1, height_ - 1)), width_, gradient_row(y));
+}
+
+int EdgeFinder::largest_magnitude() {
+    std::uint8_t largest = 0;
+    smooth_row(0);
+    for (std::size_t y = 0; y < height_; ++y) {
+        take_gradients(y);
+        const std::uint8_t* row = magnitudes_.row(y);
+        for (std::size_t x = 0; x < width_; ++x) largest = std::max(largest, row[x]);
+    }
+    return largest;
+}
+
+void EdgeFinder::find_candidates(std::size_t y) {
+    std::uint64_t* follows = follows_.row(y);
+    if (y == 0 || y + 1 == height_) {
+        std::fill_n(starts_.row(y), words(), 0);
+        std::fill_n(follows, words(), 0);
+    } else {
+        for (; graded_ <= y + 1; ++graded_) {
+            take_gradients(graded_);
+            if (options_.normalization != Normalization::kMagnitudes) continue;
+            std::uint8_t* row = magnitudes_.row(graded_);
+            for (std::size_t x = 0; x < width_; ++x) row[x] = scaled_[row[x]];
+        }
+        const simd::MagnitudeRows around{magnitudes_.row(y - 1), magnitudes_.row(y),
+                                         magnitudes_.row(y + 1)};
+        found_candidates_ |= simd::local_maxima_row(around, gradient_row(y), width_, thresholds_,
+                                                    starts_.row(y), follows);
+    }
+    std::memcpy(open_.row(y), follows, words() * sizeof(std::uint64_t));
+}
+
+}  // namespace binarization

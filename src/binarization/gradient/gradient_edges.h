@@ -1,0 +1,110 @@
+// Edges of a grey image: thin lines of pixels whose grey changes most steeply.
+//
+// Use: EdgeFinder finder(height, width, options); finder.begin(grey); finder.advance(y) for y = 0,
+// 1, ... makes edges(y) final; edges of the 8 rows above stay readable.
+//
+// Source: J. Canny, A computational approach to edge detection, IEEE Transactions on Pattern
+// Analysis and Machine Intelligence, 1986.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "binarization/gradient/padded_rows.h"
+#include "common/views.h"
+#include "frame/buffer.h"
+
+namespace binarization {
+
+// A ring of rows of one bit a pixel, pixel 0 of a row in the least significant bit of its first
+// word.
+class BitRows {
+  public:
+    // At least `rows` rows, not initialised. Throws std::bad_alloc.
+    BitRows(std::size_t rows, std::size_t width)
+        : last_(std::bit_ceil(rows) - 1), words_(whole_words(width)), bits_((last_ + 1) * words_) {}
+
+    std::size_t rows() const { return last_ + 1; }
+    std::size_t words() const { return words_; }
+    std::uint64_t* row(std::size_t y) { return bits_.data() + (y & last_) * words_; }
+    const std::uint64_t* row(std::size_t y) const { return bits_.data() + (y & last_) * words_; }
+
+  private:
+    std::size_t last_;
+    std::size_t words_;
+    frame::Buffer<std::uint64_t> bits_;
+};
+
+// The most rows that a trace gets away from where it starts (gradient_hysteresis.cpp).
+constexpr std::size_t kTraceReach = 65;
+
+enum class Normalization {
+    kOff,
+    kMagnitudes,  // magnitudes are enlarged to the full range
+    kThresholds   // thresholds are reduced instead
+};
+
+struct EdgeOptions {
+    int start = 48;   // the least magnitude that starts an edge, 8 .. 254
+    int follow = 32;  // an edge is followed into magnitudes above this, 0 .. 255
+    bool smoothed = false;
+    Normalization normalization = Normalization::kOff;
+};
+
+class EdgeFinder {
+  public:
+    // Allocates all it needs. Throws std::bad_alloc. height and width are at least 2.
+    EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions& options);
+
+    // Starts from the top of an image, which stays valid until its last row is done.
+    void begin(const common::GreyView& grey);
+
+    // Makes the edges of row y final. Called for each row in order.
+    void advance(std::size_t y);
+
+    // The edge pixels of a row: words() words.
+    const std::uint64_t* edges(std::size_t y) const { return starts_.row(y); }
+    std::size_t words() const { return starts_.words(); }
+
+    // The least magnitude that starts an edge, after begin(): normalization may have reduced it.
+    int start_threshold() const { return thresholds_.start; }
+
+    // After the last row: whether the image has candidates, though perhaps no edges.
+    bool found_candidates() const { return found_candidates_; }
+
+  private:
+    int largest_magnitude();
+    const std::uint8_t* source_row(std::size_t y);
+    void smooth_row(std::size_t y);
+    simd::GradientRow gradient_row(std::size_t y);
+    void take_gradients(std::size_t y);
+    void find_candidates(std::size_t y);
+    void trace(std::size_t y);
+    void trace_from(std::size_t y, std::size_t x);
+
+    std::size_t height_;
+    std::size_t width_;
+    EdgeOptions options_;
+    common::GreyView grey_;
+    simd::EdgeThresholds thresholds_{};
+    std::array<std::uint8_t, 256> scaled_{};  // what magnitudes become where they are normalized
+    bool found_candidates_ = false;
+
+    // Rows that the steps have done.
+    std::size_t graded_ = 0;
+    std::size_t sought_ = 0;
+    std::size_t traced_ = 0;
+
+    ReadableRows greys_;
+    PaddedRows smoothed_;
+    PaddedRows magnitudes_;
+    PaddedRows across_;
+    PaddedRows down_;
+    BitRows starts_;   // candidates that start an edge; the edges in rows that are final
+    BitRows follows_;  // candidates into which an edge is followed
+    BitRows open_;     // those of follows_ that no trace has reached yet
+};
+
+}  // namespace binarization

@@ -1,0 +1,68 @@
+#include "cleaning/borders/border_crop.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace cleaning {
+namespace {
+
+// The first pixel from x on whose mask bit is `wanted`, or width.
+std::size_t find_pixel(const std::uint64_t* row, std::size_t x, std::size_t width, bool wanted) {
+    while (x < width) {
+        const std::uint64_t word = (wanted ? row[x / 64] : ~row[x / 64]) >> (x % 64);
+        if (word != 0) {
+            return std::min(width, x + static_cast<std::size_t>(std::countr_zero(word)));
+        }
+        x = (x / 64 + 1) * 64;
+    }
+    return width;
+}
+
+// The byte in front of each pixel's colours keeps its value.
+void whiten_after_first(std::uint8_t* pixels, std::size_t count) {
+    constexpr std::uint8_t kColours[4] = {0, 255, 255, 255};
+    std::uint32_t colours = 0;
+    std::memcpy(&colours, kColours, 4);
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, pixels + 4 * i, 4);
+        pixel |= colours;
+        std::memcpy(pixels + 4 * i, &pixel, 4);
+    }
+}
+
+void whiten(const BorderPage& page, const BorderMask& mask) {
+    const auto width = static_cast<std::size_t>(page.width);
+    const std::size_t bytes = simd::pixel_bytes(page.layout);
+    for (std::ptrdiff_t y = 0; y < page.height; ++y) {
+        const std::uint64_t* const border = mask.row(y);
+        for (std::size_t x = find_pixel(border, 0, width, true); x < width;) {
+            const std::size_t end = find_pixel(border, x, width, false);
+            std::uint8_t* const pixels = page.row(y) + x * bytes;
+            if (page.layout == simd::PixelLayout::kXrgb) {
+                whiten_after_first(pixels, end - x);
+            } else {
+                std::memset(pixels, 255, (end - x) * bytes);
+            }
+            x = find_pixel(border, end, width, true);
+        }
+    }
+}
+
+}  // namespace
+
+ContentBox crop_border(const BorderPage& page, const BorderLimits& limits) {
+    BorderMask mask(page.height, page.width);
+    if (page.height < kSmallestCropped || page.width < kSmallestCropped) {
+        return {0, page.width, 0, page.height};
+    }
+    grow_border(page, limits, mask);
+    mask.widen();
+    mask.frame();
+    const ContentBox content = content_of(mask);
+    whiten(page, mask);
+    return content;
+}
+
+}  // namespace cleaning

@@ -1,0 +1,96 @@
+// The candidates are the runs of the page that are long along the line, once steps aside are
+// bridged, less what is thick across it. The component engine drops those whose extent is short,
+// and the extents of the others are marked in a row of bits.
+
+#include "cleaning/lines/underline.h"
+
+#include <algorithm>
+
+#include "cleaning/lines/line_morphology.h"
+#include "frame/buffer.h"
+#include "ink/buffer_logic.h"
+#include "ink/component_engine.h"
+
+namespace cleaning {
+namespace {
+
+// Erases short components and marks the extents of the others.
+struct ExtentRule {
+    std::uint8_t* image;
+    std::ptrdiff_t stride;
+    bool horizontal;
+    int ink_value;
+    std::int32_t min_extent;
+    std::uint8_t* covered;
+    std::int32_t count = 0;
+
+    static constexpr std::int32_t kFull = 1;
+
+    std::int32_t extent(const component& c) const { return horizontal ? c.width() : c.height(); }
+
+    std::int32_t finished(ComponentEngine& engine, std::int32_t slot) {
+        const component& found = engine.components[slot];
+        const std::int32_t length = extent(found);
+        if (length <= min_extent) {
+            engine.erase_ink(slot, ink_value, image, stride);
+            return 0;
+        }
+        if (count == kMaxUnderlines) return kFull;
+        ++count;
+        return paint_span(covered, unsigned_coordinate(horizontal ? found.x0 : found.y0), length,
+                          1);
+    }
+    bool settled(const component& open) const { return extent(open) > min_extent; }
+};
+
+// A rule that is full ends the step, not the scan.
+std::int32_t scan(common::BitonalView page, const UnderlineSettings& settings, ExtentRule& rule) {
+    if (page.height > kMaxRunCoordinate || settings.x1 > kMaxRunCoordinate) return -1;
+    ComponentEngine engine;
+    if (engine.begin(static_cast<std::int32_t>(page.stride)) < 0) return -1;
+    for (std::int32_t r = 0; r < page.height; ++r) {
+        engine.extract_row(settings.ink_value, page.row(r), settings.x0, settings.x1 - settings.x0);
+        if (engine.label_row(r) < 0) return -1;
+        engine.finish_components(r, rule);
+        engine.next_row();
+    }
+    engine.finish_components(page.height, rule);
+    return 0;
+}
+
+void extract_candidates(common::BitonalView source, std::uint8_t* target, LineDirection direction,
+                        const UnderlineSettings& settings) {
+    const auto stride = static_cast<std::int32_t>(source.stride);
+    const std::size_t size =
+        static_cast<std::size_t>(source.height) * static_cast<std::size_t>(stride);
+    const LineMorphology morphology(direction, stride, LineZone{0, source.width, 0, source.height});
+    std::copy_n(source.data, size, target);
+    morphology.dilate_across(settings.dilate, target);
+    morphology.remove_short_along(settings.min_run, target);
+    and_buffers(target, source.data, source.height, stride);
+
+    frame::Buffer<std::uint8_t> thick(size);
+    std::copy_n(target, size, thick.data());
+    morphology.remove_short_across(settings.thickness, thick.data());
+    and_not_buffers(target, thick.data(), source.height, stride);
+}
+
+}  // namespace
+
+std::int32_t extract_underlines(common::BitonalView source, std::uint8_t* target,
+                                LineDirection direction, const UnderlineSettings& settings) {
+    extract_candidates(source, target, direction, settings);
+    if (settings.x0 >= settings.x1) return 0;
+    const bool horizontal = direction == LineDirection::kHorizontal;
+    const std::int64_t covered_bytes =
+        horizontal ? source.stride : common::bitonal_bytes(source.height);
+    auto covered = frame::Buffer<std::uint8_t>::zeroed(static_cast<std::size_t>(covered_bytes));
+    ExtentRule rule{
+        target, source.stride, horizontal, settings.ink_value, settings.min_extent, covered.data()};
+    const common::BitonalView page{target, source.height, source.width, source.stride};
+    if (scan(page, settings, rule) < 0) return -1;
+    return static_cast<std::int32_t>(
+        count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
+}
+
+}  // namespace cleaning

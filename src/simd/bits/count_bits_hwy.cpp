@@ -1,0 +1,66 @@
+// Vectors of 64-bit lanes are counted lane by lane into two sums, which do not wait for each other.
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/bits/count_bits_hwy.cpp"
+#include <hwy/foreach_target.h>
+// Highway's own order: foreach_target before highway.
+#include <hwy/highway.h>
+
+#include <bit>
+#include <cstring>
+
+#include "simd/bits/count_bits.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace simd::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
+    const hn::ScalableTag<std::uint8_t> d8;
+    const hn::ScalableTag<std::uint64_t> d64;
+    const std::size_t step = hn::Lanes(d8);
+    auto even = hn::Zero(d64);
+    auto odd = hn::Zero(d64);
+    std::size_t i = 0;
+    for (; i + 2 * step <= size; i += 2 * step) {
+        const auto a = hn::PopulationCount(hn::LoadU(d8, bytes + i));
+        const auto b = hn::PopulationCount(hn::LoadU(d8, bytes + i + step));
+        even = hn::Add(even, hn::SumsOf8(a));
+        odd = hn::Add(odd, hn::SumsOf8(b));
+    }
+    std::uint64_t count = hn::GetLane(hn::SumOfLanes(d64, hn::Add(even, odd)));
+    for (; i < size; i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes + i, size - i < 8 ? size - i : 8);
+        count += static_cast<std::uint64_t>(std::popcount(word));
+    }
+    return static_cast<std::int64_t>(count);
+}
+
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(count_bits);
+
+std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
+    return HWY_DYNAMIC_DISPATCH(count_bits)(bytes, size);
+}
+
+namespace plain {
+
+std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
+    std::int64_t count = 0;
+    for (std::size_t i = 0; i < size; ++i) count += std::popcount(bytes[i]);
+    return count;
+}
+
+}  // namespace plain
+
+}  // namespace simd
+#endif

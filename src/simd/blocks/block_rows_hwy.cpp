@@ -1,0 +1,194 @@
+// Vector forms of block_rows.h.
+//
+// Means of up to nine cells: a sum below 2^12 is divided by a count c as the high half of the
+// 16-bit product of twice the sum and 32768 / c + 1, rounded down before the addition. The product
+// is too large by less than twice the sum, 4590 of 65536, which is less than the 1 / 9 by which a
+// quotient stays below the next whole number.
+#include "simd/blocks/block_rows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/blocks/block_rows_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "simd/bits/word_vectors.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace simd {
+namespace HWY_NAMESPACE {
+
+using Integers = hn::Repartition<std::int32_t, Bytes>;
+using Floats = hn::Repartition<float, Bytes>;
+
+constexpr Integers kIntegers;
+constexpr Floats kFloats;
+
+// Sums of groups of four bytes from the sums of groups of two.
+HWY_INLINE hn::Vec<Integers> sums_of_four(WordVector sums_of_two) {
+    const auto pairs = hn::BitCast(kIntegers, sums_of_two);
+    return hn::Add(hn::And(pairs, hn::Set(kIntegers, 0xFFFF)), hn::ShiftRight<16>(pairs));
+}
+
+HWY_INLINE WordVector sums_of_two(ByteVector bytes) {
+    return hn::Add(even_bytes(bytes), odd_bytes(bytes));
+}
+
+HWY_INLINE void store_cells(hn::Vec<Integers> values, std::uint8_t* cells) {
+    const hn::Rebind<std::uint8_t, Integers> quarter;
+    hn::StoreU(hn::DemoteTo(quarter, values), quarter, cells);
+}
+
+// Of sums below 4096 over counts up to 16: a quotient is at least 1 / 16 below the next whole
+// number, far more than single precision loses.
+HWY_INLINE hn::Vec<Integers> quotients(hn::Vec<Integers> sums, hn::Vec<Integers> counts) {
+    return hn::ConvertTo(kIntegers,
+                         hn::Div(hn::ConvertTo(kFloats, sums), hn::ConvertTo(kFloats, counts)));
+}
+
+HWY_INLINE void edge_means_of_vector(const FourRows& midpoints, const FourRows& contrasts,
+                                     std::size_t x, std::uint8_t* midpoint_means,
+                                     std::uint8_t* contrast_means) {
+    const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
+    WordVector midpoint = hn::Zero(kWords);
+    WordVector contrast = hn::Zero(kWords);
+    ByteVector pixels = hn::Zero(kBytes);
+    for (int i = 0; i < 4; ++i) {
+        const ByteVector c = hn::LoadU(kBytes, contrasts.row[i] + x);
+        const ByteVector m = hn::LoadU(kBytes, midpoints.row[i] + x);
+        const auto none = hn::Eq(c, hn::Zero(kBytes));
+        midpoint = hn::Add(midpoint, sums_of_two(hn::IfThenZeroElse(none, m)));
+        contrast = hn::Add(contrast, sums_of_two(c));
+        pixels = hn::Add(pixels, hn::Min(c, one));
+    }
+    const auto counts = hn::Max(sums_of_four(sums_of_two(pixels)), hn::Set(kIntegers, 1));
+    store_cells(quotients(sums_of_four(midpoint), counts), midpoint_means + x / 4);
+    store_cells(quotients(sums_of_four(contrast), counts), contrast_means + x / 4);
+}
+
+void edge_means(const FourRows& midpoints, const FourRows& contrasts, const std::uint64_t* edges,
+                std::size_t words, std::uint8_t* midpoint_means, std::uint8_t* contrast_means) {
+    for (std::size_t i = 0; i < words; ++i) {
+        if (edges[i] == 0) {
+            std::memset(midpoint_means + 16 * i, 0, 16);
+            std::memset(contrast_means + 16 * i, 0, 16);
+            continue;
+        }
+        by_vectors([&](std::size_t at) HWY_ATTR {
+            edge_means_of_vector(midpoints, contrasts, 64 * i + at, midpoint_means, contrast_means);
+        });
+    }
+}
+
+void grey_means(const FourRows& grey, std::size_t words, std::uint8_t* means) {
+    for (std::size_t x = 0; x < 64 * words; x += hn::Lanes(kBytes)) {
+        WordVector sum = hn::Zero(kWords);
+        for (int i = 0; i < 4; ++i) {
+            sum = hn::Add(sum, sums_of_two(hn::LoadU(kBytes, grey.row[i] + x)));
+        }
+        store_cells(hn::ShiftRight<4>(sums_of_four(sum)), means + x / 4);
+    }
+}
+
+HWY_INLINE WordVector means_of(WordVector sums_and_counts) {
+    // 32768 / count + 1, low and high bytes.
+    alignas(16) static constexpr std::uint8_t kLow[16] = {0,    0x01, 0x01, 0xAB, 0x01,
+                                                          0x9A, 0x56, 0x4A, 0x01, 0x39};
+    alignas(16) static constexpr std::uint8_t kHigh[16] = {0,    0x80, 0x40, 0x2A, 0x20,
+                                                           0x19, 0x15, 0x12, 0x10, 0x0E};
+    const ByteVector counts = hn::BitCast(kBytes, counts_of(sums_and_counts));
+    const auto low =
+        hn::BitCast(kWords, hn::TableLookupBytes(hn::LoadDup128(kBytes, kLow), counts));
+    const auto high =
+        hn::BitCast(kWords, hn::TableLookupBytes(hn::LoadDup128(kBytes, kHigh), counts));
+    const WordVector reciprocals = hn::Or(low, hn::ShiftLeft<8>(high));
+    const WordVector sums = sums_of(sums_and_counts);
+    return hn::MulHigh(hn::Add(sums, sums), reciprocals);
+}
+
+void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
+        const ByteVector own = hn::LoadU(kBytes, map.row + x);
+        const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
+        const ByteVector means = interleave(means_of(around.even), means_of(around.odd));
+        hn::StoreU(hn::IfThenElse(hn::Eq(own, hn::Zero(kBytes)), means, own), kBytes, out + x);
+    }
+    out[0] = map.row[0];
+    out[width - 1] = map.row[width - 1];
+}
+
+// Zero where fewer than three cells count.
+HWY_INLINE WordVector means_of_three_or_more(WordVector sums_and_counts) {
+    const auto enough = hn::Gt(counts_of(sums_and_counts), hn::Set(kWords, std::uint16_t{2}));
+    return hn::IfThenElseZero(enough, means_of(sums_and_counts));
+}
+
+void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
+        const ByteVector own = hn::LoadU(kBytes, map.row + x);
+        const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
+        const ByteVector means =
+            interleave(means_of_three_or_more(around.even), means_of_three_or_more(around.odd));
+        hn::StoreU(hn::IfThenZeroElse(hn::Eq(own, hn::Zero(kBytes)), means), kBytes, out + x);
+    }
+    out[0] = 0;
+    out[width - 1] = 0;
+}
+
+void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
+    const ByteVector limits = hn::Set(kBytes, limit);
+    const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
+    for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
+        ByteVector least = hn::LoadU(kBytes, map.row + x);
+        ByteVector most = least;
+        for (const std::uint8_t* row : {map.above, map.row, map.below}) {
+            for (std::ptrdiff_t side = -1; side <= 1; ++side) {
+                const ByteVector cells =
+                    hn::LoadU(kBytes, row + static_cast<std::ptrdiff_t>(x) + side);
+                least = hn::Min(least, cells);
+                most = hn::Max(most, cells);
+            }
+        }
+        const ByteVector middle =
+            hn::Sub(hn::AverageRound(least, most), hn::And(hn::Xor(least, most), one));
+        hn::StoreU(hn::IfThenElseZero(hn::Gt(hn::Sub(most, least), limits), middle), kBytes,
+                   out + x);
+    }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace simd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(edge_means);
+HWY_EXPORT(grey_means);
+HWY_EXPORT(spread_row);
+HWY_EXPORT(clean_row);
+HWY_EXPORT(middle_row);
+
+void edge_means(const FourRows& midpoints, const FourRows& contrasts, const std::uint64_t* edges,
+                std::size_t words, std::uint8_t* midpoint_means, std::uint8_t* contrast_means) {
+    HWY_DYNAMIC_DISPATCH(edge_means)
+    (midpoints, contrasts, edges, words, midpoint_means, contrast_means);
+}
+
+void grey_means(const FourRows& grey, std::size_t words, std::uint8_t* means) {
+    HWY_DYNAMIC_DISPATCH(grey_means)(grey, words, means);
+}
+
+void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(spread_row)(map, width, out);
+}
+
+void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(clean_row)(map, width, out);
+}
+
+void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(middle_row)(map, width, limit, out);
+}
+
+}  // namespace simd
+#endif  // HWY_ONCE

@@ -1,0 +1,134 @@
+// Level counts without a table access per pixel, where vectors are wide enough for it to pay.
+//
+// A block of eight vectors of bytes is turned into eight bit planes, so that one bit of each plane
+// makes a pixel. Which pixels have a given upper half of the level is the conjunction of four
+// planes or their complements; most of these sixteen sets are empty in most blocks, paper being
+// alike. A set that is not is split by the lower four planes into one set per level, whose bits are
+// counted.
+//
+// Narrow vectors would do this for too few pixels at once: there, and for what is left of the last
+// block, pixels are counted one by one, in four tables in turn so that neighbours of one level need
+// not wait for each other.
+#include "simd/pixels/level_counts.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/pixels/level_counts_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace simd {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+    constexpr std::size_t kTables = 4;
+    LevelCounts tables[kTables] = {};
+    std::size_t i = 0;
+    for (; i + kTables <= count; i += kTables) {
+        for (std::size_t table = 0; table < kTables; ++table) ++tables[table][pixels[i + table]];
+    }
+    for (; i < count; ++i) ++tables[0][pixels[i]];
+    for (std::size_t level = 0; level < counts.size(); ++level) {
+        for (const LevelCounts& table : tables) counts[level] += table[level];
+    }
+}
+
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+
+using Words = hn::FixedTag<std::uint64_t, 8>;
+using WordVector = hn::Vec<Words>;
+
+constexpr Words kWords;
+constexpr std::size_t kVectorBytes = 64;
+constexpr std::size_t kBlockBytes = 8 * kVectorBytes;
+
+// Exchanges, in every byte, the bits of `a` above `mask` with the bits of `b` under it.
+template <int kShift>
+HWY_INLINE void exchange(WordVector& a, WordVector& b, std::uint64_t mask) {
+    const WordVector moved = hn::And(hn::Xor(hn::ShiftRight<kShift>(a), b), hn::Set(kWords, mask));
+    b = hn::Xor(b, moved);
+    a = hn::Xor(a, hn::ShiftLeft<kShift>(moved));
+}
+
+// planes[b], bit i of each byte = bit b of that byte of vector i.
+HWY_INLINE void load_planes(const std::uint8_t* pixels, WordVector (&planes)[8]) {
+    const hn::Repartition<std::uint8_t, Words> bytes;
+    for (std::size_t i = 0; i < 8; ++i) {
+        planes[i] = hn::BitCast(kWords, hn::LoadU(bytes, pixels + i * kVectorBytes));
+    }
+    for (int i = 0; i < 4; ++i) exchange<4>(planes[i], planes[i + 4], 0x0F0F0F0F0F0F0F0FU);
+    for (int i : {0, 1, 4, 5}) exchange<2>(planes[i], planes[i + 2], 0x3333333333333333U);
+    for (int i : {0, 2, 4, 6}) exchange<1>(planes[i], planes[i + 1], 0x5555555555555555U);
+}
+
+// sets[i] of the first `count` becomes two: those without and those with a bit in the plane.
+template <std::size_t kCount, std::size_t kSize>
+HWY_INLINE void split(WordVector (&sets)[kSize], WordVector plane) {
+    for (std::size_t i = kCount; i-- > 0;) {
+        const WordVector set = sets[i];
+        sets[2 * i + 1] = hn::And(plane, set);
+        sets[2 * i] = hn::AndNot(plane, set);
+    }
+}
+
+void count_block(const std::uint8_t* pixels, std::uint64_t (&sums)[256][8]) {
+    WordVector planes[8];
+    load_planes(pixels, planes);
+    WordVector upper[16];
+    upper[0] = hn::Set(kWords, ~std::uint64_t{0});
+    split<1>(upper, planes[7]);
+    split<2>(upper, planes[6]);
+    split<4>(upper, planes[5]);
+    split<8>(upper, planes[4]);
+    for (std::size_t half = 0; half < 16; ++half) {
+        if (hn::AllTrue(kWords, hn::Eq(upper[half], hn::Zero(kWords)))) continue;
+        WordVector levels[16];
+        levels[0] = upper[half];
+        split<1>(levels, planes[3]);
+        split<2>(levels, planes[2]);
+        split<4>(levels, planes[1]);
+        split<8>(levels, planes[0]);
+        for (std::size_t i = 0; i < 16; ++i) {
+            std::uint64_t* sum = sums[half * 16 + i];
+            hn::StoreU(hn::Add(hn::LoadU(kWords, sum), hn::PopulationCount(levels[i])), kWords,
+                       sum);
+        }
+    }
+}
+
+void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+    std::size_t done = 0;
+    if (count >= kBlockBytes) {
+        std::uint64_t sums[256][8] = {};
+        for (; done + kBlockBytes <= count; done += kBlockBytes) count_block(pixels + done, sums);
+        for (std::size_t level = 0; level < counts.size(); ++level) {
+            for (const std::uint64_t sum : sums[level]) counts[level] += sum;
+        }
+    }
+    count_one_by_one(pixels + done, count - done, counts);
+}
+
+#else
+
+void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+    count_one_by_one(pixels, count, counts);
+}
+
+#endif
+
+}  // namespace HWY_NAMESPACE
+}  // namespace simd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(count_levels);
+
+void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+    HWY_DYNAMIC_DISPATCH(count_levels)(pixels, count, counts);
+}
+
+}  // namespace simd
+#endif

@@ -1,0 +1,135 @@
+// Vector forms of midpoint_rows.h. Most words of most pages have no edge in or around them.
+#include "simd/pixels/midpoint_rows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/pixels/midpoint_rows_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "simd/bits/word_vectors.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace simd {
+namespace HWY_NAMESPACE {
+
+struct Extremes {
+    ByteVector least;
+    ByteVector most;
+
+    HWY_INLINE void add(ByteVector bytes) {
+        least = hn::Min(least, bytes);
+        most = hn::Max(most, bytes);
+    }
+};
+
+HWY_INLINE Extremes extremes_around(const ThreeRows& rows, std::size_t x) {
+    const ByteVector here = hn::LoadU(kBytes, rows.row + x);
+    Extremes extremes{here, here};
+    for (const std::uint8_t* row : {rows.above, rows.row, rows.below}) {
+        extremes.add(hn::LoadU(kBytes, row + x - 1));
+        extremes.add(hn::LoadU(kBytes, row + x));
+        extremes.add(hn::LoadU(kBytes, row + x + 1));
+    }
+    return extremes;
+}
+
+bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t words,
+                  std::uint8_t* midpoint, std::uint8_t* contrast) {
+    const ByteVector zero = hn::Zero(kBytes);
+    const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
+    bool hidden = false;
+    for (std::size_t i = 0; i < words; ++i) {
+        by_vectors([&](std::size_t at) HWY_ATTR {
+            const std::size_t x = 64 * i + at;
+            if (edges[i] == 0) {
+                hn::StoreU(zero, kBytes, midpoint + x);
+                hn::StoreU(zero, kBytes, contrast + x);
+                return;
+            }
+            const auto edge = mask_of(edges[i], at);
+            const Extremes around = extremes_around(grey, x);
+            // The mean that is rounded up, less the half that was added.
+            const ByteVector rounded = hn::And(hn::Xor(around.least, around.most), one);
+            const ByteVector mean = hn::Sub(hn::AverageRound(around.least, around.most), rounded);
+            const ByteVector midpoints = hn::IfThenElseZero(edge, mean);
+            const ByteVector contrasts =
+                hn::IfThenElseZero(edge, hn::Sub(around.most, around.least));
+            hn::StoreU(midpoints, kBytes, midpoint + x);
+            hn::StoreU(contrasts, kBytes, contrast + x);
+            hidden |= !hn::AllTrue(kBytes, hn::Eq(hn::Min(contrasts, one),
+                                                  hn::Min(hn::Min(contrasts, one), midpoints)));
+        });
+    }
+    return hidden;
+}
+
+// The mean of `count` bytes of which `sum` is made up is above a grey exactly when the sum is at
+// least count * (grey + 1), so that nothing has to be divided; without any byte the sum is 0.
+HWY_INLINE hn::Vec<Words> above_grey(WordVector sums_and_counts, WordVector grey) {
+    const WordVector one = hn::Set(kWords, std::uint16_t{1});
+    const WordVector sums = sums_of(sums_and_counts);
+    const WordVector least = hn::Max(hn::Mul(counts_of(sums_and_counts), hn::Add(grey, one)), one);
+    return hn::VecFromMask(kWords, hn::Eq(hn::Max(sums, least), sums));
+}
+
+HWY_INLINE std::uint64_t marks_of(const ThreeRows& midpoints, const std::uint8_t* grey,
+                                  std::size_t x) {
+    const ByteVector greys = hn::LoadU(kBytes, grey + x);
+    const ByteVector own = hn::LoadU(kBytes, midpoints.row + x);
+    const SumsAndCounts around =
+        sums_around(midpoints.above + x, midpoints.row + x, midpoints.below + x);
+    const WordVector even = above_grey(around.even, even_bytes(greys));
+    const WordVector odd = above_grey(around.odd, odd_bytes(greys));
+    // Only for pixels without a midpoint, which add nothing to the sums around themselves.
+    const ByteVector by_neighbours =
+        interleave(hn::And(even, hn::Set(kWords, std::uint16_t{0xFF})), odd);
+    const auto none = hn::Eq(own, hn::Zero(kBytes));
+    const ByteVector by_own = hn::VecFromMask(kBytes, hn::Lt(greys, own));
+    return bits_of(hn::MaskFromVec(hn::IfThenElse(none, by_neighbours, by_own)));
+}
+
+// Whether there are edges within one pixel of word i.
+HWY_INLINE bool near_edges(const ThreeBitRows& edges, std::size_t i, std::size_t words) {
+    const auto any = [&](std::size_t at)
+                         HWY_ATTR { return edges.above[at] | edges.row[at] | edges.below[at]; };
+    std::uint64_t found = any(i);
+    if (i > 0) found |= any(i - 1) >> 63;
+    if (i + 1 < words) found |= any(i + 1) & 1;
+    return found != 0;
+}
+
+void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
+              std::size_t width, std::uint64_t* marks) {
+    const std::size_t words = (width + 63) / 64;
+    for (std::size_t i = 0; i < words; ++i) {
+        std::uint64_t word = 0;
+        if (near_edges(edges, i, words)) {
+            by_vectors([&](std::size_t at)
+                           HWY_ATTR { word |= marks_of(midpoints, grey, 64 * i + at) << at; });
+        }
+        marks[i] = word & inner_pixels(i, width);
+    }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace simd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(midpoint_row);
+HWY_EXPORT(mark_row);
+
+bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t words,
+                  std::uint8_t* midpoint, std::uint8_t* contrast) {
+    return HWY_DYNAMIC_DISPATCH(midpoint_row)(grey, edges, words, midpoint, contrast);
+}
+
+void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
+              std::size_t width, std::uint64_t* marks) {
+    HWY_DYNAMIC_DISPATCH(mark_row)(midpoints, edges, grey, width, marks);
+}
+
+}  // namespace simd
+#endif  // HWY_ONCE

@@ -1,0 +1,321 @@
+// Turns of images of whole bytes per pixel, in blocks of 16 bytes.
+//
+// Exchange of rows and columns: a 16-byte block of n pixels of 16 / n bytes, from n neighbouring
+// rows, is exchanged by log2(n) rounds of interleaving. A vector holds blocks of rows n apart, so
+// that a result vector is one piece of a destination row. Pixels of three bytes are spread to four
+// on the way in and packed on the way out. The image is walked in tiles whose source and
+// destination lines stay in the first cache.
+//
+// Where an image is not a multiple of the block, the last blocks overlap the ones before them; an
+// image smaller than one block is copied pixel by pixel.
+#include "simd/pixels/turn_pixels.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/pixels/turn_pixels_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+// What does not depend on the instruction set.
+#ifndef VEMOPREPRO_SIMD_TURN_PIXELS_COMMON
+#define VEMOPREPRO_SIMD_TURN_PIXELS_COMMON
+namespace simd {
+namespace {
+
+struct Exchange {
+    const std::uint8_t* src;
+    std::ptrdiff_t src_stride;
+    std::size_t rows;     // of the source
+    std::size_t columns;  // of the source
+    std::uint8_t* dst;
+    std::ptrdiff_t dst_stride;
+
+    const std::uint8_t* from(std::size_t x, std::size_t y, std::size_t pixel_bytes) const {
+        return src + static_cast<std::ptrdiff_t>(y) * src_stride + x * pixel_bytes;
+    }
+    std::uint8_t* to(std::size_t x, std::size_t y, std::size_t pixel_bytes) const {
+        return dst + static_cast<std::ptrdiff_t>(x) * dst_stride + y * pixel_bytes;
+    }
+};
+
+}  // namespace
+}  // namespace simd
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace simd {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr std::size_t kBlockBytes = 16;
+
+// D is a tag of bytes: the widest vectors, or single blocks for images that are too small for
+// those.
+using WideBytes = hn::CappedTag<std::uint8_t, 64>;
+using BlockBytes = hn::Full128<std::uint8_t>;
+template <class D>
+constexpr std::size_t kBlocks = hn::MaxLanes(D()) / kBlockBytes;
+
+// Blocks that start `step` bytes apart, the first in the lowest lanes.
+template <class D>
+HWY_INLINE hn::Vec<D> LoadBlocks(D d, const std::uint8_t* from, std::ptrdiff_t step) {
+    if constexpr (hn::MaxLanes(D()) == kBlockBytes) {
+        return hn::LoadU(d, from);
+    } else {
+        const hn::Half<D> half;
+        const auto upper = static_cast<std::ptrdiff_t>(hn::MaxLanes(half) / kBlockBytes) * step;
+        return hn::Combine(d, LoadBlocks(half, from + upper, step), LoadBlocks(half, from, step));
+    }
+}
+
+// Exchanges rows and columns of the square of lanes T that each block column of v holds: each round
+// is a perfect shuffle of the square's elements, all rounds together rotate their index by half.
+template <class T, class D>
+HWY_INLINE void ExchangeSquares(D d8, hn::Vec<D> (&v)[kBlockBytes / sizeof(T)]) {
+    constexpr std::size_t kSide = kBlockBytes / sizeof(T);
+    const hn::Repartition<T, D> d;
+    for (std::size_t round = 1; round < kSide; round *= 2) {
+        hn::Vec<D> shuffled[kSide];
+        for (std::size_t i = 0; i < kSide / 2; ++i) {
+            const auto a = hn::BitCast(d, v[i]);
+            const auto b = hn::BitCast(d, v[i + kSide / 2]);
+            shuffled[2 * i] = hn::BitCast(d8, hn::InterleaveLower(d, a, b));
+            shuffled[2 * i + 1] = hn::BitCast(d8, hn::InterleaveUpper(d, a, b));
+        }
+        for (std::size_t i = 0; i < kSide; ++i) v[i] = shuffled[i];
+    }
+}
+
+// A kernel has kRows x kColumns pixels and run(exchange, x, y), which does those from (x, y) on.
+
+template <class T, class D>
+struct WholeLanes {
+    static constexpr std::size_t kColumns = kBlockBytes / sizeof(T);
+    static constexpr std::size_t kRows = kBlocks<D> * kColumns;
+    static constexpr std::size_t kPixelBytes = sizeof(T);
+
+    static HWY_INLINE void Run(const Exchange& exchange, std::size_t x, std::size_t y) {
+        const D d;
+        const std::uint8_t* from = exchange.from(x, y, kPixelBytes);
+        const std::ptrdiff_t stride = exchange.src_stride;
+        hn::Vec<D> v[kColumns];
+        for (std::size_t i = 0; i < kColumns; ++i) {
+            v[i] = LoadBlocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
+                              static_cast<std::ptrdiff_t>(kColumns) * stride);
+        }
+        ExchangeSquares<T>(d, v);
+        std::uint8_t* to = exchange.to(x, y, kPixelBytes);
+        for (std::size_t i = 0; i < kColumns; ++i) {
+            hn::StoreU(v[i], d, to + static_cast<std::ptrdiff_t>(i) * exchange.dst_stride);
+        }
+    }
+};
+
+// Four columns of three bytes. A load of a block takes one pixel and a third too much: behind the
+// four pixels, or before them at the right edge of the image.
+template <class D>
+struct ThreeBytes {
+    static constexpr std::size_t kColumns = 4;
+    static constexpr std::size_t kRows = kBlocks<D> * kColumns;
+    static constexpr std::size_t kPixelBytes = 3;
+    static constexpr std::size_t kOutBytes = kRows * kPixelBytes;
+
+    static HWY_INLINE void Run(const Exchange& exchange, std::size_t x, std::size_t y) {
+        const D d;
+        const hn::Repartition<std::uint32_t, D> d32;
+        alignas(16) static constexpr std::uint8_t kSpread[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
+                                                                 6, 7, 8, 0x80, 9, 10, 11, 0x80};
+        alignas(16) static constexpr std::uint8_t kSpreadLate[16] = {
+            4, 5, 6, 0x80, 7, 8, 9, 0x80, 10, 11, 12, 0x80, 13, 14, 15, 0x80};
+        alignas(16) static constexpr std::uint8_t kPack[16] = {
+            0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
+        alignas(64) static constexpr std::uint32_t kJoin[16] = {0,  1,  2,  4,  5, 6, 8,  9,
+                                                                10, 12, 13, 14, 3, 7, 11, 15};
+        alignas(64) static constexpr std::uint32_t kJoinTwo[8] = {0, 1, 2, 4, 5, 6, 3, 7};
+        const bool late = (exchange.columns - x) * kPixelBytes < kBlockBytes;
+        const auto spread = hn::LoadDup128(d, late ? kSpreadLate : kSpread);
+        const auto pack = hn::LoadDup128(d, kPack);
+        const std::uint8_t* from = exchange.from(x, y, kPixelBytes) - (late ? 4 : 0);
+        const std::ptrdiff_t stride = exchange.src_stride;
+        hn::Vec<D> v[kColumns];
+        for (std::size_t i = 0; i < kColumns; ++i) {
+            const auto blocks = LoadBlocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
+                                           static_cast<std::ptrdiff_t>(kColumns) * stride);
+            v[i] = hn::TableLookupBytes(blocks, spread);
+        }
+        ExchangeSquares<std::uint32_t>(d, v);
+        std::uint8_t* to = exchange.to(x, y, kPixelBytes);
+        // What a store writes too much is overwritten by the next one of the same row.
+        const bool last = (exchange.rows - y) * kPixelBytes < hn::MaxLanes(d);
+        for (std::size_t i = 0; i < kColumns; ++i) {
+            auto packed = hn::TableLookupBytes(v[i], pack);
+            if constexpr (kBlocks < D >> 1) {
+                const auto join = hn::SetTableIndices(d32, kBlocks<D> == 4 ? kJoin : kJoinTwo);
+                packed = hn::BitCast(d, hn::TableLookupLanes(hn::BitCast(d32, packed), join));
+            }
+            std::uint8_t* row = to + static_cast<std::ptrdiff_t>(i) * exchange.dst_stride;
+            if (!last) {
+                hn::StoreU(packed, d, row);
+                continue;
+            }
+            HWY_ALIGN std::uint8_t exact[hn::MaxLanes(D())];
+            hn::Store(packed, d, exact);
+            std::memcpy(row, exact, kOutBytes);
+        }
+    }
+};
+
+template <class Kernel>
+HWY_INLINE void CopySingly(const Exchange& exchange) {
+    for (std::size_t y = 0; y < exchange.rows; ++y) {
+        for (std::size_t x = 0; x < exchange.columns; ++x) {
+            std::memcpy(exchange.to(x, y, Kernel::kPixelBytes),
+                        exchange.from(x, y, Kernel::kPixelBytes), Kernel::kPixelBytes);
+        }
+    }
+}
+
+template <class Kernel>
+HWY_INLINE void RunTiles(const Exchange& exchange, std::size_t tile_rows,
+                         std::size_t tile_columns) {
+    const std::size_t last_y = exchange.rows - Kernel::kRows;
+    const std::size_t last_x = exchange.columns - Kernel::kColumns;
+    for (std::size_t top = 0; top < exchange.rows; top += tile_rows) {
+        const std::size_t bottom = std::min(exchange.rows, top + tile_rows);
+        for (std::size_t left = 0; left < exchange.columns; left += tile_columns) {
+            const std::size_t right = std::min(exchange.columns, left + tile_columns);
+            for (std::size_t y = top; y < bottom; y += Kernel::kRows) {
+                for (std::size_t x = left; x < right; x += Kernel::kColumns) {
+                    Kernel::Run(exchange, std::min(x, last_x), std::min(y, last_y));
+                }
+            }
+        }
+    }
+}
+
+// Source rows and columns of a tile.
+constexpr std::size_t kTileRows = 256;
+constexpr std::size_t kTileColumns = 128;
+
+template <class Kernel>
+HWY_INLINE bool Fits(const Exchange& exchange) {
+    // Pixels of three bytes at the right edge are loaded with the bytes before them.
+    return exchange.rows >= Kernel::kRows && exchange.columns >= Kernel::kColumns + 2;
+}
+
+template <class Wide, class Narrow>
+void Transpose(const Exchange& exchange) {
+    if (Fits<Wide>(exchange)) {
+        RunTiles<Wide>(exchange, kTileRows, kTileColumns);
+    } else if (Fits<Narrow>(exchange)) {
+        RunTiles<Narrow>(exchange, kTileRows, kTileColumns);
+    } else {
+        CopySingly<Narrow>(exchange);
+    }
+}
+
+void TransposePixels(const Exchange& exchange, std::size_t pixel_bytes) {
+    switch (pixel_bytes) {
+        case 1:
+            return Transpose<WholeLanes<std::uint8_t, WideBytes>,
+                             WholeLanes<std::uint8_t, BlockBytes>>(exchange);
+        case 2:
+            return Transpose<WholeLanes<std::uint16_t, WideBytes>,
+                             WholeLanes<std::uint16_t, BlockBytes>>(exchange);
+        case 3:
+            return Transpose<ThreeBytes<WideBytes>, ThreeBytes<BlockBytes>>(exchange);
+        default:
+            return Transpose<WholeLanes<std::uint32_t, WideBytes>,
+                             WholeLanes<std::uint32_t, BlockBytes>>(exchange);
+    }
+}
+
+// Whole pixels of a block of 16 bytes, last pixel first; the bytes behind them are unspecified.
+template <std::size_t kPixelBytes>
+HWY_INLINE hn::Vec<hn::Full128<std::uint8_t>> ReverseBlock(hn::Vec<hn::Full128<std::uint8_t>> v) {
+    const hn::Full128<std::uint8_t> d;
+    alignas(16) static constexpr std::uint8_t kBackwards[4][16] = {
+        {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0},
+        {14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1},
+        {13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3, 0x80},
+        {12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3}};
+    return hn::TableLookupBytes(v, hn::Load(d, kBackwards[kPixelBytes - 1]));
+}
+
+template <std::size_t kPixelBytes>
+void Reverse(const std::uint8_t* src, std::size_t count, std::uint8_t* dst) {
+    const hn::Full128<std::uint8_t> d;
+    constexpr std::size_t kPixels = kBlockBytes / kPixelBytes;
+    constexpr std::size_t kStep = kPixels * kPixelBytes;
+    std::size_t left = count * kPixelBytes;  // bytes not yet moved, the first ones of src
+    for (; left >= kBlockBytes; left -= kStep, dst += kStep) {
+        hn::StoreU(ReverseBlock<kPixelBytes>(hn::LoadU(d, src + left - kBlockBytes)), d, dst);
+    }
+    for (; left != 0; left -= kPixelBytes, dst += kPixelBytes) {
+        std::memcpy(dst, src + left - kPixelBytes, kPixelBytes);
+    }
+}
+
+void ReversePixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
+                   std::uint8_t* dst) {
+    switch (pixel_bytes) {
+        case 1:
+            return Reverse<1>(src, count, dst);
+        case 2:
+            return Reverse<2>(src, count, dst);
+        case 3:
+            return Reverse<3>(src, count, dst);
+        default:
+            return Reverse<4>(src, count, dst);
+    }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace simd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace simd {
+
+HWY_EXPORT(TransposePixels);
+HWY_EXPORT(ReversePixels);
+
+void transpose_pixels(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
+                      std::size_t columns, std::size_t pixel_bytes, std::uint8_t* dst,
+                      std::ptrdiff_t dst_stride) {
+    const Exchange exchange{src, src_stride, rows, columns, dst, dst_stride};
+    if (pixel_bytes <= 4) {
+        HWY_DYNAMIC_DISPATCH(TransposePixels)(exchange, pixel_bytes);
+        return;
+    }
+    // Runs of a few rows, so that the lines of the destination are still there for the next row.
+    constexpr std::size_t kBandRows = 16;
+    for (std::size_t top = 0; top < rows; top += kBandRows) {
+        const std::size_t bottom = std::min(rows, top + kBandRows);
+        for (std::size_t x = 0; x < columns; ++x) {
+            for (std::size_t y = top; y < bottom; ++y) {
+                std::memcpy(exchange.to(x, y, pixel_bytes), exchange.from(x, y, pixel_bytes),
+                            pixel_bytes);
+            }
+        }
+    }
+}
+
+void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
+                    std::uint8_t* dst) {
+    if (pixel_bytes <= 4) {
+        HWY_DYNAMIC_DISPATCH(ReversePixels)(src, count, pixel_bytes, dst);
+        return;
+    }
+    const std::uint8_t* from = src + count * pixel_bytes;
+    for (; from != src; dst += pixel_bytes) {
+        from -= pixel_bytes;
+        std::memcpy(dst, from, pixel_bytes);
+    }
+}
+
+}  // namespace simd
+#endif
