@@ -20,8 +20,8 @@ std::size_t page_bytes() {
 }
 
 struct KeepingRule {
-    std::int32_t finished(cleaning::ComponentEngine&, std::int32_t) { return 0; }
-    bool settled(const cleaning::component&) const { return false; }
+    std::int32_t finished(ink::ComponentEngine&, std::int32_t) { return 0; }
+    bool settled(const ink::component&) const { return false; }
 };
 
 void find_with_leptonica(PIX* page) {
@@ -37,7 +37,7 @@ const bool components = bench::add(
      .prepare = [] {
          const bench::Page& page = bench::bitonal_page();
          return bench::Sides{
-             .ours = [&page] { cleaning::find_components(view(page)); },
+             .ours = [&page] { ink::find_components(view(page)); },
              .theirs = [pix = bench::to_leptonica(page)] { find_with_leptonica(pix.get()); }};
      }});
 
@@ -49,7 +49,7 @@ const bool labelled_runs = bench::add(
      .prepare = [] {
          const bench::Page& page = bench::bitonal_page();
          return bench::Sides{
-             .ours = [&page] { cleaning::label_runs(view(page)); },
+             .ours = [&page] { ink::label_runs(view(page)); },
              .theirs = [pix = bench::to_leptonica(page)] { find_with_leptonica(pix.get()); }};
      }});
 
@@ -63,8 +63,8 @@ const bool engine =
                     return bench::Sides{.ours =
                                             [&page] {
                                                 KeepingRule rule;
-                                                cleaning::scan_components(view(page), 0, page.width,
-                                                                          0, nullptr, rule);
+                                                ink::scan_components(view(page), 0, page.width, 0,
+                                                                     nullptr, rule);
                                             },
                                         .theirs =
                                             [pix = bench::to_leptonica(page)] {
@@ -76,7 +76,7 @@ const bool engine =
                 }});
 
 // Both sides begin with a copy of the page and change that.
-bool add_morphology(const char* name, const char* peer, decltype(&cleaning::h_dilate) operation,
+bool add_morphology(const char* name, const char* peer, decltype(&ink::h_dilate) operation,
                     std::int32_t n, PIX* (*theirs)(PIX*, l_int32)) {
     return bench::add(
         {.name = name,
@@ -101,19 +101,19 @@ bool add_morphology(const char* name, const char* peer, decltype(&cleaning::h_di
 }
 
 const bool h_dilation = add_morphology(
-    "dilation along rows by 3", "Leptonica pixDilateBrick", cleaning::h_dilate, 3,
+    "dilation along rows by 3", "Leptonica pixDilateBrick", ink::h_dilate, 3,
     [](PIX* page, l_int32 n) { return pixDilateBrick(nullptr, page, 2 * n + 1, 1); });
 const bool v_dilation = add_morphology(
-    "dilation along columns by 3", "Leptonica pixDilateBrick", cleaning::v_dilate, 3,
+    "dilation along columns by 3", "Leptonica pixDilateBrick", ink::v_dilate, 3,
     [](PIX* page, l_int32 n) { return pixDilateBrick(nullptr, page, 1, 2 * n + 1); });
-const bool h_opening = add_morphology(
-    "short runs of rows removed, 128", "Leptonica pixOpenBrick", cleaning::h_remove_short, 128,
-    [](PIX* page, l_int32 n) { return pixOpenBrick(nullptr, page, n, 1); });
+const bool h_opening =
+    add_morphology("short runs of rows removed, 128", "Leptonica pixOpenBrick", ink::h_remove_short,
+                   128, [](PIX* page, l_int32 n) { return pixOpenBrick(nullptr, page, n, 1); });
 const bool v_opening = add_morphology(
-    "short runs of columns removed, 16", "Leptonica pixOpenBrick", cleaning::v_remove_short, 16,
+    "short runs of columns removed, 16", "Leptonica pixOpenBrick", ink::v_remove_short, 16,
     [](PIX* page, l_int32 n) { return pixOpenBrick(nullptr, page, 1, n); });
-const bool v_closing = add_morphology(
-    "gaps of columns filled, 16", "Leptonica pixCloseSafeBrick", cleaning::v_fill_gaps, 16,
-    [](PIX* page, l_int32 n) { return pixCloseSafeBrick(nullptr, page, 1, n); });
+const bool v_closing =
+    add_morphology("gaps of columns filled, 16", "Leptonica pixCloseSafeBrick", ink::v_fill_gaps,
+                   16, [](PIX* page, l_int32 n) { return pixCloseSafeBrick(nullptr, page, 1, n); });
 
 }  // namespace

@@ -37,20 +37,20 @@ struct ErasingRule {
     std::int64_t area = 0;
     std::int32_t count = 0;
 
-    std::int32_t finished(cleaning::ComponentEngine& engine, std::int32_t slot) {
+    std::int32_t finished(ink::ComponentEngine& engine, std::int32_t slot) {
         area += engine.components[slot].area;
         ++count;
         engine.erase_ink(slot, ink_value, image, stride);
         return 0;
     }
-    bool settled(const cleaning::component& open) const { return open.area > settled_above; }
+    bool settled(const ink::component& open) const { return open.area > settled_above; }
 };
 
 void check_components(const Bytes& page, int height, int width, int stride, int ink_value,
                       std::uint32_t settled_above) {
     const common::BitonalView view{page.data(), height, width, stride};
-    const cleaning::RunLabels labels = cleaning::label_runs(view, ink_value);
-    const cleaning::PageComponents found = cleaning::find_components(view, ink_value);
+    const ink::RunLabels labels = ink::label_runs(view, ink_value);
+    const ink::PageComponents found = ink::find_components(view, ink_value);
     check(labels.component_count == found.count);
     std::int64_t area = 0;
     for (std::int32_t i = 0; i < found.count; ++i) {
@@ -59,23 +59,21 @@ void check_components(const Bytes& page, int height, int width, int stride, int 
 
     Bytes erased = page;
     ErasingRule rule{erased.data(), stride, ink_value, settled_above};
-    check(cleaning::scan_components(view, 0, width, ink_value, nullptr, rule) == 0);
+    check(ink::scan_components(view, 0, width, ink_value, nullptr, rule) == 0);
     check(rule.area == area && rule.count == found.count);
     if (settled_above != UINT32_MAX) return;
     // Without early release every run was there to be erased.
     std::vector<std::int32_t> runs(static_cast<std::size_t>(width) + 1);
     for (int y = 0; y < height; ++y) {
-        check(cleaning::extract_runs(ink_value, erased.data() + y * stride, 0, width,
-                                     runs.data()) == 0);
+        check(ink::extract_runs(ink_value, erased.data() + y * stride, 0, width, runs.data()) == 0);
     }
 }
 
 void check_morphology(const Bytes& page, int height, int stride, int n, int x0, int x1, int y0,
                       int y1, unsigned choice) {
-    constexpr decltype(&cleaning::h_dilate) kOperations[] = {
-        cleaning::h_fill_gaps,    cleaning::v_fill_gaps, cleaning::h_remove_short,
-        cleaning::v_remove_short, cleaning::h_dilate,    cleaning::v_dilate,
-        cleaning::h_erode,        cleaning::v_erode};
+    constexpr decltype(&ink::h_dilate) kOperations[] = {
+        ink::h_fill_gaps, ink::v_fill_gaps, ink::h_remove_short, ink::v_remove_short,
+        ink::h_dilate,    ink::v_dilate,    ink::h_erode,        ink::v_erode};
     const unsigned which = choice % 8;
     Bytes changed = page;
     check(kOperations[which](nullptr, n, changed.data(), stride, x0, x1, y0, y1) == 0);

@@ -60,8 +60,8 @@ struct AreaJudge {
 };
 
 void check_areas(const Bytes& ink, const Geometry& page, int max_area) {
-    const cleaning::PageComponents left =
-        cleaning::find_components({ink.data(), page.height, page.width, page.stride});
+    const ink::PageComponents left =
+        ink::find_components({ink.data(), page.height, page.width, page.stride});
     for (std::int32_t i = 0; i < left.count; ++i) {
         check(left.components[static_cast<std::size_t>(i)].area > max_area);
     }
@@ -76,7 +76,7 @@ void check_despeckling(const Bytes& before, const Geometry& page, int max_area, 
               return despeckl_cb_mem(image..., AreaJudge::ask, &judge);
           }));
     check(judge.asked ==
-          cleaning::find_components({before.data(), page.height, page.width, page.stride}).count);
+          ink::find_components({before.data(), page.height, page.width, page.stride}).count);
     const auto near = cleaned(
         before, page, [=](auto... image) { return despeckl_c_mem(image..., max_area, distance); });
     check(near == cleaned(before, page, [&judge, distance](auto... image) {

@@ -18,11 +18,11 @@ using api::kSuccess;
 using api::one_shot_settings;
 using api::page_of;
 using api::source_of;
-using binarization::GreyOptions;
-using binarization::Region;
 using binarization::Settings;
-using binarization::Source;
-using binarization::SourceType;
+using grey::GreyOptions;
+using grey::Region;
+using grey::Source;
+using grey::SourceType;
 
 namespace {
 
@@ -48,15 +48,14 @@ int fetch(const bi_settings* settings, Member Settings::*member, Value* value) {
 int thresh_do(Settings& settings, void* ctx, int type, int width, const Region& region,
               unsigned char* out) {
     settings.raise_smooth();
-    if (!binarization::known_type(type) || !binarization::acceptable(width, region) ||
-        out == nullptr) {
+    if (!grey::known_type(type) || !grey::acceptable(width, region) || out == nullptr) {
         return kFailure;
     }
     const Source source = source_of(settings.reader, ctx, settings.image, type, width);
     const GreyOptions options{.smooth = settings.smooth,
                               .undithering = settings.undithering,
                               .threads = settings.threads};
-    if (!binarization::reachable(source, region, options.threads)) return kFailure;
+    if (!grey::reachable(source, region, options.threads)) return kFailure;
     const common::MutableBitonalView page = page_of(out, region.height(), region.width());
     binarization::binarize_by_threshold(source, region, options, settings.thresh, page);
     return drop_colours(settings, source, region, page);
@@ -229,7 +228,7 @@ int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
                      unsigned char undithering) {
     return guarded([=] {
         const Region region{x0, x1, y0, y1};
-        if (!binarization::known_type(type) || !binarization::acceptable(width, region)) {
+        if (!grey::known_type(type) || !grey::acceptable(width, region)) {
             return kFailure;
         }
         const std::int64_t grey_size = std::int64_t{region.width()} * region.height();
@@ -237,17 +236,17 @@ int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
             return kFailure;
         }
         const bool from_image =
-            binarization::reads_image(static_cast<SourceType>(type), region, nb_threads);
+            grey::reads_image(static_cast<SourceType>(type), region, nb_threads);
         const void* image = from_image ? image_of(image_record) : nullptr;
         const Source source = source_of(reader, ctx, image, type, width);
         const GreyOptions options{smooth, undithering != 0, resolution, nb_threads};
-        if (!binarization::reachable(source, region, nb_threads)) return kFailure;
-        if (out_size == grey_size && binarization::only_converts(source, region, options)) {
-            binarization::convert_rows(source, region,
-                                       {out, region.height(), region.width(), region.width()});
+        if (!grey::reachable(source, region, nb_threads)) return kFailure;
+        if (out_size == grey_size && grey::only_converts(source, region, options)) {
+            grey::convert_rows(source, region,
+                               {out, region.height(), region.width(), region.width()});
             return kSuccess;
         }
-        const auto grey = binarization::prepare_grey(source, region, options);
+        const auto grey = grey::prepare_grey(source, region, options);
         if (out_size > 0) std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
         return kSuccess;
     });

@@ -14,10 +14,10 @@ using api::kSuccess;
 using api::one_shot_settings;
 using api::page_of;
 using api::source_of;
-using binarization::GreyOptions;
-using binarization::Region;
 using binarization::Settings;
-using binarization::Source;
+using grey::GreyOptions;
+using grey::Region;
+using grey::Source;
 
 namespace {
 
@@ -56,17 +56,16 @@ void binarize(const common::GreyView& grey, const Settings& settings, Method met
 // Grey preparation, one of the two methods, dropout.
 int prepare_and_binarize(const Settings& settings, const Job& job, Method method) {
     const Region& region = job.region;
-    if (!binarization::known_type(job.type) || !binarization::acceptable(job.width, region) ||
-        job.out == nullptr) {
+    if (!grey::known_type(job.type) || !grey::acceptable(job.width, region) || job.out == nullptr) {
         return kFailure;
     }
     const Source source = source_of(settings.reader, job.ctx, settings.image, job.type, job.width);
-    if (!binarization::reachable(source, region, settings.threads)) return kFailure;
+    if (!grey::reachable(source, region, settings.threads)) return kFailure;
     const GreyOptions options{settings.smooth, settings.undithering, job.resolution,
                               settings.threads};
     const common::MutableBitonalView page = page_of(job.out, region.height(), region.width());
     {
-        const auto pixels = binarization::prepare_grey(source, region, options);
+        const auto pixels = grey::prepare_grey(source, region, options);
         const common::GreyView grey{pixels.data(), region.height(), region.width(), region.width()};
         binarize(grey, settings, method, page);
     }

@@ -5,15 +5,15 @@
 
 namespace api {
 
-using binarization::Source;
+using grey::Source;
 
 Source source_of(prepro_row_reader reader, void* ctx, const void* image, int type, int width) {
     return {reader, ctx, static_cast<const std::uint8_t*>(image),
-            static_cast<binarization::SourceType>(type), width};
+            static_cast<grey::SourceType>(type), width};
 }
 
 int drop_colours(const binarization::Settings& settings, const Source& source,
-                 const binarization::Region& region, const common::MutableBitonalView& page) {
+                 const grey::Region& region, const common::MutableBitonalView& page) {
     if (!source.colour() || !settings.drops_colours()) return kSuccess;
     if (source.reader == nullptr) return kFailure;
     binarization::drop_colours({settings.dropout, settings.dropout_context}, source, region, page);

@@ -13,12 +13,11 @@ struct bi_settings {
 
 namespace api {
 
-binarization::Source source_of(prepro_row_reader reader, void* ctx, const void* image, int type,
-                               int width);
+grey::Source source_of(prepro_row_reader reader, void* ctx, const void* image, int type, int width);
 
 // The dropout pass over a finished page, where the source has colours and the settings drop any.
-int drop_colours(const binarization::Settings& settings, const binarization::Source& source,
-                 const binarization::Region& region, const common::MutableBitonalView& page);
+int drop_colours(const binarization::Settings& settings, const grey::Source& source,
+                 const grey::Region& region, const common::MutableBitonalView& page);
 
 // The packed page that a call writes.
 common::MutableBitonalView page_of(std::uint8_t* out, int height, int width);

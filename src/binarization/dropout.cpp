@@ -32,10 +32,10 @@ void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8
 
 }  // namespace
 
-void drop_colours(const Dropout& dropout, const Source& source, const Region& region,
+void drop_colours(const Dropout& dropout, const grey::Source& source, const grey::Region& region,
                   const common::MutableBitonalView& page) {
-    RowBuffer row(source.row_bytes());
-    RowStream rows(source, region.y0);
+    grey::RowBuffer row(source.row_bytes());
+    grey::RowStream rows(source, region.y0);
     for (int y = 0; y < page.height; ++y) {
         rows.next(row.data());
         drop_in_row(dropout, row.data() + static_cast<std::size_t>(region.x0) * 3, page.row(y),

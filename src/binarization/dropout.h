@@ -15,7 +15,7 @@ struct Dropout {
 // Asks the function about the source colour of every black pixel, row by row from the left, and
 // makes the pixel white when the answer is exactly 1. Reads the source once more from the top. The
 // source is colour and has a reader. Throws std::bad_alloc before anything is changed.
-void drop_colours(const Dropout& dropout, const Source& source, const Region& region,
+void drop_colours(const Dropout& dropout, const grey::Source& source, const grey::Region& region,
                   const common::MutableBitonalView& page);
 
 }  // namespace binarization

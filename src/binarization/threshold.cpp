@@ -17,9 +17,9 @@ void binarize_row(const std::uint8_t* grey, std::uint8_t threshold,
     std::memset(page.row(y) + written, 0, static_cast<std::size_t>(page.stride - written));
 }
 
-void binarize_as_read(const Source& source, const Region& region, std::uint8_t threshold,
-                      const common::MutableBitonalView& page) {
-    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+void binarize_as_read(const grey::Source& source, const grey::Region& region,
+                      std::uint8_t threshold, const common::MutableBitonalView& page) {
+    grey::visit_rows(source, region, [&](int y, const std::uint8_t* row) {
         binarize_row(row + region.x0, threshold, page, y);
     });
 }
@@ -32,12 +32,13 @@ void binarize_by_threshold(const common::GreyView& grey, std::uint8_t threshold,
     for (int y = 0; y < page.height; ++y) binarize_row(grey.row(y), threshold, page, y);
 }
 
-void binarize_by_threshold(const Source& source, const Region& region, const GreyOptions& options,
-                           std::uint8_t threshold, const common::MutableBitonalView& page) {
+void binarize_by_threshold(const grey::Source& source, const grey::Region& region,
+                           const grey::GreyOptions& options, std::uint8_t threshold,
+                           const common::MutableBitonalView& page) {
     if (!source.colour() && options.smooth == 0 && threshold != kAutomaticThreshold) {
         return binarize_as_read(source, region, threshold, page);
     }
-    const auto pixels = prepare_grey(source, region, options);
+    const auto pixels = grey::prepare_grey(source, region, options);
     const common::GreyView grey{pixels.data(), region.height(), region.width(), region.width()};
     binarize_by_threshold(grey, threshold, page);
 }

@@ -14,8 +14,9 @@ constexpr std::uint8_t kAutomaticThreshold = 0;
 // method finds is itself white). `page` is region.height() rows of region.width() pixels at the
 // stride bitonal_stride(width); every byte of it is written, the padding bits with 0. Throws before
 // anything is written.
-void binarize_by_threshold(const Source& source, const Region& region, const GreyOptions& options,
-                           std::uint8_t threshold, const common::MutableBitonalView& page);
+void binarize_by_threshold(const grey::Source& source, const grey::Region& region,
+                           const grey::GreyOptions& options, std::uint8_t threshold,
+                           const common::MutableBitonalView& page);
 
 // The same for a grey image that is already there.
 void binarize_by_threshold(const common::GreyView& grey, std::uint8_t threshold,

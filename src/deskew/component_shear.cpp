@@ -30,7 +30,7 @@ struct Placement {
     bool whole;           // as one; otherwise sheared, and the other members mean nothing
 };
 
-bool moves_whole(const cleaning::LabelledComponent& box, int yskew) {
+bool moves_whole(const ink::LabelledComponent& box, int yskew) {
     const std::int64_t steepness = std::abs(yskew);
     return (box.y1 - box.y0) * steepness < kSkewScale && (box.x1 - box.x0) * steepness < kSkewScale;
 }
@@ -42,7 +42,7 @@ void add_ink(std::uint8_t* row, std::int32_t x0, std::int32_t x1) {
         std::uint8_t* at = row + std::ptrdiff_t{word} * 4;
         std::uint32_t ink;
         std::memcpy(&ink, at, sizeof(ink));
-        ink |= big_endian(mask);
+        ink |= ink::big_endian(mask);
         std::memcpy(at, &ink, sizeof(ink));
     };
     const std::int32_t first = x0 >> 5;
@@ -63,7 +63,7 @@ class ComponentShear {
     ComponentShear(common::BitonalView source, int yskew, common::MutableBitonalView destination)
         : page_(yskew, source.height, source.width),
           destination_(destination),
-          labels_(cleaning::label_runs(source)),
+          labels_(ink::label_runs(source)),
           placements_(static_cast<std::size_t>(labels_.component_count)),
           steps_(
               column_steps(page_.size().width, kBytePixels,
@@ -96,7 +96,7 @@ class ComponentShear {
     }
 
   private:
-    Placement placement(const cleaning::LabelledComponent& box) const {
+    Placement placement(const ink::LabelledComponent& box) const {
         if (!moves_whole(box, page_.yskew())) return {};
         const std::int64_t right = page_.row_shift((box.y0 + box.y1) / 2);
         const std::int64_t down = page_.column_shift((box.x0 + box.x1) / 2 + right);
@@ -115,7 +115,7 @@ class ComponentShear {
 
     PageShear page_;
     common::MutableBitonalView destination_;
-    cleaning::RunLabels labels_;
+    ink::RunLabels labels_;
     frame::Buffer<Placement> placements_;      // of each component
     std::vector<ColumnStep> steps_;            // of the straight page, whole bytes
     frame::Buffer<std::size_t> step_of_byte_;  // the step that each byte column belongs to

@@ -14,7 +14,7 @@
 namespace deskew {
 namespace {
 
-constexpr std::int64_t kStripWords = kStripPixels / kWordPixels;
+constexpr std::int64_t kStripWords = kStripPixels / ink::kWordPixels;
 
 frame::Buffer<std::uint64_t> strip_words(std::int32_t height) {
     return frame::Buffer<std::uint64_t>(static_cast<std::size_t>(height * kStripWords));
@@ -48,37 +48,37 @@ void StripShear::gather_rows(std::int64_t strip) {
         std::int64_t x = strip * kStripPixels - row_shifts_[static_cast<std::size_t>(y)];
         std::uint64_t* to = sheared_.data() + y;
         for (std::int64_t word = 0; word < kStripWords; ++word) {
-            to[word * source_.height] = word_at(row, source_.width, source_.stride, x);
-            x += kWordPixels;
+            to[word * source_.height] = ink::word_at(row, source_.width, source_.stride, x);
+            x += ink::kWordPixels;
         }
     }
 }
 
 void StripShear::move_columns(std::int64_t strip, std::int64_t word) {
-    const std::int64_t left = strip * kStripPixels + word * kWordPixels;
-    const std::int64_t right = left + kWordPixels;
+    const std::int64_t left = strip * kStripPixels + word * ink::kWordPixels;
+    const std::int64_t right = left + ink::kWordPixels;
     const std::uint64_t* from = sheared_.data() + word * source_.height;
     std::uint64_t* words = moved_.data() + word * result_.height;
     const auto ends_left = [left](const ColumnStep& step) { return step.end <= left; };
     auto step = std::partition_point(steps_.begin(), steps_.end(), ends_left);
     for (; step != steps_.end() && step->begin < right; ++step) {
         const std::uint64_t mask =
-            span_mask(std::max(step->begin, left) - left, std::min(step->end, right) - left);
+            ink::span_mask(std::max(step->begin, left) - left, std::min(step->end, right) - left);
         std::uint64_t* to = words + step->down;
         for (std::int32_t y = 0; y < source_.height; ++y) to[y] |= from[y] & mask;
     }
 }
 
 void StripShear::store_rows(std::int64_t strip) const {
-    const std::int64_t begin = strip * kStripWords * kWordBytes;
+    const std::int64_t begin = strip * kStripWords * ink::kWordBytes;
     const std::int64_t bytes = common::bitonal_bytes(result_.width);
     for (std::int32_t y = 0; y < result_.height; ++y) {
         const std::uint64_t* from = moved_.data() + y;
         std::uint8_t* row = result_.row(y);
         for (std::int64_t word = 0; word < kStripWords; ++word) {
-            const std::int64_t byte = begin + word * kWordBytes;
+            const std::int64_t byte = begin + word * ink::kWordBytes;
             if (byte >= bytes) break;
-            store_word(row + byte, from[word * result_.height], bytes - byte);
+            ink::store_word(row + byte, from[word * result_.height], bytes - byte);
         }
     }
 }

@@ -15,7 +15,7 @@
 #include "simd/pixels/grey_rows.h"
 #include "threads/worker_pool.h"
 
-namespace binarization {
+namespace grey {
 namespace {
 
 using common::MutableGreyView;
@@ -154,4 +154,4 @@ void convert_rows(const Source& source, const Region& region, const MutableGreyV
     read_rows(source, region, grey, nothing);
 }
 
-}  // namespace binarization
+}  // namespace grey

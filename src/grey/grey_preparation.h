@@ -12,7 +12,7 @@
 #include "frame/buffer.h"
 #include "grey/source.h"
 
-namespace binarization {
+namespace grey {
 
 struct GreyOptions {
     std::uint8_t smooth = 0;  // 0 off, 1 .. 255 from weak to strong; used as given
@@ -43,4 +43,4 @@ bool only_converts(const Source& source, const Region& region, const GreyOptions
 // from `grey`: for colour they are read again when it is already written.
 void convert_rows(const Source& source, const Region& region, const common::MutableGreyView& grey);
 
-}  // namespace binarization
+}  // namespace grey

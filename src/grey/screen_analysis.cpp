@@ -17,7 +17,7 @@
 #include <cstdlib>
 #include <vector>
 
-namespace binarization {
+namespace grey {
 namespace {
 
 constexpr int kMostWindows = 512;     // of a page, evenly spread
@@ -261,4 +261,4 @@ Screen find_screen(const common::GreyView& grey, int parameter, int resolution) 
     return read(of_page, least);
 }
 
-}  // namespace binarization
+}  // namespace grey

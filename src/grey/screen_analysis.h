@@ -5,7 +5,7 @@
 
 #include "common/views.h"
 
-namespace binarization {
+namespace grey {
 
 struct Shift {
     int x = 0;
@@ -32,4 +32,4 @@ struct Screen {
 // that are analysed. Throws std::bad_alloc.
 Screen find_screen(const common::GreyView& grey, int parameter, int resolution);
 
-}  // namespace binarization
+}  // namespace grey

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-namespace binarization {
+namespace grey {
 namespace {
 
 constexpr std::uint8_t kContrast = 112;
@@ -50,4 +50,4 @@ int undithering_parameter(std::uint8_t smooth) {
     return std::max(1, weakness(smooth) - 4);
 }
 
-}  // namespace binarization
+}  // namespace grey

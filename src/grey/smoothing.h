@@ -7,7 +7,7 @@
 #include "frame/buffer.h"
 #include "simd/pixels/grey_rows.h"
 
-namespace binarization {
+namespace grey {
 
 // Looks for two neighbouring pixels, one beside or one above the other, whose values differ by more
 // than 112: a page without them is not smoothed.
@@ -51,4 +51,4 @@ class Smoothing {
 // What undither() is called with beside a smoothing: 1 .. 251. smooth: 1 .. 255.
 int undithering_parameter(std::uint8_t smooth);
 
-}  // namespace binarization
+}  // namespace grey

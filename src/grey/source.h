@@ -15,7 +15,7 @@
 #include "frame/buffer.h"
 #include "vemoprepro/binarization.h"
 
-namespace binarization {
+namespace grey {
 
 enum class SourceType {
     kGrey = PREPRO_SOURCE_GREY,
@@ -123,4 +123,4 @@ void visit_rows(const Source& source, const Region& region, Visit&& visit) {
     }
 }
 
-}  // namespace binarization
+}  // namespace grey

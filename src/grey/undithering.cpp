@@ -17,7 +17,7 @@
 #include "frame/buffer.h"
 #include "grey/screen_analysis.h"
 
-namespace binarization {
+namespace grey {
 namespace {
 
 using common::GreyView;
@@ -300,4 +300,4 @@ void undither(const MutableGreyView& grey, int parameter, int resolution) {
     blend(grey, tones.view(), map);
 }
 
-}  // namespace binarization
+}  // namespace grey

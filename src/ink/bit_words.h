@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace deskew {
+namespace ink {
 
 constexpr std::int64_t kWordPixels = 64;
 constexpr std::int64_t kWordBytes = 8;
@@ -74,4 +74,4 @@ inline std::uint64_t word_at(const std::uint8_t* row, std::int64_t pixels, std::
     return load_word(from) << offset | static_cast<std::uint64_t>(from[kWordBytes] >> (8 - offset));
 }
 
-}  // namespace deskew
+}  // namespace ink

@@ -5,7 +5,7 @@
 
 #include "simd/bits/count_bits.h"
 
-namespace cleaning {
+namespace ink {
 namespace {
 
 std::size_t buffer_size(std::int32_t rows, std::int32_t stride) {
@@ -71,4 +71,4 @@ std::int32_t paint_span(std::uint8_t* row, std::int32_t x, std::int32_t length, 
     return 0;
 }
 
-}  // namespace cleaning
+}  // namespace ink

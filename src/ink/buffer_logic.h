@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace cleaning {
+namespace ink {
 
 std::int32_t and_buffers(std::uint8_t* dst, const std::uint8_t* src, std::int32_t rows,
                          std::int32_t stride);
@@ -24,4 +24,4 @@ std::int64_t count_black_pixels(const std::uint8_t* buffer, std::int32_t rows, s
 // below 1 paints nothing.
 std::int32_t paint_span(std::uint8_t* row, std::int32_t x, std::int32_t length, int value);
 
-}  // namespace cleaning
+}  // namespace ink

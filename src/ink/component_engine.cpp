@@ -10,7 +10,7 @@
 
 #include "ink/extract_runs.h"
 
-namespace cleaning {
+namespace ink {
 namespace {
 
 std::int16_t smaller(std::int16_t a, std::int16_t b) {
@@ -219,4 +219,4 @@ void ComponentEngine::erase_ink(std::int32_t component_slot, int ink_value, std:
     });
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -32,7 +32,7 @@
 #include "ink/run.h"
 #include "ink/try_buffer.h"
 
-namespace cleaning {
+namespace ink {
 
 // Runs that hang below one another: the label of a run is its segment.
 struct segment {
@@ -174,4 +174,4 @@ std::int32_t scan_components(common::BitonalView page, std::int32_t x_start, std
     return engine.finish_components(page.height, rule);
 }
 
-}  // namespace cleaning
+}  // namespace ink

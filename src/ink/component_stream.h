@@ -36,7 +36,7 @@
 #include "ink/run_labels.h"
 #include "simd/bits/run_edges.h"
 
-namespace cleaning {
+namespace ink {
 
 struct OpenComponent {
     std::int32_t x0;
@@ -354,4 +354,4 @@ void stream_components(common::MutableBitonalView page, Rule rule) {
     stream.finish();
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -2,7 +2,7 @@
 
 #include "simd/bits/run_edges.h"
 
-namespace cleaning {
+namespace ink {
 
 std::int32_t extract_runs(int ink_value, const std::uint8_t* row, std::int32_t x_start,
                           std::int32_t width, std::int32_t* out) {
@@ -10,4 +10,4 @@ std::int32_t extract_runs(int ink_value, const std::uint8_t* row, std::int32_t x
     return simd::extract_runs(row, x_start, width, ink_value != 0, out);
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace cleaning {
+namespace ink {
 
 // Scans the `width` pixels from pixel `x_start` on and writes each run of ink as two positions in
 // the row: its first pixel and one past its last, left to right. Returns the number of values
@@ -15,4 +15,4 @@ namespace cleaning {
 std::int32_t extract_runs(int ink_value, const std::uint8_t* row, std::int32_t x_start,
                           std::int32_t width, std::int32_t* out);
 
-}  // namespace cleaning
+}  // namespace ink

@@ -27,7 +27,7 @@
 
 #include "frame/memory.h"
 
-namespace cleaning {
+namespace ink {
 
 constexpr std::int32_t kNoSlot = -1;
 
@@ -212,4 +212,4 @@ class KydListT {
     std::int32_t handed_out_ = 0;  // slots that nodes holds: used or released
 };
 
-}  // namespace cleaning
+}  // namespace ink

@@ -16,7 +16,7 @@
 #include "frame/buffer.h"
 #include "ink/run_labels.h"
 
-namespace cleaning {
+namespace ink {
 
 class LabelForest {
   public:
@@ -112,4 +112,4 @@ class LabelForest {
     std::int32_t size_ = 0;
 };
 
-}  // namespace cleaning
+}  // namespace ink

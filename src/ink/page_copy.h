@@ -10,7 +10,7 @@
 #include "common/views.h"
 #include "frame/buffer.h"
 
-namespace cleaning {
+namespace ink {
 
 // Each byte of a page becomes combine(it, the byte of the other), of which the low eight bits
 // count. Other: a page of the same size, or what else has a row(y) of as many bytes.
@@ -57,4 +57,4 @@ class PageCopy {
     frame::Buffer<std::uint8_t> bytes_;
 };
 
-}  // namespace cleaning
+}  // namespace ink

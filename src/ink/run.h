@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace cleaning {
+namespace ink {
 
 // Coordinates are 16-bit patterns. Read them through the functions below, which take them as
 // unsigned: pages of up to 65,535 pixels a side keep their coordinates.
@@ -24,4 +24,4 @@ constexpr std::int16_t stored_coordinate(std::int32_t value) {
     return static_cast<std::int16_t>(value);
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -19,7 +19,7 @@
 #include "ink/label_forest.h"
 #include "simd/bits/run_edges.h"
 
-namespace cleaning {
+namespace ink {
 namespace {
 
 static_assert(sizeof(PixelRun) == 2 * sizeof(std::int32_t));
@@ -110,4 +110,4 @@ PageComponents find_components(common::BitonalView page, int ink_value) {
     return result;
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -20,7 +20,7 @@
 #include "common/views.h"
 #include "frame/buffer.h"
 
-namespace cleaning {
+namespace ink {
 
 struct PixelRun {
     std::int32_t x0;
@@ -57,4 +57,4 @@ RunLabels label_runs(common::BitonalView page, int ink_value = 0);
 // The same components without the runs, in less time and memory.
 PageComponents find_components(common::BitonalView page, int ink_value = 0);
 
-}  // namespace cleaning
+}  // namespace ink

@@ -16,7 +16,7 @@
 
 #include "diag/logger.h"
 
-namespace cleaning {
+namespace ink {
 
 // Fills the gaps of fewer than `n` pixels between two runs. The white before the first and after
 // the last run is no gap.
@@ -56,4 +56,4 @@ inline void require_memory(std::int32_t result) {
     if (result < 0) throw std::bad_alloc();
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -11,7 +11,7 @@
 #include "ink/run_morphology.h"
 #include "ink/window_slides.h"
 
-namespace cleaning {
+namespace ink {
 namespace {
 
 // A string of such rows is a whole number of vectors long.
@@ -132,4 +132,4 @@ std::int32_t v_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* imag
     return erode<ColumnStrips>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
-}  // namespace cleaning
+}  // namespace ink

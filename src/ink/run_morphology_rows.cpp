@@ -10,7 +10,7 @@
 #include "ink/run_morphology.h"
 #include "ink/window_slides.h"
 
-namespace cleaning {
+namespace ink {
 namespace {
 
 constexpr std::size_t kBatchWords = 1024;
@@ -124,4 +124,4 @@ std::int32_t h_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* imag
     return erode<RowBatches>(logger, n, {image, stride, x0, x1, y0, y1});
 }
 
-}  // namespace cleaning
+}  // namespace ink

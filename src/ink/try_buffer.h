@@ -11,7 +11,7 @@
 
 #include "frame/memory.h"
 
-namespace cleaning {
+namespace ink {
 
 template <class T>
 class TryBuffer {
@@ -39,4 +39,4 @@ class TryBuffer {
     T* data_ = nullptr;
 };
 
-}  // namespace cleaning
+}  // namespace ink

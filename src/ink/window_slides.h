@@ -24,7 +24,7 @@
 #include "ink/try_buffer.h"
 #include "simd/bits/bit_windows.h"
 
-namespace cleaning {
+namespace ink {
 
 // A part of an image: columns x0 <= x < x1, rows y0 <= y < y1.
 struct Zone {
@@ -145,4 +145,4 @@ std::int32_t erode(diag::LoggerSlot logger, std::int32_t n, const Zone& zone) {
     return slide_windows<Parts, simd::and_preceding, simd::and_following>(logger, n, 1, zone);
 }
 
-}  // namespace cleaning
+}  // namespace ink

@@ -17,10 +17,10 @@
 
 namespace {
 
-using cleaning::component;
-using cleaning::ComponentEngine;
-using cleaning::run;
-using cleaning::unsigned_coordinate;
+using ink::component;
+using ink::ComponentEngine;
+using ink::run;
+using ink::unsigned_coordinate;
 using Bytes = std::vector<std::uint8_t>;
 
 // Calls check(bytes, height, width, stride, ink value, components) for noise of every density and
@@ -84,8 +84,8 @@ TEST(ComponentEngine, MatchesFloodFill) {
     on_pages([](const Bytes& page, int height, int width, int stride, int ink_value,
                 const std::vector<model::Component>& expected) {
         CollectingRule rule;
-        ASSERT_EQ(cleaning::scan_components({page.data(), height, width, stride}, 0, width,
-                                            ink_value, nullptr, rule),
+        ASSERT_EQ(ink::scan_components({page.data(), height, width, stride}, 0, width, ink_value,
+                                       nullptr, rule),
                   0);
         EXPECT_TRUE(std::is_sorted(rule.found.begin(), rule.found.end(),
                                    [](const auto& a, const auto& b) { return a.y1 < b.y1; }));
@@ -107,8 +107,8 @@ TEST(ComponentEngine, ErasesExactlyTheComponentsOfTheRule) {
                         model::set_bit(expected.data(), 20, x, r.y, false);
             }
             CollectingRule rule{page.data(), 20, most, settle ? most : UINT32_MAX};
-            ASSERT_EQ(
-                cleaning::scan_components({page.data(), 60, 155, 20}, 0, 155, 0, nullptr, rule), 0);
+            ASSERT_EQ(ink::scan_components({page.data(), 60, 155, 20}, 0, 155, 0, nullptr, rule),
+                      0);
             EXPECT_EQ(page, expected);
         }
     }
@@ -165,7 +165,7 @@ TEST(ComponentEngine, FirstTouchedComponentAbsorbsTheOthers) {
 TEST(ComponentEngine, ScansColumnsInListOrderUntilTold) {
     const Bytes full(4, 0xFF);
     CollectingRule rule;
-    ASSERT_EQ(cleaning::scan_components({full.data(), 2, 16, 2}, 3, 11, 0, nullptr, rule), 0);
+    ASSERT_EQ(ink::scan_components({full.data(), 2, 16, 2}, 3, 11, 0, nullptr, rule), 0);
     EXPECT_EQ(rule.found,
               (std::vector<model::Component>{{3, 0, 11, 2, 16, {{3, 11, 0}, {3, 11, 1}}}}));
 
@@ -173,7 +173,7 @@ TEST(ComponentEngine, ScansColumnsInListOrderUntilTold) {
     for (const std::size_t last : {1U, 2U}) {
         CollectingRule stopped;
         stopped.last = last;
-        EXPECT_EQ(cleaning::scan_components({page.data(), 3, 8, 1}, 0, 8, 0, nullptr, stopped), 7);
+        EXPECT_EQ(ink::scan_components({page.data(), 3, 8, 1}, 0, 8, 0, nullptr, stopped), 7);
         ASSERT_EQ(stopped.found.size(), last);
         EXPECT_EQ(stopped.found[0].x0, 6);
         EXPECT_EQ(stopped.found.back().x0, last == 1 ? 6 : 0);
@@ -183,13 +183,12 @@ TEST(ComponentEngine, ScansColumnsInListOrderUntilTold) {
     wide[4999] = 0x03;
     wide[5000 + 4998] = 0x01;
     CollectingRule erasing{wide.data(), 5000, 100};
-    ASSERT_EQ(
-        cleaning::scan_components({wide.data(), 2, 40000, 5000}, 0, 40000, 0, nullptr, erasing), 0);
+    ASSERT_EQ(ink::scan_components({wide.data(), 2, 40000, 5000}, 0, 40000, 0, nullptr, erasing),
+              0);
     ASSERT_EQ(erasing.found.size(), 2U);
     EXPECT_EQ(erasing.found[0].x1, 40000);
     EXPECT_EQ(wide, Bytes(10000, 0));
-    EXPECT_EQ(cleaning::scan_components({wide.data(), 1, 65536, 8192}, 0, 65536, 0, nullptr, rule),
-              -1);
+    EXPECT_EQ(ink::scan_components({wide.data(), 1, 65536, 8192}, 0, 65536, 0, nullptr, rule), -1);
 }
 
 // Noise near the density where everything joins: small pieces on the left keep absorbing the one
@@ -197,11 +196,10 @@ TEST(ComponentEngine, ScansColumnsInListOrderUntilTold) {
 TEST(ComponentEngine, ManyMergesStayCheap) {
     const Bytes page = support::random_bitonal(200, 256, 0.45, 8);
     CollectingRule rule;
-    ASSERT_EQ(cleaning::scan_components({page.data(), 200, 2048, 256}, 0, 2048, 0, nullptr, rule),
-              0);
+    ASSERT_EQ(ink::scan_components({page.data(), 200, 2048, 256}, 0, 2048, 0, nullptr, rule), 0);
     std::int64_t area = 0;
     for (const auto& c : rule.found) area += c.area;
-    EXPECT_EQ(area, cleaning::count_black_pixels(page.data(), 200, 256));
+    EXPECT_EQ(area, ink::count_black_pixels(page.data(), 200, 256));
 }
 
 TEST(ComponentEngine, LogsEveryFailedAllocationOnce) {
@@ -214,7 +212,7 @@ TEST(ComponentEngine, LogsEveryFailedAllocationOnce) {
     diag::Logger* slot = &counter;
     const int allocations = support::fail_each_allocation([&] {
         PlainRule rule;
-        return cleaning::scan_components({page.data(), 12, 32, 4}, 0, 32, 0, &slot, rule);
+        return ink::scan_components({page.data(), 12, 32, 4}, 0, 32, 0, &slot, rule);
     });
     EXPECT_GT(allocations, 12);
     EXPECT_EQ(counter.matching, allocations);
@@ -224,8 +222,8 @@ TEST(ComponentEngine, LogsEveryFailedAllocationOnce) {
 void expect_labels(const Bytes& page, int height, int width, int stride, int ink_value,
                    const std::vector<model::Component>& expected) {
     const common::BitonalView view{page.data(), height, width, stride};
-    const cleaning::RunLabels labels = cleaning::label_runs(view, ink_value);
-    const cleaning::PageComponents found = cleaning::find_components(view, ink_value);
+    const ink::RunLabels labels = ink::label_runs(view, ink_value);
+    const ink::PageComponents found = ink::find_components(view, ink_value);
     ASSERT_EQ(static_cast<std::size_t>(labels.component_count), expected.size());
     ASSERT_EQ(found.count, labels.component_count);
     ASSERT_EQ(labels.row_offsets.size(), static_cast<std::size_t>(height) + 1);
@@ -240,7 +238,7 @@ void expect_labels(const Bytes& page, int height, int width, int stride, int ink
         }
     }
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        for (const cleaning::LabelledComponent& c : {labels.components[i], found.components[i]}) {
+        for (const ink::LabelledComponent& c : {labels.components[i], found.components[i]}) {
             const model::Component component{c.x0, c.y0, c.x1, c.y1, c.area, runs[i]};
             ASSERT_EQ(component, expected[i]) << "component " << i;
             ASSERT_EQ(static_cast<std::size_t>(c.run_count), runs[i].size());
@@ -252,7 +250,7 @@ TEST(RunLabels, MatchFloodFill) {
     support::on_every_target([] { on_pages(expect_labels); });
     const Bytes page(8, 0);
     for (const auto& [height, width] : {std::pair{2, 32}, {0, 32}, {2, 0}})
-        EXPECT_EQ(cleaning::label_runs({page.data(), height, width, 4}).component_count, 0);
+        EXPECT_EQ(ink::label_runs({page.data(), height, width, 4}).component_count, 0);
 }
 
 TEST(RunLabels, ReportMissingMemoryByException) {
@@ -267,8 +265,8 @@ TEST(RunLabels, ReportMissingMemoryByException) {
             return 0;
         };
     };
-    EXPECT_GE(support::fail_each_allocation(code_of(cleaning::label_runs)), 5);
-    EXPECT_GE(support::fail_each_allocation(code_of(cleaning::find_components)), 6);
+    EXPECT_GE(support::fail_each_allocation(code_of(ink::label_runs)), 5);
+    EXPECT_GE(support::fail_each_allocation(code_of(ink::find_components)), 6);
 }
 
 }  // namespace

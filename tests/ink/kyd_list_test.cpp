@@ -12,10 +12,10 @@
 
 namespace {
 
-using cleaning::kAtEnd;
-using cleaning::kAtFront;
-using cleaning::kNoSlot;
-using cleaning::KydListT;
+using ink::kAtEnd;
+using ink::kAtFront;
+using ink::kNoSlot;
+using ink::KydListT;
 
 struct Record {
     std::int32_t value;

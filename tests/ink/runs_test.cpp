@@ -21,20 +21,20 @@ using Bytes = std::vector<std::uint8_t>;
 
 TEST(BufferLogic, CombinesAndCountsLikeTheModel) {
     const struct {
-        decltype(&cleaning::and_buffers) call;
+        decltype(&ink::and_buffers) call;
         decltype(model::and_buffers) expected;
     } operations[] = {
-        {cleaning::and_buffers, model::and_buffers},
-        {cleaning::and_not_buffers, model::and_not_buffers},
-        {cleaning::or_buffers, model::or_buffers},
-        {cleaning::xor_buffers, model::xor_buffers},
+        {ink::and_buffers, model::and_buffers},
+        {ink::and_not_buffers, model::and_not_buffers},
+        {ink::or_buffers, model::or_buffers},
+        {ink::xor_buffers, model::xor_buffers},
     };
     for (int stride = 0; stride <= 300; ++stride) {
         const auto size = static_cast<std::size_t>(5 * stride);
         const Bytes src = support::random_bytes(size, static_cast<unsigned>(stride));
         std::int64_t bits = 0;
         for (const std::uint8_t byte : src) bits += std::popcount(byte);
-        ASSERT_EQ(cleaning::count_black_pixels(src.data(), 5, stride), bits);
+        ASSERT_EQ(ink::count_black_pixels(src.data(), 5, stride), bits);
         for (const auto& operation : operations) {
             Bytes dst = support::random_bytes(size, 1000);
             Bytes expected = dst;
@@ -43,7 +43,7 @@ TEST(BufferLogic, CombinesAndCountsLikeTheModel) {
             ASSERT_EQ(dst, expected) << "operation " << &operation - operations;
         }
     }
-    EXPECT_EQ(cleaning::count_black_pixels(nullptr, -1, 10), 0);
+    EXPECT_EQ(ink::count_black_pixels(nullptr, -1, 10), 0);
 }
 
 TEST(BufferLogic, PaintsEverySpanAndNothingBeside) {
@@ -55,7 +55,7 @@ TEST(BufferLogic, PaintsEverySpanAndNothingBeside) {
                 Bytes expected = bytes;
                 for (int i = x; i < x + length; ++i)
                     model::set_bit(expected.data(), 0, i, 0, value == 1);
-                ASSERT_EQ(cleaning::paint_span(bytes.data(), x, length, value), 0);
+                ASSERT_EQ(ink::paint_span(bytes.data(), x, length, value), 0);
                 ASSERT_EQ(bytes, expected) << "x " << x << " length " << length;
             }
         }
@@ -78,7 +78,7 @@ void expect_runs_of_the_model(const Bytes& bytes, int ink_value, int x_start, in
 
     const std::int32_t shifted = x_start % 8;
     const std::int32_t values =
-        cleaning::extract_runs(ink_value, exact.get(), shifted, width, out.get());
+        ink::extract_runs(ink_value, exact.get(), shifted, width, out.get());
     std::vector<int> found(out.get(), out.get() + values);
     for (int& position : found) position += x_start - shifted;
     ASSERT_EQ(found, expected) << "x_start " << x_start << " width " << width;
@@ -101,7 +101,7 @@ TEST(ExtractRuns, MatchesTheModelAtEveryAlignmentAndLength) {
 
 struct Operation {
     const char* name;
-    decltype(&cleaning::h_erode) call;
+    decltype(&ink::h_erode) call;
     decltype(model::h_erode) expected;
 };
 
@@ -109,14 +109,14 @@ class RunMorphology : public testing::TestWithParam<Operation> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Operations, RunMorphology,
-    testing::Values(Operation{"h_fill_gaps", cleaning::h_fill_gaps, model::h_fill_gaps},
-                    Operation{"h_remove_short", cleaning::h_remove_short, model::h_remove_short},
-                    Operation{"h_dilate", cleaning::h_dilate, model::h_dilate},
-                    Operation{"h_erode", cleaning::h_erode, model::h_erode},
-                    Operation{"v_fill_gaps", cleaning::v_fill_gaps, model::v_fill_gaps},
-                    Operation{"v_remove_short", cleaning::v_remove_short, model::v_remove_short},
-                    Operation{"v_dilate", cleaning::v_dilate, model::v_dilate},
-                    Operation{"v_erode", cleaning::v_erode, model::v_erode}),
+    testing::Values(Operation{"h_fill_gaps", ink::h_fill_gaps, model::h_fill_gaps},
+                    Operation{"h_remove_short", ink::h_remove_short, model::h_remove_short},
+                    Operation{"h_dilate", ink::h_dilate, model::h_dilate},
+                    Operation{"h_erode", ink::h_erode, model::h_erode},
+                    Operation{"v_fill_gaps", ink::v_fill_gaps, model::v_fill_gaps},
+                    Operation{"v_remove_short", ink::v_remove_short, model::v_remove_short},
+                    Operation{"v_dilate", ink::v_dilate, model::v_dilate},
+                    Operation{"v_erode", ink::v_erode, model::v_erode}),
     [](const auto& test) { return std::string(test.param.name); });
 
 // Also of lengths and zones that leave nothing to do, and of lengths far beyond the zone.
@@ -169,16 +169,16 @@ TEST_P(RunMorphology, LogsAndLeavesTheImageWhenThereIsNoMemory) {
 TEST(RunMorphologyExamples, HoldForOneRow) {
     struct Case {
         const char* name;
-        decltype(&cleaning::h_erode) call;
+        decltype(&ink::h_erode) call;
         std::int32_t n;
         std::uint8_t before;
         std::uint8_t after;
     };
-    for (const Case& c : {Case{"gap of n stays", cleaning::h_fill_gaps, 3, 0xC7, 0xC7},
-                          Case{"gap below n closes", cleaning::h_fill_gaps, 3, 0xCF, 0xFF},
-                          Case{"margins are no gaps", cleaning::h_fill_gaps, 3, 0x18, 0x18},
-                          Case{"run of 4 vanishes", cleaning::h_erode, 2, 0x78, 0x00},
-                          Case{"run of 5 keeps its middle", cleaning::h_erode, 2, 0x7C, 0x10}}) {
+    for (const Case& c : {Case{"gap of n stays", ink::h_fill_gaps, 3, 0xC7, 0xC7},
+                          Case{"gap below n closes", ink::h_fill_gaps, 3, 0xCF, 0xFF},
+                          Case{"margins are no gaps", ink::h_fill_gaps, 3, 0x18, 0x18},
+                          Case{"run of 4 vanishes", ink::h_erode, 2, 0x78, 0x00},
+                          Case{"run of 5 keeps its middle", ink::h_erode, 2, 0x7C, 0x10}}) {
         std::uint8_t row = c.before;
         EXPECT_EQ(c.call(nullptr, c.n, &row, 1, 0, 8, 0, 1), 0);
         EXPECT_EQ(row, c.after) << c.name;

@@ -99,7 +99,7 @@ class RowEraser {
         for (std::int32_t x = std::max(begin, next_); (x = find<1>(ink_, x, end)) < end;
              x = next_) {
             const Span run{run_begin(ink_, x), find<0>(ink_, x, ink_.width)};
-            paint_span(row_, run.begin, run.end - run.begin, 0);
+            ink::paint_span(row_, run.begin, run.end - run.begin, 0);
             erased_[count_++] = run;
             next_ = run.end;
         }

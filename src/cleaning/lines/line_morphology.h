@@ -39,17 +39,17 @@ class LineMorphology {
     void dilate_across(std::int32_t n, std::uint8_t* image) const { run(across_.dilate, n, image); }
 
   private:
-    using Operation = decltype(&h_dilate);
+    using Operation = decltype(&ink::h_dilate);
     struct Operations {
         Operation fill_gaps;
         Operation remove_short;
         Operation dilate;
     };
-    static constexpr Operations kRows{h_fill_gaps, h_remove_short, h_dilate};
-    static constexpr Operations kColumns{v_fill_gaps, v_remove_short, v_dilate};
+    static constexpr Operations kRows{ink::h_fill_gaps, ink::h_remove_short, ink::h_dilate};
+    static constexpr Operations kColumns{ink::v_fill_gaps, ink::v_remove_short, ink::v_dilate};
 
     void run(Operation operation, std::int32_t n, std::uint8_t* image) const {
-        require_memory(
+        ink::require_memory(
             operation(nullptr, n, image, stride_, zone_.x0, zone_.x1, zone_.y0, zone_.y1));
     }
 

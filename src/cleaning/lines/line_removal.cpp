@@ -34,15 +34,15 @@ void remove_lines(common::MutableBitonalView page, LineDirection direction, cons
     morphology.fill_gaps_along(settings.max_gap, mask);
     morphology.dilate_across(settings.dilate, mask);
     morphology.remove_short_along(settings.min_length, mask);
-    and_buffers(mask, page.data, page.height, stride);
+    ink::and_buffers(mask, page.data, page.height, stride);
     morphology.dilate_across(settings.clean_across, mask);
     morphology.dilate_along(settings.clean_along, mask);
 
     // Outside of the zone all ink counts as a stroke and stays.
     std::copy_n(page.data, size, strokes);
     morphology.remove_short_across(settings.max_thickness, strokes);
-    and_not_buffers(mask, strokes, page.height, stride);
-    and_not_buffers(page.data, mask, page.height, stride);
+    ink::and_not_buffers(mask, strokes, page.height, stride);
+    ink::and_not_buffers(page.data, mask, page.height, stride);
 }
 
 void remove_lines_carefully(common::MutableBitonalView page, LineDirection direction,
@@ -59,7 +59,7 @@ void remove_lines_carefully(common::MutableBitonalView page, LineDirection direc
     morphology.remove_short_along(settings.min_run, lines);
     morphology.fill_gaps_across(settings.join, lines);
     morphology.remove_short_across(settings.thickness, lines);
-    xor_buffers(lines, page.data, page.height, stride);
+    ink::xor_buffers(lines, page.data, page.height, stride);
 
     morphology.fill_gaps_along(settings.max_gap, lines);
     morphology.remove_short_along(settings.min_length, lines);
@@ -68,14 +68,14 @@ void remove_lines_carefully(common::MutableBitonalView page, LineDirection direc
     // Only thin ink is removed.
     std::copy_n(page.data, size, work);
     morphology.remove_short_across(settings.thickness, work);
-    xor_buffers(work, page.data, page.height, stride);
-    and_buffers(lines, work, page.height, stride);
+    ink::xor_buffers(work, page.data, page.height, stride);
+    ink::and_buffers(lines, work, page.height, stride);
 
     // What bridges a cut and was ink before comes back: the crossings.
     std::copy_n(page.data, size, work);
-    and_not_buffers(work, lines, page.height, stride);
+    ink::and_not_buffers(work, lines, page.height, stride);
     morphology.fill_gaps_across(settings.thickness, work);
-    and_buffers(page.data, work, page.height, stride);
+    ink::and_buffers(page.data, work, page.height, stride);
 }
 
 }  // namespace cleaning

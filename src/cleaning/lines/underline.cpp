@@ -26,10 +26,12 @@ struct ExtentRule {
 
     static constexpr std::int32_t kFull = 1;
 
-    std::int32_t extent(const component& c) const { return horizontal ? c.width() : c.height(); }
+    std::int32_t extent(const ink::component& c) const {
+        return horizontal ? c.width() : c.height();
+    }
 
-    std::int32_t finished(ComponentEngine& engine, std::int32_t slot) {
-        const component& found = engine.components[slot];
+    std::int32_t finished(ink::ComponentEngine& engine, std::int32_t slot) {
+        const ink::component& found = engine.components[slot];
         const std::int32_t length = extent(found);
         if (length <= min_extent) {
             engine.erase_ink(slot, ink_value, image, stride);
@@ -37,16 +39,16 @@ struct ExtentRule {
         }
         if (count == kMaxUnderlines) return kFull;
         ++count;
-        return paint_span(covered, unsigned_coordinate(horizontal ? found.x0 : found.y0), length,
-                          1);
+        return ink::paint_span(covered, ink::unsigned_coordinate(horizontal ? found.x0 : found.y0),
+                               length, 1);
     }
-    bool settled(const component& open) const { return extent(open) > min_extent; }
+    bool settled(const ink::component& open) const { return extent(open) > min_extent; }
 };
 
 // A rule that is full ends the step, not the scan.
 std::int32_t scan(common::BitonalView page, const UnderlineSettings& settings, ExtentRule& rule) {
-    if (page.height > kMaxRunCoordinate || settings.x1 > kMaxRunCoordinate) return -1;
-    ComponentEngine engine;
+    if (page.height > ink::kMaxRunCoordinate || settings.x1 > ink::kMaxRunCoordinate) return -1;
+    ink::ComponentEngine engine;
     if (engine.begin(static_cast<std::int32_t>(page.stride)) < 0) return -1;
     for (std::int32_t r = 0; r < page.height; ++r) {
         engine.extract_row(settings.ink_value, page.row(r), settings.x0, settings.x1 - settings.x0);
@@ -67,12 +69,12 @@ void extract_candidates(common::BitonalView source, std::uint8_t* target, LineDi
     std::copy_n(source.data, size, target);
     morphology.dilate_across(settings.dilate, target);
     morphology.remove_short_along(settings.min_run, target);
-    and_buffers(target, source.data, source.height, stride);
+    ink::and_buffers(target, source.data, source.height, stride);
 
     frame::Buffer<std::uint8_t> thick(size);
     std::copy_n(target, size, thick.data());
     morphology.remove_short_across(settings.thickness, thick.data());
-    and_not_buffers(target, thick.data(), source.height, stride);
+    ink::and_not_buffers(target, thick.data(), source.height, stride);
 }
 
 }  // namespace
@@ -90,7 +92,7 @@ std::int32_t extract_underlines(common::BitonalView source, std::uint8_t* target
     const common::BitonalView page{target, source.height, source.width, source.stride};
     if (scan(page, settings, rule) < 0) return -1;
     return static_cast<std::int32_t>(
-        count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
+        ink::count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
 }
 
 }  // namespace cleaning

@@ -25,8 +25,8 @@ class AreaRule {
 
     explicit AreaRule(std::int32_t max_area) : max_area_(max_area) {}
 
-    bool stays(const OpenComponent& open) const { return open.area > max_area_; }
-    bool erases(const OpenComponent&) const { return true; }
+    bool stays(const ink::OpenComponent& open) const { return open.area > max_area_; }
+    bool erases(const ink::OpenComponent&) const { return true; }
 
   private:
     std::int64_t max_area_;
@@ -38,8 +38,8 @@ class JudgedRule {
 
     explicit JudgedRule(const ComponentJudge& judge) : judge_(judge) {}
 
-    bool stays(const OpenComponent&) const { return false; }
-    bool erases(const OpenComponent& ended) const {
+    bool stays(const ink::OpenComponent&) const { return false; }
+    bool erases(const ink::OpenComponent& ended) const {
         return judge_.erases(ended.height(), ended.width(), ended.area);
     }
 
@@ -49,18 +49,20 @@ class JudgedRule {
 
 void widen(common::MutableBitonalView page, std::int32_t distance) {
     const auto stride = static_cast<std::int32_t>(page.stride);
-    require_memory(h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
-    require_memory(v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    ink::require_memory(
+        ink::h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    ink::require_memory(
+        ink::v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
 }
 
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
-    PageCopy copy(page);
-    stream_components(page, rule);
+    ink::PageCopy copy(page);
+    ink::stream_components(page, rule);
     widen(page, distance);
-    or_page(page, copy.view());
-    stream_components(page, rule);
-    and_page(page, copy.view());
+    ink::or_page(page, copy.view());
+    ink::stream_components(page, rule);
+    ink::and_page(page, copy.view());
 }
 
 }  // namespace
@@ -68,7 +70,7 @@ void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, 
 void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
     if (max_area < 1) return;
     if (max_area <= kMaxSpeckArea) return erase_specks(page, max_area);
-    stream_components(page, AreaRule(max_area));
+    ink::stream_components(page, AreaRule(max_area));
 }
 
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
@@ -79,17 +81,17 @@ void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_a
         return run_protected_pass(page, distance, AreaRule(max_area));
     }
     // What the widened ink touches is what it has pixels in common with when widened by one more.
-    PageCopy specks(page);
+    ink::PageCopy specks(page);
     erase_specks(page, max_area);
-    PageCopy near(page);
-    const std::int32_t reach = std::min(distance, kMaxRunCoordinate) + 1;
+    ink::PageCopy near(page);
+    const std::int32_t reach = std::min(distance, ink::kMaxRunCoordinate) + 1;
     widen(near.view(), reach);
-    combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
+    ink::combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
     restore_specks(specks.view(), near.view(), page);
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {
-    stream_components(page, JudgedRule(judge));
+    ink::stream_components(page, JudgedRule(judge));
 }
 
 void despeckle_by_rule_away_from_ink(common::MutableBitonalView page, const ComponentJudge& judge,
@@ -101,11 +103,11 @@ void despeckle_busy_regions(common::MutableBitonalView page, std::int32_t max_ar
                             std::int32_t density) {
     const BusyRegions busy(page, density);
     if (!busy.any()) return;
-    PageCopy inner(page);
-    combine_pages(inner.view(), busy, [](int ink, int mask) { return ink & mask; });
+    ink::PageCopy inner(page);
+    ink::combine_pages(inner.view(), busy, [](int ink, int mask) { return ink & mask; });
     despeckle(inner.view(), max_area);
-    combine_pages(inner.view(), busy, [](int kept, int mask) { return kept | ~mask; });
-    and_page(page, inner.view());
+    ink::combine_pages(inner.view(), busy, [](int kept, int mask) { return kept | ~mask; });
+    ink::and_page(page, inner.view());
 }
 
 }  // namespace cleaning

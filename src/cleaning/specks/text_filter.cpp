@@ -23,8 +23,8 @@ class TextRule {
 
     explicit TextRule(const TextShape& shape) : shape_(shape) {}
 
-    bool stays(const OpenComponent&) const { return false; }
-    bool erases(const OpenComponent& ended) const {
+    bool stays(const ink::OpenComponent&) const { return false; }
+    bool erases(const ink::OpenComponent& ended) const {
         const std::int64_t height = ended.height();
         const std::int64_t width = ended.width();
         return height > shape_.max_height || ended.area < height * shape_.min_density ||
@@ -58,21 +58,22 @@ void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t*
 
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
     const auto stride = static_cast<std::int32_t>(page.stride);
-    PageCopy copy(page);
-    require_memory(h_fill_gaps(nullptr, 2, page.data, stride, 0, page.width, 0, page.height));
-    stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
-                      TextRule(shape));
-    and_page(page, copy.view());
+    ink::PageCopy copy(page);
+    ink::require_memory(
+        ink::h_fill_gaps(nullptr, 2, page.data, stride, 0, page.width, 0, page.height));
+    ink::stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
+                           TextRule(shape));
+    ink::and_page(page, copy.view());
 }
 
 }  // namespace
 
 void keep_text(common::MutableBitonalView page, const TextShape& shape) {
-    if (std::max<std::ptrdiff_t>({page.height, page.width, page.stride}) > kMaxRunCoordinate) {
+    if (std::max<std::ptrdiff_t>({page.height, page.width, page.stride}) > ink::kMaxRunCoordinate) {
         return filter_in_steps(page, shape);
     }
     TextRule rule(shape);
-    ComponentStream<TextRule> stream(page, rule);
+    ink::ComponentStream<TextRule> stream(page, rule);
     frame::Buffer<std::uint8_t> filled(static_cast<std::size_t>(common::bitonal_bytes(page.width)));
     for (std::int32_t y = 0; y < page.height; ++y) {
         fill_single_gaps(page.row(y), page.width, filled.data());
