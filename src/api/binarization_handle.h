@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "api/callbacks.h"
 #include "binarization/settings.h"
 #include "common/views.h"
 #include "grey/source.h"

@@ -4,6 +4,8 @@
 
 #include <exception>
 
+#include "api/callbacks.h"
+
 namespace api {
 
 constexpr int kSuccess = 0;

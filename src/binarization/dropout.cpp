@@ -4,10 +4,10 @@
 #include <bit>
 #include <cstring>
 
+#include "common/byte_order.h"
+
 namespace binarization {
 namespace {
-
-static_assert(std::endian::native == std::endian::little);
 
 // Rows are whole 32-bit words and their padding is white.
 void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8_t* bits,
@@ -16,7 +16,7 @@ void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8
         std::uint32_t word;
         std::memcpy(&word, bits, 4);
         if (word == 0) continue;
-        word = __builtin_bswap32(word);
+        word = common::swap_bytes(word);
         std::uint32_t kept = word;
         while (word != 0) {
             const int bit = std::countl_zero(word);
@@ -25,7 +25,7 @@ void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8
             const std::uint8_t* colour = colours + 3 * static_cast<std::size_t>(x + bit);
             if (dropout.function(dropout.context, colour) == 1) kept ^= mask;
         }
-        kept = __builtin_bswap32(kept);
+        kept = common::swap_bytes(kept);
         std::memcpy(bits, &kept, 4);
     }
 }

@@ -8,7 +8,7 @@
 namespace binarization {
 
 struct Dropout {
-    prepro_dropout function = nullptr;
+    common::DropoutFunction function = nullptr;
     void* context = nullptr;
 };
 

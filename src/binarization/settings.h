@@ -7,12 +7,12 @@
 #include <cstdint>
 #include <string>
 
-#include "vemoprepro/binarization.h"
+#include "common/callbacks.h"
 
 namespace binarization {
 
 struct Settings {
-    prepro_row_reader reader = nullptr;
+    common::RowReader reader = nullptr;
     const void* image = nullptr;  // the whole source page, for colour conversion on several threads
     std::uint8_t smooth = 0;      // 0 off, 1 .. 255 from weak to strong
     std::uint8_t thresh = 128;    // 0 chooses it by Otsu's method
@@ -26,7 +26,7 @@ struct Settings {
     int threads = 1;                // at least 1
     std::int32_t sigma = 0;         // -128 .. 127
     bool sobel_statistics = false;  // the method switch: gradient do calls use that variant
-    prepro_dropout dropout = nullptr;
+    common::DropoutFunction dropout = nullptr;
     void* dropout_context = nullptr;
     std::uint8_t normalize_magnitude = 0;
     std::uint8_t internal_gaussian_smoothing = 0;

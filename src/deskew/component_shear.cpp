@@ -10,6 +10,7 @@
 #include <cstring>
 #include <exception>
 
+#include "common/byte_order.h"
 #include "deskew/bitonal_rotation.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
@@ -42,7 +43,7 @@ void add_ink(std::uint8_t* row, std::int32_t x0, std::int32_t x1) {
         std::uint8_t* at = row + std::ptrdiff_t{word} * 4;
         std::uint32_t ink;
         std::memcpy(&ink, at, sizeof(ink));
-        ink |= ink::big_endian(mask);
+        ink |= common::swap_bytes(mask);
         std::memcpy(at, &ink, sizeof(ink));
     };
     const std::int32_t first = x0 >> 5;

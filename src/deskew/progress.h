@@ -8,12 +8,12 @@
 
 #include <cstdint>
 
-#include "vemoprepro/deskew.h"
+#include "common/callbacks.h"
 
 namespace deskew {
 
 struct Progress {
-    prepro_progress callback = nullptr;
+    common::ProgressCallback callback = nullptr;
 
     // Both counts in the steps of the reporting function; they fit 32 bits for every page that can
     // be addressed.

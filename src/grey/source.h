@@ -12,19 +12,20 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/callbacks.h"
 #include "frame/buffer.h"
-#include "vemoprepro/binarization.h"
 
 namespace grey {
 
+// The values are those of the exported functions.
 enum class SourceType {
-    kGrey = PREPRO_SOURCE_GREY,
-    kBgr = PREPRO_SOURCE_BGR,
-    kRgb = PREPRO_SOURCE_RGB
+    kGrey = 1,  // a byte a pixel
+    kBgr = 2,   // three bytes: blue, green, red
+    kRgb = 3    // three bytes: red, green, blue
 };
 
 struct Source {
-    prepro_row_reader reader = nullptr;
+    common::RowReader reader = nullptr;
     void* context = nullptr;              // handed to the reader
     const std::uint8_t* image = nullptr;  // the whole page, rows packed, or null
     SourceType type = SourceType::kGrey;
@@ -54,7 +55,8 @@ inline bool acceptable(int width, const Region& region) {
 }
 
 inline bool known_type(int type) {
-    return type == PREPRO_SOURCE_GREY || type == PREPRO_SOURCE_BGR || type == PREPRO_SOURCE_RGB;
+    return type >= static_cast<int>(SourceType::kGrey) &&
+           type <= static_cast<int>(SourceType::kRgb);
 }
 
 // Room for one source row, at the start of a cache line: readers copy whole rows, and copies to

@@ -7,35 +7,20 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+
+#include "common/byte_order.h"
 
 namespace ink {
 
 constexpr std::int64_t kWordPixels = 64;
 constexpr std::int64_t kWordBytes = 8;
 
-inline std::uint64_t big_endian(std::uint64_t word) {
-    if constexpr (std::endian::native == std::endian::little) return __builtin_bswap64(word);
-    return word;
-}
-
-inline std::uint32_t big_endian(std::uint32_t word) {
-    if constexpr (std::endian::native == std::endian::little) return __builtin_bswap32(word);
-    return word;
-}
-
-inline std::uint64_t load_word(const std::uint8_t* bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof(word));
-    return big_endian(word);
-}
-
 // Writes the first bytes of the word, all 8 or as many as there is room for.
 inline void store_word(std::uint8_t* bytes, std::uint64_t word, std::ptrdiff_t room) {
-    const std::uint64_t stored = big_endian(word);
+    const std::uint64_t stored = common::swap_bytes(word);
     if (room >= kWordBytes) {
         std::memcpy(bytes, &stored, sizeof(stored));
     } else {
@@ -71,7 +56,8 @@ inline std::uint64_t word_at(const std::uint8_t* row, std::int64_t pixels, std::
     }
     const std::uint8_t* from = row + (x >> 3);
     const int offset = static_cast<int>(x & 7);
-    return load_word(from) << offset | static_cast<std::uint64_t>(from[kWordBytes] >> (8 - offset));
+    return common::load_big_endian(from) << offset |
+           static_cast<std::uint64_t>(from[kWordBytes] >> (8 - offset));
 }
 
 }  // namespace ink

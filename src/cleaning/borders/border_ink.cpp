@@ -11,6 +11,7 @@
 #include <bit>
 #include <cstring>
 
+#include "common/byte_order.h"
 #include "frame/buffer.h"
 #include "ink/buffer_logic.h"
 
@@ -40,7 +41,7 @@ std::uint64_t raw_word(const std::uint8_t* row, std::int32_t i, std::int32_t wid
 
 // The leftmost pixel in the most significant bit; pixels beyond the width are 0.
 std::uint64_t pixel_word(std::uint64_t raw, std::int32_t i, std::int32_t width) {
-    if constexpr (std::endian::native == std::endian::little) raw = __builtin_bswap64(raw);
+    raw = common::swap_bytes(raw);
     const std::int64_t pixels = width - std::int64_t{i} * 64;
     return pixels >= 64 ? raw : raw & ~(kAll >> pixels);
 }

@@ -9,14 +9,14 @@
 
 #include <cstdint>
 
+#include "common/callbacks.h"
 #include "common/views.h"
-#include "vemoprepro/cleaning.h"
 
 namespace cleaning {
 
 // The caller's decision about a component, with what it is called with.
 struct ComponentJudge {
-    prepro_component_rule rule;
+    common::ComponentRule rule;
     void* user;
 
     bool erases(std::int32_t height, std::int32_t width, std::uint32_t area) const {

@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "common/byte_order.h"
+
 namespace cleaning {
 namespace {
 
@@ -18,13 +20,6 @@ constexpr std::int32_t kWordPixels = 64;
 constexpr std::int32_t kBefore = kMaxSpeckArea;     // columns of a window before its first pixel
 constexpr std::int32_t kAbove = kMaxSpeckArea - 1;  // rows of a speck above any pixel of it
 constexpr std::int32_t kRows = kAbove + kMaxSpeckArea + 1;
-
-std::uint64_t load_word(const std::uint8_t* bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof(word));
-    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-    return word;
-}
 
 std::uint64_t widened(std::uint64_t ink) {
     return ink | ink << 1 | ink >> 1;
@@ -43,12 +38,14 @@ class Words {
         if (x < 0 || x / 8 + 9 > bytes_ || x + kWordPixels > page_.width) return at_end(row, x);
         const int offset = x % 8;
         const std::uint8_t* const from = row + x / 8;
-        return load_word(from) << offset | static_cast<std::uint64_t>(from[8] >> (8 - offset));
+        return common::load_big_endian(from) << offset |
+               static_cast<std::uint64_t>(from[8] >> (8 - offset));
     }
 
     // The same for an x that is a multiple of 64.
     std::uint64_t aligned(std::int32_t x, const std::uint8_t* row) const {
-        return x + kWordPixels <= page_.width ? load_word(row + x / 8) : at_end(row, x);
+        return x + kWordPixels <= page_.width ? common::load_big_endian(row + x / 8)
+                                              : at_end(row, x);
     }
 
     // Ink and its neighbours to both sides: those beyond the word too.

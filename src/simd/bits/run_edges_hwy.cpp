@@ -17,6 +17,7 @@
 #include <bit>
 #include <cstring>
 
+#include "common/byte_order.h"
 #include "simd/bits/run_edges.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -25,19 +26,12 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-HWY_INLINE std::uint64_t load_word(const std::uint8_t* bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof(word));
-    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-    return word;
-}
-
 // The first `bits` (1 .. 63) pixels of the bytes, paper behind them.
 HWY_INLINE std::uint64_t load_tail(const std::uint8_t* bytes, std::int64_t bits,
                                    std::uint64_t flip) {
     std::uint8_t padded[8] = {};
     std::memcpy(padded, bytes, static_cast<std::size_t>((bits + 7) / 8));
-    return (load_word(padded) ^ flip) & ~(~std::uint64_t{0} >> bits);
+    return (common::load_big_endian(padded) ^ flip) & ~(~std::uint64_t{0} >> bits);
 }
 
 // Calls visit(edges, position of the word's first pixel) for each word of the scan; returns true
@@ -70,7 +64,7 @@ HWY_INLINE bool visit_edges(const std::uint8_t* row, std::int32_t x_start, std::
             }
         }
         for (; words > 0; --words, bytes += 8, left -= 64) {
-            const std::uint64_t word = (load_word(bytes) ^ flip) & inside;
+            const std::uint64_t word = (common::load_big_endian(bytes) ^ flip) & inside;
             visit(word ^ (word >> 1 | before << 63), x);
             inside = ~std::uint64_t{0};
             before = word & 1;

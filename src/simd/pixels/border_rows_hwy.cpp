@@ -11,7 +11,6 @@
 // K * 33555 >> 22: 33555 = 2^22 / 125 + 0.568, and 31875 * 0.568 / 2^22 is below 1 / 125.
 #include "simd/pixels/border_rows.h"
 
-#include <bit>
 #include <cstring>
 
 #undef HWY_TARGET_INCLUDE
@@ -93,11 +92,7 @@ HWY_INLINE std::uint64_t pixel_bits(const Test& test) {
         hn::StoreMaskBits(kBytes, test(i), stored + i / 8);
     }
     std::uint64_t bits = 0;
-    if constexpr (std::endian::native == std::endian::little) {
-        std::memcpy(&bits, stored, 8);
-    } else {
-        for (unsigned i = 0; i < 8; ++i) bits |= std::uint64_t{stored[i]} << (8 * i);
-    }
+    std::memcpy(&bits, stored, 8);
     return bits;
 }
 
