@@ -1,0 +1,250 @@
+/* Finds out what a file is, lists its pages and hands each one to its decoder.
+ *
+ * The decoders are Leptonica's. Two things are kept away from it: a page that is too large is
+ * refused from its header, before anything is allocated for it; and damage that it passes over is
+ * looked for, since half a page must never look like a whole one: warnings of the JPEG decoder and
+ * errors of the TIFF decoder both count as damage. */
+#include "files/image_file.h"
+
+#include <fcntl.h>
+#include <leptonica/allheaders.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "files/decode.h"
+#include "files/file_error.h"
+#include "files/orientation.h"
+#include "files/pnm_pages.h"
+#include "files/tiff_pages.h"
+
+namespace tool {
+namespace {
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+File open_file(const std::string& path, const std::string& name) {
+    File file(std::fopen(path.c_str(), "rb"));
+    if (!file) throw system_error_of(name);
+    return file;
+}
+
+/* The temporary copy has no name from the start, so nothing is left behind however the run ends. */
+int open_nameless_file(const std::string& name) {
+    const char* folder = std::getenv("TMPDIR");
+    std::string path = std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
+    const int file = mkostemp(path.data(), O_CLOEXEC);
+    if (file < 0) throw system_error_of(name);
+    unlink(path.c_str());
+    return file;
+}
+
+void copy_all(int from, int to, const std::string& name) {
+    char buffer[1 << 16];
+    for (;;) {
+        const ssize_t count = read(from, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw system_error_of(name);
+        if (count == 0) return;
+        for (ssize_t done = 0; done < count;) {
+            const ssize_t written =
+                write(to, buffer + done, static_cast<std::size_t>(count - done));
+            if (written < 0 && errno != EINTR) throw system_error_of(name);
+            if (written > 0) done += written;
+        }
+    }
+}
+
+/* The page of a file that holds just one. */
+std::vector<PagePlace> one_page(l_ok failed, int width, int height) {
+    if (failed) return {};
+    return {PagePlace{0, width, height}};
+}
+
+std::vector<PagePlace> jpeg_page(std::FILE* file) {
+    l_int32 width = 0, height = 0;
+    const l_ok failed = freadHeaderJpeg(file, &width, &height, nullptr, nullptr, nullptr);
+    return one_page(failed, width, height);
+}
+
+std::vector<PagePlace> png_page(std::FILE* file) {
+    l_int32 width = 0, height = 0;
+    const l_ok failed = freadHeaderPng(file, &width, &height, nullptr, nullptr, nullptr);
+    return one_page(failed, width, height);
+}
+
+/* Files have "1 dpi" for "square pixels", and anything by mistake; sizes that scale with it would
+ * take all of a page for specks, or nothing. */
+bool is_plausible(int dpi) {
+    return dpi >= 10 && dpi <= 10000;
+}
+
+/* A side without a resolution has that of the other one. */
+void settle(Resolution& dpi) {
+    if (!is_plausible(dpi.x)) dpi.x = is_plausible(dpi.y) ? dpi.y : 0;
+    if (!is_plausible(dpi.y)) dpi.y = dpi.x;
+}
+
+FileFormat format_of(std::FILE* file, const std::string& name) {
+    l_int32 format = IFF_UNKNOWN;
+    findFileFormatStream(file, &format);
+    switch (format) {
+        case IFF_PNG:
+            return FileFormat::png;
+        case IFF_JFIF_JPEG:
+            return FileFormat::jpeg;
+        case IFF_PNM:
+            return FileFormat::pnm;
+        default:
+            break;
+    }
+    std::rewind(file);
+    if (starts_as_tiff(file)) return FileFormat::tiff;
+    throw FileError(name, "not a TIFF, PNG, JPEG or PNM file");
+}
+
+}  // namespace
+
+const char* name_of(FileFormat format) {
+    switch (format) {
+        case FileFormat::tiff:
+            return "TIFF";
+        case FileFormat::png:
+            return "PNG";
+        case FileFormat::jpeg:
+            return "JPEG";
+        case FileFormat::pnm:
+            break;
+    }
+    return "PNM";
+}
+
+void prepare_decoders() {
+    setMsgSeverity(L_SEVERITY_NONE);
+    collect_tiff_errors();
+}
+
+SeekableFile::SeekableFile(const std::string& name) : path_(name) {
+    struct stat status {};
+    if (name != "-") {
+        if (stat(name.c_str(), &status) != 0) throw system_error_of(name);
+        if (S_ISDIR(status.st_mode)) throw system_error_of(name, EISDIR);
+        if (S_ISREG(status.st_mode)) return;
+    }
+    const int source = name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) throw system_error_of(name);
+    copy_ = open_nameless_file(name);
+    path_ = "/proc/self/fd/" + std::to_string(copy_);
+    try {
+        copy_all(source, copy_, name);
+    } catch (...) {
+        if (source != STDIN_FILENO) close(source);
+        close(copy_);
+        throw;
+    }
+    if (source != STDIN_FILENO) close(source);
+}
+
+SeekableFile::~SeekableFile() {
+    if (copy_ >= 0) close(copy_);
+}
+
+ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
+    list_pages();
+    if (places_.empty())
+        throw FileError(name_, std::string("damaged or truncated ") + name_of(format_) + " file");
+}
+
+void ImageFile::list_pages() {
+    const File file = open_file(file_.path(), name_);
+    format_ = format_of(file.get(), name_);
+    std::rewind(file.get());
+    switch (format_) {
+        case FileFormat::tiff:
+            places_ = list_tiff_pages(file_.path());
+            break;
+        case FileFormat::png:
+            places_ = png_page(file.get());
+            break;
+        case FileFormat::jpeg:
+            places_ = jpeg_page(file.get());
+            break;
+        case FileFormat::pnm:
+            places_ = list_pnm_pages(file.get());
+            break;
+    }
+}
+
+std::string ImageFile::page_prefix(std::size_t index) const {
+    return places_.size() == 1 ? "" : "page " + std::to_string(index + 1) + ": ";
+}
+
+void ImageFile::check_size(std::size_t index) const {
+    const PagePlace& place = places_[index];
+    const std::string size = std::to_string(place.width) + " x " + std::to_string(place.height);
+    if (place.width < 1 || place.height < 1)
+        throw FileError(name_, page_prefix(index) + "impossible size of " + size + " pixels");
+    if (place.width > kLongestSide || place.height > kLongestSide)
+        throw FileError(name_, page_prefix(index) + size + " pixels are too large, the limit is " +
+                                   std::to_string(kLongestSide) + " a side");
+}
+
+std::string ImageFile::damage(std::size_t index, const std::string& reason) const {
+    return page_prefix(index) + "damaged or truncated " + name_of(format_) + " file" +
+           (reason.empty() ? "" : " (" + reason + ")");
+}
+
+/* The two formats with a way round Leptonica: a short one for their most common shapes, and one for
+ * those that it cannot read. */
+std::optional<Page> ImageFile::read_raw_page(std::FILE* file, std::size_t index) const {
+    if (format_ == FileFormat::pnm) return read_raw_pnm(file, places_[index]);
+    if (format_ != FileFormat::tiff) return std::nullopt;
+    const TiffErrors errors;
+    std::optional<Page> page = read_packed_tiff(file_.path(), places_[index].offset);
+    if (!page) page = read_unusual_tiff(file_.path(), places_[index].offset);
+    if (page && !errors.first().empty()) throw FileError(name_, damage(index, errors.first()));
+    return page;
+}
+
+Page ImageFile::read_page(std::size_t index) const {
+    Page page = decode_page(index);
+    settle(page.dpi);
+    return page;
+}
+
+Page ImageFile::decode_page(std::size_t index) const {
+    check_size(index);
+    const File file = open_file(file_.path(), name_);
+    if (std::optional<Page> page = read_raw_page(file.get(), index)) {
+        reduce_kind(*page);
+        return std::move(*page);
+    }
+    std::rewind(file.get());
+    Decoded decoded;
+    int orientation_tag = kUprightTag;
+    switch (format_) {
+        case FileFormat::tiff:
+            decoded = decode_tiff(file_.path(), places_[index].offset);
+            break;
+        case FileFormat::png:
+            decoded = decode_png(file.get());
+            break;
+        case FileFormat::jpeg:
+            orientation_tag = jpeg_orientation(file.get());
+            std::rewind(file.get());
+            decoded = decode_jpeg(file.get());
+            break;
+        case FileFormat::pnm:
+            decoded = decode_pnm(file.get());
+            break;
+    }
+    if (!decoded.image) throw FileError(name_, damage(index, decoded.reason));
+    return page_of(std::move(decoded), orientation_tag);
+}
+
+}  // namespace tool

@@ -1,0 +1,161 @@
+/* TIFF is written through libtiff itself, which keeps the file open from page to page; appending
+ * through Leptonica would reopen it and walk the chain of pages each time. */
+#include "files/page_writer.h"
+
+#include <leptonica/allheaders.h>
+#include <tiffio.h>
+
+#include <cstring>
+#include <string>
+
+#include "files/decode.h"
+#include "files/file_error.h"
+#include "files/tiff_pages.h"
+
+namespace tool {
+namespace {
+
+class TiffWriter final : public PageWriter {
+  public:
+    explicit TiffWriter(const OutputFile& file) : file_(file) {
+        const TiffErrors errors;
+        tiff_ = TIFFFdOpen(file.descriptor(), file.name().c_str(), "w");
+        if (!tiff_) fail(errors);
+    }
+    /* Unlike TIFFClose() this leaves the descriptor to its owner. */
+    ~TiffWriter() override {
+        if (tiff_) TIFFCleanup(tiff_);
+    }
+
+    void append(Page page) override {
+        const TiffErrors errors;
+        describe(page);
+        bool good = true;
+        for (int y = 0; good && y < page.height; ++y)
+            good = TIFFWriteScanline(tiff_, page.row(y), static_cast<std::uint32_t>(y), 0) == 1;
+        if (!good || TIFFWriteDirectory(tiff_) != 1 || !errors.first().empty()) fail(errors);
+    }
+
+    void finish() override {
+        const TiffErrors errors;
+        if (TIFFFlush(tiff_) != 1 || !errors.first().empty()) fail(errors);
+    }
+
+  private:
+    void describe(const Page& page) {
+        const bool bitonal = page.kind == PageKind::bitonal;
+        const int samples = page.kind == PageKind::colour ? 3 : 1;
+        TIFFSetField(tiff_, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(page.width));
+        TIFFSetField(tiff_, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(page.height));
+        TIFFSetField(tiff_, TIFFTAG_BITSPERSAMPLE, bitonal ? 1 : 8);
+        TIFFSetField(tiff_, TIFFTAG_SAMPLESPERPIXEL, samples);
+        TIFFSetField(tiff_, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+        TIFFSetField(tiff_, TIFFTAG_PHOTOMETRIC,
+                     bitonal        ? PHOTOMETRIC_MINISWHITE
+                     : samples == 3 ? PHOTOMETRIC_RGB
+                                    : PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(tiff_, TIFFTAG_COMPRESSION, bitonal ? COMPRESSION_CCITTFAX4 : COMPRESSION_LZW);
+        if (!bitonal) TIFFSetField(tiff_, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+        TIFFSetField(
+            tiff_, TIFFTAG_ROWSPERSTRIP,
+            bitonal ? static_cast<std::uint32_t>(page.height) : TIFFDefaultStripSize(tiff_, 0));
+        TIFFSetField(tiff_, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        TIFFSetField(tiff_, TIFFTAG_XRESOLUTION, static_cast<double>(page.dpi.x));
+        TIFFSetField(tiff_, TIFFTAG_YRESOLUTION, static_cast<double>(page.dpi.y));
+        TIFFSetField(tiff_, TIFFTAG_SOFTWARE, "vemoprepro " VEMOPREPRO_VERSION);
+    }
+
+    [[noreturn]] void fail(const TiffErrors& errors) const {
+        if (errors.system_error() != 0) throw system_error_of(file_.name(), errors.system_error());
+        throw FileError(file_.name(), "cannot be written: " + errors.first());
+    }
+
+    const OutputFile& file_;
+    TIFF* tiff_ = nullptr;
+};
+
+/* The page as a Leptonica image, in Leptonica's word order. */
+PixOwner image_of(Page& page) {
+    const l_int32 depth = page.kind == PageKind::bitonal ? 1 : page.kind == PageKind::grey ? 8 : 32;
+    PixOwner image(pixCreate(page.width, page.height, depth));
+    if (!image) throw std::bad_alloc();
+    const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image.get())) * 4;
+    unsigned char* to = reinterpret_cast<unsigned char*>(pixGetData(image.get()));
+    for (int y = 0; y < page.height; ++y, to += stride) {
+        const unsigned char* from = page.row(y);
+        if (page.kind != PageKind::colour) {
+            std::memcpy(to, from, page.stride());
+            continue;
+        }
+        for (int x = 0; x < page.width; ++x) {
+            const l_uint32 word = l_uint32{from[3 * x]} << 24 | l_uint32{from[3 * x + 1]} << 16 |
+                                  l_uint32{from[3 * x + 2]} << 8;
+            std::memcpy(to + std::size_t{4} * static_cast<std::size_t>(x), &word, 4);
+        }
+    }
+    if (page.kind != PageKind::colour) pixEndianByteSwap(image.get());
+    pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
+    page.bytes.reset();
+    return image;
+}
+
+/* The file is made in memory: Leptonica loses a block whenever it cannot write to a stream. */
+class PngWriter final : public PageWriter {
+  public:
+    explicit PngWriter(const OutputFile& file) : file_(file) {}
+
+    void append(Page page) override {
+        const PixOwner image = image_of(page);
+        l_uint8* bytes = nullptr;
+        std::size_t size = 0;
+        const bool failed = pixWriteMemPng(&bytes, &size, image.get(), 0) != 0;
+        const PixelBlock owner(bytes);
+        if (failed) throw std::bad_alloc();
+        write_all(file_.descriptor(), bytes, size, file_.name());
+    }
+    void finish() override {}
+
+  private:
+    const OutputFile& file_;
+};
+
+class PnmWriter final : public PageWriter {
+  public:
+    explicit PnmWriter(const OutputFile& file) : file_(file) {}
+
+    void append(Page page) override {
+        const bool bitonal = page.kind == PageKind::bitonal;
+        std::string header = bitonal ? "P4\n" : page.kind == PageKind::grey ? "P5\n" : "P6\n";
+        header += std::to_string(page.width) + " " + std::to_string(page.height) + "\n";
+        if (!bitonal) header += "255\n";
+        write_all(file_.descriptor(), header.data(), header.size(), file_.name());
+        const std::size_t row_size =
+            bitonal ? (static_cast<std::size_t>(page.width) + 7) / 8 : page.stride();
+        /* Rows of bitonal pages move together to lose their padding. */
+        for (int y = 1; y < page.height; ++y)
+            std::memmove(page.bytes.get() + row_size * static_cast<std::size_t>(y), page.row(y),
+                         row_size);
+        write_all(file_.descriptor(), page.bytes.get(),
+                  row_size * static_cast<std::size_t>(page.height), file_.name());
+    }
+    void finish() override {}
+
+  private:
+    const OutputFile& file_;
+};
+
+}  // namespace
+
+std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFile& file) {
+    switch (format) {
+        case OutputFormat::tiff:
+            return std::make_unique<TiffWriter>(file);
+        case OutputFormat::png:
+            return std::make_unique<PngWriter>(file);
+        case OutputFormat::pnm:
+            break;
+    }
+    return std::make_unique<PnmWriter>(file);
+}
+
+}  // namespace tool

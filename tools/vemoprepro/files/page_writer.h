@@ -1,0 +1,30 @@
+/* Writing pages: TIFF (all pages in one file), PNG (one page) and PNM (one after the other).
+ *
+ * Use: append() each page, finish() once, then publish the OutputFile underneath. Bitonal TIFF
+ * pages are compressed by Group 4, others by LZW; nothing is ever lost. */
+#ifndef VEMOPREPRO_TOOL_PAGE_WRITER_H_
+#define VEMOPREPRO_TOOL_PAGE_WRITER_H_
+
+#include <memory>
+
+#include "files/output_file.h"
+#include "page/page.h"
+
+namespace tool {
+
+enum class OutputFormat { tiff, png, pnm };
+
+class PageWriter {
+  public:
+    virtual ~PageWriter() = default;
+    /* The page is used up. Throws FileError, as does finish(). */
+    virtual void append(Page page) = 0;
+    virtual void finish() = 0;
+};
+
+/* The file must outlive the writer. */
+std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFile& file);
+
+}  // namespace tool
+
+#endif  // VEMOPREPRO_TOOL_PAGE_WRITER_H_

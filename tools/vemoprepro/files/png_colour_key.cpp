@@ -1,0 +1,113 @@
+/* Leptonica makes a grey page with a transparent grey white altogether, and takes no notice of a
+ * transparent colour. So the chunk is kept from it, and the pixels are painted here. A PNG file is
+ * a signature and a chain of chunks: length, type, that many bytes, check sum; the first one, IHDR,
+ * has the depth and the type of colour, and tRNS lies in front of the pixels. */
+#include "files/png_colour_key.h"
+
+#include <array>
+#include <cstring>
+
+namespace tool {
+namespace {
+
+constexpr long kSignature = 8;
+constexpr std::size_t kFrame = 12; /* length, type and check sum */
+constexpr int kGrey = 0;
+constexpr int kRgb = 2;
+
+std::uint32_t big_endian(const std::uint8_t* bytes, int count) {
+    std::uint32_t value = 0;
+    for (int i = 0; i < count; ++i) value = value << 8 | bytes[i];
+    return value;
+}
+
+/* The first bytes of a chunk, as many as an IHDR chunk has up to the type of colour. */
+struct ChunkStart {
+    std::array<std::uint8_t, 18> bytes{};
+
+    [[nodiscard]] std::size_t size() const { return big_endian(bytes.data(), 4); }
+    [[nodiscard]] bool is(const char* type) const {
+        return std::memcmp(bytes.data() + 4, type, 4) == 0;
+    }
+    [[nodiscard]] const std::uint8_t* contents() const { return bytes.data() + 8; }
+};
+
+bool read_start(std::FILE* file, long at, ChunkStart& chunk) {
+    return std::fseek(file, at, SEEK_SET) == 0 &&
+           std::fread(chunk.bytes.data(), 1, chunk.bytes.size(), file) >= kFrame;
+}
+
+/* The sample of an image that the key's sample becomes when 16 bits per colour become 8. */
+std::uint32_t upper_byte(std::uint32_t sample, int depth) {
+    return depth == 16 ? sample >> 8 : sample & 255;
+}
+
+void paint_greys(PIX* image, std::uint32_t key) {
+    const int depth = pixGetDepth(image);
+    const l_uint32 white = (l_uint32{1} << depth) - 1;
+    for (int y = 0; y < pixGetHeight(image); ++y)
+        for (int x = 0; x < pixGetWidth(image); ++x) {
+            l_uint32 value = 0;
+            pixGetPixel(image, x, y, &value);
+            if (value == key) pixSetPixel(image, x, y, white);
+        }
+}
+
+void paint_colours(PIX* image, std::uint32_t key) {
+    l_uint32* line = pixGetData(image);
+    for (int y = 0; y < pixGetHeight(image); ++y, line += pixGetWpl(image))
+        for (int x = 0; x < pixGetWidth(image); ++x)
+            if (line[x] >> 8 == key) line[x] |= 0xFFFFFF00;
+}
+
+}  // namespace
+
+std::optional<PngColourKey> find_colour_key(std::FILE* file) {
+    PngColourKey key;
+    ChunkStart chunk;
+    int colours = -1;
+    for (long at = kSignature; read_start(file, at, chunk);
+         at += static_cast<long>(chunk.size() + kFrame)) {
+        if (chunk.is("IDAT")) break;
+        if (chunk.is("IHDR")) {
+            key.depth = chunk.contents()[8];
+            colours = chunk.contents()[9];
+        }
+        const std::size_t wanted = colours == kGrey ? 1 : colours == kRgb ? 3 : 0;
+        if (!chunk.is("tRNS") || wanted == 0 || chunk.size() != 2 * wanted) continue;
+        key.chunk_at = static_cast<std::size_t>(at);
+        key.chunk_size = chunk.size() + kFrame;
+        for (std::size_t i = 0; i < wanted; ++i)
+            key.samples.push_back(big_endian(chunk.contents() + 2 * i, 2));
+        return key;
+    }
+    return std::nullopt;
+}
+
+std::vector<std::uint8_t> without_colour_key(std::FILE* file, const PngColourKey& key) {
+    std::fseek(file, 0, SEEK_END);
+    const long size = std::ftell(file);
+    std::rewind(file);
+    if (size < static_cast<long>(key.chunk_at + key.chunk_size)) return {};
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+    if (std::fread(bytes.data(), 1, bytes.size(), file) != bytes.size()) return {};
+    const auto chunk = bytes.begin() + static_cast<std::ptrdiff_t>(key.chunk_at);
+    bytes.erase(chunk, chunk + static_cast<std::ptrdiff_t>(key.chunk_size));
+    return bytes;
+}
+
+void paint_colour_key(PIX* image, const PngColourKey& key) {
+    const int depth = pixGetDepth(image);
+    if (key.samples.size() == 3) {
+        if (depth == 32)
+            paint_colours(image, upper_byte(key.samples[0], key.depth) << 16 |
+                                     upper_byte(key.samples[1], key.depth) << 8 |
+                                     upper_byte(key.samples[2], key.depth));
+    } else if (depth == 1) {
+        if (key.samples[0] == 0) pixClearAll(image); /* all that is black is transparent */
+    } else if (depth == key.depth) {
+        paint_greys(image, key.samples[0]);
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,151 @@
+/* A raw PNM image is a header of words (magic, width, height and, but for bitmaps, the largest
+ * value), one white-space character, and rows of known length; the next image follows at once. */
+#include "files/pnm_pages.h"
+
+#include <leptonica/allheaders.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace tool {
+namespace {
+
+/* Skips white space and comments, which run from # to the end of the line. Returns the next byte.
+ */
+int skip_space(std::FILE* file) {
+    int byte = std::getc(file);
+    while (byte == '#' || (byte >= 0 && std::isspace(byte))) {
+        if (byte == '#')
+            while (byte >= 0 && byte != '\n') byte = std::getc(file);
+        if (byte >= 0) byte = std::getc(file);
+    }
+    return byte;
+}
+
+/* A number and the one character behind it; -1 when there is none. */
+int read_number(std::FILE* file) {
+    constexpr int kLargest = 100'000'000;
+    int byte = skip_space(file);
+    if (byte < '0' || byte > '9') return -1;
+    int value = 0;
+    for (; byte >= '0' && byte <= '9'; byte = std::getc(file))
+        if (value <= kLargest) value = value * 10 + (byte - '0');
+    return value > kLargest ? -1 : value;
+}
+
+/* The header of a raw image; the file is then at its first row. */
+struct RawHeader {
+    int type = 0; /* '4' bitmap, '5' grey, '6' colour; 0: not a raw image */
+    int width = 0;
+    int height = 0;
+    int largest_value = 1;
+
+    [[nodiscard]] std::size_t row_size() const {
+        const auto pixels = static_cast<std::size_t>(width);
+        if (type == '4') return (pixels + 7) / 8;
+        return pixels * (type == '6' ? 3 : 1) * (largest_value > 255 ? 2 : 1);
+    }
+};
+
+/* Reads what follows the P. */
+RawHeader read_header(std::FILE* file) {
+    RawHeader header;
+    const int type = std::getc(file);
+    if (type < '4' || type > '6') return header;
+    header.width = read_number(file);
+    header.height = read_number(file);
+    if (type != '4') header.largest_value = read_number(file);
+    if (header.width > 0 && header.height > 0 && header.largest_value > 0 &&
+        header.largest_value <= 65535)
+        header.type = type;
+    return header;
+}
+
+/* Moves from the first row of an image behind its last one, if the file is that long. */
+bool skip_rows(std::FILE* file, const RawHeader& header, std::size_t file_size) {
+    const std::size_t start = static_cast<std::size_t>(std::ftell(file));
+    const std::size_t size = header.row_size() * static_cast<std::size_t>(header.height);
+    if (start > file_size || size > file_size - start) return false;
+    return std::fseek(file, static_cast<long>(start + size), SEEK_SET) == 0;
+}
+
+/* Bytes of 0 .. 255 from samples of one or two bytes; of 16 bits the upper 8 count. */
+void scale_samples(const unsigned char* samples, std::size_t count, int largest,
+                   unsigned char* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        int value = largest > 255 ? samples[2 * i] << 8 | samples[2 * i + 1] : samples[i];
+        value = std::min(value, largest);
+        out[i] = static_cast<unsigned char>(
+            largest == 65535 ? value >> 8 : (value * 255 + largest / 2) / largest);
+    }
+}
+
+/* The bits of the last byte that lie beyond the width; the bytes after it are 0 from the start. */
+void clear_padding(std::vector<unsigned char>& row, int width) {
+    if (width % 8 == 0) return;
+    unsigned char& last = row[static_cast<std::size_t>(width) / 8];
+    last = static_cast<unsigned char>(last & (0xFF00 >> width % 8));
+}
+
+bool list_other_page(std::FILE* file, PagePlace& place) {
+    std::rewind(file);
+    return !freadHeaderPnm(file, &place.width, &place.height, nullptr, nullptr, nullptr, nullptr);
+}
+
+std::size_t size_of(std::FILE* file) {
+    std::fseek(file, 0, SEEK_END);
+    const long size = std::ftell(file);
+    std::rewind(file);
+    return size < 0 ? 0 : static_cast<std::size_t>(size);
+}
+
+}  // namespace
+
+std::vector<PagePlace> list_pnm_pages(std::FILE* file) {
+    const std::size_t file_size = size_of(file);
+    std::vector<PagePlace> places;
+    for (int byte = skip_space(file); byte == 'P'; byte = skip_space(file)) {
+        PagePlace place;
+        place.offset = static_cast<std::size_t>(std::ftell(file)) - 1;
+        const RawHeader header = read_header(file);
+        if (header.type == 0) {
+            if (places.empty() && list_other_page(file, place)) return {place};
+            return {};
+        }
+        if (!skip_rows(file, header, file_size)) return {};
+        place.width = header.width;
+        place.height = header.height;
+        places.push_back(place);
+    }
+    return places;
+}
+
+std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
+    std::fseek(file, static_cast<long>(place.offset) + 1, SEEK_SET);
+    const RawHeader header = read_header(file);
+    if (header.type == 0) return std::nullopt;
+    Page page;
+    page.kind = header.type == '4'   ? PageKind::bitonal
+                : header.type == '5' ? PageKind::grey
+                                     : PageKind::colour;
+    page.width = header.width;
+    page.height = header.height;
+    page.bytes = allocate_pixels(page.size());
+    std::vector<unsigned char> row(std::max(header.row_size(), page.stride()));
+    for (int y = 0; y < page.height; ++y) {
+        if (std::fread(row.data(), 1, header.row_size(), file) != header.row_size())
+            return std::nullopt;
+        if (header.type == '4') {
+            clear_padding(row, header.width);
+            std::memcpy(page.row(y), row.data(), page.stride());
+        } else if (header.largest_value == 255) {
+            std::memcpy(page.row(y), row.data(), page.stride());
+        } else {
+            scale_samples(row.data(), page.stride(), header.largest_value, page.row(y));
+        }
+    }
+    return page;
+}
+
+}  // namespace tool

@@ -1,0 +1,168 @@
+/* A pixel is a weighted mean of the 4 x 4 pixels around its place. Places are counted in 1/256 of a
+ * pixel, weights in 1/1024. */
+#include "reading/resample.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "steps/grey_page.h"
+
+namespace tool {
+namespace {
+
+constexpr int kPlaceBits = 8;
+constexpr int kPlaces = 1 << kPlaceBits;
+constexpr int kWeightBits = 10;
+constexpr int kOne = 1 << kWeightBits;
+
+using Weights = std::array<int, 4>;
+using WeightTable = std::array<Weights, kPlaces>;
+
+/* The weights of each place between two pixels; they sum up to kOne. */
+WeightTable make_weights() {
+    WeightTable table{};
+    for (int place = 0; place < kPlaces; ++place) {
+        const double t = static_cast<double>(place) / kPlaces;
+        const double before = t * (-1 + t * (2 - t)) / 2;
+        const double after = t * t * (t - 1) / 2;
+        const double right = t * (1 + t * (4 - 3 * t)) / 2;
+        Weights& w = table[static_cast<std::size_t>(place)];
+        w[0] = static_cast<int>(std::lround(before * kOne));
+        w[2] = static_cast<int>(std::lround(right * kOne));
+        w[3] = static_cast<int>(std::lround(after * kOne));
+        w[1] = kOne - w[0] - w[2] - w[3];
+    }
+    return table;
+}
+
+const WeightTable& weights() {
+    static const WeightTable kTable = make_weights();
+    return kTable;
+}
+
+const Weights& at_place(const WeightTable& table, int place) {
+    return table[static_cast<std::size_t>(place & (kPlaces - 1))];
+}
+
+int weighted(const Weights& w, int a, int b, int c, int d) {
+    return w[0] * a + w[1] * b + w[2] * c + w[3] * d;
+}
+
+unsigned char to_grey(int sum) {
+    return static_cast<unsigned char>(
+        std::clamp((sum + (1 << (2 * kWeightBits - 1))) >> (2 * kWeightBits), 0, 255));
+}
+
+int weighted_line(const Weights& across, const unsigned char* at) {
+    return weighted(across, at[0], at[1], at[2], at[3]);
+}
+
+/* The grey at a place of the page; places off the page see the page's nearest pixels. */
+unsigned char grey_near_edge(const Page& grey, const WeightTable& table, int x, int y) {
+    const int left = (x >> kPlaceBits) - 1;
+    const int top = (y >> kPlaceBits) - 1;
+    std::array<int, 4> lines{};
+    for (int j = 0; j < 4; ++j) {
+        const unsigned char* row = grey.row(std::clamp(top + j, 0, grey.height - 1));
+        const auto at = [&](int i) { return int{row[std::clamp(left + i, 0, grey.width - 1)]}; };
+        lines[static_cast<std::size_t>(j)] =
+            weighted(at_place(table, x), at(0), at(1), at(2), at(3));
+    }
+    return to_grey(weighted(at_place(table, y), lines[0], lines[1], lines[2], lines[3]));
+}
+
+/* The same for places that have all of their 4 x 4 pixels on the page. */
+unsigned char grey_inside(const Page& grey, const WeightTable& table, int x, int y) {
+    const Weights& across = at_place(table, x);
+    const std::size_t stride = grey.stride();
+    const unsigned char* at = grey.row((y >> kPlaceBits) - 1) + (x >> kPlaceBits) - 1;
+    return to_grey(
+        weighted(at_place(table, y), weighted_line(across, at), weighted_line(across, at + stride),
+                 weighted_line(across, at + 2 * stride), weighted_line(across, at + 3 * stride)));
+}
+
+bool has_all_neighbours(const Page& grey, int x, int y) {
+    const int left = x >> kPlaceBits, top = y >> kPlaceBits;
+    return left >= 1 && top >= 1 && left + 2 < grey.width && top + 2 < grey.height;
+}
+
+/* The weighted sums across row y at the places of a row of twice the width. */
+std::vector<int> doubled_line(const Page& grey, int y) {
+    const unsigned char* row = grey.row(std::clamp(y, 0, grey.height - 1));
+    std::vector<unsigned char> wide(static_cast<std::size_t>(grey.width) + 4);
+    for (int x = -2; x < grey.width + 2; ++x)
+        wide[static_cast<std::size_t>(x + 2)] = row[std::clamp(x, 0, grey.width - 1)];
+    const Weights& before = at_place(weights(), -kPlaces / 4);
+    const Weights& after = at_place(weights(), kPlaces / 4);
+    std::vector<int> line(static_cast<std::size_t>(grey.width) * 2);
+    for (std::size_t x = 0; x < line.size() / 2; ++x) {
+        line[2 * x] = weighted_line(before, &wide[x]);
+        line[2 * x + 1] = weighted_line(after, &wide[x + 1]);
+    }
+    return line;
+}
+
+Page grey_page(int width, int height, Resolution dpi) {
+    Page page;
+    page.kind = PageKind::grey;
+    page.width = width;
+    page.height = height;
+    page.dpi = dpi;
+    page.bytes = allocate_pixels(page.size());
+    return page;
+}
+
+}  // namespace
+
+Page doubled(const Page& grey) {
+    Page large = grey_page(grey.width * 2, grey.height * 2, {grey.dpi.x * 2, grey.dpi.y * 2});
+    std::array<std::vector<int>, 4> lines;
+    for (int y = 0; y < large.height; ++y) {
+        const int place = y * (kPlaces / 2) - kPlaces / 4;
+        const int top = (place >> kPlaceBits) - 1;
+        if (y == 0)
+            for (int j = 0; j < 4; ++j)
+                lines[static_cast<std::size_t>(j)] = doubled_line(grey, top + j);
+        if (y % 2 == 1) {
+            std::rotate(lines.begin(), lines.begin() + 1, lines.end());
+            lines[3] = doubled_line(grey, top + 3);
+        }
+        const Weights& down = at_place(weights(), place);
+        unsigned char* row = large.row(y);
+        for (std::size_t x = 0; x < lines[0].size(); ++x)
+            row[x] = to_grey(weighted(down, lines[0][x], lines[1][x], lines[2][x], lines[3][x]));
+    }
+    return large;
+}
+
+Page levelled(const Page& grey, int rise, int run, int width, int height) {
+    Page level = grey_page(width, height, grey.dpi);
+    const WeightTable& table = weights();
+    /* In 1/2^32 of a pixel, which keeps the error over a whole row below a place. */
+    constexpr double kUnit = 4294967296.0;
+    constexpr int kShift = 32 - kPlaceBits;
+    const double length = std::hypot(rise, run);
+    const std::int64_t cosine = std::llround(run / length * kUnit);
+    const std::int64_t sine = std::llround(rise / length * kUnit);
+    const int right = (grey.width - 1) * kPlaces;
+    const int bottom = (grey.height - 1) * kPlaces;
+    for (int y = 0; y < height; ++y) {
+        const std::int64_t u = 1 - width, v = 2 * std::int64_t{y} + 1 - height; /* doubled */
+        std::int64_t fx = (std::int64_t{grey.width - 1} << 31) + (u * cosine + v * sine) / 2;
+        std::int64_t fy = (std::int64_t{grey.height - 1} << 31) + (v * cosine - u * sine) / 2;
+        unsigned char* row = level.row(y);
+        for (int x = 0; x < width; ++x, fx += cosine, fy -= sine) {
+            const auto px = static_cast<int>(fx >> kShift), py = static_cast<int>(fy >> kShift);
+            const bool on_page = px >= 0 && py >= 0 && px <= right && py <= bottom;
+            row[x] = !on_page                           ? 255
+                     : has_all_neighbours(grey, px, py) ? grey_inside(grey, table, px, py)
+                                                        : grey_near_edge(grey, table, px, py);
+        }
+    }
+    return level;
+}
+
+}  // namespace tool

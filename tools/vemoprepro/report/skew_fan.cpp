@@ -1,0 +1,116 @@
+/* Reads the estimator's trace. In each direction a coarse search over the page at half its size is
+ * followed by a fine one around its best slope and one around its worst; the best of the former
+ * over the worst of the latter is the confidence. */
+#include "report/skew_fan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "files/output_file.h"
+#include "steps/skew_measure.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kTraceName = "estimate_skew_of_binary_image.log";
+
+struct Candidate {
+    int slope;
+    double power;
+};
+using Candidates = std::vector<Candidate>;
+
+struct Search {
+    Candidates coarse;
+    Candidates fine;
+    Candidates low; /* around the worst */
+};
+
+struct Searches {
+    Search rows, columns;
+};
+
+bool begins(const std::string& line, const char* start) {
+    return line.rfind(start, 0) == 0;
+}
+
+/* `current` when the line does not begin a search. */
+Candidates* section_of(const std::string& line, Searches& searches, Candidates* current) {
+    if (begins(line, "rough estimation on rows")) return &searches.rows.coarse;
+    if (begins(line, "fine estimation on rows")) return &searches.rows.fine;
+    if (begins(line, "rough estimation on columns")) return &searches.columns.coarse;
+    if (begins(line, "fine estimation on columns")) return &searches.columns.fine;
+    if (!begins(line, "fine estimation of the confidence")) return current;
+    return searches.columns.fine.empty() ? &searches.rows.low : &searches.columns.low;
+}
+
+Searches read_searches(std::istream& trace) {
+    constexpr std::size_t kSlopeAt = 7; /* behind "yskew :" */
+    constexpr std::size_t kPowerAt = 6; /* behind "power:" */
+    Searches searches;
+    Candidates* section = nullptr;
+    int slope = 0;
+    for (std::string line; std::getline(trace, line);) {
+        section = section_of(line, searches, section);
+        if (begins(line, "yskew :")) slope = std::atoi(line.c_str() + kSlopeAt);
+        if (section && begins(line, "power:"))
+            section->push_back({slope, std::strtod(line.c_str() + kPowerAt, nullptr)});
+    }
+    return searches;
+}
+
+std::vector<FanPoint> in_multiples_of_worst(const Candidates& search, const Candidates& low,
+                                            int sign) {
+    std::vector<FanPoint> points;
+    const auto weaker = [](const Candidate& one, const Candidate& other) {
+        return one.power < other.power;
+    };
+    const auto worst = std::min_element(low.begin(), low.end(), weaker);
+    if (worst == low.end() || !(worst->power > 0)) return points;
+    for (const Candidate& one : search)
+        points.push_back(
+            {Skew{sign * one.slope, Skew::kScale}.degrees(), one.power / worst->power});
+    std::sort(points.begin(), points.end(), [](const FanPoint& one, const FanPoint& other) {
+        return one.degrees < other.degrees;
+    });
+    return points;
+}
+
+FanCurves curves_of(const Search& search, int sign) {
+    return {in_multiples_of_worst(search.coarse, search.coarse, sign),
+            in_multiples_of_worst(search.fine, search.low, sign)};
+}
+
+}  // namespace
+
+SkewFan read_fan(std::istream& trace) {
+    const Searches searches = read_searches(trace);
+    SkewFan fan;
+    fan.lines = curves_of(searches.rows, 1);
+    fan.stems = curves_of(searches.columns, -1);
+    return fan;
+}
+
+std::vector<SkewFan> trace_fans(const Page& page) {
+    std::vector<SkewFan> fans;
+    if (page.kind != PageKind::bitonal || page.width < kShortestSkewSide ||
+        page.height < kShortestSkewSide)
+        return fans;
+    const TemporaryFolder folder;
+    if (folder.path().empty()) return fans;
+    const auto add = [&](const SkewWindow& window) {
+        const MeasuredSkew measured = measure_skew(page, window, folder.path().c_str());
+        std::ifstream trace(folder.path() + "/" + kTraceName);
+        SkewFan fan = read_fan(trace);
+        fan.confidence = measured.confidence;
+        if (!fan.lines.coarse.empty() || !fan.stems.coarse.empty()) fans.push_back(std::move(fan));
+    };
+    add(whole_window(page));
+    if (const auto inner = inner_window(page)) add(*inner);
+    return fans;
+}
+
+}  // namespace tool

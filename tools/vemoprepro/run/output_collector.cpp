@@ -1,0 +1,89 @@
+#include "run/output_collector.h"
+
+#include <new>
+#include <utility>
+
+namespace tool {
+namespace {
+
+/* A name that promises a bitmap must not hold something else. */
+void check_fit(const std::string& name, const Page& page) {
+    const std::string end = name.size() < 4 ? "" : name.substr(name.size() - 4);
+    if (page.kind != PageKind::bitonal && (end == ".pbm" || end == ".PBM"))
+        throw FileError(name, std::string("a ") + name_of(page.kind) +
+                                  " page does not fit into a PBM file, name it .pnm");
+}
+
+}  // namespace
+
+void OutputSet::open(const std::string& name) {
+    files_.push_back(std::make_unique<OutputFile>(name, overwrite_));
+    writer_ = make_page_writer(names_.format, *files_.back());
+}
+
+void OutputSet::finish_file() {
+    if (!writer_) return;
+    writer_->finish();
+    writer_.reset();
+    files_.back()->close();
+}
+
+void OutputSet::append(std::size_t index, Page page) {
+    const std::string& name = names_.of_page(index);
+    check_fit(name, page);
+    if (!writer_ || names_.files.size() > 1) {
+        finish_file();
+        open(name);
+    }
+    writer_->append(std::move(page));
+}
+
+void OutputSet::publish() {
+    finish_file();
+    std::size_t published = 0;
+    try {
+        for (; published < files_.size(); ++published) files_[published]->publish();
+    } catch (const FileError&) {
+        while (published > 0) files_[--published]->withdraw();
+        throw;
+    }
+}
+
+void OutputCollector::deliver(PageResult& result) {
+    if (result.input == failed_) return;
+    if (result.error) return fail(result, *result.error);
+    try {
+        write(result);
+    } catch (const FileError& error) {
+        fail(result, error);
+    } catch (const std::bad_alloc&) {
+        fail(result, FileError(result.input->name, "not enough memory"));
+    }
+}
+
+void OutputCollector::write(PageResult& result) {
+    const Input& input = *result.input;
+    if (result.page == 0) {
+        outputs_.emplace(input.outputs, overwrite_);
+        report_.start(input.name, name_of(input.file->format()), input.page_count());
+    }
+    outputs_->append(result.page, std::move(result.data));
+    if (pictures_ && result.pictures)
+        pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
+    report_.page(std::move(result.record), input.outputs.of_page(result.page));
+    if (result.page + 1 < input.page_count()) return;
+    outputs_->publish();
+    outputs_.reset();
+    report_.finish_input(input.outputs.files);
+}
+
+void OutputCollector::fail(PageResult& result, const FileError& error) {
+    result.input->fail_from(result.page);
+    failed_ = result.input;
+    outputs_.reset();
+    if (result.page == 0) report_.start(result.input->name, "", 0);
+    report_.fail_input(error);
+    if (pictures_) pictures_->fail(result.input->name, error.what());
+}
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+/* Takes the finished pages in order, writes them and reports them. */
+#ifndef VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_
+#define VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "files/page_writer.h"
+#include "report/page_pictures.h"
+#include "report/picture_report.h"
+#include "run/input_feeder.h"
+#include "run/report.h"
+
+namespace tool {
+
+struct PageResult {
+    std::shared_ptr<Input> input;
+    std::size_t page = 0;
+    Page data;
+    PageRecord record;
+    std::optional<PagePictures> pictures; /* for the report to look at */
+    std::optional<FileError> error;
+};
+
+/* The output files of one input: all of them appear, or none. */
+class OutputSet {
+  public:
+    OutputSet(const OutputNames& names, bool overwrite) : names_(names), overwrite_(overwrite) {}
+
+    void append(std::size_t index, Page page);
+    void publish();
+
+  private:
+    void open(const std::string& name);
+    void finish_file();
+
+    const OutputNames& names_;
+    bool overwrite_;
+    std::vector<std::unique_ptr<OutputFile>> files_;
+    std::unique_ptr<PageWriter> writer_; /* of the last file */
+};
+
+class OutputCollector {
+  public:
+    /* pictures: the report to look at; may be null. */
+    OutputCollector(const Options& options, Report& report, PictureReport* pictures)
+        : overwrite_(options.overwrite), report_(report), pictures_(pictures) {}
+
+    void deliver(PageResult& result);
+
+  private:
+    void write(PageResult& result);
+    void fail(PageResult& result, const FileError& error);
+
+    bool overwrite_;
+    Report& report_;
+    PictureReport* pictures_;
+    std::shared_ptr<Input> failed_; /* the last input that failed, already reported */
+    std::optional<OutputSet> outputs_;
+};
+
+}  // namespace tool
+
+#endif  // VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_

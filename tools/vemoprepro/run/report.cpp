@@ -1,0 +1,163 @@
+/* Standard output belongs to the page with -o -, else to the record with --json, else to the words.
+ */
+#include "run/report.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "run/messages.h"
+#include "steps/steps.h"
+
+namespace tool {
+namespace {
+
+/* To the start of the terminal's line, and what is there goes. */
+constexpr const char* kNewLineInPlace = "\r\x1b[K";
+
+std::string page_label(const std::string& input, const PageRecord& record, std::size_t pages) {
+    if (pages == 1) return input + ": ";
+    return input + ": page " + std::to_string(record.number) + " of " + std::to_string(pages) +
+           ": ";
+}
+
+/* Why a step that was asked for was not done, when that is worth a word on the page's line. */
+std::string why_not(const StepRecord& step) {
+    if (step.name == "deskew") return "; not straightened: " + step.why;
+    if (step.ink_removed) return "; " + step.name + " skipped: it " + step.why;
+    if (step.name == "crop" && step.why != kSwitchedOff) return "; crop skipped: " + step.why;
+    return "";
+}
+
+/* "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)" */
+std::string summary(const PageRecord& record) {
+    std::string text = describe(record);
+    for (const StepRecord& step : record.steps) {
+        text += step.done ? "; " + step.why : why_not(step);
+    }
+    return text;
+}
+
+/* What must not be written over by the next page: a step that was held back, and the content's
+ * rectangle that was asked for. */
+bool must_stay(const PageRecord& record) {
+    return record.content ||
+           std::any_of(record.steps.begin(), record.steps.end(), [](const StepRecord& step) {
+               return !step.done && step.ink_removed.has_value();
+           });
+}
+
+/* As much of a line of UTF-8 as fits beside the terminal's edge; a longer one would wrap, and the
+ * next one could not take its place. */
+std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
+    winsize size{};
+    if (ioctl(fileno(terminal), TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
+    int columns = size.ws_col;
+    for (std::size_t i = 0; i < line.size(); ++i)
+        if ((line[i] & 0xC0) != 0x80 && --columns == 0) return line.substr(0, i);
+    return line;
+}
+
+std::string resolution_source(const PageRecord& record) {
+    if (record.dpi_source == "default") return " (the file has none)";
+    return record.dpi_source == "option" ? " (as given)" : "";
+}
+
+/* JSON is UTF-8; file names need not be. */
+std::string json_text(const nlohmann::ordered_json& json) {
+    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+}  // namespace
+
+bool print_json(std::FILE* stream, const nlohmann::ordered_json& files) {
+    const nlohmann::ordered_json document = {{"program", "vemoprepro " VEMOPREPRO_VERSION},
+                                             {"files", files}};
+    return std::fprintf(stream, "%s\n", json_text(document).c_str()) > 0 &&
+           std::fflush(stream) == 0;
+}
+
+nlohmann::ordered_json file_json(const std::string& input, const std::string& format) {
+    nlohmann::ordered_json json = {{"input", input}, {"format", nullptr}};
+    if (!format.empty()) json["format"] = format;
+    json["error"] = nullptr;
+    json["pages"] = nlohmann::ordered_json::array();
+    return json;
+}
+
+Report::Report(const Options& options)
+    : quiet_(options.quiet || (options.json && !options.verbose)),
+      verbose_(options.verbose),
+      json_(options.json),
+      words_(options.output_is_stdout() || options.json ? error_stream() : stdout),
+      record_(options.output_is_stdout() ? error_stream() : stdout),
+      terminal_(!verbose_ && isatty(fileno(words_)) == 1) {}
+
+void Report::start(const std::string& input, const std::string& format, std::size_t page_count) {
+    input_ = input;
+    page_count_ = page_count;
+    if (json_) {
+        files_.push_back(file_json(input, format));
+        files_.back()["outputs"] = nlohmann::ordered_json::array();
+    }
+}
+
+void Report::page(PageRecord record, const std::string& output) {
+    if (!quiet_) {
+        const std::string label = page_label(input_, record, page_count_);
+        if (verbose_) {
+            std::fprintf(words_, "%s%s%s\n", label.c_str(), describe(record).c_str(),
+                         resolution_source(record).c_str());
+            print_steps(record, output);
+        } else {
+            print_line(label + summary(record), terminal_ && !must_stay(record));
+        }
+        std::fflush(words_);
+    }
+    if (json_) files_.back()["pages"].push_back(to_json(record));
+}
+
+void Report::print_line(const std::string& line, bool as_progress) {
+    if (terminal_) std::fputs(kNewLineInPlace, words_);
+    const std::string shown = as_progress ? cut_to_terminal(line, words_) : line + "\n";
+    std::fputs(shown.c_str(), words_);
+    progress_ = as_progress ? line : "";
+}
+
+void Report::print_steps(const PageRecord& record, const std::string& output) {
+    for (const StepRecord& step : record.steps) std::fprintf(words_, "  %s\n", step.line().c_str());
+    std::fprintf(words_, "  written: %s, %d x %d pixels, to %s (%.2f s)\n",
+                 name_of(record.output_kind), record.output_width, record.output_height,
+                 output.c_str(), record.seconds);
+}
+
+void Report::finish_input(const std::vector<std::string>& outputs) {
+    if (json_) files_.back()["outputs"] = outputs;
+}
+
+void Report::fail_input(const FileError& error) {
+    clear_progress();
+    std::fflush(words_);
+    complain(error.file(), error.what());
+    if (json_)
+        files_.back()["error"] =
+            error.file() == input_ ? std::string(error.what()) : error.file() + ": " + error.what();
+    status_ = kExitFailed;
+}
+
+void Report::clear_progress() {
+    if (!progress_.empty()) std::fprintf(words_, "%s%s\n", kNewLineInPlace, progress_.c_str());
+    progress_.clear();
+}
+
+int Report::finish() {
+    clear_progress();
+    bool good = !json_ || print_json(record_, files_);
+    if (std::fflush(words_) != 0) good = false;
+    if (good) return status_;
+    complain("standard output", "cannot be written");
+    return kExitFailed;
+}
+
+}  // namespace tool

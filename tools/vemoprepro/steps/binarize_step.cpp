@@ -1,0 +1,163 @@
+/* Bitonal pages: by the gradient method, by Otsu's, or by a given threshold. */
+#include <vemoprepro/binarization.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "reading/reading_grey.h"
+#include "steps/grey_page.h"
+#include "steps/steps.h"
+
+namespace tool {
+namespace {
+
+constexpr unsigned char kSmooth = 246; /* a do call raises it by 2 */
+/* Half of the one-shot dark levels, 128 being the middle between the darkest grey and white: with
+ * the full ones paper in the shade becomes black, with none large dark areas fall apart. */
+constexpr unsigned char kFillLevel = 64;
+constexpr unsigned char kLowestThreshold = 48;
+
+/* Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
+ * showing through, stains and noise. */
+constexpr int kEdgeShare = 40;
+constexpr int kWeakestEdge = 16;
+/* Stronger edges are asked for only where light print on a page of black ink may go: at 40 print
+ * down to a contrast of 50 is whole, at 80 a contrast of 90 is already lost. */
+constexpr int kUsualEdge = 40;
+constexpr int kStrongestEdge = 120;
+
+struct FreeSettings {
+    void operator()(bi_settings* settings) const { bi_upset(settings); }
+};
+using Settings = std::unique_ptr<bi_settings, FreeSettings>;
+
+Settings make_settings() {
+    Settings settings(bi_setup(RowReader::read));
+    if (!settings) throw std::bad_alloc();
+    return settings;
+}
+
+Page threshold_bits(const Page& grey, int threshold) {
+    Page bits = same_size(grey, PageKind::bitonal);
+    RowReader reader{grey};
+    const Settings settings = make_settings();
+    bi_set_thresh(settings.get(), static_cast<unsigned char>(threshold));
+    if (bi_thresh_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
+                     grey.height, bits.bytes.get()) != 0)
+        throw std::bad_alloc();
+    return bits;
+}
+
+void set_edges(bi_settings* settings, int edge) {
+    bi_set_delta1(settings, static_cast<unsigned char>(edge));
+    bi_set_delta2(settings, static_cast<unsigned char>(edge * 3 / 4));
+}
+
+int edge_for(const Page& grey, int strongest) {
+    return std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, strongest);
+}
+
+Page gradient_bits(const Page& grey) {
+    Page bits = same_size(grey, PageKind::bitonal);
+    RowReader reader{grey};
+    const Settings settings = make_settings();
+    bi_set_smooth(settings.get(), kSmooth);
+    set_edges(settings.get(), edge_for(grey, kUsualEdge));
+    bi_set_black1(settings.get(), kFillLevel);
+    bi_set_black2(settings.get(), kLowestThreshold);
+    if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
+                    grey.height, bits.bytes.get()) != 0)
+        throw std::bad_alloc();
+    return bits;
+}
+
+/* For reading. Edges are looked for on a smoothed copy, against noise. */
+Page bits_by_edges(const Page& grey, int strongest) {
+    Page bits = same_size(grey, PageKind::bitonal);
+    const Settings settings = make_settings();
+    set_edges(settings.get(), edge_for(grey, strongest));
+    bi_set_internal_gaussian_smoothing(settings.get(), 1);
+    if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
+                         bits.bytes.get()) != 0)
+        throw std::bad_alloc();
+    return bits;
+}
+
+struct Greys {
+    int darkest_white = 255; /* 255 also when all is black */
+    bool any_black = false;
+    int lightest = 0;
+};
+
+Greys survey(const Page& grey, const Page& bits) {
+    Greys greys;
+    for (int y = 0; y < grey.height; ++y) {
+        const unsigned char* row = grey.row(y);
+        const unsigned char* ink = bits.row(y);
+        for (int x = 0; x < grey.width; ++x) {
+            const int black = ink[x / 8] >> (7 - x % 8) & 1;
+            greys.any_black |= black != 0;
+            greys.darkest_white = std::min(greys.darkest_white, row[x] | (-black & 255));
+            greys.lightest = std::max(greys.lightest, int{row[x]});
+        }
+    }
+    return greys;
+}
+
+/* Binarizes by Otsu's threshold and returns it. Otsu's split chooses a grey that is present, the
+ * lightest of the dark class, while only greys below the threshold become black. So the threshold
+ * is the darkest grey that became white; and on a page drawn in a single dark grey that grey is the
+ * threshold itself and all of the ink would be lost: there the threshold goes up by one. */
+int binarize_by_otsu(const Page& grey, Page& bits) {
+    bits = threshold_bits(grey, 0);
+    const Greys greys = survey(grey, bits);
+    if (greys.any_black || greys.darkest_white == greys.lightest)
+        return std::max(greys.darkest_white, 1);
+    bits = threshold_bits(grey, greys.darkest_white + 1);
+    return greys.darkest_white + 1;
+}
+
+Outcome threshold_by(Page& page, int threshold, const char* source, PageRecord& record) {
+    page = threshold_bits(page, threshold);
+    record.threshold = threshold;
+    return {true, "threshold " + std::to_string(threshold) + source};
+}
+
+Outcome binarize(Page& page, const Options& options, const PageFindings& findings,
+                 PageRecord& record) {
+    if (page.kind == PageKind::bitonal) return {false, "bitonal already"};
+    if (page.kind == PageKind::colour) page = grey_of(page);
+    if (findings.threshold)
+        return threshold_by(page, *findings.threshold, " (as recorded)", record);
+    if (options.binarization == Binarization::fixed)
+        return threshold_by(page, options.threshold, " (as given)", record);
+    Page bits;
+    if (options.binarization == Binarization::gradient && options.for_reading) {
+        if (options.lines.wanted())
+            record.with_faint_ink = std::make_shared<const Page>(bits_by_edges(page, kWeakestEdge));
+        page = bits_for_reading(page);
+        return {true, "gradient thresholds for the contrast of the ink"};
+    }
+    if (options.binarization == Binarization::gradient) {
+        page = gradient_bits(page);
+        return {true, "gradient thresholds"};
+    }
+    record.threshold = binarize_by_otsu(page, bits);
+    page = std::move(bits);
+    return {true, "threshold " + std::to_string(*record.threshold) + " (Otsu's method)"};
+}
+
+}  // namespace
+
+Page bits_for_reading(const Page& grey) {
+    return bits_by_edges(grey, kStrongestEdge);
+}
+
+Step binarize_step(const Options& options) {
+    return {"binarize", [options](Page& page, const PageFindings& findings, PageRecord& record) {
+                return binarize(page, options, findings, record);
+            }};
+}
+
+}  // namespace tool

@@ -1,0 +1,102 @@
+/* Straightening of bitonal pages. */
+#include <vemoprepro/deskew.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "files/image_file.h"
+#include "reading/ink.h"
+#include "reading/reading_grey.h"
+#include "reading/resample.h"
+#include "steps/skew_measure.h"
+#include "steps/steps.h"
+
+namespace tool {
+namespace {
+
+/* Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
+ */
+constexpr int kAgreement = 3;
+
+/* The whole page, which measures most exactly, unless its inner part clearly says something else:
+ * then a border or a streak has been measured, and not the text. */
+MeasuredSkew measure(const Page& page) {
+    const MeasuredSkew whole = measure_skew(page, whole_window(page));
+    const std::optional<SkewWindow> inner = inner_window(page);
+    if (!inner) return whole;
+    const MeasuredSkew within = measure_skew(page, *inner);
+    const bool agree = std::abs(within.skew.numerator - whole.skew.numerator) <= kAgreement;
+    return within.clear() && !(whole.clear() && agree) ? within : whole;
+}
+
+/* The straight page without its pixels. */
+Page straight_frame(const Page& page, Skew skew) {
+    Page straight;
+    straight.dpi = page.dpi;
+    if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
+                     &straight.width) != 0)
+        throw StepError("the skew is out of range");
+    return straight;
+}
+
+void straighten(Page& page, Skew skew, Page straight) {
+    if (page.kind == PageKind::grey) {
+        page = levelled(page, skew.numerator, skew.denominator, straight.width, straight.height);
+        return;
+    }
+    straight.bytes = allocate_pixels(straight.size());
+    if (skrotbmp_mem(skew.numerator, skew.denominator, page.bytes.get(), page.height, page.width,
+                     static_cast<int>(page.stride()), straight.bytes.get(), straight.height,
+                     straight.width, static_cast<int>(straight.stride()), nullptr) != 0)
+        throw std::bad_alloc();
+    page = std::move(straight);
+}
+
+std::string with_digits(const char* format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
+    if (skew.numerator == 0) return {false, "already straight" + source};
+    Page straight = straight_frame(page, skew);
+    if (straight.width > kLongestSide || straight.height > kLongestSide)
+        return {false, "straight it would be larger than 32767 pixels a side" + source};
+    straighten(page, skew, std::move(straight));
+    return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
+}
+
+Outcome measure_and_straighten(Page& page, PageRecord& record) {
+    if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
+        return {false, "smaller than 32 pixels a side"};
+    const MeasuredSkew measured =
+        page.kind == PageKind::grey ? measure(bits_for_reading(page)) : measure(page);
+    record.skew = measured.skew;
+    record.confidence = measured.confidence;
+    if (std::isnan(measured.confidence)) return {false, "no ink on the page"};
+    const std::string confidence = with_digits(" (confidence %.2f)", measured.confidence);
+    if (!measured.clear()) return {false, "no clear skew" + confidence};
+    return straighten_by(page, measured.skew, confidence);
+}
+
+}  // namespace
+
+Step deskew_step(const Options& options) {
+    const bool wanted = options.straighten;
+    const bool greys = options.for_reading;
+    const std::optional<Skew> given = options.skew;
+    return {"deskew",
+            [wanted, greys, given](Page& page, const PageFindings& findings,
+                                   PageRecord& record) -> Outcome {
+                if (!wanted) return {false, "switched off"};
+                if (!greys) require_bitonal(page, "deskew");
+                if (!given && !findings.skew) return measure_and_straighten(page, record);
+                record.skew = given ? *given : *findings.skew;
+                return straighten_by(page, *record.skew, given ? " (as given)" : " (as recorded)");
+            }};
+}
+
+}  // namespace tool

@@ -1,0 +1,77 @@
+/* Specks, and everything that is not text. */
+#include <vemoprepro/cleaning.h>
+
+#include "reading/ink.h"
+#include "steps/steps.h"
+
+namespace tool {
+namespace {
+
+/* A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9. */
+constexpr double kSpeck = 6;
+/* What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
+ */
+constexpr double kSpeckForReading = 9;
+constexpr double kNearForReading = 8;
+/* The same on a heavily specked page, where a word's neighbourhood is full of specks, too. */
+constexpr double kSpeckOfMany = 20;
+constexpr double kNearOfMany = 3;
+
+/* Capitals of 72 point type. */
+constexpr double kTallestText = 250;
+
+void remove_specks(Page& page, int area, int keep_near) {
+    if (despeckl_c_mem(page.bytes.get(), page.height, page.width, static_cast<int>(page.stride()),
+                       area, keep_near) != 0)
+        throw std::bad_alloc();
+}
+
+/* In pixels of the page. */
+struct Usual {
+    int area, keep_near;
+};
+
+Usual usual_specks(const Page& page, bool reading, bool specked) {
+    if (!reading) return {scaled_area(page, kSpeck), 0};
+    if (specked) return {scaled_area(page, kSpeckOfMany), scaled_length(page, kNearOfMany)};
+    return {scaled_area(page, kSpeckForReading), scaled_length(page, kNearForReading)};
+}
+
+}  // namespace
+
+Step despeckle_step(const Options& options) {
+    const DespeckleOptions wanted = options.despeckle;
+    const bool reading = options.for_reading;
+    const bool force = options.force;
+    return {"despeckle", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
+                if (!wanted.wanted) return {false, "switched off"};
+                require_bitonal(page, "despeckle");
+                const Usual usual = usual_specks(page, reading, record.specked);
+                const int area = wanted.max_area.value_or(usual.area);
+                const int near = wanted.keep_near.value_or(usual.keep_near);
+                if (area == 0) return {false, "no specks at this resolution"};
+                std::string what = "specks of up to " + std::to_string(area) + " pixels";
+                if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
+                return remove_ink(page, force, whole(page), what,
+                                  [=](Page& changed) { remove_specks(changed, area, near); });
+            }};
+}
+
+Step textmask_step(const Options& options) {
+    const TextOptions wanted = options.text;
+    return {"textmask", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+                require_bitonal(page, "textmask");
+                const int height =
+                    std::min(32767, wanted.max_height.value_or(scaled_length(page, kTallestText)));
+                const std::string what =
+                    "all but text of up to " + std::to_string(height) + " pixels height";
+                return remove_ink(page, true, whole(page), what, [=](Page& changed) {
+                    if (pre_tva(changed.bytes.get(), changed.height, changed.width,
+                                static_cast<int>(changed.stride()), static_cast<short>(height),
+                                static_cast<short>(wanted.min_density)) != 0)
+                        throw std::bad_alloc();
+                });
+            }};
+}
+
+}  // namespace tool

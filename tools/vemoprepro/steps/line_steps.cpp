@@ -1,0 +1,86 @@
+/* Ruled lines: taking them off a page, or keeping nothing else. */
+#include <vemoprepro/cleaning.h>
+
+#include <utility>
+
+#include "reading/faint_rules.h"
+#include "reading/ink.h"
+#include "reading/rules.h"
+#include "steps/steps.h"
+
+namespace tool {
+namespace {
+
+/* At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm. */
+constexpr double kShortestLine = 150;
+constexpr double kThickestLine = 10;
+/* Breaks of a line that is printed weakly. */
+constexpr double kGap = 5;
+/* A line that is not quite level steps aside by this much. */
+constexpr double kStep = 1;
+/* The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm. */
+constexpr double kDash = 16;
+constexpr double kAround = 16;
+/* Ink beside a faint rule that is no letter. */
+constexpr double kCrumb = 4;
+
+RuleScale rule_scale(const Page& page, const LineOptions& wanted) {
+    return {wanted.min_length.value_or(scaled_length(page, kShortestLine)),
+            wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
+            scaled_length(page, kGap), scaled_length(page, kDash), scaled_length(page, kAround)};
+}
+
+void remove_lines(Page& page, const LineOptions& wanted) {
+    const RuleScale scale = rule_scale(page, wanted);
+    if (wanted.horizontal) remove_rules(page, scale);
+    if (wanted.vertical) remove_upright_rules(page, scale);
+}
+
+void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted) {
+    Page without_rules = copy_of(with_faint_ink);
+    remove_lines(without_rules, wanted);
+    remove_stubs_of_rules(page, with_faint_ink, without_rules, scaled_area(page, kCrumb));
+}
+
+std::string directions(const LineOptions& wanted) {
+    if (!wanted.horizontal) return "vertical lines";
+    return wanted.vertical ? "horizontal and vertical lines" : "horizontal lines";
+}
+
+}  // namespace
+
+Step unline_step(const Options& options) {
+    const LineOptions wanted = options.lines;
+    const bool force = options.force;
+    return {"unline", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
+                if (!wanted.wanted()) return {false, "switched off"};
+                require_bitonal(page, "unline");
+                return remove_ink(page, force, whole(page), directions(wanted), [&](Page& changed) {
+                    const auto faint = std::move(record.with_faint_ink);
+                    if (faint) remove_stubs(changed, *faint, wanted);
+                    remove_lines(changed, wanted);
+                });
+            }};
+}
+
+Step underlines_step(const Options& options) {
+    const LineOptions wanted = options.lines;
+    return {"underlines", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+                require_bitonal(page, "underlines");
+                Page lines = copy_of(page);
+                const int stride = static_cast<int>(page.stride());
+                const int length = wanted.min_length.value_or(scaled_length(page, kShortestLine));
+                const int thickness =
+                    wanted.max_thickness.value_or(scaled_length(page, kThickestLine));
+                const int covered =
+                    extract_underline(0, wanted.vertical ? 1 : 0, length, length / 2, thickness,
+                                      scaled_length(page, kStep), page.bytes.get(),
+                                      lines.bytes.get(), page.height, stride, 0, page.width);
+                if (covered < 0) throw std::bad_alloc();
+                page = std::move(lines);
+                return {true, "lines over " + std::to_string(covered) +
+                                  (wanted.vertical ? " rows" : " columns")};
+            }};
+}
+
+}  // namespace tool

@@ -1,0 +1,41 @@
+/* Calls the library's estimator on a part of a page, which it takes as a page of its own. */
+#include "steps/skew_measure.h"
+
+#include <vemoprepro/deskew.h>
+
+#include <new>
+
+namespace tool {
+namespace {
+
+constexpr int kMarginFraction = 12;
+
+}  // namespace
+
+SkewWindow whole_window(const Page& page) {
+    return {0, 0, page.width, page.height};
+}
+
+std::optional<SkewWindow> inner_window(const Page& page) {
+    const int margin_x = page.width / kMarginFraction / 8 * 8;
+    const int margin_y = page.height / kMarginFraction;
+    const SkewWindow inner{margin_x, margin_y, page.width - 2 * margin_x,
+                           page.height - 2 * margin_y};
+    if (inner.width < kShortestSkewSide || inner.height < kShortestSkewSide) return std::nullopt;
+    return inner;
+}
+
+MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, const char* trace_folder) {
+    MeasuredSkew measured;
+    int height = 0, width = 0;
+    const unsigned char* corner =
+        page.bytes.get() + static_cast<std::size_t>(window.y0) * page.stride() + window.x0 / 8;
+    if (estimate_skew_of_binary_image(trace_folder ? 1 : 0, trace_folder, corner, window.height,
+                                      window.width, static_cast<int>(page.stride()),
+                                      &measured.skew.numerator, &measured.skew.denominator,
+                                      &measured.confidence, &height, &width) != 0)
+        throw std::bad_alloc();
+    return measured;
+}
+
+}  // namespace tool
