@@ -1,8 +1,8 @@
-/* Leptonica keeps pixels in 32-bit words of the machine's order: 1 bit per pixel with 1 = black, 8
- * bits, or 32 bits as red, green, blue, alpha from the top. All three are brought into the
- * library's shape within the decoded block, from the first row to the last, since the new place of
- * a pixel never lies behind its old one; so a colour page costs 4 bytes per pixel while it is
- * decoded and 3 afterwards. */
+// Leptonica keeps pixels in 32-bit words of the machine's order: 1 bit per pixel with 1 = black, 8
+// bits, or 32 bits as red, green, blue, alpha from the top. All three are brought into the
+// library's shape within the decoded block, from the first row to the last, since the new place of
+// a pixel never lies behind its old one; so a colour page costs 4 bytes per pixel while it is
+// decoded and 3 afterwards.
 #include "files/decode.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@ Decoded decoded_by(PIX* image) {
     return {PixOwner(image), {}, false};
 }
 
-/* No colour map, and 1, 8 or 32 bits per pixel. */
+// No colour map, and 1, 8 or 32 bits per pixel.
 PixOwner plain_image(PixOwner image) {
     if (pixGetColormap(image.get()))
         image.reset(pixRemoveColormap(image.get(), REMOVE_CMAP_BASED_ON_SRC));
@@ -36,7 +36,7 @@ PixelBlock block_of(PIX* image) {
     return PixelBlock(reinterpret_cast<unsigned char*>(pixExtractData(image)));
 }
 
-/* Gives the unused end of the block back. */
+// Gives the unused end of the block back.
 void shrink(Page& page) {
     unsigned char* whole = page.bytes.release();
     void* smaller = std::realloc(whole, page.size());
@@ -54,7 +54,7 @@ void lay_on_white(unsigned char* pixel, std::uint32_t alpha, bool premultiplied)
     for (int i = 0; i < 3; ++i) pixel[i] = over_white(pixel[i], alpha, premultiplied);
 }
 
-/* Packs one row of words into three bytes per pixel. */
+// Packs one row of words into three bytes per pixel.
 void pack_colour_row(const unsigned char* words, int width, bool alpha, bool premultiplied,
                      unsigned char* out) {
     for (int x = 0; x < width; ++x, words += 4, out += 3) {
@@ -76,7 +76,7 @@ void take_colour(Page& page, PIX* image, bool premultiplied) {
 void take_grey(Page& page, PIX* image) {
     pixEndianByteSwap(image);
     const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image)) * 4;
-    page.kind = PageKind::grey;
+    page.kind = PageKind::kGrey;
     page.bytes = block_of(image);
     for (int y = 1; y < page.height; ++y)
         std::memmove(page.row(y), page.bytes.get() + stride * static_cast<std::size_t>(y),
@@ -86,7 +86,7 @@ void take_grey(Page& page, PIX* image) {
 void take_bitonal(Page& page, PIX* image) {
     pixSetPadBits(image, 0);
     pixEndianByteSwap(image);
-    page.kind = PageKind::bitonal;
+    page.kind = PageKind::kBitonal;
     page.bytes = block_of(image);
 }
 
@@ -102,7 +102,7 @@ void keep_one_byte_in_three(Page& page) {
     const std::size_t count = page.size() / 3;
     unsigned char* bytes = page.bytes.get();
     for (std::size_t i = 0; i < count; ++i) bytes[i] = bytes[3 * i];
-    page.kind = PageKind::grey;
+    page.kind = PageKind::kGrey;
 }
 
 bool only_black_and_white(const Page& page) {
@@ -114,7 +114,7 @@ bool only_black_and_white(const Page& page) {
 }
 
 void pack_bits(Page& page) {
-    const std::size_t stride = stride_of(PageKind::bitonal, page.width);
+    const std::size_t stride = stride_of(PageKind::kBitonal, page.width);
     const std::size_t size = stride * static_cast<std::size_t>(page.height);
     PixelBlock bits = allocate_pixels(size);
     std::memset(bits.get(), 0, size);
@@ -124,7 +124,7 @@ void pack_bits(Page& page) {
         for (int x = 0; x < page.width; ++x)
             row[x / 8] = static_cast<unsigned char>(row[x / 8] | (grey[x] ? 0 : 128 >> x % 8));
     }
-    page.kind = PageKind::bitonal;
+    page.kind = PageKind::kBitonal;
     page.bytes = std::move(bits);
 }
 
@@ -132,15 +132,15 @@ void pack_bits(Page& page) {
 
 void pack_colour(Page& page, bool alpha, bool premultiplied) {
     const std::size_t stride = static_cast<std::size_t>(page.width) * 4;
-    page.kind = PageKind::colour;
+    page.kind = PageKind::kColour;
     for (int y = 0; y < page.height; ++y)
         pack_colour_row(page.bytes.get() + stride * static_cast<std::size_t>(y), page.width, alpha,
                         premultiplied, page.row(y));
 }
 
 void reduce_kind(Page& page) {
-    if (page.kind == PageKind::colour && without_colour(page)) keep_one_byte_in_three(page);
-    if (page.kind == PageKind::grey && only_black_and_white(page)) pack_bits(page);
+    if (page.kind == PageKind::kColour && without_colour(page)) keep_one_byte_in_three(page);
+    if (page.kind == PageKind::kGrey && only_black_and_white(page)) pack_bits(page);
     shrink(page);
 }
 

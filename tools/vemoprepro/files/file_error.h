@@ -1,6 +1,5 @@
-/* What is wrong with a file; becomes the line "vemoprepro: FILE: what is wrong". */
-#ifndef VEMOPREPRO_TOOL_FILE_ERROR_H_
-#define VEMOPREPRO_TOOL_FILE_ERROR_H_
+// What is wrong with a file; becomes the line "vemoprepro: FILE: what is wrong".
+#pragma once
 
 #include <cerrno>
 #include <stdexcept>
@@ -15,17 +14,15 @@ class FileError : public std::runtime_error {
     FileError(std::string file, const std::string& what)
         : std::runtime_error(what), file_(std::move(file)) {}
 
-    [[nodiscard]] const std::string& file() const { return file_; }
+    const std::string& file() const { return file_; }
 
   private:
     std::string file_;
 };
 
-/* The reason of a system call that just failed. */
+// The reason of a system call that just failed.
 inline FileError system_error_of(const std::string& file, int error = errno) {
     return {file, std::generic_category().message(error)};
 }
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_FILE_ERROR_H_

@@ -1,9 +1,9 @@
-/* Finds out what a file is, lists its pages and hands each one to its decoder.
- *
- * The decoders are Leptonica's. Two things are kept away from it: a page that is too large is
- * refused from its header, before anything is allocated for it; and damage that it passes over is
- * looked for, since half a page must never look like a whole one: warnings of the JPEG decoder and
- * errors of the TIFF decoder both count as damage. */
+// Finds out what a file is, lists its pages and hands each one to its decoder.
+//
+// The decoders are Leptonica's. Two things are kept away from it: a page that is too large is
+// refused from its header, before anything is allocated for it; and damage that it passes over is
+// looked for, since half a page must never look like a whole one: warnings of the JPEG decoder and
+// errors of the TIFF decoder both count as damage.
 #include "files/image_file.h"
 
 #include <fcntl.h>
@@ -34,7 +34,7 @@ File open_file(const std::string& path, const std::string& name) {
     return file;
 }
 
-/* The temporary copy has no name from the start, so nothing is left behind however the run ends. */
+// The temporary copy has no name from the start, so nothing is left behind however the run ends.
 int open_nameless_file(const std::string& name) {
     const char* folder = std::getenv("TMPDIR");
     std::string path = std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
@@ -60,7 +60,7 @@ void copy_all(int from, int to, const std::string& name) {
     }
 }
 
-/* The page of a file that holds just one. */
+// The page of a file that holds just one.
 std::vector<PagePlace> one_page(l_ok failed, int width, int height) {
     if (failed) return {};
     return {PagePlace{0, width, height}};
@@ -78,13 +78,13 @@ std::vector<PagePlace> png_page(std::FILE* file) {
     return one_page(failed, width, height);
 }
 
-/* Files have "1 dpi" for "square pixels", and anything by mistake; sizes that scale with it would
- * take all of a page for specks, or nothing. */
+// Files have "1 dpi" for "square pixels", and anything by mistake; sizes that scale with it would
+// take all of a page for specks, or nothing.
 bool is_plausible(int dpi) {
     return dpi >= 10 && dpi <= 10000;
 }
 
-/* A side without a resolution has that of the other one. */
+// A side without a resolution has that of the other one.
 void settle(Resolution& dpi) {
     if (!is_plausible(dpi.x)) dpi.x = is_plausible(dpi.y) ? dpi.y : 0;
     if (!is_plausible(dpi.y)) dpi.y = dpi.x;
@@ -95,16 +95,16 @@ FileFormat format_of(std::FILE* file, const std::string& name) {
     findFileFormatStream(file, &format);
     switch (format) {
         case IFF_PNG:
-            return FileFormat::png;
+            return FileFormat::kPng;
         case IFF_JFIF_JPEG:
-            return FileFormat::jpeg;
+            return FileFormat::kJpeg;
         case IFF_PNM:
-            return FileFormat::pnm;
+            return FileFormat::kPnm;
         default:
             break;
     }
     std::rewind(file);
-    if (starts_as_tiff(file)) return FileFormat::tiff;
+    if (starts_as_tiff(file)) return FileFormat::kTiff;
     throw FileError(name, "not a TIFF, PNG, JPEG or PNM file");
 }
 
@@ -112,13 +112,13 @@ FileFormat format_of(std::FILE* file, const std::string& name) {
 
 const char* name_of(FileFormat format) {
     switch (format) {
-        case FileFormat::tiff:
+        case FileFormat::kTiff:
             return "TIFF";
-        case FileFormat::png:
+        case FileFormat::kPng:
             return "PNG";
-        case FileFormat::jpeg:
+        case FileFormat::kJpeg:
             return "JPEG";
-        case FileFormat::pnm:
+        case FileFormat::kPnm:
             break;
     }
     return "PNM";
@@ -165,16 +165,16 @@ void ImageFile::list_pages() {
     format_ = format_of(file.get(), name_);
     std::rewind(file.get());
     switch (format_) {
-        case FileFormat::tiff:
+        case FileFormat::kTiff:
             places_ = list_tiff_pages(file_.path());
             break;
-        case FileFormat::png:
+        case FileFormat::kPng:
             places_ = png_page(file.get());
             break;
-        case FileFormat::jpeg:
+        case FileFormat::kJpeg:
             places_ = jpeg_page(file.get());
             break;
-        case FileFormat::pnm:
+        case FileFormat::kPnm:
             places_ = list_pnm_pages(file.get());
             break;
     }
@@ -199,11 +199,11 @@ std::string ImageFile::damage(std::size_t index, const std::string& reason) cons
            (reason.empty() ? "" : " (" + reason + ")");
 }
 
-/* The two formats with a way round Leptonica: a short one for their most common shapes, and one for
- * those that it cannot read. */
+// The two formats with a way round Leptonica: a short one for their most common shapes, and one for
+// those that it cannot read.
 std::optional<Page> ImageFile::read_raw_page(std::FILE* file, std::size_t index) const {
-    if (format_ == FileFormat::pnm) return read_raw_pnm(file, places_[index]);
-    if (format_ != FileFormat::tiff) return std::nullopt;
+    if (format_ == FileFormat::kPnm) return read_raw_pnm(file, places_[index]);
+    if (format_ != FileFormat::kTiff) return std::nullopt;
     const TiffErrors errors;
     std::optional<Page> page = read_packed_tiff(file_.path(), places_[index].offset);
     if (!page) page = read_unusual_tiff(file_.path(), places_[index].offset);
@@ -228,18 +228,18 @@ Page ImageFile::decode_page(std::size_t index) const {
     Decoded decoded;
     int orientation_tag = kUprightTag;
     switch (format_) {
-        case FileFormat::tiff:
+        case FileFormat::kTiff:
             decoded = decode_tiff(file_.path(), places_[index].offset);
             break;
-        case FileFormat::png:
+        case FileFormat::kPng:
             decoded = decode_png(file.get());
             break;
-        case FileFormat::jpeg:
+        case FileFormat::kJpeg:
             orientation_tag = jpeg_orientation(file.get());
             std::rewind(file.get());
             decoded = decode_jpeg(file.get());
             break;
-        case FileFormat::pnm:
+        case FileFormat::kPnm:
             decoded = decode_pnm(file.get());
             break;
     }

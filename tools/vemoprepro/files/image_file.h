@@ -1,13 +1,12 @@
-/* Reading image files page by page: PNG, JPEG, TIFF and PNM.
- *
- * Use: open a file, ask for the number of pages, read any of them. Opening lists the pages without
- * decoding any; each page is decoded on its own, so that memory does not grow with their number and
- * several pages can be decoded at the same time.
- *
- * Keep true: read_page() may be called from several threads at once. Call prepare_decoders() once
- * before. Everything that is wrong with a file is thrown as FileError. */
-#ifndef VEMOPREPRO_TOOL_IMAGE_FILE_H_
-#define VEMOPREPRO_TOOL_IMAGE_FILE_H_
+// Reading image files page by page: PNG, JPEG, TIFF and PNM.
+//
+// Use: open a file, ask for the number of pages, read any of them. Opening lists the pages without
+// decoding any; each page is decoded on its own, so that memory does not grow with their number and
+// several pages can be decoded at the same time.
+//
+// Keep true: read_page() may be called from several threads at once. Call prepare_decoders() once
+// before. Everything that is wrong with a file is thrown as FileError.
+#pragma once
 
 #include <cstddef>
 #include <cstdio>
@@ -19,26 +18,26 @@
 
 namespace tool {
 
-enum class FileFormat { tiff, png, jpeg, pnm };
+enum class FileFormat { kTiff, kPng, kJpeg, kPnm };
 
-/* "TIFF", "PNG", "JPEG" or "PNM". */
+// "TIFF", "PNG", "JPEG" or "PNM".
 const char* name_of(FileFormat format);
 
-/* The longest side that every operation of the library takes. */
+// The longest side that every operation of the library takes.
 constexpr int kLongestSide = 32767;
 
-/* Where a page lies in its file, and its size in pixels as the header states it. */
+// Where a page lies in its file, and its size in pixels as the header states it.
 struct PagePlace {
     std::size_t offset = 0;
     int width = 0;
     int height = 0;
 };
 
-/* Switches the messages of the decoders off: everything worth saying is in the FileError. */
+// Switches the messages of the decoders off: everything worth saying is in the FileError.
 void prepare_decoders();
 
-/* A file that can be read from any position: the file itself or, for standard input and pipes, a
- * nameless temporary copy that lasts as long as this object. */
+// A file that can be read from any position: the file itself or, for standard input and pipes, a
+// nameless temporary copy that lasts as long as this object.
 class SeekableFile {
   public:
     explicit SeekableFile(const std::string& name);
@@ -46,7 +45,7 @@ class SeekableFile {
     SeekableFile(const SeekableFile&) = delete;
     SeekableFile& operator=(const SeekableFile&) = delete;
 
-    [[nodiscard]] const std::string& path() const { return path_; }
+    const std::string& path() const { return path_; }
 
   private:
     std::string path_;
@@ -55,28 +54,26 @@ class SeekableFile {
 
 class ImageFile {
   public:
-    /* name: a path, or "-" for standard input. */
+    // name: a path, or "-" for standard input.
     explicit ImageFile(const std::string& name);
 
-    [[nodiscard]] FileFormat format() const { return format_; }
-    [[nodiscard]] std::size_t page_count() const { return places_.size(); }
-    /* Decodes page `index`, counted from 0. A resolution that no scanner has counts as none. */
-    [[nodiscard]] Page read_page(std::size_t index) const;
+    FileFormat format() const { return format_; }
+    std::size_t page_count() const { return places_.size(); }
+    // Decodes page `index`, counted from 0. A resolution that no scanner has counts as none.
+    Page read_page(std::size_t index) const;
 
   private:
     void list_pages();
     void check_size(std::size_t index) const;
-    [[nodiscard]] Page decode_page(std::size_t index) const;
-    [[nodiscard]] std::string page_prefix(std::size_t index) const;
-    [[nodiscard]] std::string damage(std::size_t index, const std::string& reason) const;
-    [[nodiscard]] std::optional<Page> read_raw_page(std::FILE* file, std::size_t index) const;
+    Page decode_page(std::size_t index) const;
+    std::string page_prefix(std::size_t index) const;
+    std::string damage(std::size_t index, const std::string& reason) const;
+    std::optional<Page> read_raw_page(std::FILE* file, std::size_t index) const;
 
     std::string name_;
     SeekableFile file_;
-    FileFormat format_ = FileFormat::tiff;
+    FileFormat format_ = FileFormat::kTiff;
     std::vector<PagePlace> places_;
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_IMAGE_FILE_H_

@@ -1,7 +1,7 @@
-/* A JPEG file is a chain of segments: FF, a marker byte, and a big-endian length that counts
- * itself. The EXIF data is the segment FFE1 that starts with "Exif\0\0"; the rest of it is laid out
- * as a TIFF file, of which only the first directory is of interest. Decoders of JPEG leave the tag
- * alone, so it is read here. */
+// A JPEG file is a chain of segments: FF, a marker byte, and a big-endian length that counts
+// itself. The EXIF data is the segment FFE1 that starts with "Exif\0\0"; the rest of it is laid out
+// as a TIFF file, of which only the first directory is of interest. Decoders of JPEG leave the tag
+// alone, so it is read here.
 #include "files/orientation.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ constexpr int kOrientationTag = 0x0112;
 constexpr int kStartOfScan = 0xDA;
 constexpr int kExifSegment = 0xE1;
 
-/* Bounded reads of either byte order; 0 beyond the end. */
+// Bounded reads of either byte order; 0 beyond the end.
 class TiffBytes {
   public:
     explicit TiffBytes(const std::vector<std::uint8_t>& bytes, std::size_t start)
@@ -24,7 +24,7 @@ class TiffBytes {
         little_ = byte(0) == 'I';
     }
 
-    [[nodiscard]] std::uint32_t number(std::size_t at, int size) const {
+    std::uint32_t number(std::size_t at, int size) const {
         std::uint32_t value = 0;
         for (int i = 0; i < size; ++i) {
             const int place = little_ ? size - 1 - i : i;
@@ -34,7 +34,7 @@ class TiffBytes {
     }
 
   private:
-    [[nodiscard]] std::uint8_t byte(std::size_t at) const {
+    std::uint8_t byte(std::size_t at) const {
         return start_ + at < bytes_.size() ? bytes_[start_ + at] : std::uint8_t{0};
     }
 
@@ -58,7 +58,7 @@ int orientation_in(const std::vector<std::uint8_t>& segment) {
     return 0;
 }
 
-/* The next segment's marker, or -1; `body` receives what follows its length. */
+// The next segment's marker, or -1; `body` receives what follows its length.
 int next_segment(std::FILE* file, std::vector<std::uint8_t>& body) {
     if (std::getc(file) != 0xFF) return -1;
     int marker = std::getc(file);
@@ -100,8 +100,8 @@ void orient(Page& page, int tag) {
     page.quarter_turns = kQuarterTurns[tag - 1];
     if (!kMirror[tag - 1]) return;
     for (int y = 0; y < page.height; ++y) {
-        if (page.kind == PageKind::grey) mirror_row<1>(page.row(y), page.width);
-        if (page.kind == PageKind::colour) mirror_row<3>(page.row(y), page.width);
+        if (page.kind == PageKind::kGrey) mirror_row<1>(page.row(y), page.width);
+        if (page.kind == PageKind::kColour) mirror_row<3>(page.row(y), page.width);
     }
 }
 

@@ -1,8 +1,6 @@
-/* How a file asks to be shown: the orientation tag of TIFF and EXIF, 1 .. 8, that scanners and
- * cameras write.
- */
-#ifndef VEMOPREPRO_TOOL_ORIENTATION_H_
-#define VEMOPREPRO_TOOL_ORIENTATION_H_
+// How a file asks to be shown: the orientation tag of TIFF and EXIF, 1 .. 8, that scanners and
+// cameras write.
+#pragma once
 
 #include <cstdio>
 
@@ -12,13 +10,11 @@ namespace tool {
 
 constexpr int kUprightTag = 1;
 
-/* Reads the tag from the EXIF segment of a JPEG file; upright when there is none. */
+// Reads the tag from the EXIF segment of a JPEG file; upright when there is none.
 int jpeg_orientation(std::FILE* file);
 
-/* Mirrors a grey or colour page where the tag asks for it, and notes the turn that it then needs.
- * Tags without a meaning count as upright. */
+// Mirrors a grey or colour page where the tag asks for it, and notes the turn that it then needs.
+// Tags without a meaning count as upright.
 void orient(Page& page, int tag);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_ORIENTATION_H_

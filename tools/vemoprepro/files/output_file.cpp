@@ -1,7 +1,7 @@
-/* Writing aside and renaming. The names of unfinished files and temporary folders are kept; a
- * thread of its own waits for the signals, which every other thread blocks, removes what has been
- * kept and lets the signal end the process as it would have done. So no work is done in a signal
- * handler. */
+// Writing aside and renaming. The names of unfinished files and temporary folders are kept; a
+// thread of its own waits for the signals, which every other thread blocks, removes what has been
+// kept and lets the signal end the process as it would have done. So no work is done in a signal
+// handler.
 #include "files/output_file.h"
 
 #include <fcntl.h>
@@ -27,13 +27,13 @@ struct Unfinished {
     std::set<std::string> folders;
 };
 
-/* Never destroyed: the signal thread may look at it until the process has ended. */
+// Never destroyed: the signal thread may look at it until the process has ended.
 Unfinished& unfinished() {
     static Unfinished* const all = new Unfinished;
     return *all;
 }
 
-/* Another thread may be about to make a file in the folder. */
+// Another thread may be about to make a file in the folder.
 void remove_folder(const std::string& path) {
     constexpr int kTries = 100;
     std::error_code failed;
@@ -63,14 +63,14 @@ void wait_for_signals(sigset_t signals) {
     int signal = 0;
     while (sigwait(&signals, &signal) != 0) {
     }
-    /* The lock is kept to the end, so that nothing is made or published any more. */
+    // The lock is kept to the end, so that nothing is made or published any more.
     unfinished().lock.lock();
     for (const std::string& path : unfinished().paths) unlink(path.c_str());
     for (const std::string& path : unfinished().folders) remove_folder(path);
     end_by_signal(signal);
 }
 
-/* The permissions that a newly made file would get. */
+// The permissions that a newly made file would get.
 void set_usual_permissions(int file) {
     static const mode_t mask = [] {
         const mode_t current = umask(0);
@@ -184,7 +184,7 @@ void OutputFile::publish() {
     const std::lock_guard guard(unfinished().lock);
     int failed = renameat2(AT_FDCWD, aside_.c_str(), AT_FDCWD, target_.c_str(),
                            overwrite_ ? 0 : RENAME_NOREPLACE);
-    /* Some file systems cannot refuse to replace; whether the name is free was checked before. */
+    // Some file systems cannot refuse to replace; whether the name is free was checked before.
     if (failed && errno == EINVAL) failed = std::rename(aside_.c_str(), target_.c_str());
     if (failed) throw system_error_of(name_);
     unfinished().paths.erase(aside_);
@@ -204,7 +204,7 @@ void remove_unfinished_outputs_on_signals() {
         if (now.sa_handler != SIG_IGN) sigaddset(&signals, signal);
     }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    /* A pipe that nobody reads is a write error like any other. */
+    // A pipe that nobody reads is a write error like any other.
     signal(SIGPIPE, SIG_IGN);
     unfinished();
     std::thread(wait_for_signals, signals).detach();

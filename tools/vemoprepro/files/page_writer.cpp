@@ -1,5 +1,5 @@
-/* TIFF is written through libtiff itself, which keeps the file open from page to page; appending
- * through Leptonica would reopen it and walk the chain of pages each time. */
+// TIFF is written through libtiff itself, which keeps the file open from page to page; appending
+// through Leptonica would reopen it and walk the chain of pages each time.
 #include "files/page_writer.h"
 
 #include <leptonica/allheaders.h>
@@ -22,7 +22,7 @@ class TiffWriter final : public PageWriter {
         tiff_ = TIFFFdOpen(file.descriptor(), file.name().c_str(), "w");
         if (!tiff_) fail(errors);
     }
-    /* Unlike TIFFClose() this leaves the descriptor to its owner. */
+    // Unlike TIFFClose() this leaves the descriptor to its owner.
     ~TiffWriter() override {
         if (tiff_) TIFFCleanup(tiff_);
     }
@@ -43,8 +43,8 @@ class TiffWriter final : public PageWriter {
 
   private:
     void describe(const Page& page) {
-        const bool bitonal = page.kind == PageKind::bitonal;
-        const int samples = page.kind == PageKind::colour ? 3 : 1;
+        const bool bitonal = page.kind == PageKind::kBitonal;
+        const int samples = page.kind == PageKind::kColour ? 3 : 1;
         TIFFSetField(tiff_, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(page.width));
         TIFFSetField(tiff_, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(page.height));
         TIFFSetField(tiff_, TIFFTAG_BITSPERSAMPLE, bitonal ? 1 : 8);
@@ -74,16 +74,18 @@ class TiffWriter final : public PageWriter {
     TIFF* tiff_ = nullptr;
 };
 
-/* The page as a Leptonica image, in Leptonica's word order. */
+// The page as a Leptonica image, in Leptonica's word order.
 PixOwner image_of(Page& page) {
-    const l_int32 depth = page.kind == PageKind::bitonal ? 1 : page.kind == PageKind::grey ? 8 : 32;
+    const l_int32 depth = page.kind == PageKind::kBitonal ? 1
+                          : page.kind == PageKind::kGrey  ? 8
+                                                          : 32;
     PixOwner image(pixCreate(page.width, page.height, depth));
     if (!image) throw std::bad_alloc();
     const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image.get())) * 4;
     unsigned char* to = reinterpret_cast<unsigned char*>(pixGetData(image.get()));
     for (int y = 0; y < page.height; ++y, to += stride) {
         const unsigned char* from = page.row(y);
-        if (page.kind != PageKind::colour) {
+        if (page.kind != PageKind::kColour) {
             std::memcpy(to, from, page.stride());
             continue;
         }
@@ -93,13 +95,13 @@ PixOwner image_of(Page& page) {
             std::memcpy(to + std::size_t{4} * static_cast<std::size_t>(x), &word, 4);
         }
     }
-    if (page.kind != PageKind::colour) pixEndianByteSwap(image.get());
+    if (page.kind != PageKind::kColour) pixEndianByteSwap(image.get());
     pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
     page.bytes.reset();
     return image;
 }
 
-/* The file is made in memory: Leptonica loses a block whenever it cannot write to a stream. */
+// The file is made in memory: Leptonica loses a block whenever it cannot write to a stream.
 class PngWriter final : public PageWriter {
   public:
     explicit PngWriter(const OutputFile& file) : file_(file) {}
@@ -124,14 +126,14 @@ class PnmWriter final : public PageWriter {
     explicit PnmWriter(const OutputFile& file) : file_(file) {}
 
     void append(Page page) override {
-        const bool bitonal = page.kind == PageKind::bitonal;
-        std::string header = bitonal ? "P4\n" : page.kind == PageKind::grey ? "P5\n" : "P6\n";
+        const bool bitonal = page.kind == PageKind::kBitonal;
+        std::string header = bitonal ? "P4\n" : page.kind == PageKind::kGrey ? "P5\n" : "P6\n";
         header += std::to_string(page.width) + " " + std::to_string(page.height) + "\n";
         if (!bitonal) header += "255\n";
         write_all(file_.descriptor(), header.data(), header.size(), file_.name());
         const std::size_t row_size =
             bitonal ? (static_cast<std::size_t>(page.width) + 7) / 8 : page.stride();
-        /* Rows of bitonal pages move together to lose their padding. */
+        // Rows of bitonal pages move together to lose their padding.
         for (int y = 1; y < page.height; ++y)
             std::memmove(page.bytes.get() + row_size * static_cast<std::size_t>(y), page.row(y),
                          row_size);
@@ -148,11 +150,11 @@ class PnmWriter final : public PageWriter {
 
 std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFile& file) {
     switch (format) {
-        case OutputFormat::tiff:
+        case OutputFormat::kTiff:
             return std::make_unique<TiffWriter>(file);
-        case OutputFormat::png:
+        case OutputFormat::kPng:
             return std::make_unique<PngWriter>(file);
-        case OutputFormat::pnm:
+        case OutputFormat::kPnm:
             break;
     }
     return std::make_unique<PnmWriter>(file);

@@ -1,9 +1,8 @@
-/* Writing pages: TIFF (all pages in one file), PNG (one page) and PNM (one after the other).
- *
- * Use: append() each page, finish() once, then publish the OutputFile underneath. Bitonal TIFF
- * pages are compressed by Group 4, others by LZW; nothing is ever lost. */
-#ifndef VEMOPREPRO_TOOL_PAGE_WRITER_H_
-#define VEMOPREPRO_TOOL_PAGE_WRITER_H_
+// Writing pages: TIFF (all pages in one file), PNG (one page) and PNM (one after the other).
+//
+// Use: append() each page, finish() once, then publish the OutputFile underneath. Bitonal TIFF
+// pages are compressed by Group 4, others by LZW; nothing is ever lost.
+#pragma once
 
 #include <memory>
 
@@ -12,19 +11,17 @@
 
 namespace tool {
 
-enum class OutputFormat { tiff, png, pnm };
+enum class OutputFormat { kTiff, kPng, kPnm };
 
 class PageWriter {
   public:
     virtual ~PageWriter() = default;
-    /* The page is used up. Throws FileError, as does finish(). */
+    // The page is used up. Throws FileError, as does finish().
     virtual void append(Page page) = 0;
     virtual void finish() = 0;
 };
 
-/* The file must outlive the writer. */
+// The file must outlive the writer.
 std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFile& file);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PAGE_WRITER_H_

@@ -1,7 +1,7 @@
-/* Leptonica makes a grey page with a transparent grey white altogether, and takes no notice of a
- * transparent colour. So the chunk is kept from it, and the pixels are painted here. A PNG file is
- * a signature and a chain of chunks: length, type, that many bytes, check sum; the first one, IHDR,
- * has the depth and the type of colour, and tRNS lies in front of the pixels. */
+// Leptonica makes a grey page with a transparent grey white altogether, and takes no notice of a
+// transparent colour. So the chunk is kept from it, and the pixels are painted here. A PNG file is
+// a signature and a chain of chunks: length, type, that many bytes, check sum; the first one, IHDR,
+// has the depth and the type of colour, and tRNS lies in front of the pixels.
 #include "files/png_colour_key.h"
 
 #include <array>
@@ -11,7 +11,7 @@ namespace tool {
 namespace {
 
 constexpr long kSignature = 8;
-constexpr std::size_t kFrame = 12; /* length, type and check sum */
+constexpr std::size_t kFrame = 12;  // length, type and check sum
 constexpr int kGrey = 0;
 constexpr int kRgb = 2;
 
@@ -21,15 +21,13 @@ std::uint32_t big_endian(const std::uint8_t* bytes, int count) {
     return value;
 }
 
-/* The first bytes of a chunk, as many as an IHDR chunk has up to the type of colour. */
+// The first bytes of a chunk, as many as an IHDR chunk has up to the type of colour.
 struct ChunkStart {
     std::array<std::uint8_t, 18> bytes{};
 
-    [[nodiscard]] std::size_t size() const { return big_endian(bytes.data(), 4); }
-    [[nodiscard]] bool is(const char* type) const {
-        return std::memcmp(bytes.data() + 4, type, 4) == 0;
-    }
-    [[nodiscard]] const std::uint8_t* contents() const { return bytes.data() + 8; }
+    std::size_t size() const { return big_endian(bytes.data(), 4); }
+    bool is(const char* type) const { return std::memcmp(bytes.data() + 4, type, 4) == 0; }
+    const std::uint8_t* contents() const { return bytes.data() + 8; }
 };
 
 bool read_start(std::FILE* file, long at, ChunkStart& chunk) {
@@ -37,7 +35,7 @@ bool read_start(std::FILE* file, long at, ChunkStart& chunk) {
            std::fread(chunk.bytes.data(), 1, chunk.bytes.size(), file) >= kFrame;
 }
 
-/* The sample of an image that the key's sample becomes when 16 bits per colour become 8. */
+// The sample of an image that the key's sample becomes when 16 bits per colour become 8.
 std::uint32_t upper_byte(std::uint32_t sample, int depth) {
     return depth == 16 ? sample >> 8 : sample & 255;
 }
@@ -104,7 +102,7 @@ void paint_colour_key(PIX* image, const PngColourKey& key) {
                                      upper_byte(key.samples[1], key.depth) << 8 |
                                      upper_byte(key.samples[2], key.depth));
     } else if (depth == 1) {
-        if (key.samples[0] == 0) pixClearAll(image); /* all that is black is transparent */
+        if (key.samples[0] == 0) pixClearAll(image);  // all that is black is transparent
     } else if (depth == key.depth) {
         paint_greys(image, key.samples[0]);
     }

@@ -1,6 +1,5 @@
-/* The one colour that a grey or RGB PNG file names as transparent. */
-#ifndef VEMOPREPRO_TOOL_PNG_COLOUR_KEY_H_
-#define VEMOPREPRO_TOOL_PNG_COLOUR_KEY_H_
+// The one colour that a grey or RGB PNG file names as transparent.
+#pragma once
 
 #include <leptonica/allheaders.h>
 
@@ -12,21 +11,19 @@
 namespace tool {
 
 struct PngColourKey {
-    std::size_t chunk_at = 0; /* where its chunk starts in the file */
+    std::size_t chunk_at = 0;  // where its chunk starts in the file
     std::size_t chunk_size = 0;
-    int depth = 0;                      /* bits per sample */
-    std::vector<std::uint32_t> samples; /* one or three */
+    int depth = 0;                       // bits per sample
+    std::vector<std::uint32_t> samples;  // one or three
 };
 
-/* None for a file without a key; the transparency of a palette is no key. */
+// None for a file without a key; the transparency of a palette is no key.
 std::optional<PngColourKey> find_colour_key(std::FILE* file);
 
-/* All of the file but the key's chunk. Empty when it cannot be read. */
+// All of the file but the key's chunk. Empty when it cannot be read.
 std::vector<std::uint8_t> without_colour_key(std::FILE* file, const PngColourKey& key);
 
-/* Makes pixels of that colour white paper. */
+// Makes pixels of that colour white paper.
 void paint_colour_key(PIX* image, const PngColourKey& key);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PNG_COLOUR_KEY_H_

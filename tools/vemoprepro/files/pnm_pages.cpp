@@ -1,5 +1,5 @@
-/* A raw PNM image is a header of words (magic, width, height and, but for bitmaps, the largest
- * value), one white-space character, and rows of known length; the next image follows at once. */
+// A raw PNM image is a header of words (magic, width, height and, but for bitmaps, the largest
+// value), one white-space character, and rows of known length; the next image follows at once.
 #include "files/pnm_pages.h"
 
 #include <leptonica/allheaders.h>
@@ -11,8 +11,7 @@
 namespace tool {
 namespace {
 
-/* Skips white space and comments, which run from # to the end of the line. Returns the next byte.
- */
+// Skips white space and comments, which run from # to the end of the line. Returns the next byte.
 int skip_space(std::FILE* file) {
     int byte = std::getc(file);
     while (byte == '#' || (byte >= 0 && std::isspace(byte))) {
@@ -23,7 +22,7 @@ int skip_space(std::FILE* file) {
     return byte;
 }
 
-/* A number and the one character behind it; -1 when there is none. */
+// A number and the one character behind it; -1 when there is none.
 int read_number(std::FILE* file) {
     constexpr int kLargest = 100'000'000;
     int byte = skip_space(file);
@@ -34,21 +33,21 @@ int read_number(std::FILE* file) {
     return value > kLargest ? -1 : value;
 }
 
-/* The header of a raw image; the file is then at its first row. */
+// The header of a raw image; the file is then at its first row.
 struct RawHeader {
-    int type = 0; /* '4' bitmap, '5' grey, '6' colour; 0: not a raw image */
+    int type = 0;  // '4' bitmap, '5' grey, '6' colour; 0: not a raw image
     int width = 0;
     int height = 0;
     int largest_value = 1;
 
-    [[nodiscard]] std::size_t row_size() const {
+    std::size_t row_size() const {
         const auto pixels = static_cast<std::size_t>(width);
         if (type == '4') return (pixels + 7) / 8;
         return pixels * (type == '6' ? 3 : 1) * (largest_value > 255 ? 2 : 1);
     }
 };
 
-/* Reads what follows the P. */
+// Reads what follows the P.
 RawHeader read_header(std::FILE* file) {
     RawHeader header;
     const int type = std::getc(file);
@@ -62,7 +61,7 @@ RawHeader read_header(std::FILE* file) {
     return header;
 }
 
-/* Moves from the first row of an image behind its last one, if the file is that long. */
+// Moves from the first row of an image behind its last one, if the file is that long.
 bool skip_rows(std::FILE* file, const RawHeader& header, std::size_t file_size) {
     const std::size_t start = static_cast<std::size_t>(std::ftell(file));
     const std::size_t size = header.row_size() * static_cast<std::size_t>(header.height);
@@ -70,7 +69,7 @@ bool skip_rows(std::FILE* file, const RawHeader& header, std::size_t file_size) 
     return std::fseek(file, static_cast<long>(start + size), SEEK_SET) == 0;
 }
 
-/* Bytes of 0 .. 255 from samples of one or two bytes; of 16 bits the upper 8 count. */
+// Bytes of 0 .. 255 from samples of one or two bytes; of 16 bits the upper 8 count.
 void scale_samples(const unsigned char* samples, std::size_t count, int largest,
                    unsigned char* out) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -81,7 +80,7 @@ void scale_samples(const unsigned char* samples, std::size_t count, int largest,
     }
 }
 
-/* The bits of the last byte that lie beyond the width; the bytes after it are 0 from the start. */
+// The bits of the last byte that lie beyond the width; the bytes after it are 0 from the start.
 void clear_padding(std::vector<unsigned char>& row, int width) {
     if (width % 8 == 0) return;
     unsigned char& last = row[static_cast<std::size_t>(width) / 8];
@@ -126,9 +125,9 @@ std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
     const RawHeader header = read_header(file);
     if (header.type == 0) return std::nullopt;
     Page page;
-    page.kind = header.type == '4'   ? PageKind::bitonal
-                : header.type == '5' ? PageKind::grey
-                                     : PageKind::colour;
+    page.kind = header.type == '4'   ? PageKind::kBitonal
+                : header.type == '5' ? PageKind::kGrey
+                                     : PageKind::kColour;
     page.width = header.width;
     page.height = header.height;
     page.bytes = allocate_pixels(page.size());

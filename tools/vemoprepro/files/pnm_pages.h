@@ -1,6 +1,5 @@
-/* The pages of a PNM file, which may hold several images one after the other. */
-#ifndef VEMOPREPRO_TOOL_PNM_PAGES_H_
-#define VEMOPREPRO_TOOL_PNM_PAGES_H_
+// The pages of a PNM file, which may hold several images one after the other.
+#pragma once
 
 #include <cstdio>
 #include <optional>
@@ -10,14 +9,12 @@
 
 namespace tool {
 
-/* Empty when the file is damaged or ends within a page. Only the first image of a plain (ASCII) or
- * PAM file is listed: their length is not known without reading them. */
+// Empty when the file is damaged or ends within a page. Only the first image of a plain (ASCII) or
+// PAM file is listed: their length is not known without reading them.
 std::vector<PagePlace> list_pnm_pages(std::FILE* file);
 
-/* Reads the raw image there, in whatever kind the file has it. None for the other types, or when
- * the file ends within the rows. */
+// Reads the raw image there, in whatever kind the file has it. None for the other types, or when
+// the file ends within the rows.
 std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PNM_PAGES_H_

@@ -1,6 +1,6 @@
-/* Walks the chain of directories of a TIFF file once. The decoder goes on after many errors and
- * would deliver a page that ends grey; so its errors are collected per thread through the extended
- * handler, the only one that Leptonica leaves in place. */
+// Walks the chain of directories of a TIFF file once. The decoder goes on after many errors and
+// would deliver a page that ends grey; so its errors are collected per thread through the extended
+// handler, the only one that Leptonica leaves in place.
 #include "files/tiff_pages.h"
 
 #include <tiffio.h>
@@ -56,8 +56,7 @@ int tag_of(TIFF* tiff, std::uint32_t tag) {
     return value;
 }
 
-/* True when scan lines are packed grey or red, green, blue bytes. JPEG data becomes so on request.
- */
+// True when scan lines are packed grey or red, green, blue bytes. JPEG data becomes so on request.
 bool is_packed(TIFF* tiff) {
     int colours = tag_of(tiff, TIFFTAG_PHOTOMETRIC);
     const int samples = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL);
@@ -74,7 +73,7 @@ bool is_packed(TIFF* tiff) {
            (colours == PHOTOMETRIC_MINISBLACK && samples == 1);
 }
 
-/* Colour maps are of 16 bits, but some programs wrote values of 8. */
+// Colour maps are of 16 bits, but some programs wrote values of 8.
 bool has_narrow_palette(TIFF* tiff) {
     std::uint16_t* maps[3] = {};
     const int bits = tag_of(tiff, TIFFTAG_BITSPERSAMPLE);
@@ -96,7 +95,7 @@ bool is_unusual(TIFF* tiff) {
            has_narrow_palette(tiff);
 }
 
-/* libtiff's words have red at the bottom, those of pack_colour() at the top. */
+// libtiff's words have red at the bottom, those of pack_colour() at the top.
 void turn_words(unsigned char* words, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i, words += 4) {
         std::uint32_t word;
@@ -106,7 +105,7 @@ void turn_words(unsigned char* words, std::size_t count) {
     }
 }
 
-/* All pixels as words, in the order of the file; false when that fails. */
+// All pixels as words, in the order of the file; false when that fails.
 bool read_words(TIFF* tiff, Page& page) {
     char reason[1024] = "";
     if (!TIFFRGBAImageOK(tiff, reason)) {
@@ -126,13 +125,13 @@ bool read_words(TIFF* tiff, Page& page) {
     return true;
 }
 
-/* Greys of 16 bits in tiles: libtiff's words of them are wrong beside the right edge. */
+// Greys of 16 bits in tiles: libtiff's words of them are wrong beside the right edge.
 bool has_deep_grey_tiles(TIFF* tiff) {
     return TIFFIsTiled(tiff) && tag_of(tiff, TIFFTAG_BITSPERSAMPLE) == 16 &&
            tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 1;
 }
 
-/* The upper bytes of such tiles as rows of greys. False when that fails. */
+// The upper bytes of such tiles as rows of greys. False when that fails.
 bool read_deep_grey_tiles(TIFF* tiff, Page& page) {
     std::uint32_t tile_width = 0, tile_height = 0;
     TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &tile_width);
@@ -140,7 +139,7 @@ bool read_deep_grey_tiles(TIFF* tiff, Page& page) {
     const int inverted = tag_of(tiff, TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_MINISWHITE ? 255 : 0;
     const auto width = static_cast<std::uint32_t>(page.width);
     const auto height = static_cast<std::uint32_t>(page.height);
-    page.kind = PageKind::grey;
+    page.kind = PageKind::kGrey;
     page.bytes = allocate_pixels(page.size());
     std::vector<std::uint16_t> tile(static_cast<std::size_t>(TIFFTileSize(tiff)) / 2);
     for (std::uint32_t top = 0; top < height; top += tile_height)
@@ -161,7 +160,7 @@ int dots_per_inch(TIFF* tiff, std::uint32_t tag) {
     return static_cast<int>(value * (metric ? 2.54F : 1.0F) + 0.5F);
 }
 
-/* Size and resolution. */
+// Size and resolution.
 Page frame_of(TIFF* tiff) {
     const PagePlace place = place_of(tiff);
     Page page;
@@ -214,7 +213,7 @@ std::vector<PagePlace> list_tiff_pages(const std::string& path) {
     return places;
 }
 
-/* The file is mapped into memory here: else libtiff refuses tiles that are not compressed. */
+// The file is mapped into memory here: else libtiff refuses tiles that are not compressed.
 std::optional<Page> read_unusual_tiff(const std::string& path, std::size_t offset) {
     const TiffFile tiff(TIFFOpen(path.c_str(), "r"));
     if (!tiff || !TIFFSetSubDirectory(tiff.get(), offset) || !is_unusual(tiff.get()))
@@ -240,7 +239,7 @@ std::optional<Page> read_packed_tiff(const std::string& path, std::size_t offset
         return std::nullopt;
     Page page = frame_of(tiff.get());
     page.kind =
-        tag_of(tiff.get(), TIFFTAG_SAMPLESPERPIXEL) == 3 ? PageKind::colour : PageKind::grey;
+        tag_of(tiff.get(), TIFFTAG_SAMPLESPERPIXEL) == 3 ? PageKind::kColour : PageKind::kGrey;
     if (static_cast<std::size_t>(TIFFScanlineSize(tiff.get())) != page.stride())
         return std::nullopt;
     page.bytes = allocate_pixels(page.size());

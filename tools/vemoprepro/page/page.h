@@ -1,11 +1,10 @@
-/* One page in memory, as the library takes it.
- *
- * Use: ImageFile::read_page() makes pages, steps change them, a PageWriter writes them.
- *
- * Keep true: grey and colour rows are packed (stride = width x bytes per pixel); bitonal rows are
- * whole 32-bit words, 1 = black, padding bits 0. */
-#ifndef VEMOPREPRO_TOOL_PAGE_H_
-#define VEMOPREPRO_TOOL_PAGE_H_
+// One page in memory, as the library takes it.
+//
+// Use: ImageFile::read_page() makes pages, steps change them, a PageWriter writes them.
+//
+// Keep true: grey and colour rows are packed (stride = width x bytes per pixel); bitonal rows are
+// whole 32-bit words, 1 = black, padding bits 0.
+#pragma once
 
 #include <cstddef>
 #include <cstdlib>
@@ -14,16 +13,16 @@
 
 namespace tool {
 
-enum class PageKind { bitonal, grey, colour };
+enum class PageKind { kBitonal, kGrey, kColour };
 
-/* "bitonal", "grey" or "colour". */
+// "bitonal", "grey" or "colour".
 inline const char* name_of(PageKind kind) {
     switch (kind) {
-        case PageKind::bitonal:
+        case PageKind::kBitonal:
             return "bitonal";
-        case PageKind::grey:
+        case PageKind::kGrey:
             return "grey";
-        case PageKind::colour:
+        case PageKind::kColour:
             break;
     }
     return "colour";
@@ -32,7 +31,7 @@ inline const char* name_of(PageKind kind) {
 struct FreeBlock {
     void operator()(unsigned char* block) const { std::free(block); }
 };
-/* A decoded page stays in the block that the decoder allocated, hence malloc and free. */
+// A decoded page stays in the block that the decoder allocated, hence malloc and free.
 using PixelBlock = std::unique_ptr<unsigned char[], FreeBlock>;
 
 inline PixelBlock allocate_pixels(std::size_t size) {
@@ -41,35 +40,31 @@ inline PixelBlock allocate_pixels(std::size_t size) {
     return block;
 }
 
-/* Bytes from one row to the next. */
+// Bytes from one row to the next.
 inline std::size_t stride_of(PageKind kind, int width) {
     const auto pixels = static_cast<std::size_t>(width);
-    if (kind == PageKind::bitonal) return (pixels + 31) / 32 * 4;
-    return kind == PageKind::grey ? pixels : pixels * 3;
+    if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
+    return kind == PageKind::kGrey ? pixels : pixels * 3;
 }
 
-/* Dots per inch; 0 when unknown. */
+// Dots per inch; 0 when unknown.
 struct Resolution {
     int x = 0;
     int y = 0;
 };
 
 struct Page {
-    PageKind kind = PageKind::bitonal;
+    PageKind kind = PageKind::kBitonal;
     int width = 0;
     int height = 0;
     PixelBlock bytes;
     Resolution dpi;
-    /* Quarter turns clockwise (0 .. 3) that bring the page upright, as the file asks for. */
+    // Quarter turns clockwise (0 .. 3) that bring the page upright, as the file asks for.
     int quarter_turns = 0;
 
-    [[nodiscard]] std::size_t stride() const { return stride_of(kind, width); }
-    [[nodiscard]] std::size_t size() const { return stride() * static_cast<std::size_t>(height); }
-    [[nodiscard]] unsigned char* row(int y) const {
-        return bytes.get() + stride() * static_cast<std::size_t>(y);
-    }
+    std::size_t stride() const { return stride_of(kind, width); }
+    std::size_t size() const { return stride() * static_cast<std::size_t>(height); }
+    unsigned char* row(int y) const { return bytes.get() + stride() * static_cast<std::size_t>(y); }
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PAGE_H_

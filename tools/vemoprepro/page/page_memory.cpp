@@ -1,13 +1,13 @@
-/* A page passes through a dozen buffers of megabytes. They go straight back to the system when they
- * are freed, whatever size came before, so that a run needs no more memory than its largest page.
- * The price is that every buffer is fresh memory, which the system hands out 4 KiB at a time, on
- * the first touch of each: that took a third of the time of a run. So large buffers ask for huge
- * pages, of which one touch brings 2 MiB. A system that has none refuses, which changes nothing.
- * A huge page never reaches beyond buffers that asked for it, so memory stays within the sizes of
- * the buffers: a page costs at most a MiB or two more than without, and of pages side by side the
- * peaks meet somewhat more often.
- *
- * Buffers kept and used again would save little more time and need half as much memory again. */
+// A page passes through a dozen buffers of megabytes. They go straight back to the system when they
+// are freed, whatever size came before, so that a run needs no more memory than its largest page.
+// The price is that every buffer is fresh memory, which the system hands out 4 KiB at a time, on
+// the first touch of each: that took a third of the time of a run. So large buffers ask for huge
+// pages, of which one touch brings 2 MiB. A system that has none refuses, which changes nothing.
+// A huge page never reaches beyond buffers that asked for it, so memory stays within the sizes of
+// the buffers: a page costs at most a MiB or two more than without, and of pages side by side the
+// peaks meet somewhat more often.
+//
+// Buffers kept and used again would save little more time and need half as much memory again.
 #include "page/page_memory.h"
 
 #include <allheaders.h>

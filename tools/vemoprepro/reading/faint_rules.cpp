@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-/* What is on one page and not on the other. */
+// What is on one page and not on the other.
 Page difference(const Page& page, const Page& other) {
     Page rest = copy_of(page);
     for (std::size_t i = 0; i < rest.size(); ++i)
@@ -23,7 +23,7 @@ void add(Page& page, std::size_t index, int ink) {
     page.bytes[index] = static_cast<unsigned char>(page.bytes[index] | ink);
 }
 
-/* A pixel more on every side. The edges of a rule lie a little otherwise on each page. */
+// A pixel more on every side. The edges of a rule lie a little otherwise on each page.
 Page widened(const Page& ink) {
     const std::size_t stride = ink.stride();
     Page across = copy_of(ink);
@@ -55,7 +55,7 @@ void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
             }
 }
 
-/* Takes off `rest` all that hangs together with the ink of the other page. */
+// Takes off `rest` all that hangs together with the ink of the other page.
 void take_connected(Page& rest, const Page& ink) {
     std::vector<Pixel> found;
     for (int y = 0; y < ink.height; ++y) {
@@ -85,7 +85,7 @@ void remove_stubs_of_rules(Page& page, const Page& with_rules, const Page& witho
         throw std::bad_alloc();
     Page stubs = difference(page, letters);
     take_connected(stubs, letters);
-    /* Crumbs that touch no rule are the dots of letters. */
+    // Crumbs that touch no rule are the dots of letters.
     Page dots = copy_of(stubs);
     take_connected(dots, difference(page, outside));
     page = difference(page, difference(stubs, dots));

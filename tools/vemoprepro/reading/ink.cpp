@@ -12,13 +12,13 @@
 namespace tool {
 namespace {
 
-constexpr double kChosenFor = 300; /* dots per inch */
+constexpr double kChosenFor = 300;  // dots per inch
 
 struct InkCount {
     std::int64_t before = 0;
-    std::int64_t lost = 0; /* ink that is gone, not ink that was added elsewhere */
+    std::int64_t lost = 0;  // ink that is gone, not ink that was added elsewhere
 
-    [[nodiscard]] double share() const {
+    double share() const {
         return before > 0 ? static_cast<double>(lost) / static_cast<double>(before) : 0;
     }
 };
@@ -59,7 +59,7 @@ Page copy_of(const Page& page) {
 }
 
 void require_bitonal(const Page& page, const char* step) {
-    if (page.kind != PageKind::bitonal)
+    if (page.kind != PageKind::kBitonal)
         throw StepError(std::string(step) + " takes bitonal pages, this one is " +
                         name_of(page.kind) + " (clean binarizes first)");
 }

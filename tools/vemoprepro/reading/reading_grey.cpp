@@ -1,6 +1,6 @@
-/* The paper's grey is found block by block: the upper quartile of a block's greys, which letters do
- * not reach, closed over the neighbouring blocks, so that wide ink does not count as paper either.
- * Between the blocks' centres it is interpolated. */
+// The paper's grey is found block by block: the upper quartile of a block's greys, which letters do
+// not reach, closed over the neighbouring blocks, so that wide ink does not count as paper either.
+// Between the blocks' centres it is interpolated.
 #include "reading/reading_grey.h"
 
 #include <algorithm>
@@ -17,26 +17,26 @@
 namespace tool {
 namespace {
 
-/* A pixel stands out when it differs by more than this from the median. */
+// A pixel stands out when it differs by more than this from the median.
 constexpr int kImpulse = 60;
-/* The share of impulses is taken from every so manyth row. */
+// The share of impulses is taken from every so manyth row.
 constexpr int kSampledRows = 8;
 
 constexpr double kBlock = 16;
-constexpr int kNarrowestBlock = 16; /* fewer pixels hold no certain quartile */
-constexpr int kWidestBlock = 64;    /* keeps the interpolation below 2^31 */
-/* Blocks that the closing reaches: ink up to 7 blocks wide, 9 mm, is taken off the paper. */
+constexpr int kNarrowestBlock = 16;  // fewer pixels hold no certain quartile
+constexpr int kWidestBlock = 64;     // keeps the interpolation below 2^31
+// Blocks that the closing reaches: ink up to 7 blocks wide, 9 mm, is taken off the paper.
 constexpr int kReach = 3;
 constexpr int kPaper = 240;
 constexpr int kDarkestPaper = 16;
 
-/* Times the difference between a pixel and the mean of the 9 around it. */
+// Times the difference between a pixel and the mean of the 9 around it.
 constexpr int kSharpening = 1;
 
-/* Less contrast than this is noise of the paper. */
+// Less contrast than this is noise of the paper.
 constexpr int kLeastContrast = 20;
 
-/* Of the 9 pixels around one; all of the inside of the page have them. */
+// Of the 9 pixels around one; all of the inside of the page have them.
 unsigned char median_around(const Page& grey, int x, int y) {
     const unsigned char* a = grey.row(y - 1) + x - 1;
     const unsigned char* b = grey.row(y) + x - 1;
@@ -46,10 +46,10 @@ unsigned char median_around(const Page& grey, int x, int y) {
     return around[4];
 }
 
-/* With four neighbours that differ no more than an impulse does, the median differs no more. */
+// With four neighbours that differ no more than an impulse does, the median differs no more.
 constexpr int kCompany = 4;
 
-/* Adds 1 to the count of every pixel that differs from the other by no more than an impulse. */
+// Adds 1 to the count of every pixel that differs from the other by no more than an impulse.
 void count_alike(const unsigned char* __restrict own, const unsigned char* __restrict other,
                  unsigned char* __restrict count, int width) {
     for (int x = 0; x < width; ++x) {
@@ -59,8 +59,8 @@ void count_alike(const unsigned char* __restrict own, const unsigned char* __res
     }
 }
 
-/* How many of its 8 neighbours differ from each pixel of a row by no more than an impulse. Pixels
- * without 8 neighbours are not counted. */
+// How many of its 8 neighbours differ from each pixel of a row by no more than an impulse. Pixels
+// without 8 neighbours are not counted.
 void count_company(const Page& grey, int y, std::vector<unsigned char>& company) {
     std::fill(company.begin(), company.end(), static_cast<unsigned char>(0));
     for (int v = y - 1; v <= y + 1; ++v)
@@ -69,7 +69,7 @@ void count_company(const Page& grey, int y, std::vector<unsigned char>& company)
                 count_alike(grey.row(y) + 1, grey.row(v) + x, company.data() + 1, grey.width - 2);
 }
 
-/* Calls found(x, median) for the impulses of row y. */
+// Calls found(x, median) for the impulses of row y.
 template <class Found>
 void for_each_impulse(const Page& grey, int y, std::vector<unsigned char>& company, Found found) {
     count_company(grey, y, company);
@@ -81,7 +81,7 @@ void for_each_impulse(const Page& grey, int y, std::vector<unsigned char>& compa
     }
 }
 
-/* One value per block. */
+// One value per block.
 struct Blocks {
     int side, across, down;
     std::vector<int> values;
@@ -96,7 +96,7 @@ struct Blocks {
         return values[static_cast<std::size_t>(j) * static_cast<std::size_t>(across) +
                       static_cast<std::size_t>(i)];
     }
-    [[nodiscard]] int near(int i, int j) const {
+    int near(int i, int j) const {
         return const_cast<Blocks*>(this)->at(std::clamp(i, 0, across - 1),
                                              std::clamp(j, 0, down - 1));
     }
@@ -115,7 +115,7 @@ int upper_quartile(const Page& grey, int x0, int x1, int y0, int y1) {
 
 using Combine = std::function<int(const Blocks&, int i, int j, int di, int dj)>;
 
-/* Replaces every value by what the row, and then the column, of blocks around it combine to. */
+// Replaces every value by what the row, and then the column, of blocks around it combine to.
 void combine_around(Blocks& blocks, const Combine& combine) {
     for (const bool rows : {true, false}) {
         const Blocks before = blocks;
@@ -158,14 +158,13 @@ Blocks paper_of(const Page& grey) {
     return paper;
 }
 
-/* Where a pixel lies between two blocks' centres: the first of them and 0 .. 2 * side - 1. */
+// Where a pixel lies between two blocks' centres: the first of them and 0 .. 2 * side - 1.
 std::pair<int, int> between_blocks(int x, int side) {
-    const int doubled = 2 * x + 1 + side; /* never negative, block -1 comes first */
+    const int doubled = 2 * x + 1 + side;  // never negative, block -1 comes first
     return {doubled / (2 * side) - 1, doubled % (2 * side)};
 }
 
-/* The means of 4 x 4 pixels, which noise does not reach, over a block of 16 x 16: least and most.
- */
+// The means of 4 x 4 pixels, which noise does not reach, over a block of 16 x 16: least and most.
 std::pair<int, int> soft_range(const Page& grey, int x0, int y0) {
     int least = 255, most = 0;
     for (int y = y0; y < y0 + 16; y += 4)
@@ -241,7 +240,7 @@ void sharpen(Page& grey) {
 void even_light(Page& grey) {
     const Blocks paper = paper_of(grey);
     const int whole = 2 * paper.side;
-    std::vector<int> here(static_cast<std::size_t>(paper.across) + 2); /* the row's, per block */
+    std::vector<int> here(static_cast<std::size_t>(paper.across) + 2);  // the row's, per block
     std::vector<std::pair<int, int>> places;
     for (int x = 0; x < grey.width; ++x) places.push_back(between_blocks(x, paper.side));
     for (int y = 0; y < grey.height; ++y) {
@@ -276,8 +275,8 @@ int ink_contrast(const Page& grey) {
 }
 
 bool print_was_painted(const Page& grey, const Page& cropped) {
-    /* Deep in the border there is nothing but its own dark; the page's rim lies within a block of
-     * what was left. */
+    // Deep in the border there is nothing but its own dark; the page's rim lies within a block of
+    // what was left.
     int printed = 0, painted = 0;
     for (int y = 16; y + 32 <= grey.height; y += 16)
         for (int x = 16; x + 32 <= grey.width; x += 16) {

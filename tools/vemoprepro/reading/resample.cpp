@@ -1,5 +1,5 @@
-/* A pixel is a weighted mean of the 4 x 4 pixels around its place. Places are counted in 1/256 of a
- * pixel, weights in 1/1024. */
+// A pixel is a weighted mean of the 4 x 4 pixels around its place. Places are counted in 1/256 of a
+// pixel, weights in 1/1024.
 #include "reading/resample.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ constexpr int kOne = 1 << kWeightBits;
 using Weights = std::array<int, 4>;
 using WeightTable = std::array<Weights, kPlaces>;
 
-/* The weights of each place between two pixels; they sum up to kOne. */
+// The weights of each place between two pixels; they sum up to kOne.
 WeightTable make_weights() {
     WeightTable table{};
     for (int place = 0; place < kPlaces; ++place) {
@@ -60,7 +60,7 @@ int weighted_line(const Weights& across, const unsigned char* at) {
     return weighted(across, at[0], at[1], at[2], at[3]);
 }
 
-/* The grey at a place of the page; places off the page see the page's nearest pixels. */
+// The grey at a place of the page; places off the page see the page's nearest pixels.
 unsigned char grey_near_edge(const Page& grey, const WeightTable& table, int x, int y) {
     const int left = (x >> kPlaceBits) - 1;
     const int top = (y >> kPlaceBits) - 1;
@@ -74,7 +74,7 @@ unsigned char grey_near_edge(const Page& grey, const WeightTable& table, int x, 
     return to_grey(weighted(at_place(table, y), lines[0], lines[1], lines[2], lines[3]));
 }
 
-/* The same for places that have all of their 4 x 4 pixels on the page. */
+// The same for places that have all of their 4 x 4 pixels on the page.
 unsigned char grey_inside(const Page& grey, const WeightTable& table, int x, int y) {
     const Weights& across = at_place(table, x);
     const std::size_t stride = grey.stride();
@@ -89,7 +89,7 @@ bool has_all_neighbours(const Page& grey, int x, int y) {
     return left >= 1 && top >= 1 && left + 2 < grey.width && top + 2 < grey.height;
 }
 
-/* The weighted sums across row y at the places of a row of twice the width. */
+// The weighted sums across row y at the places of a row of twice the width.
 std::vector<int> doubled_line(const Page& grey, int y) {
     const unsigned char* row = grey.row(std::clamp(y, 0, grey.height - 1));
     std::vector<unsigned char> wide(static_cast<std::size_t>(grey.width) + 4);
@@ -107,7 +107,7 @@ std::vector<int> doubled_line(const Page& grey, int y) {
 
 Page grey_page(int width, int height, Resolution dpi) {
     Page page;
-    page.kind = PageKind::grey;
+    page.kind = PageKind::kGrey;
     page.width = width;
     page.height = height;
     page.dpi = dpi;
@@ -141,7 +141,7 @@ Page doubled(const Page& grey) {
 Page levelled(const Page& grey, int rise, int run, int width, int height) {
     Page level = grey_page(width, height, grey.dpi);
     const WeightTable& table = weights();
-    /* In 1/2^32 of a pixel, which keeps the error over a whole row below a place. */
+    // In 1/2^32 of a pixel, which keeps the error over a whole row below a place.
     constexpr double kUnit = 4294967296.0;
     constexpr int kShift = 32 - kPlaceBits;
     const double length = std::hypot(rise, run);
@@ -150,7 +150,7 @@ Page levelled(const Page& grey, int rise, int run, int width, int height) {
     const int right = (grey.width - 1) * kPlaces;
     const int bottom = (grey.height - 1) * kPlaces;
     for (int y = 0; y < height; ++y) {
-        const std::int64_t u = 1 - width, v = 2 * std::int64_t{y} + 1 - height; /* doubled */
+        const std::int64_t u = 1 - width, v = 2 * std::int64_t{y} + 1 - height;  // doubled
         std::int64_t fx = (std::int64_t{grey.width - 1} << 31) + (u * cosine + v * sine) / 2;
         std::int64_t fy = (std::int64_t{grey.height - 1} << 31) + (v * cosine - u * sine) / 2;
         unsigned char* row = level.row(y);

@@ -1,6 +1,6 @@
-/* Rules begin as seeds: long runs of ink in a row, short breaks closed. Along a seed and beyond its
- * ends the rule is followed column by column; in every column the vertical run of ink that it lies
- * in says whether there is the rule alone or a letter, too. */
+// Rules begin as seeds: long runs of ink in a row, short breaks closed. Along a seed and beyond its
+// ends the rule is followed column by column; in every column the vertical run of ink that it lies
+// in says whether there is the rule alone or a letter, too.
 #include "reading/rules.h"
 
 #include <algorithm>
@@ -15,46 +15,45 @@
 namespace tool {
 namespace {
 
-/* The thickness of a rule is that of its thinner columns; in the others there are letters, too. */
+// The thickness of a rule is that of its thinner columns; in the others there are letters, too.
 constexpr int kThicknessPercentile = 35;
-/* The edge of a rule is ragged by this much. */
+// The edge of a rule is ragged by this much.
 constexpr int kRagged = 1;
-/* A letter stands out of a rule by at least this much, over at least so many columns. */
+// A letter stands out of a rule by at least this much, over at least so many columns.
 constexpr double kStandsOut = 1.5;
 constexpr int kColumnsOfLetter = 3;
 constexpr int kTallestRagged = 4;
-/* Along the rule a stroke stands out by this much in the mean of so many columns to each side; the
- * rule's own thickness is the mean of more. */
+// Along the rule a stroke stands out by this much in the mean of so many columns to each side; the
+// rule's own thickness is the mean of more.
 constexpr double kStandsOutAlong = 1.0;
 constexpr int kReachOfStroke = 4;
 constexpr int kReachOfThickness = 64;
 
-/* Per cent of a rule's columns that hold nothing but the rule, at least: text may cover the rest.
- */
+// Per cent of a rule's columns that hold nothing but the rule, at least: text may cover the rest.
 constexpr int kLeastAlone = 40;
-/* Per cent of ink beside a rule, at most. Text has up to 22, a double rule 26, a screen 32 and more
- * unless it is so light that its dots do not join. */
+// Per cent of ink beside a rule, at most. Text has up to 22, a double rule 26, a screen 32 and more
+// unless it is so light that its dots do not join.
 constexpr int kMostInkBeside = 30;
-/* The rule's own ragged edge is not counted. */
+// The rule's own ragged edge is not counted.
 constexpr int kBesideRule = 3;
 
-/* Between the pieces of a broken rule: 5 mm. */
+// Between the pieces of a broken rule: 5 mm.
 constexpr int kAwayInDashes = 4;
 
 constexpr int kUnit = 64;
 
 struct Seed {
-    int y, x0, x1; /* x1 exclusive */
+    int y, x0, x1;  // x1 exclusive
 
-    [[nodiscard]] int length() const { return x1 - x0; }
+    int length() const { return x1 - x0; }
 };
 
-/* The vertical run of ink in a column of a rule; empty in a gap. y1 exclusive. */
+// The vertical run of ink in a column of a rule; empty in a gap. y1 exclusive.
 struct Column {
     int y0 = 0, y1 = 0;
-    int centre = 0; /* of the rule there, in 1 / kUnit pixels */
+    int centre = 0;  // of the rule there, in 1 / kUnit pixels
 
-    [[nodiscard]] int height() const { return y1 - y0; }
+    int height() const { return y1 - y0; }
 };
 
 struct Rule {
@@ -62,14 +61,12 @@ struct Rule {
     int thickness = 0;
     std::vector<Column> columns;
 
-    [[nodiscard]] int x1() const { return x0 + static_cast<int>(columns.size()); }
-    [[nodiscard]] const Column& at(int x) const {
-        return columns[static_cast<std::size_t>(x - x0)];
-    }
+    int x1() const { return x0 + static_cast<int>(columns.size()); }
+    const Column& at(int x) const { return columns[static_cast<std::size_t>(x - x0)]; }
 };
 
-/* Where a rule ran: its row at every kStep columns. On a large page full of screen dots there are
- * thousands, so little is kept of each. */
+// Where a rule ran: its row at every kStep columns. On a large page full of screen dots there are
+// thousands, so little is kept of each.
 class Path {
   public:
     explicit Path(const Rule& rule) : x0_(rule.x0), x1_(rule.x1()) {
@@ -77,7 +74,7 @@ class Path {
             rows_.push_back(static_cast<short>(rule.at(x).centre / kUnit));
     }
 
-    [[nodiscard]] bool covers(const Seed& seed, int reach) const {
+    bool covers(const Seed& seed, int reach) const {
         const int middle = (seed.x0 + seed.x1) / 2;
         return middle >= x0_ && middle < x1_ &&
                std::abs(rows_[static_cast<std::size_t>((middle - x0_) / kStep)] - seed.y) <= reach;
@@ -90,7 +87,7 @@ class Path {
     std::vector<short> rows_;
 };
 
-/* The first pixel from x on that is (or is not) ink; the width when there is none. */
+// The first pixel from x on that is (or is not) ink; the width when there is none.
 int next_pixel(const Page& page, int y, int x, bool ink) {
     const unsigned char* row = page.row(y);
     while (x < page.width) {
@@ -121,8 +118,8 @@ std::vector<Seed> find_seeds(const Page& page, const RuleScale& scale) {
     return seeds;
 }
 
-/* The run of ink in column x that row y, or else the one above or below, lies in. What is longer
- * than `tallest` to a side is cut. */
+// The run of ink in column x that row y, or else the one above or below, lies in. What is longer
+// than `tallest` to a side is cut.
 Column column_at(const Page& page, int x, int y, int tallest) {
     Column column;
     for (const int v : {y, y - 1, y + 1}) {
@@ -137,8 +134,8 @@ Column column_at(const Page& page, int x, int y, int tallest) {
     return column;
 }
 
-/* Whether a look at some columns of a seed finds none that is thin enough: most seeds lie in dark
- * areas, where looking at every column takes long. */
+// Whether a look at some columns of a seed finds none that is thin enough: most seeds lie in dark
+// areas, where looking at every column takes long.
 bool in_dark_area(const Page& page, const Seed& seed, const RuleScale& scale) {
     constexpr int kApart = 7;
     for (int x = seed.x0; x < seed.x1; x += kApart) {
@@ -159,16 +156,16 @@ int thickness_along(const Page& page, const Seed& seed, const RuleScale& scale) 
     return *wanted;
 }
 
-/* Follows a rule over a page to one side. */
+// Follows a rule over a page to one side.
 class Walk {
   public:
     Walk(const Page& page, const RuleScale& scale, int thickness, int y)
         : page_(page), scale_(scale), thickness_(thickness), y_(y * kUnit + kUnit / 2) {}
 
-    /* From x on, towards `step`, at least up to `end`. */
+    // From x on, towards `step`, at least up to `end`.
     std::vector<Column> go(int x, int end, int step) {
         std::vector<Column> columns;
-        std::size_t kept = 0; /* columns up to the last that belongs to the rule */
+        std::size_t kept = 0;  // columns up to the last that belongs to the rule
         int alone = 0, away = 0;
         for (; x >= 0 && x < page_.width; x += step) {
             Column column = column_at(page_, x, y_ / kUnit, scale_.thickest + 1);
@@ -191,7 +188,7 @@ class Walk {
     }
 
   private:
-    /* Slowly, since a letter's stroke may look like the rule. */
+    // Slowly, since a letter's stroke may look like the rule.
     void follow(const Column& column) {
         const int centre = (column.y0 + column.y1) * kUnit / 2;
         y_ += (centre - y_) / 16;
@@ -216,7 +213,7 @@ Rule follow(const Page& page, const Seed& seed, const RuleScale& scale, int thic
     return rule;
 }
 
-/* The mean of a function of the columns around each column, over those that count. */
+// The mean of a function of the columns around each column, over those that count.
 template <class Value>
 std::vector<double> mean_around(const Rule& rule, int reach, Value value) {
     const auto size = static_cast<int>(rule.columns.size());
@@ -237,9 +234,9 @@ std::vector<double> mean_around(const Rule& rule, int reach, Value value) {
     return means;
 }
 
-/* Whether a column has a letter's ink beside the rule's own. A stroke of the rule's own direction,
- * such as the arch of an n or a stem along an upright rule, stands out by less than the rule's edge
- * is ragged, but does so over several columns. */
+// Whether a column has a letter's ink beside the rule's own. A stroke of the rule's own direction,
+// such as the arch of an n or a stem along an upright rule, stands out by less than the rule's edge
+// is ragged, but does so over several columns.
 std::vector<bool> find_letters(const Rule& rule) {
     const int most = rule.thickness + kRagged;
     const std::vector<double> own = mean_around(rule, kReachOfThickness, [=](const Column& column) {
@@ -255,7 +252,7 @@ std::vector<bool> find_letters(const Rule& rule) {
     return letter;
 }
 
-/* What stands out of a rule over a few columns only is the rule's own edge. */
+// What stands out of a rule over a few columns only is the rule's own edge.
 void drop_ragged_edges(const Rule& rule, std::vector<bool>& letter) {
     for (std::size_t i = 0; i < letter.size();) {
         std::size_t end = i;
@@ -278,8 +275,8 @@ void erase_rule(Page& page, const Rule& rule) {
                 erase_ink(page, rule.x0 + static_cast<int>(i), y);
 }
 
-/* Rows of screen dots lie among dots, a rule among paper and perhaps letters; and what is part of
- * a picture is seldom as thick all along. */
+// Rows of screen dots lie among dots, a rule among paper and perhaps letters; and what is part of
+// a picture is seldom as thick all along.
 bool is_rule(const Page& page, const Rule& rule, int around) {
     int alone = 0, ink = 0, beside = 0, seen = 0;
     const int clear = rule.thickness / 2 + kBesideRule;
@@ -306,7 +303,7 @@ bool known(const std::vector<Path>& paths, const Seed& seed, int reach) {
 
 void remove_rules(Page& page, const RuleScale& scale) {
     const Page before = copy_of(page);
-    std::vector<Path> followed; /* rules and what turned out to be none */
+    std::vector<Path> followed;  // rules and what turned out to be none
     for (const Seed& seed : find_seeds(before, scale)) {
         if (known(followed, seed, scale.thickest / 2 + 1) || in_dark_area(before, seed, scale))
             continue;

@@ -1,5 +1,5 @@
-/* What a step removed is found by comparing the small pictures before and after it: they are exact
- * averages, so that a single pixel shows. */
+// What a step removed is found by comparing the small pictures before and after it: they are exact
+// averages, so that a single pixel shows.
 #include "report/page_pictures.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ class Stopwatch {
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-/* Evening out the light makes paper lighter and takes nothing off it. */
+// Evening out the light makes paper lighter and takes nothing off it.
 bool takes_nothing_off(const std::string& step) {
     return step == "prepare";
 }
@@ -56,7 +56,7 @@ void PagePainter::source(const Page& page) {
 void PagePainter::before(const std::string& step, const Page& page) {
     if (step != "deskew" || !with_fan_) return;
     const Stopwatch watch(seconds_);
-    fans_ = page.kind == PageKind::grey ? trace_fans(bits_for_reading(page)) : trace_fans(page);
+    fans_ = page.kind == PageKind::kGrey ? trace_fans(bits_for_reading(page)) : trace_fans(page);
 }
 
 void PagePainter::after(const std::string& step, const Page& page) {

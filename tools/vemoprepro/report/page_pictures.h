@@ -1,9 +1,8 @@
-/* What a report shows of one page: before, after, and what each step removed.
- *
- * Use: a PagePainter watches the page go through its steps; take() gives the pictures when the last
- * one is done. Only small pictures are kept. */
-#ifndef VEMOPREPRO_TOOL_PAGE_PICTURES_H_
-#define VEMOPREPRO_TOOL_PAGE_PICTURES_H_
+// What a report shows of one page: before, after, and what each step removed.
+//
+// Use: a PagePainter watches the page go through its steps; take() gives the pictures when the last
+// one is done. Only small pictures are kept.
+#pragma once
 
 #include <optional>
 #include <string>
@@ -19,19 +18,19 @@ namespace tool {
 struct RemovedInk {
     std::string step;
     EncodedPicture marks;
-    /* Whether the marks lie as the page does in the picture before, in the one after. */
+    // Whether the marks lie as the page does in the picture before, in the one after.
     bool fits_before = false;
     bool fits_after = false;
 };
 
 struct PagePictures {
-    EncodedPicture before; /* upright */
+    EncodedPicture before;  // upright
     EncodedPicture after;
     std::vector<RemovedInk> removed;
-    std::optional<SkewFan> fan; /* when the skew was measured */
+    std::optional<SkewFan> fan;  // when the skew was measured
 };
 
-/* The colour of a step's marks. */
+// The colour of a step's marks.
 Colour mark_colour(const std::string& step);
 
 class PagePainter final : public PageWatcher {
@@ -43,8 +42,8 @@ class PagePainter final : public PageWatcher {
     void after(const std::string& step, const Page& page) override;
 
     PagePictures take(const PageRecord& record);
-    /* Time spent on pictures. */
-    [[nodiscard]] double seconds() const { return seconds_; }
+    // Time spent on pictures.
+    double seconds() const { return seconds_; }
 
   private:
     struct Marks {
@@ -55,7 +54,7 @@ class PagePainter final : public PageWatcher {
 
     bool with_fan_;
     double seconds_ = 0;
-    int posture_ = 0; /* goes up when the page is turned */
+    int posture_ = 0;  // goes up when the page is turned
     int first_posture_ = 0;
     ScaledPicture first_;
     ScaledPicture last_;
@@ -64,5 +63,3 @@ class PagePainter final : public PageWatcher {
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PAGE_PICTURES_H_

@@ -1,4 +1,4 @@
-/* The JSON form of a page's record, and its way back. */
+// The JSON form of a page's record, and its way back.
 #include "report/page_record.h"
 
 #include <cmath>
@@ -37,12 +37,12 @@ Json share_json(const std::optional<double>& share) {
     return std::round(*share * 1e5) / 1e5;
 }
 
-/* Milliseconds are as fine as a time is worth reading. */
+// Milliseconds are as fine as a time is worth reading.
 double rounded(double seconds) {
     return std::round(seconds * 1e4) / 1e4;
 }
 
-/* A whole number that an int holds; Json converts everything else without a word. */
+// A whole number that an int holds; Json converts everything else without a word.
 int whole_number(const Json& json) {
     const bool fits = json.is_number_unsigned()
                           ? json.get<std::uint64_t>() <= INT32_MAX

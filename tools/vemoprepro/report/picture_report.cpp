@@ -1,4 +1,4 @@
-/* Writes the pieces of markup aside, in their order, and renames at the end. */
+// Writes the pieces of markup aside, in their order, and renames at the end.
 #include "report/picture_report.h"
 
 #include <sys/stat.h>
@@ -15,7 +15,7 @@ bool is_same_file(const std::string& path, const struct stat& other) {
            status.st_ino == other.st_ino;
 }
 
-/* The path of the report in its folder, which is there afterwards. */
+// The path of the report in its folder, which is there afterwards.
 std::string report_path(const Options& options) {
     const std::string& folder = options.report_folder;
     if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) throw system_error_of(folder);
@@ -32,7 +32,7 @@ std::string report_path(const Options& options) {
     return path;
 }
 
-/* "letter.jpg", or "letter.jpg and 3 more" */
+// "letter.jpg", or "letter.jpg and 3 more"
 std::string title_of(const std::vector<std::string>& inputs) {
     std::string title = inputs.front() == "-" ? "standard input" : inputs.front();
     if (inputs.size() > 1) title += " and " + std::to_string(inputs.size() - 1) + " more";

@@ -1,10 +1,9 @@
-/* The report to look at: one HTML page with all that it needs inside.
- *
- * Use: page() for each page and fail() for each input that failed, in order; finish() gives the
- * report its name. Pages are written as they come; what is kept of them are their figures. For one
- * thread. */
-#ifndef VEMOPREPRO_TOOL_PICTURE_REPORT_H_
-#define VEMOPREPRO_TOOL_PICTURE_REPORT_H_
+// The report to look at: one HTML page with all that it needs inside.
+//
+// Use: page() for each page and fail() for each input that failed, in order; finish() gives the
+// report its name. Pages are written as they come; what is kept of them are their figures. For one
+// thread.
+#pragma once
 
 #include <optional>
 #include <string>
@@ -20,18 +19,18 @@ namespace tool {
 
 class PictureReport {
   public:
-    /* Makes the folder when it is missing. Throws FileError, also when it holds a report that may
-     * not be replaced. */
+    // Makes the folder when it is missing. Throws FileError, also when it holds a report that may
+    // not be replaced.
     explicit PictureReport(const Options& options);
 
     void page(const std::string& input, std::size_t page_count, const PageRecord& record,
               const PagePictures& pictures);
     void fail(const std::string& input, const std::string& what);
-    /* False when the report could not be written, which has been said then. */
+    // False when the report could not be written, which has been said then.
     bool finish();
 
   private:
-    /* The first failure ends the report, but not the run. */
+    // The first failure ends the report, but not the run.
     void write(const std::string& text);
 
     OutputFile file_;
@@ -40,5 +39,3 @@ class PictureReport {
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_PICTURE_REPORT_H_

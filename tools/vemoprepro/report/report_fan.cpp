@@ -1,5 +1,5 @@
-/* The skew fan as an inline SVG: the score of every slope that was tried, for text lines and for
- * stems, and the skew that was found. */
+// The skew fan as an inline SVG: the score of every slope that was tried, for text lines and for
+// stems, and the skew that was found.
 #include <algorithm>
 #include <cmath>
 
@@ -9,7 +9,7 @@ namespace tool {
 namespace {
 
 constexpr double kLeft = 40, kRight = 470, kTop = 14, kBottom = 170;
-constexpr double kWidest = 11; /* degrees to either side */
+constexpr double kWidest = 11;  // degrees to either side
 
 class Plot {
   public:
@@ -19,14 +19,12 @@ class Plot {
                 for (const FanPoint& point : *curve) highest_ = std::max(highest_, point.score);
     }
 
-    [[nodiscard]] double x(double degrees) const {
+    double x(double degrees) const {
         return kLeft + (degrees + kWidest) / (2 * kWidest) * (kRight - kLeft);
     }
-    [[nodiscard]] double y(double score) const {
-        return kBottom - score / (highest_ * 1.08) * (kBottom - kTop);
-    }
+    double y(double score) const { return kBottom - score / (highest_ * 1.08) * (kBottom - kTop); }
 
-    [[nodiscard]] std::string axes() const {
+    std::string axes() const {
         std::string text;
         for (int degrees = -10; degrees <= 10; degrees += 5) {
             const std::string at = number(x(degrees));
@@ -44,12 +42,12 @@ class Plot {
         return text;
     }
 
-    [[nodiscard]] std::string curves(const FanCurves& curves, const std::string& name) const {
+    std::string curves(const FanCurves& curves, const std::string& name) const {
         return "<g class=\"" + name + "\"><g class=\"coarse\">" + curve(curves.coarse, name) +
                "</g><g class=\"fine\">" + curve(curves.fine, name) + "</g></g>";
     }
 
-    [[nodiscard]] std::string found(double degrees) const {
+    std::string found(double degrees) const {
         const std::string at = number(x(degrees));
         const bool right = degrees < 4;
         return "<g class=\"found\"><line x1=\"" + at + "\" x2=\"" + at +
@@ -59,8 +57,7 @@ class Plot {
     }
 
   private:
-    [[nodiscard]] std::string curve(const std::vector<FanPoint>& points,
-                                    const std::string& name) const {
+    std::string curve(const std::vector<FanPoint>& points, const std::string& name) const {
         std::string path, dots;
         for (const FanPoint& point : points) {
             const std::string px = number(x(point.degrees)), py = number(y(point.score));

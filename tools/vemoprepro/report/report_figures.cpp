@@ -1,5 +1,5 @@
-/* The table of figures. Every cell has the value that it is sorted by; those without one are empty
- * and go last. */
+// The table of figures. Every cell has the value that it is sorted by; those without one are empty
+// and go last.
 #include <algorithm>
 #include <cmath>
 
@@ -20,7 +20,7 @@ std::string empty_cell() {
     return "<td class=\"none\">–</td>";
 }
 
-/* The steps that count the ink they took, in the order of their first appearance. */
+// The steps that count the ink they took, in the order of their first appearance.
 std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
     std::vector<std::string> names;
     for (const FigureRow& row : rows)

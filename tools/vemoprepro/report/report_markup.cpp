@@ -1,4 +1,4 @@
-/* Pages of the report: pictures one above the other, the steps with what they removed, the fan. */
+// Pages of the report: pictures one above the other, the steps with what they removed, the fan.
 #include "report/report_markup.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ std::string css_colour(Colour colour) {
     return text;
 }
 
-/* Both pictures at one scale, with their centres at the same place: a page is turned about it. */
+// Both pictures at one scale, with their centres at the same place: a page is turned about it.
 struct Stage {
     double width, height;
 
@@ -40,7 +40,7 @@ struct Stage {
         : width(std::max(pictures.before.page_width, pictures.after.page_width)),
           height(std::max(pictures.before.page_height, pictures.after.page_height)) {}
 
-    [[nodiscard]] std::string place(const EncodedPicture& picture) const {
+    std::string place(const EncodedPicture& picture) const {
         const auto share = [](double part, double whole) {
             return with_digits("%.4f%%", part * 100 / whole);
         };
@@ -50,8 +50,8 @@ struct Stage {
                ";height:" + share(picture.covered_height, height);
     }
 
-    [[nodiscard]] std::string image(const EncodedPicture& picture, const std::string& attributes,
-                                    const std::string& alternative) const {
+    std::string image(const EncodedPicture& picture, const std::string& attributes,
+                      const std::string& alternative) const {
         return "<img " + attributes + " style=\"" + place(picture) + "\" alt=\"" +
                escaped(alternative) + "\" draggable=\"false\" src=\"data:" + picture.type +
                ";base64," + base64(picture.bytes) + "\">";

@@ -1,6 +1,5 @@
-/* The pieces of the report's HTML. All text that comes from outside is escaped here. */
-#ifndef VEMOPREPRO_TOOL_REPORT_MARKUP_H_
-#define VEMOPREPRO_TOOL_REPORT_MARKUP_H_
+// The pieces of the report's HTML. All text that comes from outside is escaped here.
+#pragma once
 
 #include <string>
 #include <vector>
@@ -10,12 +9,12 @@
 
 namespace tool {
 
-/* A page's figures, or the failure of an input. */
+// A page's figures, or the failure of an input.
 struct FigureRow {
-    std::string anchor; /* of its part of the report */
+    std::string anchor;  // of its part of the report
     std::string input;
     PageRecord record;
-    std::string error; /* empty: the record counts */
+    std::string error;  // empty: the record counts
 };
 
 std::string head_markup(const std::string& title);
@@ -24,13 +23,11 @@ std::string page_markup(const std::string& anchor, const std::string& input, std
 std::string failure_markup(const std::string& anchor, const std::string& input,
                            const std::string& what);
 std::string figures_markup(const std::vector<FigureRow>& rows);
-/* The scores over the angles, as a picture of lines. */
+// The scores over the angles, as a picture of lines.
 std::string fan_markup(const SkewFan& fan, const PageRecord& record);
 
-/* Safe in text and in quoted attributes; bytes that are not UTF-8 become U+FFFD. */
+// Safe in text and in quoted attributes; bytes that are not UTF-8 become U+FFFD.
 std::string escaped(const std::string& text);
 std::string with_digits(const char* format, double value);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_REPORT_MARKUP_H_

@@ -1,5 +1,5 @@
-/* The page works from the file system: nothing in it refers to another file. The figures are
- * written last, when they are known; the script brings them to the top. */
+// The page works from the file system: nothing in it refers to another file. The figures are
+// written last, when they are known; the script brings them to the top.
 #include "report/report_template.h"
 
 namespace tool {

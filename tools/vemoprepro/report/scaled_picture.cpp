@@ -1,5 +1,5 @@
-/* Squares are summed row by row of the page; those at the right and lower edges average over the
- * part of them that the page has. */
+// Squares are summed row by row of the page; those at the right and lower edges average over the
+// part of them that the page has.
 #include "report/scaled_picture.h"
 
 #include <leptonica/allheaders.h>
@@ -13,10 +13,10 @@ namespace {
 
 constexpr int kJpegQuality = 82;
 
-/* A pixel that became lighter by this much was removed from a scan; less is noise, or the way a
- * colour became a grey. */
+// A pixel that became lighter by this much was removed from a scan; less is noise, or the way a
+// colour became a grey.
 constexpr int kLighter = 64;
-/* The faintest mark, so that single pixels of a large page show. */
+// The faintest mark, so that single pixels of a large page show.
 constexpr int kFaintestMark = 110;
 
 using PixDestroyer = decltype([](PIX* image) { pixDestroy(&image); });
@@ -32,7 +32,7 @@ struct Cells {
         const auto count = static_cast<std::size_t>(channels);
         for (int x = 0; x < page.width; ++x) {
             std::uint32_t* cell = sums.data() + static_cast<std::size_t>(x / factor) * count;
-            if (page.kind == PageKind::bitonal) {
+            if (page.kind == PageKind::kBitonal) {
                 const bool black = (row[x / 8] >> (7 - x % 8) & 1) != 0;
                 *cell += black ? 0U : 255U;
                 continue;
@@ -44,7 +44,7 @@ struct Cells {
     }
 };
 
-/* Of a scan: 0 .. 255. */
+// Of a scan: 0 .. 255.
 int luminance(const std::uint8_t* pixel, int channels) {
     return channels == 1 ? pixel[0] : (pixel[0] * 5 + pixel[1] * 9 + pixel[2] * 2) / 16;
 }
@@ -88,7 +88,7 @@ ScaledPicture scaled_down(const Page& page) {
     picture.factor = (longer + kLongestPictureSide - 1) / kLongestPictureSide;
     picture.width = (page.width + picture.factor - 1) / picture.factor;
     picture.height = (page.height + picture.factor - 1) / picture.factor;
-    picture.channels = page.kind == PageKind::colour ? 3 : 1;
+    picture.channels = page.kind == PageKind::kColour ? 3 : 1;
     const auto row_size =
         static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.channels);
     picture.pixels.reserve(row_size * static_cast<std::size_t>(picture.height));
@@ -109,9 +109,9 @@ ScaledPicture scaled_down(const Page& page) {
 
 std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
                                               const ScaledPicture& after, Colour colour) {
-    const bool bitonal = before.kind == PageKind::bitonal;
+    const bool bitonal = before.kind == PageKind::kBitonal;
     if (before.page_width != after.page_width || before.page_height != after.page_height ||
-        bitonal != (after.kind == PageKind::bitonal))
+        bitonal != (after.kind == PageKind::kBitonal))
         return std::nullopt;
     ScaledPicture marks = before;
     marks.channels = 4;
@@ -132,7 +132,7 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
 }
 
 EncodedPicture encode(const ScaledPicture& picture) {
-    const bool scan = picture.channels != 4 && picture.kind != PageKind::bitonal;
+    const bool scan = picture.channels != 4 && picture.kind != PageKind::kBitonal;
     const PixOwner image = image_of(picture);
     l_uint8* bytes = nullptr;
     std::size_t size = 0;

@@ -1,6 +1,6 @@
-/* Reads the estimator's trace. In each direction a coarse search over the page at half its size is
- * followed by a fine one around its best slope and one around its worst; the best of the former
- * over the worst of the latter is the confidence. */
+// Reads the estimator's trace. In each direction a coarse search over the page at half its size is
+// followed by a fine one around its best slope and one around its worst; the best of the former
+// over the worst of the latter is the confidence.
 #include "report/skew_fan.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ using Candidates = std::vector<Candidate>;
 struct Search {
     Candidates coarse;
     Candidates fine;
-    Candidates low; /* around the worst */
+    Candidates low;  // around the worst
 };
 
 struct Searches {
@@ -37,7 +37,7 @@ bool begins(const std::string& line, const char* start) {
     return line.rfind(start, 0) == 0;
 }
 
-/* `current` when the line does not begin a search. */
+// `current` when the line does not begin a search.
 Candidates* section_of(const std::string& line, Searches& searches, Candidates* current) {
     if (begins(line, "rough estimation on rows")) return &searches.rows.coarse;
     if (begins(line, "fine estimation on rows")) return &searches.rows.fine;
@@ -48,8 +48,8 @@ Candidates* section_of(const std::string& line, Searches& searches, Candidates* 
 }
 
 Searches read_searches(std::istream& trace) {
-    constexpr std::size_t kSlopeAt = 7; /* behind "yskew :" */
-    constexpr std::size_t kPowerAt = 6; /* behind "power:" */
+    constexpr std::size_t kSlopeAt = 7;  // behind "yskew :"
+    constexpr std::size_t kPowerAt = 6;  // behind "power:"
     Searches searches;
     Candidates* section = nullptr;
     int slope = 0;
@@ -96,7 +96,7 @@ SkewFan read_fan(std::istream& trace) {
 
 std::vector<SkewFan> trace_fans(const Page& page) {
     std::vector<SkewFan> fans;
-    if (page.kind != PageKind::bitonal || page.width < kShortestSkewSide ||
+    if (page.kind != PageKind::kBitonal || page.width < kShortestSkewSide ||
         page.height < kShortestSkewSide)
         return fans;
     const TemporaryFolder folder;

@@ -1,5 +1,5 @@
-/* Every page is decoded, one at a time: what kind it is depends on its pixels, and a damaged file
- * is to be found out here rather than in the middle of a run. */
+// Every page is decoded, one at a time: what kind it is depends on its pixels, and a damaged file
+// is to be found out here rather than in the middle of a run.
 #include "run/info.h"
 
 #include <cstdio>

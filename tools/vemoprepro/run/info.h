@@ -1,14 +1,11 @@
-/* The info command: what files hold. */
-#ifndef VEMOPREPRO_TOOL_INFO_H_
-#define VEMOPREPRO_TOOL_INFO_H_
+// The info command: what files hold.
+#pragma once
 
 #include "run/options.h"
 
 namespace tool {
 
-/* Returns the exit status. */
+// Returns the exit status.
 int print_info(const Options& options);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_INFO_H_

@@ -1,4 +1,4 @@
-/* One input is open at a time here; pages still in work keep theirs open. */
+// One input is open at a time here; pages still in work keep theirs open.
 #include "run/input_feeder.h"
 
 namespace tool {

@@ -1,6 +1,5 @@
-/* Opens the inputs one after the other and gives out their pages as tasks. */
-#ifndef VEMOPREPRO_TOOL_INPUT_FEEDER_H_
-#define VEMOPREPRO_TOOL_INPUT_FEEDER_H_
+// Opens the inputs one after the other and gives out their pages as tasks.
+#pragma once
 
 #include <atomic>
 #include <cstdint>
@@ -17,14 +16,14 @@
 
 namespace tool {
 
-/* What the pages of one input share. */
+// What the pages of one input share.
 struct Input {
     std::string name;
-    std::optional<ImageFile> file; /* none when it could not be opened */
+    std::optional<ImageFile> file;  // none when it could not be opened
     OutputNames outputs;
-    std::vector<PageFindings> findings; /* of --apply, one per page; else empty */
-    /* Set when a page fails: the pages behind it need no work. Those before it are still worked on,
-     * so that what is reported does not depend on which page came first. */
+    std::vector<PageFindings> findings;  // of --apply, one per page; else empty
+    // Set when a page fails: the pages behind it need no work. Those before it are still worked on,
+    // so that what is reported does not depend on which page came first.
     std::atomic<std::size_t> failed_page = kNone;
     static constexpr std::size_t kNone = SIZE_MAX;
 
@@ -33,21 +32,21 @@ struct Input {
         while (page < earlier && !failed_page.compare_exchange_weak(earlier, page)) {
         }
     }
-    [[nodiscard]] std::size_t page_count() const { return file ? file->page_count() : 0; }
+    std::size_t page_count() const { return file ? file->page_count() : 0; }
 };
 
 struct PageTask {
     std::shared_ptr<Input> input;
     std::size_t page = 0;
-    std::optional<FileError> error; /* the input cannot be worked on at all */
+    std::optional<FileError> error;  // the input cannot be worked on at all
 };
 
 class InputFeeder {
   public:
-    /* Throws as OutputPlan, and FileError for the file of --apply. */
+    // Throws as OutputPlan, and FileError for the file of --apply.
     explicit InputFeeder(const Options& options);
 
-    /* The next page of the current input, or the first one of the next input. */
+    // The next page of the current input, or the first one of the next input.
     std::optional<PageTask> next();
 
   private:
@@ -63,5 +62,3 @@ class InputFeeder {
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_INPUT_FEEDER_H_

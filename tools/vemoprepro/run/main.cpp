@@ -1,4 +1,4 @@
-/* vemoprepro: cleans up scanned pages from the command line. */
+// vemoprepro: cleans up scanned pages from the command line.
 #include <cstdio>
 #include <exception>
 
@@ -15,8 +15,8 @@ namespace {
 
 int run_command(const tool::Options& options) {
     try {
-        return options.command == tool::Command::info ? tool::print_info(options)
-                                                      : tool::run(options);
+        return options.command == tool::Command::kInfo ? tool::print_info(options)
+                                                       : tool::run(options);
     } catch (const tool::UsageError& error) {
         std::fprintf(tool::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
                      error.what());

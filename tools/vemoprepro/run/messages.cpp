@@ -1,6 +1,6 @@
-/* The JPEG and PNG decoders print their own messages to the stream `stderr`, and there is no way
- * past Leptonica to tell them not to. In the GNU C library that stream is a variable which may be
- * set. */
+// The JPEG and PNG decoders print their own messages to the stream `stderr`, and there is no way
+// past Leptonica to tell them not to. In the GNU C library that stream is a variable which may be
+// set.
 #include "run/messages.h"
 
 #include <fcntl.h>
@@ -13,9 +13,9 @@ std::FILE* errors = stderr;
 
 }  // namespace
 
-/* A standard stream that is closed at the start would become the number of the first file that is
- * opened, a page among them. What holds its place can only be used the wrong way round, so that
- * whatever is read or written through it fails. */
+// A standard stream that is closed at the start would become the number of the first file that is
+// opened, a page among them. What holds its place can only be used the wrong way round, so that
+// whatever is read or written through it fails.
 void hold_standard_streams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(stream, F_GETFD) < 0)

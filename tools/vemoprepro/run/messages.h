@@ -1,27 +1,23 @@
-/* Where words go: results to standard output, complaints to standard error, and nothing of ours
- * between the bytes of a page that is written to standard output. */
-#ifndef VEMOPREPRO_TOOL_MESSAGES_H_
-#define VEMOPREPRO_TOOL_MESSAGES_H_
+// Where words go: results to standard output, complaints to standard error, and nothing of ours
+// between the bytes of a page that is written to standard output.
+#pragma once
 
 #include <cstdio>
 #include <string>
 
 namespace tool {
 
-/* Keeps files from taking the place of a standard stream that is closed. Call once, first of all.
- */
+// Keeps files from taking the place of a standard stream that is closed. Call once, first of all.
 void hold_standard_streams();
 
-/* Takes standard error for the program alone: decoders that print to it on their own are silenced,
- * what they have to say is in the complaints. Call once, before anything else prints. */
+// Takes standard error for the program alone: decoders that print to it on their own are silenced,
+// what they have to say is in the complaints. Call once, before anything else prints.
 void take_standard_error();
 
-/* Standard error, as it was before. */
+// Standard error, as it was before.
 std::FILE* error_stream();
 
-/* "vemoprepro: FILE: what is wrong", on one line. */
+// "vemoprepro: FILE: what is wrong", on one line.
 void complain(const std::string& file, const std::string& what);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_MESSAGES_H_

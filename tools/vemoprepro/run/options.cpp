@@ -1,5 +1,5 @@
-/* Describes the options to CLI11 and checks what it cannot know. Words follow the habits of the
- * field's other command-line programs: -j, --dpi, --overwrite, -q, -v. */
+// Describes the options to CLI11 and checks what it cannot know. Words follow the habits of the
+// field's other command-line programs: -j, --dpi, --overwrite, -q, -v.
 #include "run/options.h"
 
 #include <sys/stat.h>
@@ -36,7 +36,7 @@ constexpr const char* kExamples =
 
 constexpr double kDegreesPerRadian = 57.29577951308232;
 
-/* What CLI11 fills in, before it becomes Options. */
+// What CLI11 fills in, before it becomes Options.
 struct Raw {
     std::string format;
     std::string threshold = "auto";
@@ -62,7 +62,7 @@ struct Raw {
     throw CLI::ValidationError(what, 1);
 }
 
-/* CLI11 takes an empty text for the number 0. */
+// CLI11 takes an empty text for the number 0.
 CLI::Validator not_empty() {
     return {[](std::string& text) { return std::string(text.empty() ? "the value is empty" : ""); },
             ""};
@@ -120,7 +120,7 @@ CLI::Option* add_threshold(CLI::App& command, Raw& raw) {
     return threshold;
 }
 
-/* A number of pixels that scales with the resolution unless it is given. */
+// A number of pixels that scales with the resolution unless it is given.
 CLI::Option* add_pixels(CLI::App& command, const char* name, int& value, const std::string& what) {
     return command.add_option(name, value, what)->check(CLI::Range(0, 1000000000));
 }
@@ -141,7 +141,7 @@ CLI::Option* add_directions(CLI::App& command, const char* name, Raw& raw) {
     return command
         .add_option(name, raw.lines, "horizontal, vertical, or both with a comma between them")
         ->delimiter(',')
-        ->allow_extra_args(false) /* what follows the list is an input */
+        ->allow_extra_args(false)  // what follows the list is an input
         ->check(CLI::IsMember({"horizontal", "vertical"}));
 }
 
@@ -273,9 +273,9 @@ std::string lower(std::string text) {
 
 std::optional<OutputFormat> format_named(const std::string& name) {
     static const std::map<std::string, OutputFormat> kFormats = {
-        {"tif", OutputFormat::tiff}, {"tiff", OutputFormat::tiff}, {"png", OutputFormat::png},
-        {"pbm", OutputFormat::pnm},  {"pgm", OutputFormat::pnm},   {"ppm", OutputFormat::pnm},
-        {"pnm", OutputFormat::pnm}};
+        {"tif", OutputFormat::kTiff}, {"tiff", OutputFormat::kTiff}, {"png", OutputFormat::kPng},
+        {"pbm", OutputFormat::kPnm},  {"pgm", OutputFormat::kPnm},   {"ppm", OutputFormat::kPnm},
+        {"pnm", OutputFormat::kPnm}};
     const auto found = kFormats.find(lower(name));
     if (found == kFormats.end()) return std::nullopt;
     return found->second;
@@ -302,11 +302,11 @@ Skew skew_from(double degrees) {
 
 Command command_named(const std::string& name) {
     static const std::map<std::string, Command> kCommands = {
-        {"clean", Command::clean},           {"binarize", Command::binarize},
-        {"deskew", Command::deskew},         {"rotate", Command::rotate},
-        {"despeckle", Command::despeckle},   {"unline", Command::unline},
-        {"underlines", Command::underlines}, {"crop", Command::crop},
-        {"textmask", Command::textmask},     {"info", Command::info}};
+        {"clean", Command::kClean},           {"binarize", Command::kBinarize},
+        {"deskew", Command::kDeskew},         {"rotate", Command::kRotate},
+        {"despeckle", Command::kDespeckle},   {"unline", Command::kUnline},
+        {"underlines", Command::kUnderlines}, {"crop", Command::kCrop},
+        {"textmask", Command::kTextmask},     {"info", Command::kInfo}};
     return kCommands.at(name);
 }
 
@@ -329,26 +329,26 @@ Pixels pixels_of(const CLI::App& command, const char* name, int value) {
 void take_binarization(const CLI::App& command, Options& options, const Raw& raw) {
     options.threshold = threshold_from(raw.threshold);
     if (options.threshold > 0)
-        options.binarization = Binarization::fixed;
+        options.binarization = Binarization::kFixed;
     else if (given(command, "--threshold") || raw.method == "otsu")
-        options.binarization = Binarization::otsu;
+        options.binarization = Binarization::kOtsu;
 }
 
-/* What clean does by default, what --for ocr adds, and what single steps are asked for. */
+// What clean does by default, what --for ocr adds, and what single steps are asked for.
 void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     const bool reading = raw.purpose == "ocr";
     options.for_reading = reading;
     options.force |= reading;
     options.prepare = reading && !raw.no_prepare;
     options.crop_border |= reading && !raw.no_crop_border;
-    options.crop_border |= options.command == Command::crop;
+    options.crop_border |= options.command == Command::kCrop;
 
-    const char* area = options.command == Command::clean ? "--despeckle" : "--max-area";
+    const char* area = options.command == Command::kClean ? "--despeckle" : "--max-area";
     options.despeckle.max_area = pixels_of(command, area, raw.max_area);
     options.despeckle.keep_near = pixels_of(command, "--keep-near", raw.keep_near);
     options.despeckle.wanted = !raw.no_despeckle && options.despeckle.max_area != 0;
 
-    const bool both = options.command == Command::unline || (reading && !raw.no_remove_lines);
+    const bool both = options.command == Command::kUnline || (reading && !raw.no_remove_lines);
     for (const std::string& direction : raw.lines)
         (direction == "vertical" ? options.lines.vertical : options.lines.horizontal) = true;
     if (both && raw.lines.empty()) options.lines.horizontal = options.lines.vertical = true;
@@ -357,7 +357,7 @@ void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     options.text.max_height = pixels_of(command, "--max-height", raw.max_height);
 }
 
-/* True for /dev/stdout and the like where that is a pipe: words must keep off it as with "-". */
+// True for /dev/stdout and the like where that is a pipe: words must keep off it as with "-".
 bool is_piped_stdout(const std::string& output) {
     struct stat named {
     }, standard{};
@@ -370,7 +370,7 @@ Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     options.command = command_named(command.get_name());
     if (is_piped_stdout(options.output)) options.output = "-";
     check_inputs(options);
-    if (options.command == Command::info) return options;
+    if (options.command == Command::kInfo) return options;
     if (!raw.format.empty()) options.format = format_named(raw.format);
     if (command.count("--dpi")) options.dpi = raw.dpi;
     take_binarization(command, options, raw);

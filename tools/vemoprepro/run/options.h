@@ -1,6 +1,5 @@
-/* The command line. */
-#ifndef VEMOPREPRO_TOOL_OPTIONS_H_
-#define VEMOPREPRO_TOOL_OPTIONS_H_
+// The command line.
+#pragma once
 
 #include <optional>
 #include <string>
@@ -12,27 +11,27 @@
 namespace tool {
 
 enum class Command {
-    clean,
-    binarize,
-    deskew,
-    rotate,
-    despeckle,
-    unline,
-    underlines,
-    crop,
-    textmask,
-    info
+    kClean,
+    kBinarize,
+    kDeskew,
+    kRotate,
+    kDespeckle,
+    kUnline,
+    kUnderlines,
+    kCrop,
+    kTextmask,
+    kInfo
 };
 
-enum class Binarization { gradient, otsu, fixed };
+enum class Binarization { kGradient, kOtsu, kFixed };
 
-/* What a step may measure in pixels: none stands for the default, scaled by the resolution. */
+// What a step may measure in pixels: none stands for the default, scaled by the resolution.
 using Pixels = std::optional<int>;
 
 struct DespeckleOptions {
     bool wanted = false;
     Pixels max_area;
-    Pixels keep_near; /* 0: specks near ink go too, as they do by default but for reading */
+    Pixels keep_near;  // 0: specks near ink go too, as they do by default but for reading
 };
 
 struct LineOptions {
@@ -41,7 +40,7 @@ struct LineOptions {
     Pixels min_length;
     Pixels max_thickness;
 
-    [[nodiscard]] bool wanted() const { return horizontal || vertical; }
+    bool wanted() const { return horizontal || vertical; }
 };
 
 struct TextOptions {
@@ -50,46 +49,44 @@ struct TextOptions {
 };
 
 struct Options {
-    Command command = Command::clean;
+    Command command = Command::kClean;
     std::vector<std::string> inputs;
-    std::string output;                 /* a file, a folder or "-" */
-    std::optional<OutputFormat> format; /* none: by the name of the output */
+    std::string output;                  // a file, a folder or "-"
+    std::optional<OutputFormat> format;  // none: by the name of the output
     unsigned jobs = 1;
     std::optional<int> dpi;
     bool straighten = true;
-    std::optional<Skew> skew; /* none: measured */
-    Binarization binarization = Binarization::gradient;
-    int threshold = 0;        /* of fixed binarization */
-    bool for_reading = false; /* --for ocr */
-    bool prepare = false;     /* for reading */
+    std::optional<Skew> skew;  // none: measured
+    Binarization binarization = Binarization::kGradient;
+    int threshold = 0;         // of fixed binarization
+    bool for_reading = false;  // --for ocr
+    bool prepare = false;      // for reading
     bool crop_border = false;
     DespeckleOptions despeckle;
     LineOptions lines;
-    TextOptions text;          /* of the textmask command */
-    bool force = false;        /* steps may take more than a tenth of the ink */
-    std::string findings;      /* file of --apply; empty: none */
-    std::string report_folder; /* of --report; empty: none */
-    int quarter_turns = 0;     /* clockwise, of the rotate command */
+    TextOptions text;           // of the textmask command
+    bool force = false;         // steps may take more than a tenth of the ink
+    std::string findings;       // file of --apply; empty: none
+    std::string report_folder;  // of --report; empty: none
+    int quarter_turns = 0;      // clockwise, of the rotate command
     bool quiet = false;
     bool verbose = false;
     bool overwrite = false;
     bool json = false;
 
-    /* Standard output carries the page, so no words may go there. */
-    [[nodiscard]] bool output_is_stdout() const { return output == "-"; }
+    // Standard output carries the page, so no words may go there.
+    bool output_is_stdout() const { return output == "-"; }
 };
 
 constexpr int kExitDone = 0;
-constexpr int kExitFailed = 1; /* some file could not be worked on */
+constexpr int kExitFailed = 1;  // some file could not be worked on
 constexpr int kExitUsage = 2;
 
-/* None when there is nothing to run: help was asked for or the usage was wrong; both have been
- * answered and `exit_status` is set. */
+// None when there is nothing to run: help was asked for or the usage was wrong; both have been
+// answered and `exit_status` is set.
 std::optional<Options> parse_options(int argc, char** argv, int& exit_status);
 
-/* The format that a file name's extension asks for. */
+// The format that a file name's extension asks for.
 std::optional<OutputFormat> format_by_name(const std::string& name);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_OPTIONS_H_

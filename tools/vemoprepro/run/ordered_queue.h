@@ -1,14 +1,13 @@
-/* Pages side by side, results in order.
- *
- * Use: OrderedQueue<Task, Result>(window, next, work).run(jobs, deliver). `next` gives the tasks
- * one by one, an empty optional at the end; `work` runs on `jobs` threads; `deliver` runs on the
- * calling thread, for each result in the order of the tasks.
- *
- * Keep true: at most `window` (>= 1) tasks are between `next` and the end of their delivery,
- * whatever their number; `next` is called by one thread at a time; none of the three may throw but
- * for memory that is used up, which ends the run and is thrown again from here. */
-#ifndef VEMOPREPRO_TOOL_ORDERED_QUEUE_H_
-#define VEMOPREPRO_TOOL_ORDERED_QUEUE_H_
+// Pages side by side, results in order.
+//
+// Use: OrderedQueue<Task, Result>(window, next, work).run(jobs, deliver). `next` gives the tasks
+// one by one, an empty optional at the end; `work` runs on `jobs` threads; `deliver` runs on the
+// calling thread, for each result in the order of the tasks.
+//
+// Keep true: at most `window` (>= 1) tasks are between `next` and the end of their delivery,
+// whatever their number; `next` is called by one thread at a time; none of the three may throw but
+// for memory that is used up, which ends the run and is thrown again from here.
+#pragma once
 
 #include <condition_variable>
 #include <cstddef>
@@ -63,7 +62,7 @@ class OrderedQueue {
         }
     }
 
-    /* The next task and its number, once there is room for it. */
+    // The next task and its number, once there is room for it.
     std::optional<Task> fetch(std::size_t& number) {
         const std::lock_guard source_guard(source_lock_);
         {
@@ -123,5 +122,3 @@ class OrderedQueue {
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_ORDERED_QUEUE_H_

@@ -6,10 +6,10 @@
 namespace tool {
 namespace {
 
-/* A name that promises a bitmap must not hold something else. */
+// A name that promises a bitmap must not hold something else.
 void check_fit(const std::string& name, const Page& page) {
     const std::string end = name.size() < 4 ? "" : name.substr(name.size() - 4);
-    if (page.kind != PageKind::bitonal && (end == ".pbm" || end == ".PBM"))
+    if (page.kind != PageKind::kBitonal && (end == ".pbm" || end == ".PBM"))
         throw FileError(name, std::string("a ") + name_of(page.kind) +
                                   " page does not fit into a PBM file, name it .pnm");
 }

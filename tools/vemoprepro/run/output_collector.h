@@ -1,6 +1,5 @@
-/* Takes the finished pages in order, writes them and reports them. */
-#ifndef VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_
-#define VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_
+// Takes the finished pages in order, writes them and reports them.
+#pragma once
 
 #include <memory>
 #include <optional>
@@ -19,11 +18,11 @@ struct PageResult {
     std::size_t page = 0;
     Page data;
     PageRecord record;
-    std::optional<PagePictures> pictures; /* for the report to look at */
+    std::optional<PagePictures> pictures;  // for the report to look at
     std::optional<FileError> error;
 };
 
-/* The output files of one input: all of them appear, or none. */
+// The output files of one input: all of them appear, or none.
 class OutputSet {
   public:
     OutputSet(const OutputNames& names, bool overwrite) : names_(names), overwrite_(overwrite) {}
@@ -38,12 +37,12 @@ class OutputSet {
     const OutputNames& names_;
     bool overwrite_;
     std::vector<std::unique_ptr<OutputFile>> files_;
-    std::unique_ptr<PageWriter> writer_; /* of the last file */
+    std::unique_ptr<PageWriter> writer_;  // of the last file
 };
 
 class OutputCollector {
   public:
-    /* pictures: the report to look at; may be null. */
+    // pictures: the report to look at; may be null.
     OutputCollector(const Options& options, Report& report, PictureReport* pictures)
         : overwrite_(options.overwrite), report_(report), pictures_(pictures) {}
 
@@ -56,10 +55,8 @@ class OutputCollector {
     bool overwrite_;
     Report& report_;
     PictureReport* pictures_;
-    std::shared_ptr<Input> failed_; /* the last input that failed, already reported */
+    std::shared_ptr<Input> failed_;  // the last input that failed, already reported
     std::optional<OutputSet> outputs_;
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_OUTPUT_COLLECTOR_H_

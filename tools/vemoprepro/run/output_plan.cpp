@@ -1,6 +1,6 @@
-/* Names in a folder are the input's name with the extension of the format. Pages that need a file
- * each are numbered from 1, with as many digits as the last one has, so that sorting by name keeps
- * their order. */
+// Names in a folder are the input's name with the extension of the format. Pages that need a file
+// each are numbered from 1, with as many digits as the last one has, so that sorting by name keeps
+// their order.
 #include "run/output_plan.h"
 
 #include <sys/stat.h>
@@ -24,11 +24,11 @@ std::string folder_of(const std::string& path) {
 
 const char* extension_of(OutputFormat format, bool keeps_kind) {
     switch (format) {
-        case OutputFormat::tiff:
+        case OutputFormat::kTiff:
             return ".tif";
-        case OutputFormat::png:
+        case OutputFormat::kPng:
             return ".png";
-        case OutputFormat::pnm:
+        case OutputFormat::kPnm:
             break;
     }
     return keeps_kind ? ".pnm" : ".pbm";
@@ -39,7 +39,7 @@ std::string stem_of(const std::string& input) {
     return std::filesystem::path(input).stem().string();
 }
 
-/* 7 of 12 becomes "07". */
+// 7 of 12 becomes "07".
 std::string page_number(std::size_t number, std::size_t count) {
     std::string text = std::to_string(number);
     return std::string(std::to_string(count).size() - text.size(), '0') + text;
@@ -47,9 +47,9 @@ std::string page_number(std::size_t number, std::size_t count) {
 
 OutputFormat format_of(const Options& options, bool folder) {
     if (options.format) return *options.format;
-    if (folder || options.output_is_stdout()) return OutputFormat::tiff;
+    if (folder || options.output_is_stdout()) return OutputFormat::kTiff;
     if (const auto format = format_by_name(options.output)) return *format;
-    if (is_stream(options.output)) return OutputFormat::tiff;
+    if (is_stream(options.output)) return OutputFormat::kTiff;
     throw UsageError("-o " + options.output +
                      ": the name ends in no known format (.tif, .png, .pbm); use --format");
 }
@@ -59,7 +59,7 @@ OutputFormat format_of(const Options& options, bool folder) {
 OutputPlan::OutputPlan(const Options& options)
     : output_(options.output),
       overwrite_(options.overwrite),
-      keeps_kind_(options.command == Command::rotate || options.command == Command::crop) {
+      keeps_kind_(options.command == Command::kRotate || options.command == Command::kCrop) {
     if (output_.empty()) throw UsageError("-o: the name is empty");
     const bool exists = is_folder(output_);
     folder_ = exists || options.inputs.size() > 1 || output_.back() == '/';
@@ -82,7 +82,7 @@ std::vector<std::string> OutputPlan::names_in_folder(const std::string& input,
                                                      std::size_t page_count) const {
     const std::string start = output_ + (output_.back() == '/' ? "" : "/") + stem_of(input);
     const std::string end = extension_of(format_, keeps_kind_);
-    if (page_count == 1 || format_ == OutputFormat::tiff) return {start + end};
+    if (page_count == 1 || format_ == OutputFormat::kTiff) return {start + end};
     std::vector<std::string> names;
     for (std::size_t number = 1; number <= page_count; ++number)
         names.push_back(start + "-" + page_number(number, page_count) + end);
@@ -109,7 +109,7 @@ OutputNames OutputPlan::names_for(const std::string& input, std::size_t page_cou
     if (folder_) {
         names.files = names_in_folder(input, page_count);
     } else {
-        if (format_ == OutputFormat::png && page_count > 1)
+        if (format_ == OutputFormat::kPng && page_count > 1)
             throw FileError(input,
                             "holds " + std::to_string(page_count) +
                                 " pages and a PNG file only one; name a folder, or a TIFF file");

@@ -1,10 +1,9 @@
-/* Which files the pages of an input go to.
- *
- * Use: one plan per run; names_for() once per input, in the order of the inputs. A refusal (the
- * output exists, would replace an input, was taken by an earlier input) comes before any work on
- * the pages. */
-#ifndef VEMOPREPRO_TOOL_OUTPUT_PLAN_H_
-#define VEMOPREPRO_TOOL_OUTPUT_PLAN_H_
+// Which files the pages of an input go to.
+//
+// Use: one plan per run; names_for() once per input, in the order of the inputs. A refusal (the
+// output exists, would replace an input, was taken by an earlier input) comes before any work on
+// the pages.
+#pragma once
 
 #include <map>
 #include <set>
@@ -18,32 +17,32 @@
 
 namespace tool {
 
-/* The options do not fit together; exit status 2. */
+// The options do not fit together; exit status 2.
 class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
 struct OutputNames {
-    OutputFormat format = OutputFormat::tiff;
-    /* One name for all pages, or one per page. */
+    OutputFormat format = OutputFormat::kTiff;
+    // One name for all pages, or one per page.
     std::vector<std::string> files;
 
-    [[nodiscard]] const std::string& of_page(std::size_t index) const {
+    const std::string& of_page(std::size_t index) const {
         return files.size() == 1 ? files.front() : files[index];
     }
 };
 
 class OutputPlan {
   public:
-    /* Throws UsageError, or FileError when the folder is missing. */
+    // Throws UsageError, or FileError when the folder is missing.
     explicit OutputPlan(const Options& options);
 
-    /* Throws FileError. */
+    // Throws FileError.
     OutputNames names_for(const std::string& input, std::size_t page_count);
 
   private:
-    [[nodiscard]] std::vector<std::string> names_in_folder(const std::string& input,
-                                                           std::size_t page_count) const;
+    std::vector<std::string> names_in_folder(const std::string& input,
+                                             std::size_t page_count) const;
     void claim(const std::string& output, const std::string& input);
     void remember_inputs(const std::vector<std::string>& inputs);
 
@@ -53,11 +52,9 @@ class OutputPlan {
     bool folder_ = false;
     bool overwrite_ = false;
     bool keeps_kind_ = false;
-    OutputFormat format_ = OutputFormat::tiff;
+    OutputFormat format_ = OutputFormat::kTiff;
     std::set<FileIdentity> inputs_;
-    std::map<std::string, std::string> taken_; /* output: input */
+    std::map<std::string, std::string> taken_;  // output: input
 };
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_OUTPUT_PLAN_H_

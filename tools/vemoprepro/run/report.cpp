@@ -1,5 +1,4 @@
-/* Standard output belongs to the page with -o -, else to the record with --json, else to the words.
- */
+// Standard output belongs to the page with -o -, else to the record with --json, else to the words.
 #include "run/report.h"
 
 #include <sys/ioctl.h>
@@ -13,7 +12,7 @@
 namespace tool {
 namespace {
 
-/* To the start of the terminal's line, and what is there goes. */
+// To the start of the terminal's line, and what is there goes.
 constexpr const char* kNewLineInPlace = "\r\x1b[K";
 
 std::string page_label(const std::string& input, const PageRecord& record, std::size_t pages) {
@@ -22,7 +21,7 @@ std::string page_label(const std::string& input, const PageRecord& record, std::
            ": ";
 }
 
-/* Why a step that was asked for was not done, when that is worth a word on the page's line. */
+// Why a step that was asked for was not done, when that is worth a word on the page's line.
 std::string why_not(const StepRecord& step) {
     if (step.name == "deskew") return "; not straightened: " + step.why;
     if (step.ink_removed) return "; " + step.name + " skipped: it " + step.why;
@@ -30,7 +29,7 @@ std::string why_not(const StepRecord& step) {
     return "";
 }
 
-/* "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)" */
+// "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)"
 std::string summary(const PageRecord& record) {
     std::string text = describe(record);
     for (const StepRecord& step : record.steps) {
@@ -39,8 +38,8 @@ std::string summary(const PageRecord& record) {
     return text;
 }
 
-/* What must not be written over by the next page: a step that was held back, and the content's
- * rectangle that was asked for. */
+// What must not be written over by the next page: a step that was held back, and the content's
+// rectangle that was asked for.
 bool must_stay(const PageRecord& record) {
     return record.content ||
            std::any_of(record.steps.begin(), record.steps.end(), [](const StepRecord& step) {
@@ -48,8 +47,8 @@ bool must_stay(const PageRecord& record) {
            });
 }
 
-/* As much of a line of UTF-8 as fits beside the terminal's edge; a longer one would wrap, and the
- * next one could not take its place. */
+// As much of a line of UTF-8 as fits beside the terminal's edge; a longer one would wrap, and the
+// next one could not take its place.
 std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
     winsize size{};
     if (ioctl(fileno(terminal), TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
@@ -64,7 +63,7 @@ std::string resolution_source(const PageRecord& record) {
     return record.dpi_source == "option" ? " (as given)" : "";
 }
 
-/* JSON is UTF-8; file names need not be. */
+// JSON is UTF-8; file names need not be.
 std::string json_text(const nlohmann::ordered_json& json) {
     return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }

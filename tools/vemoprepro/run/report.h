@@ -1,10 +1,9 @@
-/* What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
- * complaints, and the record of --json at the end.
- *
- * Use: start() an input, page() for each of its pages, then finish_input() or fail_input();
- * finish() at the end of the run gives the exit status. For one thread. */
-#ifndef VEMOPREPRO_TOOL_REPORT_H_
-#define VEMOPREPRO_TOOL_REPORT_H_
+// What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
+// complaints, and the record of --json at the end.
+//
+// Use: start() an input, page() for each of its pages, then finish_input() or fail_input();
+// finish() at the end of the run gives the exit status. For one thread.
+#pragma once
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -30,28 +29,26 @@ class Report {
   private:
     void print_line(const std::string& line, bool as_progress);
     void print_steps(const PageRecord& record, const std::string& output);
-    /* Ends the line of progress: the last page stays, with all that was said of it. */
+    // Ends the line of progress: the last page stays, with all that was said of it.
     void clear_progress();
 
     bool quiet_;
     bool verbose_;
     bool json_;
-    std::FILE* words_;     /* page lines and steps */
-    std::FILE* record_;    /* the JSON record */
-    bool terminal_;        /* one line of progress instead of a line per page */
-    std::string progress_; /* the line that stands there, whole; empty: none */
+    std::FILE* words_;      // page lines and steps
+    std::FILE* record_;     // the JSON record
+    bool terminal_;         // one line of progress instead of a line per page
+    std::string progress_;  // the line that stands there, whole; empty: none
     std::string input_;
     std::size_t page_count_ = 0;
     nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
     int status_ = kExitDone;
 };
 
-/* Prints the JSON document with these files; false when the stream cannot be written. */
+// Prints the JSON document with these files; false when the stream cannot be written.
 bool print_json(std::FILE* stream, const nlohmann::ordered_json& files);
 
-/* A file's entry before anything is known of it. */
+// A file's entry before anything is known of it.
 nlohmann::ordered_json file_json(const std::string& input, const std::string& format);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_REPORT_H_

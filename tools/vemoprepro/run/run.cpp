@@ -1,6 +1,6 @@
-/* Pages are decoded and worked on side by side, one per job, and written in order. Between the two
- * wait at most as many finished pages as there are jobs; with bitonal results these are small, else
- * none wait. */
+// Pages are decoded and worked on side by side, one per job, and written in order. Between the two
+// wait at most as many finished pages as there are jobs; with bitonal results these are small, else
+// none wait.
 #include "run/run.h"
 
 #include <chrono>
@@ -23,9 +23,9 @@ void settle_resolution(const Options& options, Page& page, PageRecord& record) {
     }
 }
 
-/* Results that are not bitonal. */
+// Results that are not bitonal.
 bool large_results(Command command) {
-    return command == Command::rotate || command == Command::crop;
+    return command == Command::kRotate || command == Command::kCrop;
 }
 
 std::string page_prefix(const PageTask& task) {

@@ -1,4 +1,4 @@
-/* Bitonal pages: by the gradient method, by Otsu's, or by a given threshold. */
+// Bitonal pages: by the gradient method, by Otsu's, or by a given threshold.
 #include <vemoprepro/binarization.h>
 
 #include <algorithm>
@@ -12,18 +12,18 @@
 namespace tool {
 namespace {
 
-constexpr unsigned char kSmooth = 246; /* a do call raises it by 2 */
-/* Half of the one-shot dark levels, 128 being the middle between the darkest grey and white: with
- * the full ones paper in the shade becomes black, with none large dark areas fall apart. */
+constexpr unsigned char kSmooth = 246;  // a do call raises it by 2
+// Half of the one-shot dark levels, 128 being the middle between the darkest grey and white: with
+// the full ones paper in the shade becomes black, with none large dark areas fall apart.
 constexpr unsigned char kFillLevel = 64;
 constexpr unsigned char kLowestThreshold = 48;
 
-/* Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
- * showing through, stains and noise. */
+// Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
+// showing through, stains and noise.
 constexpr int kEdgeShare = 40;
 constexpr int kWeakestEdge = 16;
-/* Stronger edges are asked for only where light print on a page of black ink may go: at 40 print
- * down to a contrast of 50 is whole, at 80 a contrast of 90 is already lost. */
+// Stronger edges are asked for only where light print on a page of black ink may go: at 40 print
+// down to a contrast of 50 is whole, at 80 a contrast of 90 is already lost.
 constexpr int kUsualEdge = 40;
 constexpr int kStrongestEdge = 120;
 
@@ -39,7 +39,7 @@ Settings make_settings() {
 }
 
 Page threshold_bits(const Page& grey, int threshold) {
-    Page bits = same_size(grey, PageKind::bitonal);
+    Page bits = same_size(grey, PageKind::kBitonal);
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_thresh(settings.get(), static_cast<unsigned char>(threshold));
@@ -59,7 +59,7 @@ int edge_for(const Page& grey, int strongest) {
 }
 
 Page gradient_bits(const Page& grey) {
-    Page bits = same_size(grey, PageKind::bitonal);
+    Page bits = same_size(grey, PageKind::kBitonal);
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_smooth(settings.get(), kSmooth);
@@ -72,9 +72,9 @@ Page gradient_bits(const Page& grey) {
     return bits;
 }
 
-/* For reading. Edges are looked for on a smoothed copy, against noise. */
+// For reading. Edges are looked for on a smoothed copy, against noise.
 Page bits_by_edges(const Page& grey, int strongest) {
-    Page bits = same_size(grey, PageKind::bitonal);
+    Page bits = same_size(grey, PageKind::kBitonal);
     const Settings settings = make_settings();
     set_edges(settings.get(), edge_for(grey, strongest));
     bi_set_internal_gaussian_smoothing(settings.get(), 1);
@@ -85,7 +85,7 @@ Page bits_by_edges(const Page& grey, int strongest) {
 }
 
 struct Greys {
-    int darkest_white = 255; /* 255 also when all is black */
+    int darkest_white = 255;  // 255 also when all is black
     bool any_black = false;
     int lightest = 0;
 };
@@ -105,10 +105,10 @@ Greys survey(const Page& grey, const Page& bits) {
     return greys;
 }
 
-/* Binarizes by Otsu's threshold and returns it. Otsu's split chooses a grey that is present, the
- * lightest of the dark class, while only greys below the threshold become black. So the threshold
- * is the darkest grey that became white; and on a page drawn in a single dark grey that grey is the
- * threshold itself and all of the ink would be lost: there the threshold goes up by one. */
+// Binarizes by Otsu's threshold and returns it. Otsu's split chooses a grey that is present, the
+// lightest of the dark class, while only greys below the threshold become black. So the threshold
+// is the darkest grey that became white; and on a page drawn in a single dark grey that grey is the
+// threshold itself and all of the ink would be lost: there the threshold goes up by one.
 int binarize_by_otsu(const Page& grey, Page& bits) {
     bits = threshold_bits(grey, 0);
     const Greys greys = survey(grey, bits);
@@ -126,20 +126,20 @@ Outcome threshold_by(Page& page, int threshold, const char* source, PageRecord& 
 
 Outcome binarize(Page& page, const Options& options, const PageFindings& findings,
                  PageRecord& record) {
-    if (page.kind == PageKind::bitonal) return {false, "bitonal already"};
-    if (page.kind == PageKind::colour) page = grey_of(page);
+    if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
+    if (page.kind == PageKind::kColour) page = grey_of(page);
     if (findings.threshold)
         return threshold_by(page, *findings.threshold, " (as recorded)", record);
-    if (options.binarization == Binarization::fixed)
+    if (options.binarization == Binarization::kFixed)
         return threshold_by(page, options.threshold, " (as given)", record);
     Page bits;
-    if (options.binarization == Binarization::gradient && options.for_reading) {
+    if (options.binarization == Binarization::kGradient && options.for_reading) {
         if (options.lines.wanted())
             record.with_faint_ink = std::make_shared<const Page>(bits_by_edges(page, kWeakestEdge));
         page = bits_for_reading(page);
         return {true, "gradient thresholds for the contrast of the ink"};
     }
-    if (options.binarization == Binarization::gradient) {
+    if (options.binarization == Binarization::kGradient) {
         page = gradient_bits(page);
         return {true, "gradient thresholds"};
     }

@@ -1,5 +1,5 @@
-/* Dark borders of scanned pages. The page keeps its size: a border is painted over with the colour
- * of the paper beside it, so that the binarization finds no edge where it was. */
+// Dark borders of scanned pages. The page keeps its size: a border is painted over with the colour
+// of the paper beside it, so that the binarization finds no edge where it was.
 #include <vemoprepro/cleaning.h>
 
 #include <algorithm>
@@ -18,21 +18,21 @@
 namespace tool {
 namespace {
 
-/* Borders start at greys below `dark` on the page's edge and go on through greys below `light` that
- * differ by less than `step`. */
+// Borders start at greys below `dark` on the page's edge and go on through greys below `light` that
+// differ by less than `step`.
 struct BorderGreys {
     int dark, light, step;
 };
 constexpr BorderGreys kBorder = {110, 190, 32};
-/* Told from paper that lies in deep shade. */
+// Told from paper that lies in deep shade.
 constexpr BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
 
-/* Ends inclusive. */
+// Ends inclusive.
 struct Rectangle {
     int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
 
-    [[nodiscard]] std::string text() const {
+    std::string text() const {
         return "content " + std::to_string(x1 - x0 + 1) + " x " + std::to_string(y1 - y0 + 1) +
                " pixels at " + std::to_string(x0) + ", " + std::to_string(y0);
     }
@@ -45,7 +45,7 @@ void record_content(PageRecord& record, const Rectangle& content) {
 
 Rectangle paint_border_white(Page& page, const BorderGreys& border) {
     Rectangle content;
-    const bool grey = page.kind == PageKind::grey;
+    const bool grey = page.kind == PageKind::kGrey;
     if (cropimg(page.bytes.get(), grey ? PREPRO_CROP_GREY : PREPRO_CROP_RGB, page.height,
                 page.width, static_cast<int>(page.stride()), border.dark, border.light, border.step,
                 &content.x0, &content.x1, &content.y0, &content.y1) != 0)
@@ -54,7 +54,7 @@ Rectangle paint_border_white(Page& page, const BorderGreys& border) {
 }
 
 void repaint_white_as_paper(Page& page) {
-    if (page.kind == PageKind::grey) {
+    if (page.kind == PageKind::kGrey) {
         unsigned char paper = 255;
         cropgrey_get(&paper, page.bytes.get(), page.height, page.width, page.width);
         cropgrey_replace(255, paper, page.bytes.get(), page.height, page.width, page.width);
@@ -69,9 +69,9 @@ void repaint_white_as_paper(Page& page) {
                       page.width);
 }
 
-/* Share of the dark pixels in the inner part of the page that became white. */
+// Share of the dark pixels in the inner part of the page that became white.
 double dark_lost(const Page& before, const Page& after) {
-    const int channels = before.kind == PageKind::grey ? 1 : 3;
+    const int channels = before.kind == PageKind::kGrey ? 1 : 3;
     std::int64_t dark = 0, lost = 0;
     for (int y = before.height / 8; y < before.height - before.height / 8; ++y) {
         const unsigned char* old_row = before.row(y);
@@ -101,14 +101,14 @@ Outcome crop_greys(Page& page, bool force, PageRecord& record) {
     return {true, content.text(), lost};
 }
 
-/* Whether no more than the frame of 8 pixels, which is always painted, was taken for border. */
+// Whether no more than the frame of 8 pixels, which is always painted, was taken for border.
 bool only_frame(const Page& page, const Rectangle& content) {
     constexpr int kFrame = 9;
     return content.x0 < kFrame && content.y0 < kFrame &&
            content.x1 >= page.width - 1 - 2 * kFrame && content.y1 >= page.height - 1 - 2 * kFrame;
 }
 
-/* For reading no print may go with the border, whatever share of the ink it is. */
+// For reading no print may go with the border, whatever share of the ink it is.
 Outcome crop_around_print(Page& page, PageRecord& record) {
     for (const BorderGreys& border : {kBorder, kDeepBorder}) {
         Page cropped = copy_of(page);
@@ -124,7 +124,7 @@ Outcome crop_around_print(Page& page, PageRecord& record) {
     return {false, "print lies in the dark at the edges"};
 }
 
-/* The box of the ink; false without ink. */
+// The box of the ink; false without ink.
 bool box_of_ink(const Page& page, Rectangle& box) {
     box = {page.width, -1, page.height, -1};
     for (int y = 0; y < page.height; ++y) {
@@ -167,9 +167,9 @@ Step border_step(const Options& options, bool to_grey) {
                 if (!wanted) return {false, kSwitchedOff};
                 if (page.width < kShortestSide || page.height < kShortestSide)
                     return {false, "smaller than 24 pixels a side"};
-                if (page.kind == PageKind::bitonal) return crop_bits(page, force, record);
-                if (to_grey && page.kind == PageKind::colour) page = grey_of(page);
-                if (reading && page.kind == PageKind::grey) return crop_around_print(page, record);
+                if (page.kind == PageKind::kBitonal) return crop_bits(page, force, record);
+                if (to_grey && page.kind == PageKind::kColour) page = grey_of(page);
+                if (reading && page.kind == PageKind::kGrey) return crop_around_print(page, record);
                 return crop_greys(page, force, record);
             }};
 }

@@ -1,4 +1,4 @@
-/* Straightening of bitonal pages. */
+// Straightening of bitonal pages.
 #include <vemoprepro/deskew.h>
 
 #include <cmath>
@@ -16,12 +16,11 @@
 namespace tool {
 namespace {
 
-/* Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
- */
+// Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
 constexpr int kAgreement = 3;
 
-/* The whole page, which measures most exactly, unless its inner part clearly says something else:
- * then a border or a streak has been measured, and not the text. */
+// The whole page, which measures most exactly, unless its inner part clearly says something else:
+// then a border or a streak has been measured, and not the text.
 MeasuredSkew measure(const Page& page) {
     const MeasuredSkew whole = measure_skew(page, whole_window(page));
     const std::optional<SkewWindow> inner = inner_window(page);
@@ -31,7 +30,7 @@ MeasuredSkew measure(const Page& page) {
     return within.clear() && !(whole.clear() && agree) ? within : whole;
 }
 
-/* The straight page without its pixels. */
+// The straight page without its pixels.
 Page straight_frame(const Page& page, Skew skew) {
     Page straight;
     straight.dpi = page.dpi;
@@ -42,7 +41,7 @@ Page straight_frame(const Page& page, Skew skew) {
 }
 
 void straighten(Page& page, Skew skew, Page straight) {
-    if (page.kind == PageKind::grey) {
+    if (page.kind == PageKind::kGrey) {
         page = levelled(page, skew.numerator, skew.denominator, straight.width, straight.height);
         return;
     }
@@ -73,7 +72,7 @@ Outcome measure_and_straighten(Page& page, PageRecord& record) {
     if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
         return {false, "smaller than 32 pixels a side"};
     const MeasuredSkew measured =
-        page.kind == PageKind::grey ? measure(bits_for_reading(page)) : measure(page);
+        page.kind == PageKind::kGrey ? measure(bits_for_reading(page)) : measure(page);
     record.skew = measured.skew;
     record.confidence = measured.confidence;
     if (std::isnan(measured.confidence)) return {false, "no ink on the page"};

@@ -1,4 +1,4 @@
-/* Specks, and everything that is not text. */
+// Specks, and everything that is not text.
 #include <vemoprepro/cleaning.h>
 
 #include "reading/ink.h"
@@ -7,17 +7,16 @@
 namespace tool {
 namespace {
 
-/* A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9. */
+// A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9.
 constexpr double kSpeck = 6;
-/* What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
- */
+// What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
 constexpr double kSpeckForReading = 9;
 constexpr double kNearForReading = 8;
-/* The same on a heavily specked page, where a word's neighbourhood is full of specks, too. */
+// The same on a heavily specked page, where a word's neighbourhood is full of specks, too.
 constexpr double kSpeckOfMany = 20;
 constexpr double kNearOfMany = 3;
 
-/* Capitals of 72 point type. */
+// Capitals of 72 point type.
 constexpr double kTallestText = 250;
 
 void remove_specks(Page& page, int area, int keep_near) {
@@ -26,7 +25,7 @@ void remove_specks(Page& page, int area, int keep_near) {
         throw std::bad_alloc();
 }
 
-/* In pixels of the page. */
+// In pixels of the page.
 struct Usual {
     int area, keep_near;
 };

@@ -26,7 +26,7 @@ Page same_size(const Page& page, PageKind kind) {
 }
 
 Page grey_of(const Page& page) {
-    Page grey = same_size(page, PageKind::grey);
+    Page grey = same_size(page, PageKind::kGrey);
     RowReader reader{page};
     if (bi_color2greybuf(0, RowReader::read, &reader, nullptr, PREPRO_SOURCE_RGB, page.width,
                          std::max(page.dpi.x, 1), 0, page.width, 0, page.height, grey.bytes.get(),

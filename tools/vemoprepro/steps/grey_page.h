@@ -1,12 +1,11 @@
-/* Handing pages to the library's binarizations, which read them row by row. */
-#ifndef VEMOPREPRO_TOOL_GREY_PAGE_H_
-#define VEMOPREPRO_TOOL_GREY_PAGE_H_
+// Handing pages to the library's binarizations, which read them row by row.
+#pragma once
 
 #include "page/page.h"
 
 namespace tool {
 
-/* Hands the rows of a page to the library one by one: the context of read(). */
+// Hands the rows of a page to the library one by one: the context of read().
 struct RowReader {
     const Page& page;
     int next = 0;
@@ -14,13 +13,11 @@ struct RowReader {
     static int read(void* context, int mode, unsigned char* row);
 };
 
-/* A page of the same size and resolution whose pixels are not set. */
+// A page of the same size and resolution whose pixels are not set.
 Page same_size(const Page& page, PageKind kind);
 
-/* The grey page that the library binarizes a colour page from. Taking it beforehand lets go of the
- * colour page early and leaves the greys at hand. */
+// The grey page that the library binarizes a colour page from. Taking it beforehand lets go of the
+// colour page early and leaves the greys at hand.
 Page grey_of(const Page& page);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_GREY_PAGE_H_

@@ -1,4 +1,4 @@
-/* Ruled lines: taking them off a page, or keeping nothing else. */
+// Ruled lines: taking them off a page, or keeping nothing else.
 #include <vemoprepro/cleaning.h>
 
 #include <utility>
@@ -11,17 +11,17 @@
 namespace tool {
 namespace {
 
-/* At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm. */
+// At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm.
 constexpr double kShortestLine = 150;
 constexpr double kThickestLine = 10;
-/* Breaks of a line that is printed weakly. */
+// Breaks of a line that is printed weakly.
 constexpr double kGap = 5;
-/* A line that is not quite level steps aside by this much. */
+// A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
-/* The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm. */
+// The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm.
 constexpr double kDash = 16;
 constexpr double kAround = 16;
-/* Ink beside a faint rule that is no letter. */
+// Ink beside a faint rule that is no letter.
 constexpr double kCrumb = 4;
 
 RuleScale rule_scale(const Page& page, const LineOptions& wanted) {

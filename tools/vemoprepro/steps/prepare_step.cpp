@@ -1,4 +1,4 @@
-/* Grey pages made ready for --for ocr. */
+// Grey pages made ready for --for ocr.
 #include "reading/ink.h"
 #include "reading/reading_grey.h"
 #include "reading/resample.h"
@@ -8,10 +8,10 @@
 namespace tool {
 namespace {
 
-/* Print has less than two impulses in a hundred pixels, unless it is coarse: then its strokes are
- * as thin as specks, and specks cannot be told from them. */
+// Print has less than two impulses in a hundred pixels, unless it is coarse: then its strokes are
+// as thin as specks, and specks cannot be told from them.
 constexpr double kHeavilySpecked = 0.02;
-/* Recognition wants letters of some twenty pixels height. */
+// Recognition wants letters of some twenty pixels height.
 constexpr int kCoarse = 200;
 constexpr int kLongestSideToDouble = 8192;
 
@@ -21,8 +21,8 @@ bool is_coarse(const Page& page) {
 }
 
 Outcome prepare(Page& page, PageRecord& record) {
-    if (page.kind == PageKind::bitonal) return {false, "bitonal already"};
-    if (page.kind == PageKind::colour) page = grey_of(page);
+    if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
+    if (page.kind == PageKind::kColour) page = grey_of(page);
     std::string why = "light evened out";
     const double impulses = impulse_share(page);
     record.specked = impulses > kHeavilySpecked && !is_coarse(page);

@@ -1,4 +1,4 @@
-/* Calls the library's estimator on a part of a page, which it takes as a page of its own. */
+// Calls the library's estimator on a part of a page, which it takes as a page of its own.
 #include "steps/skew_measure.h"
 
 #include <vemoprepro/deskew.h>

@@ -1,11 +1,10 @@
-/* The skew of a window of a bitonal page.
- *
- * Use: measure_skew(page, whole_window(page)). A trace of the search goes into `trace_folder` when
- * that is given.
- *
- * Keep true: a window has at least kShortestSkewSide pixels a side and starts at a whole byte. */
-#ifndef VEMOPREPRO_TOOL_SKEW_MEASURE_H_
-#define VEMOPREPRO_TOOL_SKEW_MEASURE_H_
+// The skew of a window of a bitonal page.
+//
+// Use: measure_skew(page, whole_window(page)). A trace of the search goes into `trace_folder` when
+// that is given.
+//
+// Keep true: a window has at least kShortestSkewSide pixels a side and starts at a whole byte.
+#pragma once
 
 #include <optional>
 
@@ -14,31 +13,29 @@
 
 namespace tool {
 
-/* The estimator needs this many pixels a side. */
+// The estimator needs this many pixels a side.
 constexpr int kShortestSkewSide = 32;
 
 struct MeasuredSkew {
     Skew skew;
     double confidence = 0;
 
-    /* Below this confidence the estimator finds no direction that stands out. */
+    // Below this confidence the estimator finds no direction that stands out.
     static constexpr double kClearConfidence = 1.5;
-    [[nodiscard]] bool clear() const { return confidence >= kClearConfidence; }
+    bool clear() const { return confidence >= kClearConfidence; }
 };
 
-/* Columns x0 .. x0 + width - 1 of the rows y0 .. y0 + height - 1; x0 is a multiple of 8. */
+// Columns x0 .. x0 + width - 1 of the rows y0 .. y0 + height - 1; x0 is a multiple of 8.
 struct SkewWindow {
     int x0, y0, width, height;
 };
 
 SkewWindow whole_window(const Page& page);
-/* The page without a twelfth of each side, where scanner borders, lamp streaks and punch holes lie;
- * none when too little is left. */
+// The page without a twelfth of each side, where scanner borders, lamp streaks and punch holes lie;
+// none when too little is left.
 std::optional<SkewWindow> inner_window(const Page& page);
 
 MeasuredSkew measure_skew(const Page& page, const SkewWindow& window,
                           const char* trace_folder = nullptr);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_SKEW_MEASURE_H_

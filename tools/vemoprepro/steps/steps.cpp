@@ -1,4 +1,4 @@
-/* The list of steps of each command. */
+// The list of steps of each command.
 #include "steps/steps.h"
 
 #include <chrono>
@@ -11,10 +11,10 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/* The border goes while there are greys to tell it from the page by; specks go before the skew is
- * measured, which they would blur; rules go last, since only level ones are straight runs of ink.
- * For reading the page is turned while it is grey, which keeps the letters' edges where they are,
- * and specks go last, so that crumbs of rules are among them. */
+// The border goes while there are greys to tell it from the page by; specks go before the skew is
+// measured, which they would blur; rules go last, since only level ones are straight runs of ink.
+// For reading the page is turned while it is grey, which keeps the letters' edges where they are,
+// and specks go last, so that crumbs of rules are among them.
 Pipeline cleaning_steps(const Options& options) {
     if (options.for_reading)
         return {orientation_step(),     border_step(options, true), prepare_step(options),
@@ -32,25 +32,25 @@ Pipeline single_step(Step step) {
 
 Pipeline make_pipeline(const Options& options) {
     switch (options.command) {
-        case Command::clean:
+        case Command::kClean:
             return cleaning_steps(options);
-        case Command::binarize:
+        case Command::kBinarize:
             return single_step(binarize_step(options));
-        case Command::deskew:
+        case Command::kDeskew:
             return single_step(deskew_step(options));
-        case Command::rotate:
+        case Command::kRotate:
             return single_step(rotate_step(options.quarter_turns));
-        case Command::despeckle:
+        case Command::kDespeckle:
             return single_step(despeckle_step(options));
-        case Command::unline:
+        case Command::kUnline:
             return single_step(unline_step(options));
-        case Command::underlines:
+        case Command::kUnderlines:
             return single_step(underlines_step(options));
-        case Command::crop:
+        case Command::kCrop:
             return single_step(border_step(options, false));
-        case Command::textmask:
+        case Command::kTextmask:
             return single_step(textmask_step(options));
-        case Command::info:
+        case Command::kInfo:
             break;
     }
     return {};

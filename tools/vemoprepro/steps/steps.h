@@ -1,13 +1,12 @@
-/* The steps that a page goes through.
- *
- * Use: make_pipeline() gives the steps of a command in their order; process() runs them on one page
- * and notes in the page's record what each found and whether it was done, and why.
- *
- * Keep true: a step either replaces the page or leaves it alone; it holds no state, so that any
- * number of pages can go through the same pipeline at once. What a page does not allow is thrown as
- * StepError. */
-#ifndef VEMOPREPRO_TOOL_STEPS_H_
-#define VEMOPREPRO_TOOL_STEPS_H_
+// The steps that a page goes through.
+//
+// Use: make_pipeline() gives the steps of a command in their order; process() runs them on one page
+// and notes in the page's record what each found and whether it was done, and why.
+//
+// Keep true: a step either replaces the page or leaves it alone; it holds no state, so that any
+// number of pages can go through the same pipeline at once. What a page does not allow is thrown as
+// StepError.
+#pragma once
 
 #include <functional>
 #include <optional>
@@ -25,13 +24,13 @@ class StepError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/* Why a step is skipped that nobody asked for. */
+// Why a step is skipped that nobody asked for.
 constexpr const char* kSwitchedOff = "switched off";
 
 struct Outcome {
     bool done;
     std::string why;
-    std::optional<double> ink_removed = {}; /* share of the ink, for steps that take some away */
+    std::optional<double> ink_removed = {};  // share of the ink, for steps that take some away
 };
 
 struct Step {
@@ -42,7 +41,7 @@ using Pipeline = std::vector<Step>;
 
 Pipeline make_pipeline(const Options& options);
 
-/* Sees a page before its first step, before each step, and after each step that was done. */
+// Sees a page before its first step, before each step, and after each step that was done.
 class PageWatcher {
   public:
     virtual ~PageWatcher() = default;
@@ -51,37 +50,35 @@ class PageWatcher {
     virtual void after(const std::string& step, const Page& page) = 0;
 };
 
-/* findings: what is to be used instead of being measured; empty members are measured. watcher: may
- * be null. */
+// findings: what is to be used instead of being measured; empty members are measured. watcher: may
+// be null.
 void process(const Pipeline& pipeline, Page& page, const PageFindings& findings, PageRecord& record,
              PageWatcher* watcher);
 
-/* Turns the page as its file asks for. */
+// Turns the page as its file asks for.
 Step orientation_step();
-/* Turns the page clockwise. */
+// Turns the page clockwise.
 Step rotate_step(int quarter_turns);
 
-/* Quarter turns clockwise, 1 .. 3. */
+// Quarter turns clockwise, 1 .. 3.
 void turn(Page& page, int quarter_turns);
-/* Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized). */
+// Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized).
 Step border_step(const Options& options, bool to_grey);
-/* What --for ocr does to grey and colour pages beforehand: strong specks, uneven light and low
- * resolutions, which the later steps see no more. */
+// What --for ocr does to grey and colour pages beforehand: strong specks, uneven light and low
+// resolutions, which the later steps see no more.
 Step prepare_step(const Options& options);
-/* Makes the page bitonal. */
+// Makes the page bitonal.
 Step binarize_step(const Options& options);
-/* Measures the skew of a bitonal page (or takes the one of the findings or of --skew) and turns the
- * page straight. With --for ocr it does so with grey pages, too. */
+// Measures the skew of a bitonal page (or takes the one of the findings or of --skew) and turns the
+// page straight. With --for ocr it does so with grey pages, too.
 Step deskew_step(const Options& options);
 
-/* Steps on bitonal pages. */
+// Steps on bitonal pages.
 Step despeckle_step(const Options& options);
 Step unline_step(const Options& options);
-/* Keeps the lines only. */
+// Keeps the lines only.
 Step underlines_step(const Options& options);
-/* Keeps the text only. */
+// Keeps the text only.
 Step textmask_step(const Options& options);
 
 }  // namespace tool
-
-#endif  // VEMOPREPRO_TOOL_STEPS_H_

@@ -1,4 +1,4 @@
-/* Right-angle turns. */
+// Right-angle turns.
 #include <vemoprepro/geometry.h>
 
 #include <string>
@@ -13,7 +13,7 @@ int as_int(std::size_t size) {
     return static_cast<int>(size);
 }
 
-/* Quarter turns clockwise, 1 .. 3, as the library counts them. */
+// Quarter turns clockwise, 1 .. 3, as the library counts them.
 int rotation_code(int quarter_turns) {
     constexpr int kCodes[] = {0, PREPRO_TURN_CLOCKWISE, PREPRO_TURN_HALF,
                               PREPRO_TURN_COUNTER_CLOCKWISE};
@@ -34,7 +34,7 @@ bool turn_bits(const Page& page, int quarter_turns, PixelBlock& to) {
 bool turn_pixels(const Page& page, int quarter_turns, PixelBlock& to) {
     to = allocate_pixels(page.size());
     int height = 0, width = 0;
-    return kyd_rotate_color(rotation_code(quarter_turns), page.kind == PageKind::grey ? 1 : 3,
+    return kyd_rotate_color(rotation_code(quarter_turns), page.kind == PageKind::kGrey ? 1 : 3,
                             page.bytes.get(), page.height, page.width, to.get(), &height,
                             &width) == 0;
 }
@@ -48,8 +48,8 @@ Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
 
 void turn(Page& page, int quarter_turns) {
     PixelBlock turned;
-    const bool good = page.kind == PageKind::bitonal ? turn_bits(page, quarter_turns, turned)
-                                                     : turn_pixels(page, quarter_turns, turned);
+    const bool good = page.kind == PageKind::kBitonal ? turn_bits(page, quarter_turns, turned)
+                                                      : turn_pixels(page, quarter_turns, turned);
     if (!good) throw StepError("the page cannot be turned");
     page.bytes = std::move(turned);
     if (quarter_turns != 2) {
