@@ -22,8 +22,9 @@ Decoded decoded_by(PIX* image) {
 
 // No colour map, and 1, 8 or 32 bits per pixel.
 PixOwner plain_image(PixOwner image) {
-    if (pixGetColormap(image.get()))
+    if (pixGetColormap(image.get()) != nullptr) {
         image.reset(pixRemoveColormap(image.get(), REMOVE_CMAP_BASED_ON_SRC));
+    }
     if (!image) throw std::bad_alloc();
     const l_int32 depth = pixGetDepth(image.get());
     if (depth == 2 || depth == 4) image.reset(pixConvertTo8(image.get(), 0));
@@ -40,7 +41,7 @@ PixelBlock block_of(PIX* image) {
 void shrink(Page& page) {
     unsigned char* whole = page.bytes.release();
     void* smaller = std::realloc(whole, page.size());
-    page.bytes.reset(smaller ? static_cast<unsigned char*>(smaller) : whole);
+    page.bytes.reset(smaller != nullptr ? static_cast<unsigned char*>(smaller) : whole);
 }
 
 std::uint8_t over_white(std::uint32_t value, std::uint32_t alpha, bool premultiplied) {
@@ -78,9 +79,10 @@ void take_grey(Page& page, PIX* image) {
     const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image)) * 4;
     page.kind = PageKind::kGrey;
     page.bytes = block_of(image);
-    for (int y = 1; y < page.height; ++y)
+    for (int y = 1; y < page.height; ++y) {
         std::memmove(page.row(y), page.bytes.get() + stride * static_cast<std::size_t>(y),
                      page.stride());
+    }
 }
 
 void take_bitonal(Page& page, PIX* image) {
@@ -93,8 +95,9 @@ void take_bitonal(Page& page, PIX* image) {
 bool without_colour(const Page& page) {
     const std::size_t count = page.size() / 3;
     const unsigned char* pixel = page.bytes.get();
-    for (std::size_t i = 0; i < count; ++i, pixel += 3)
+    for (std::size_t i = 0; i < count; ++i, pixel += 3) {
         if (pixel[0] != pixel[1] || pixel[1] != pixel[2]) return false;
+    }
     return true;
 }
 
@@ -108,8 +111,9 @@ void keep_one_byte_in_three(Page& page) {
 bool only_black_and_white(const Page& page) {
     const unsigned char* bytes = page.bytes.get();
     const std::size_t size = page.size();
-    for (std::size_t i = 0; i < size; ++i)
+    for (std::size_t i = 0; i < size; ++i) {
         if (static_cast<unsigned char>(bytes[i] + 1) > 1) return false;
+    }
     return true;
 }
 
@@ -121,8 +125,9 @@ void pack_bits(Page& page) {
     for (int y = 0; y < page.height; ++y) {
         const unsigned char* grey = page.row(y);
         unsigned char* row = bits.get() + stride * static_cast<std::size_t>(y);
-        for (int x = 0; x < page.width; ++x)
-            row[x / 8] = static_cast<unsigned char>(row[x / 8] | (grey[x] ? 0 : 128 >> x % 8));
+        for (int x = 0; x < page.width; ++x) {
+            row[x / 8] = static_cast<unsigned char>(row[x / 8] | (grey[x] != 0 ? 0 : 128 >> x % 8));
+        }
     }
     page.kind = PageKind::kBitonal;
     page.bytes = std::move(bits);
@@ -133,9 +138,10 @@ void pack_bits(Page& page) {
 void pack_colour(Page& page, bool alpha, bool premultiplied) {
     const std::size_t stride = static_cast<std::size_t>(page.width) * 4;
     page.kind = PageKind::kColour;
-    for (int y = 0; y < page.height; ++y)
+    for (int y = 0; y < page.height; ++y) {
         pack_colour_row(page.bytes.get() + stride * static_cast<std::size_t>(y), page.width, alpha,
                         premultiplied, page.row(y));
+    }
 }
 
 void reduce_kind(Page& page) {

@@ -37,7 +37,8 @@ File open_file(const std::string& path, const std::string& name) {
 // The temporary copy has no name from the start, so nothing is left behind however the run ends.
 int open_nameless_file(const std::string& name) {
     const char* folder = std::getenv("TMPDIR");
-    std::string path = std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
+    std::string path =
+        std::string(folder != nullptr && *folder != 0 ? folder : "/tmp") + "/vemoprepro.XXXXXX";
     const int file = mkostemp(path.data(), O_CLOEXEC);
     if (file < 0) throw system_error_of(name);
     unlink(path.c_str());
@@ -62,7 +63,7 @@ void copy_all(int from, int to, const std::string& name) {
 
 // The page of a file that holds just one.
 std::vector<PagePlace> one_page(l_ok failed, int width, int height) {
-    if (failed) return {};
+    if (failed != 0) return {};
     return {PagePlace{0, width, height}};
 }
 
@@ -156,8 +157,9 @@ SeekableFile::~SeekableFile() {
 
 ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
     list_pages();
-    if (places_.empty())
+    if (places_.empty()) {
         throw FileError(name_, std::string("damaged or truncated ") + name_of(format_) + " file");
+    }
 }
 
 void ImageFile::list_pages() {
@@ -187,11 +189,13 @@ std::string ImageFile::page_prefix(std::size_t index) const {
 void ImageFile::check_size(std::size_t index) const {
     const PagePlace& place = places_[index];
     const std::string size = std::to_string(place.width) + " x " + std::to_string(place.height);
-    if (place.width < 1 || place.height < 1)
+    if (place.width < 1 || place.height < 1) {
         throw FileError(name_, page_prefix(index) + "impossible size of " + size + " pixels");
-    if (place.width > kLongestSide || place.height > kLongestSide)
+    }
+    if (place.width > kLongestSide || place.height > kLongestSide) {
         throw FileError(name_, page_prefix(index) + size + " pixels are too large, the limit is " +
                                    std::to_string(kLongestSide) + " a side");
+    }
 }
 
 std::string ImageFile::damage(std::size_t index, const std::string& reason) const {

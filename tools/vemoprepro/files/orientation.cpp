@@ -45,15 +45,17 @@ class TiffBytes {
 
 int orientation_in(const std::vector<std::uint8_t>& segment) {
     constexpr char kSignature[] = {'E', 'x', 'i', 'f', 0, 0};
-    if (segment.size() < 14 || std::memcmp(segment.data(), kSignature, sizeof kSignature) != 0)
+    if (segment.size() < 14 || std::memcmp(segment.data(), kSignature, sizeof kSignature) != 0) {
         return 0;
+    }
     const TiffBytes tiff(segment, sizeof kSignature);
     const std::size_t directory = tiff.number(4, 4);
     const std::uint32_t entries = tiff.number(directory, 2);
     for (std::uint32_t i = 0; i < entries; ++i) {
         const std::size_t entry = directory + 2 + i * std::size_t{12};
-        if (tiff.number(entry, 2) == kOrientationTag)
+        if (tiff.number(entry, 2) == kOrientationTag) {
             return static_cast<int>(tiff.number(entry + 8, 2));
+        }
     }
     return 0;
 }
@@ -75,8 +77,9 @@ template <std::size_t kBytes>
 void mirror_row(unsigned char* row, int width) {
     unsigned char* left = row;
     unsigned char* right = row + kBytes * static_cast<std::size_t>(width - 1);
-    for (; left < right; left += kBytes, right -= kBytes)
+    for (; left < right; left += kBytes, right -= kBytes) {
         std::swap_ranges(left, left + kBytes, right);
+    }
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ void remove_folder(const std::string& path) {
 
 std::string temporary_template() {
     const char* folder = std::getenv("TMPDIR");
-    return std::string(folder && *folder ? folder : "/tmp") + "/vemoprepro.XXXXXX";
+    return std::string(folder != nullptr && *folder != 0 ? folder : "/tmp") + "/vemoprepro.XXXXXX";
 }
 
 void end_by_signal(int signal) {
@@ -82,7 +82,7 @@ void set_usual_permissions(int file) {
 
 std::string behind_links(const std::string& path) {
     char* real = realpath(path.c_str(), nullptr);
-    if (!real) return path;
+    if (real == nullptr) return path;
     std::string target = real;
     std::free(real);
     return target;
@@ -108,10 +108,11 @@ void write_all(int file, const void* bytes, std::size_t size, const std::string&
 
 TemporaryFolder::TemporaryFolder() : path_(temporary_template()) {
     const std::lock_guard guard(unfinished().lock);
-    if (mkdtemp(path_.data()))
+    if (mkdtemp(path_.data()) != nullptr) {
         unfinished().folders.insert(path_);
-    else
+    } else {
         path_.clear();
+    }
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -185,8 +186,8 @@ void OutputFile::publish() {
     int failed = renameat2(AT_FDCWD, aside_.c_str(), AT_FDCWD, target_.c_str(),
                            overwrite_ ? 0 : RENAME_NOREPLACE);
     // Some file systems cannot refuse to replace; whether the name is free was checked before.
-    if (failed && errno == EINVAL) failed = std::rename(aside_.c_str(), target_.c_str());
-    if (failed) throw system_error_of(name_);
+    if (failed != 0 && errno == EINVAL) failed = std::rename(aside_.c_str(), target_.c_str());
+    if (failed != 0) throw system_error_of(name_);
     unfinished().paths.erase(aside_);
     aside_.clear();
 }

@@ -20,19 +20,20 @@ class TiffWriter final : public PageWriter {
     explicit TiffWriter(const OutputFile& file) : file_(file) {
         const TiffErrors errors;
         tiff_ = TIFFFdOpen(file.descriptor(), file.name().c_str(), "w");
-        if (!tiff_) fail(errors);
+        if (tiff_ == nullptr) fail(errors);
     }
     // Unlike TIFFClose() this leaves the descriptor to its owner.
     ~TiffWriter() override {
-        if (tiff_) TIFFCleanup(tiff_);
+        if (tiff_ != nullptr) TIFFCleanup(tiff_);
     }
 
     void append(Page page) override {
         const TiffErrors errors;
         describe(page);
         bool good = true;
-        for (int y = 0; good && y < page.height; ++y)
+        for (int y = 0; good && y < page.height; ++y) {
             good = TIFFWriteScanline(tiff_, page.row(y), static_cast<std::uint32_t>(y), 0) == 1;
+        }
         if (!good || TIFFWriteDirectory(tiff_) != 1 || !errors.first().empty()) fail(errors);
     }
 
@@ -134,9 +135,10 @@ class PnmWriter final : public PageWriter {
         const std::size_t row_size =
             bitonal ? (static_cast<std::size_t>(page.width) + 7) / 8 : page.stride();
         // Rows of bitonal pages move together to lose their padding.
-        for (int y = 1; y < page.height; ++y)
+        for (int y = 1; y < page.height; ++y) {
             std::memmove(page.bytes.get() + row_size * static_cast<std::size_t>(y), page.row(y),
                          row_size);
+        }
         write_all(file_.descriptor(), page.bytes.get(),
                   row_size * static_cast<std::size_t>(page.height), file_.name());
     }

@@ -43,19 +43,22 @@ std::uint32_t upper_byte(std::uint32_t sample, int depth) {
 void paint_greys(PIX* image, std::uint32_t key) {
     const int depth = pixGetDepth(image);
     const l_uint32 white = (l_uint32{1} << depth) - 1;
-    for (int y = 0; y < pixGetHeight(image); ++y)
+    for (int y = 0; y < pixGetHeight(image); ++y) {
         for (int x = 0; x < pixGetWidth(image); ++x) {
             l_uint32 value = 0;
             pixGetPixel(image, x, y, &value);
             if (value == key) pixSetPixel(image, x, y, white);
         }
+    }
 }
 
 void paint_colours(PIX* image, std::uint32_t key) {
     l_uint32* line = pixGetData(image);
-    for (int y = 0; y < pixGetHeight(image); ++y, line += pixGetWpl(image))
-        for (int x = 0; x < pixGetWidth(image); ++x)
+    for (int y = 0; y < pixGetHeight(image); ++y, line += pixGetWpl(image)) {
+        for (int x = 0; x < pixGetWidth(image); ++x) {
             if (line[x] >> 8 == key) line[x] |= 0xFFFFFF00;
+        }
+    }
 }
 
 }  // namespace
@@ -75,8 +78,9 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
         if (!chunk.is("tRNS") || wanted == 0 || chunk.size() != 2 * wanted) continue;
         key.chunk_at = static_cast<std::size_t>(at);
         key.chunk_size = chunk.size() + kFrame;
-        for (std::size_t i = 0; i < wanted; ++i)
+        for (std::size_t i = 0; i < wanted; ++i) {
             key.samples.push_back(big_endian(chunk.contents() + 2 * i, 2));
+        }
         return key;
     }
     return std::nullopt;
@@ -97,10 +101,11 @@ std::vector<std::uint8_t> without_colour_key(std::FILE* file, const PngColourKey
 void paint_colour_key(PIX* image, const PngColourKey& key) {
     const int depth = pixGetDepth(image);
     if (key.samples.size() == 3) {
-        if (depth == 32)
+        if (depth == 32) {
             paint_colours(image, upper_byte(key.samples[0], key.depth) << 16 |
                                      upper_byte(key.samples[1], key.depth) << 8 |
                                      upper_byte(key.samples[2], key.depth));
+        }
     } else if (depth == 1) {
         if (key.samples[0] == 0) pixClearAll(image);  // all that is black is transparent
     } else if (depth == key.depth) {

@@ -14,9 +14,10 @@ namespace {
 // Skips white space and comments, which run from # to the end of the line. Returns the next byte.
 int skip_space(std::FILE* file) {
     int byte = std::getc(file);
-    while (byte == '#' || (byte >= 0 && std::isspace(byte))) {
-        if (byte == '#')
+    while (byte == '#' || (byte >= 0 && (std::isspace(byte) != 0))) {
+        if (byte == '#') {
             while (byte >= 0 && byte != '\n') byte = std::getc(file);
+        }
         if (byte >= 0) byte = std::getc(file);
     }
     return byte;
@@ -28,8 +29,9 @@ int read_number(std::FILE* file) {
     int byte = skip_space(file);
     if (byte < '0' || byte > '9') return -1;
     int value = 0;
-    for (; byte >= '0' && byte <= '9'; byte = std::getc(file))
+    for (; byte >= '0' && byte <= '9'; byte = std::getc(file)) {
         if (value <= kLargest) value = value * 10 + (byte - '0');
+    }
     return value > kLargest ? -1 : value;
 }
 
@@ -56,8 +58,9 @@ RawHeader read_header(std::FILE* file) {
     header.height = read_number(file);
     if (type != '4') header.largest_value = read_number(file);
     if (header.width > 0 && header.height > 0 && header.largest_value > 0 &&
-        header.largest_value <= 65535)
+        header.largest_value <= 65535) {
         header.type = type;
+    }
     return header;
 }
 
@@ -89,7 +92,8 @@ void clear_padding(std::vector<unsigned char>& row, int width) {
 
 bool list_other_page(std::FILE* file, PagePlace& place) {
     std::rewind(file);
-    return !freadHeaderPnm(file, &place.width, &place.height, nullptr, nullptr, nullptr, nullptr);
+    return freadHeaderPnm(file, &place.width, &place.height, nullptr, nullptr, nullptr, nullptr) ==
+           0;
 }
 
 std::size_t size_of(std::FILE* file) {
@@ -133,8 +137,9 @@ std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
     page.bytes = allocate_pixels(page.size());
     std::vector<unsigned char> row(std::max(header.row_size(), page.stride()));
     for (int y = 0; y < page.height; ++y) {
-        if (std::fread(row.data(), 1, header.row_size(), file) != header.row_size())
+        if (std::fread(row.data(), 1, header.row_size(), file) != header.row_size()) {
             return std::nullopt;
+        }
         if (header.type == '4') {
             clear_padding(row, header.width);
             std::memcpy(page.row(y), row.data(), page.stride());

@@ -61,10 +61,11 @@ bool is_packed(TIFF* tiff) {
     int colours = tag_of(tiff, TIFFTAG_PHOTOMETRIC);
     const int samples = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL);
     const int compression = tag_of(tiff, TIFFTAG_COMPRESSION);
-    if (TIFFIsTiled(tiff) || compression == COMPRESSION_OJPEG ||
+    if (TIFFIsTiled(tiff) != 0 || compression == COMPRESSION_OJPEG ||
         tag_of(tiff, TIFFTAG_BITSPERSAMPLE) != 8 ||
-        tag_of(tiff, TIFFTAG_PLANARCONFIG) != PLANARCONFIG_CONTIG)
+        tag_of(tiff, TIFFTAG_PLANARCONFIG) != PLANARCONFIG_CONTIG) {
         return false;
+    }
     if (compression == COMPRESSION_JPEG && colours == PHOTOMETRIC_YCBCR) {
         TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         colours = PHOTOMETRIC_RGB;
@@ -78,11 +79,14 @@ bool has_narrow_palette(TIFF* tiff) {
     std::uint16_t* maps[3] = {};
     const int bits = tag_of(tiff, TIFFTAG_BITSPERSAMPLE);
     if (tag_of(tiff, TIFFTAG_PHOTOMETRIC) != PHOTOMETRIC_PALETTE || bits > 8 ||
-        TIFFGetField(tiff, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 1)
+        TIFFGetField(tiff, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 1) {
         return false;
-    for (const std::uint16_t* map : maps)
-        if (std::any_of(map, map + (std::ptrdiff_t{1} << bits), [](int v) { return v > 255; }))
+    }
+    for (const std::uint16_t* map : maps) {
+        if (std::any_of(map, map + (std::ptrdiff_t{1} << bits), [](int v) { return v > 255; })) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -91,8 +95,8 @@ bool is_unusual(TIFF* tiff) {
     const bool in_planes = tag_of(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE &&
                            tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) > 1;
     const bool inverted = tag_of(tiff, TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_MINISWHITE;
-    return TIFFIsTiled(tiff) || in_planes || (inverted && bits != 1 && bits != 8) || bits > 16 ||
-           has_narrow_palette(tiff);
+    return TIFFIsTiled(tiff) != 0 || in_planes || (inverted && bits != 1 && bits != 8) ||
+           bits > 16 || has_narrow_palette(tiff);
 }
 
 // libtiff's words have red at the bottom, those of pack_colour() at the top.
@@ -108,7 +112,7 @@ void turn_words(unsigned char* words, std::size_t count) {
 // All pixels as words, in the order of the file; false when that fails.
 bool read_words(TIFF* tiff, Page& page) {
     char reason[1024] = "";
-    if (!TIFFRGBAImageOK(tiff, reason)) {
+    if (TIFFRGBAImageOK(tiff, reason) == 0) {
         if (first_error.empty()) first_error = reason;
         return false;
     }
@@ -119,15 +123,16 @@ bool read_words(TIFF* tiff, Page& page) {
     const int as_stored = tag_of(tiff, TIFFTAG_ORIENTATION);
     if (TIFFReadRGBAImageOriented(tiff, static_cast<std::uint32_t>(page.width),
                                   static_cast<std::uint32_t>(page.height), words, as_stored,
-                                  1) != 1)
+                                  1) != 1) {
         return false;
+    }
     turn_words(page.bytes.get(), count);
     return true;
 }
 
 // Greys of 16 bits in tiles: libtiff's words of them are wrong beside the right edge.
 bool has_deep_grey_tiles(TIFF* tiff) {
-    return TIFFIsTiled(tiff) && tag_of(tiff, TIFFTAG_BITSPERSAMPLE) == 16 &&
+    return TIFFIsTiled(tiff) != 0 && tag_of(tiff, TIFFTAG_BITSPERSAMPLE) == 16 &&
            tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 1;
 }
 
@@ -142,14 +147,17 @@ bool read_deep_grey_tiles(TIFF* tiff, Page& page) {
     page.kind = PageKind::kGrey;
     page.bytes = allocate_pixels(page.size());
     std::vector<std::uint16_t> tile(static_cast<std::size_t>(TIFFTileSize(tiff)) / 2);
-    for (std::uint32_t top = 0; top < height; top += tile_height)
+    for (std::uint32_t top = 0; top < height; top += tile_height) {
         for (std::uint32_t left = 0; left < width; left += tile_width) {
             if (TIFFReadTile(tiff, tile.data(), left, top, 0, 0) < 0) return false;
-            for (std::uint32_t y = 0; y < std::min(tile_height, height - top); ++y)
-                for (std::uint32_t x = 0; x < std::min(tile_width, width - left); ++x)
+            for (std::uint32_t y = 0; y < std::min(tile_height, height - top); ++y) {
+                for (std::uint32_t x = 0; x < std::min(tile_width, width - left); ++x) {
                     page.row(static_cast<int>(top + y))[left + x] = static_cast<unsigned char>(
                         tile[std::size_t{y} * tile_width + x] >> 8 ^ inverted);
+                }
+            }
         }
+    }
     return true;
 }
 
@@ -176,8 +184,9 @@ bool starts_as_tiff(std::FILE* file) {
     static constexpr char kStarts[4][5] = {"II\x2A\0", "MM\0\x2A", "II\x2B\0", "MM\0\x2B"};
     char start[4] = {};
     if (std::fread(start, 1, sizeof start, file) != sizeof start) return false;
-    for (const char* known : kStarts)
+    for (const char* known : kStarts) {
         if (std::memcmp(start, known, sizeof start) == 0) return true;
+    }
     return false;
 }
 
@@ -203,11 +212,11 @@ int TiffErrors::system_error() const {
 std::vector<PagePlace> list_tiff_pages(const std::string& path) {
     const TiffErrors errors;
     TIFF* tiff = TIFFOpen(path.c_str(), "rm");
-    if (!tiff) return {};
+    if (tiff == nullptr) return {};
     std::vector<PagePlace> places;
     do {
         if (!is_thumbnail(tiff)) places.push_back(place_of(tiff));
-    } while (TIFFReadDirectory(tiff));
+    } while (TIFFReadDirectory(tiff) != 0);
     TIFFClose(tiff);
     if (!errors.first().empty()) places.clear();
     return places;
@@ -216,8 +225,9 @@ std::vector<PagePlace> list_tiff_pages(const std::string& path) {
 // The file is mapped into memory here: else libtiff refuses tiles that are not compressed.
 std::optional<Page> read_unusual_tiff(const std::string& path, std::size_t offset) {
     const TiffFile tiff(TIFFOpen(path.c_str(), "r"));
-    if (!tiff || !TIFFSetSubDirectory(tiff.get(), offset) || !is_unusual(tiff.get()))
+    if (!tiff || (TIFFSetSubDirectory(tiff.get(), offset) == 0) || !is_unusual(tiff.get())) {
         return std::nullopt;
+    }
     Page page = frame_of(tiff.get());
     if (tag_of(tiff.get(), TIFFTAG_SAMPLESPERPIXEL) == 2) {
         first_error = "transparent greys in tiles or planes are not supported";
@@ -235,16 +245,19 @@ std::optional<Page> read_unusual_tiff(const std::string& path, std::size_t offse
 
 std::optional<Page> read_packed_tiff(const std::string& path, std::size_t offset) {
     const TiffFile tiff(TIFFOpen(path.c_str(), "rm"));
-    if (!tiff || !TIFFSetSubDirectory(tiff.get(), offset) || !is_packed(tiff.get()))
+    if (!tiff || (TIFFSetSubDirectory(tiff.get(), offset) == 0) || !is_packed(tiff.get())) {
         return std::nullopt;
+    }
     Page page = frame_of(tiff.get());
     page.kind =
         tag_of(tiff.get(), TIFFTAG_SAMPLESPERPIXEL) == 3 ? PageKind::kColour : PageKind::kGrey;
-    if (static_cast<std::size_t>(TIFFScanlineSize(tiff.get())) != page.stride())
+    if (static_cast<std::size_t>(TIFFScanlineSize(tiff.get())) != page.stride()) {
         return std::nullopt;
+    }
     page.bytes = allocate_pixels(page.size());
-    for (int y = 0; y < page.height; ++y)
+    for (int y = 0; y < page.height; ++y) {
         if (TIFFReadScanline(tiff.get(), page.row(y), static_cast<std::uint32_t>(y), 0) != 1) break;
+    }
     orient(page, tag_of(tiff.get(), TIFFTAG_ORIENTATION));
     return page;
 }

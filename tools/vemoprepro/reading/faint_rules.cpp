@@ -14,8 +14,9 @@ namespace {
 // What is on one page and not on the other.
 Page difference(const Page& page, const Page& other) {
     Page rest = copy_of(page);
-    for (std::size_t i = 0; i < rest.size(); ++i)
+    for (std::size_t i = 0; i < rest.size(); ++i) {
         rest.bytes[i] &= static_cast<unsigned char>(~other.bytes[i]);
+    }
     return rest;
 }
 
@@ -31,7 +32,7 @@ Page widened(const Page& ink) {
         const int pixels = ink.bytes[i];
         if (pixels == 0) continue;
         add(across, i, pixels << 1 | pixels >> 1);
-        if (i % stride > 0) add(across, i - 1, pixels & 0x80 ? 1 : 0);
+        if (i % stride > 0) add(across, i - 1, (pixels & 0x80) != 0 ? 1 : 0);
         if (i % stride + 1 < stride) add(across, i + 1, pixels << 7);
     }
     Page wide = copy_of(across);
@@ -47,12 +48,14 @@ struct Pixel {
 };
 
 void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
-    for (int y = std::max(0, at.y - 1); y <= std::min(rest.height - 1, at.y + 1); ++y)
-        for (int x = std::max(0, at.x - 1); x <= std::min(rest.width - 1, at.x + 1); ++x)
+    for (int y = std::max(0, at.y - 1); y <= std::min(rest.height - 1, at.y + 1); ++y) {
+        for (int x = std::max(0, at.x - 1); x <= std::min(rest.width - 1, at.x + 1); ++x) {
             if (is_ink(rest, x, y)) {
                 erase_ink(rest, x, y);
                 found.push_back({x, y});
             }
+        }
+    }
 }
 
 // Takes off `rest` all that hangs together with the ink of the other page.
@@ -61,10 +64,11 @@ void take_connected(Page& rest, const Page& ink) {
     for (int y = 0; y < ink.height; ++y) {
         const unsigned char* row = ink.row(y);
         for (int x = 0; x < ink.width; ++x) {
-            if (row[x / 8] == 0)
+            if (row[x / 8] == 0) {
                 x |= 7;
-            else if (is_ink(ink, x, y))
+            } else if (is_ink(ink, x, y)) {
                 take_neighbours(rest, {x, y}, found);
+            }
         }
     }
     while (!found.empty()) {
@@ -81,8 +85,9 @@ void remove_stubs_of_rules(Page& page, const Page& with_rules, const Page& witho
     const Page outside = difference(page, widened(difference(with_rules, without_rules)));
     Page letters = copy_of(outside);
     const int stride = static_cast<int>(letters.stride());
-    if (despeckl_mem(letters.bytes.get(), letters.height, letters.width, stride, crumb) != 0)
+    if (despeckl_mem(letters.bytes.get(), letters.height, letters.width, stride, crumb) != 0) {
         throw std::bad_alloc();
+    }
     Page stubs = difference(page, letters);
     take_connected(stubs, letters);
     // Crumbs that touch no rule are the dots of letters.

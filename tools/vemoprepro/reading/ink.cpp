@@ -31,12 +31,13 @@ std::uint32_t word_of(const Page& page, int y, int index) {
 
 InkCount count_ink(const Page& before, const Page& after, const InkWindow& window) {
     InkCount count;
-    for (int y = window.y0; y < window.y1; ++y)
+    for (int y = window.y0; y < window.y1; ++y) {
         for (int i = window.x0 / 32; i < window.x1 / 32; ++i) {
             const std::uint32_t ink = word_of(before, y, i);
             count.before += std::popcount(ink);
             count.lost += std::popcount(ink & ~word_of(after, y, i));
         }
+    }
     return count;
 }
 
@@ -59,9 +60,10 @@ Page copy_of(const Page& page) {
 }
 
 void require_bitonal(const Page& page, const char* step) {
-    if (page.kind != PageKind::kBitonal)
+    if (page.kind != PageKind::kBitonal) {
         throw StepError(std::string(step) + " takes bitonal pages, this one is " +
                         name_of(page.kind) + " (clean binarizes first)");
+    }
 }
 
 std::string percent(double share) {
@@ -75,8 +77,9 @@ Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::s
     Page changed = copy_of(page);
     change(changed);
     const double share = count_ink(page, changed, window).share();
-    if (!force && share > kMostInk)
+    if (!force && share > kMostInk) {
         return {false, "would take " + percent(share) + " of the ink (--force does it)", share};
+    }
     page = std::move(changed);
     return {true, what + ", " + percent(share) + " of the ink", share};
 }

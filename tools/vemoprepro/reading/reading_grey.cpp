@@ -63,10 +63,13 @@ void count_alike(const unsigned char* __restrict own, const unsigned char* __res
 // without 8 neighbours are not counted.
 void count_company(const Page& grey, int y, std::vector<unsigned char>& company) {
     std::fill(company.begin(), company.end(), static_cast<unsigned char>(0));
-    for (int v = y - 1; v <= y + 1; ++v)
-        for (int x = 0; x <= 2; ++x)
-            if (v != y || x != 1)
+    for (int v = y - 1; v <= y + 1; ++v) {
+        for (int x = 0; x <= 2; ++x) {
+            if (v != y || x != 1) {
                 count_alike(grey.row(y) + 1, grey.row(v) + x, company.data() + 1, grey.width - 2);
+            }
+        }
+    }
 }
 
 // Calls found(x, median) for the impulses of row y.
@@ -104,12 +107,14 @@ struct Blocks {
 
 int upper_quartile(const Page& grey, int x0, int x1, int y0, int y1) {
     std::array<int, 256> counts{};
-    for (int y = y0; y < y1; ++y)
+    for (int y = y0; y < y1; ++y) {
         for (int x = x0; x < x1; ++x) ++counts[grey.row(y)[x]];
+    }
     const int wanted = (x1 - x0) * (y1 - y0) / 4;
     int level = 255;
-    for (int seen = counts[255]; level > 0 && seen < wanted;)
+    for (int seen = counts[255]; level > 0 && seen < wanted;) {
         seen += counts[static_cast<std::size_t>(--level)];
+    }
     return level;
 }
 
@@ -119,23 +124,27 @@ using Combine = std::function<int(const Blocks&, int i, int j, int di, int dj)>;
 void combine_around(Blocks& blocks, const Combine& combine) {
     for (const bool rows : {true, false}) {
         const Blocks before = blocks;
-        for (int j = 0; j < blocks.down; ++j)
-            for (int i = 0; i < blocks.across; ++i)
+        for (int j = 0; j < blocks.down; ++j) {
+            for (int i = 0; i < blocks.across; ++i) {
                 blocks.at(i, j) = combine(before, i, j, rows ? 1 : 0, rows ? 0 : 1);
+            }
+        }
     }
 }
 
 int largest(const Blocks& blocks, int i, int j, int di, int dj) {
     int value = 0;
-    for (int k = -kReach; k <= kReach; ++k)
+    for (int k = -kReach; k <= kReach; ++k) {
         value = std::max(value, blocks.near(i + k * di, j + k * dj));
+    }
     return value;
 }
 
 int smallest(const Blocks& blocks, int i, int j, int di, int dj) {
     int value = 255;
-    for (int k = -kReach; k <= kReach; ++k)
+    for (int k = -kReach; k <= kReach; ++k) {
         value = std::min(value, blocks.near(i + k * di, j + k * dj));
+    }
     return value;
 }
 
@@ -148,10 +157,12 @@ int mean(const Blocks& blocks, int i, int j, int di, int dj) {
 Blocks paper_of(const Page& grey) {
     Blocks paper(grey);
     const int side = paper.side;
-    for (int j = 0; j < paper.down; ++j)
-        for (int i = 0; i < paper.across; ++i)
+    for (int j = 0; j < paper.down; ++j) {
+        for (int i = 0; i < paper.across; ++i) {
             paper.at(i, j) = upper_quartile(grey, i * side, std::min(grey.width, (i + 1) * side),
                                             j * side, std::min(grey.height, (j + 1) * side));
+        }
+    }
     combine_around(paper, largest);
     combine_around(paper, smallest);
     combine_around(paper, mean);
@@ -167,14 +178,16 @@ std::pair<int, int> between_blocks(int x, int side) {
 // The means of 4 x 4 pixels, which noise does not reach, over a block of 16 x 16: least and most.
 std::pair<int, int> soft_range(const Page& grey, int x0, int y0) {
     int least = 255, most = 0;
-    for (int y = y0; y < y0 + 16; y += 4)
+    for (int y = y0; y < y0 + 16; y += 4) {
         for (int x = x0; x < x0 + 16; x += 4) {
             int sum = 0;
-            for (int v = y; v < y + 4; ++v)
+            for (int v = y; v < y + 4; ++v) {
                 for (int u = x; u < x + 4; ++u) sum += grey.row(v)[u];
+            }
             least = std::min(least, sum / 16);
             most = std::max(most, sum / 16);
         }
+    }
     return {least, most};
 }
 
@@ -193,9 +206,11 @@ int contrast_of_block(const Page& grey, int x0, int y0, int side) {
 }
 
 bool all_painted(const Page& cropped, int x0, int x1, int y0, int y1) {
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
+    for (int y = y0; y < y1; ++y) {
+        for (int x = x0; x < x1; ++x) {
             if (cropped.row(y)[x] != 255) return false;
+        }
+    }
     return true;
 }
 
@@ -205,8 +220,9 @@ double impulse_share(const Page& grey) {
     if (grey.width < 3 || grey.height < 3) return 0;
     std::int64_t impulses = 0, seen = 0;
     std::vector<unsigned char> company(static_cast<std::size_t>(grey.width));
-    for (int y = 1; y + 1 < grey.height; y += kSampledRows, seen += grey.width - 2)
+    for (int y = 1; y + 1 < grey.height; y += kSampledRows, seen += grey.width - 2) {
         for_each_impulse(grey, y, company, [&](int, unsigned char) { ++impulses; });
+    }
     return static_cast<double>(impulses) / static_cast<double>(seen);
 }
 
@@ -245,9 +261,10 @@ void even_light(Page& grey) {
     for (int x = 0; x < grey.width; ++x) places.push_back(between_blocks(x, paper.side));
     for (int y = 0; y < grey.height; ++y) {
         const auto [j, down] = between_blocks(y, paper.side);
-        for (int i = 0; i < paper.across + 2; ++i)
+        for (int i = 0; i < paper.across + 2; ++i) {
             here[static_cast<std::size_t>(i)] =
                 paper.near(i - 1, j) * (whole - down) + paper.near(i - 1, j + 1) * down;
+        }
         unsigned char* row = grey.row(y);
         for (int x = 0; x < grey.width; ++x) {
             const auto [i, across] = places[static_cast<std::size_t>(x)];
@@ -263,11 +280,14 @@ void even_light(Page& grey) {
 int ink_contrast(const Page& grey) {
     const int side = std::max(2, scaled_length(grey, kBlock));
     std::vector<int> contrasts;
-    for (int y = 0; y + side < grey.height; y += side)
-        for (int x = 0; x + side < grey.width; x += side)
+    for (int y = 0; y + side < grey.height; y += side) {
+        for (int x = 0; x + side < grey.width; x += side) {
             if (const int contrast = contrast_of_block(grey, x, y, side);
-                contrast >= kLeastContrast)
+                contrast >= kLeastContrast) {
                 contrasts.push_back(contrast);
+            }
+        }
+    }
     if (contrasts.empty()) return 0;
     const auto tenth = contrasts.begin() + static_cast<std::ptrdiff_t>(contrasts.size() * 9 / 10);
     std::nth_element(contrasts.begin(), tenth, contrasts.end());
@@ -278,13 +298,14 @@ bool print_was_painted(const Page& grey, const Page& cropped) {
     // Deep in the border there is nothing but its own dark; the page's rim lies within a block of
     // what was left.
     int printed = 0, painted = 0;
-    for (int y = 16; y + 32 <= grey.height; y += 16)
+    for (int y = 16; y + 32 <= grey.height; y += 16) {
         for (int x = 16; x + 32 <= grey.width; x += 16) {
             const auto [least, most] = soft_range(grey, x, y);
             if ((most - least) * 5 < most * 2) continue;
             ++printed;
             painted += all_painted(cropped, x - 16, x + 32, y - 16, y + 32);
         }
+    }
     return painted * 50 > printed;
 }
 

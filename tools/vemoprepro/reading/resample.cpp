@@ -93,8 +93,9 @@ bool has_all_neighbours(const Page& grey, int x, int y) {
 std::vector<int> doubled_line(const Page& grey, int y) {
     const unsigned char* row = grey.row(std::clamp(y, 0, grey.height - 1));
     std::vector<unsigned char> wide(static_cast<std::size_t>(grey.width) + 4);
-    for (int x = -2; x < grey.width + 2; ++x)
+    for (int x = -2; x < grey.width + 2; ++x) {
         wide[static_cast<std::size_t>(x + 2)] = row[std::clamp(x, 0, grey.width - 1)];
+    }
     const Weights& before = at_place(weights(), -kPlaces / 4);
     const Weights& after = at_place(weights(), kPlaces / 4);
     std::vector<int> line(static_cast<std::size_t>(grey.width) * 2);
@@ -123,17 +124,20 @@ Page doubled(const Page& grey) {
     for (int y = 0; y < large.height; ++y) {
         const int place = y * (kPlaces / 2) - kPlaces / 4;
         const int top = (place >> kPlaceBits) - 1;
-        if (y == 0)
-            for (int j = 0; j < 4; ++j)
+        if (y == 0) {
+            for (int j = 0; j < 4; ++j) {
                 lines[static_cast<std::size_t>(j)] = doubled_line(grey, top + j);
+            }
+        }
         if (y % 2 == 1) {
             std::rotate(lines.begin(), lines.begin() + 1, lines.end());
             lines[3] = doubled_line(grey, top + 3);
         }
         const Weights& down = at_place(weights(), place);
         unsigned char* row = large.row(y);
-        for (std::size_t x = 0; x < lines[0].size(); ++x)
+        for (std::size_t x = 0; x < lines[0].size(); ++x) {
             row[x] = to_grey(weighted(down, lines[0][x], lines[1][x], lines[2][x], lines[3][x]));
+        }
     }
     return large;
 }

@@ -70,8 +70,9 @@ struct Rule {
 class Path {
   public:
     explicit Path(const Rule& rule) : x0_(rule.x0), x1_(rule.x1()) {
-        for (int x = x0_; x < x1_; x += kStep)
+        for (int x = x0_; x < x1_; x += kStep) {
             rows_.push_back(static_cast<short>(rule.at(x).centre / kUnit));
+        }
     }
 
     bool covers(const Seed& seed, int reach) const {
@@ -127,8 +128,9 @@ Column column_at(const Page& page, int x, int y, int tallest) {
         column.y0 = v;
         column.y1 = v + 1;
         while (column.y0 > std::max(0, v - tallest) && is_ink(page, x, column.y0 - 1)) --column.y0;
-        while (column.y1 < std::min(page.height, v + tallest) && is_ink(page, x, column.y1))
+        while (column.y1 < std::min(page.height, v + tallest) && is_ink(page, x, column.y1)) {
             ++column.y1;
+        }
         break;
     }
     return column;
@@ -147,9 +149,12 @@ bool in_dark_area(const Page& page, const Seed& seed, const RuleScale& scale) {
 
 int thickness_along(const Page& page, const Seed& seed, const RuleScale& scale) {
     std::vector<int> heights;
-    for (int x = seed.x0; x < seed.x1; ++x)
-        if (const int height = column_at(page, x, seed.y, scale.thickest + 1).height(); height > 0)
+    for (int x = seed.x0; x < seed.x1; ++x) {
+        if (const int height = column_at(page, x, seed.y, scale.thickest + 1).height();
+            height > 0) {
             heights.push_back(height);
+        }
+    }
     const auto wanted =
         heights.begin() + static_cast<std::ptrdiff_t>(heights.size()) * kThicknessPercentile / 100;
     std::nth_element(heights.begin(), wanted, heights.end());
@@ -246,9 +251,10 @@ std::vector<bool> find_letters(const Rule& rule) {
         return std::min(column.height(), most + 1);
     });
     std::vector<bool> letter(rule.columns.size());
-    for (std::size_t i = 0; i < letter.size(); ++i)
+    for (std::size_t i = 0; i < letter.size(); ++i) {
         letter[i] = rule.columns[i].height() >= own[i] + kStandsOut ||
                     (here[i] >= own[i] + kStandsOutAlong && rule.columns[i].height() > own[i]);
+    }
     return letter;
 }
 
@@ -257,11 +263,13 @@ void drop_ragged_edges(const Rule& rule, std::vector<bool>& letter) {
     for (std::size_t i = 0; i < letter.size();) {
         std::size_t end = i;
         int tallest = 0;
-        for (; end < letter.size() && letter[end]; ++end)
+        for (; end < letter.size() && letter[end]; ++end) {
             tallest = std::max(tallest, rule.columns[end].height() - rule.thickness);
-        if (end - i < kColumnsOfLetter && tallest <= kTallestRagged)
+        }
+        if (end - i < kColumnsOfLetter && tallest <= kTallestRagged) {
             std::fill(letter.begin() + static_cast<std::ptrdiff_t>(i),
                       letter.begin() + static_cast<std::ptrdiff_t>(end), false);
+        }
         i = end + 1;
     }
 }
@@ -269,10 +277,13 @@ void drop_ragged_edges(const Rule& rule, std::vector<bool>& letter) {
 void erase_rule(Page& page, const Rule& rule) {
     std::vector<bool> letter = find_letters(rule);
     drop_ragged_edges(rule, letter);
-    for (std::size_t i = 0; i < letter.size(); ++i)
-        if (!letter[i])
-            for (int y = rule.columns[i].y0; y < rule.columns[i].y1; ++y)
+    for (std::size_t i = 0; i < letter.size(); ++i) {
+        if (!letter[i]) {
+            for (int y = rule.columns[i].y0; y < rule.columns[i].y1; ++y) {
                 erase_ink(page, rule.x0 + static_cast<int>(i), y);
+            }
+        }
+    }
 }
 
 // Rows of screen dots lie among dots, a rule among paper and perhaps letters; and what is part of
@@ -284,12 +295,13 @@ bool is_rule(const Page& page, const Rule& rule, int around) {
         const Column& column = rule.at(x);
         ink += column.height() > 0;
         alone += column.height() > 0 && column.height() <= rule.thickness + kRagged;
-        for (int away = clear; away < clear + around; ++away)
+        for (int away = clear; away < clear + around; ++away) {
             for (const int y : {column.centre / kUnit - away, column.centre / kUnit + away}) {
                 if (y < 0 || y >= page.height) continue;
                 ++seen;
                 beside += is_ink(page, x, y);
             }
+        }
     }
     return alone * 100 >= ink * kLeastAlone && beside * 100 <= seen * kMostInkBeside;
 }
@@ -305,8 +317,9 @@ void remove_rules(Page& page, const RuleScale& scale) {
     const Page before = copy_of(page);
     std::vector<Path> followed;  // rules and what turned out to be none
     for (const Seed& seed : find_seeds(before, scale)) {
-        if (known(followed, seed, scale.thickest / 2 + 1) || in_dark_area(before, seed, scale))
+        if (known(followed, seed, scale.thickest / 2 + 1) || in_dark_area(before, seed, scale)) {
             continue;
+        }
         const int thickness = thickness_along(before, seed, scale);
         if (thickness > scale.thickest) continue;
         const Rule rule = follow(before, seed, scale, thickness);

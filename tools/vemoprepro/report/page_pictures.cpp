@@ -62,12 +62,13 @@ void PagePainter::before(const std::string& step, const Page& page) {
 void PagePainter::after(const std::string& step, const Page& page) {
     const Stopwatch watch(seconds_);
     ScaledPicture now = scaled_down(page);
-    if (turns_page(step))
+    if (turns_page(step)) {
         ++posture_;
-    else if (const auto marks = takes_nothing_off(step)
-                                    ? std::nullopt
-                                    : marks_of_removed(last_, now, mark_colour(step)))
+    } else if (const auto marks = takes_nothing_off(step)
+                                      ? std::nullopt
+                                      : marks_of_removed(last_, now, mark_colour(step))) {
         marks_.push_back({step, posture_, encode(*marks)});
+    }
     last_ = std::move(now);
     if (step != "orientation") return;
     first_ = last_;
@@ -79,9 +80,10 @@ PagePictures PagePainter::take(const PageRecord& record) {
     PagePictures pictures;
     pictures.before = encode(first_);
     pictures.after = encode(last_);
-    for (Marks& marks : marks_)
+    for (Marks& marks : marks_) {
         pictures.removed.push_back({std::move(marks.step), std::move(marks.picture),
                                     marks.posture == first_posture_, marks.posture == posture_});
+    }
     const auto used = std::find_if(fans_.begin(), fans_.end(), [&](const SkewFan& fan) {
         return record.confidence && fan.confidence == *record.confidence;
     });

@@ -22,8 +22,9 @@ Json skew_json(const PageRecord& record) {
                  {"numerator", record.skew->numerator},
                  {"denominator", record.skew->denominator},
                  {"confidence", nullptr}};
-    if (record.confidence && std::isfinite(*record.confidence))
+    if (record.confidence && std::isfinite(*record.confidence)) {
         json["confidence"] = *record.confidence;
+    }
     return json;
 }
 
@@ -59,14 +60,16 @@ PageFindings findings_of(const Json& page) {
             Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
         const auto numerator = std::abs(static_cast<std::int64_t>(findings.skew->numerator));
         const auto denominator = static_cast<std::int64_t>(findings.skew->denominator);
-        if (denominator < 1 || numerator * Skew::kScale > denominator * Skew::kLargest)
+        if (denominator < 1 || numerator * Skew::kScale > denominator * Skew::kLargest) {
             throw std::out_of_range("a skew beyond 10.6 degrees");
+        }
     }
     const Json& threshold = page.at("threshold");
     if (!threshold.is_null()) {
         findings.threshold = whole_number(threshold);
-        if (*findings.threshold < 1 || *findings.threshold > 255)
+        if (*findings.threshold < 1 || *findings.threshold > 255) {
             throw std::out_of_range("a threshold beyond 1 .. 255");
+        }
     }
     return findings;
 }
@@ -106,12 +109,13 @@ Json to_json(const PageRecord& record) {
     json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
     json["content"] = box_json(record.content);
     json["steps"] = Json::array();
-    for (const StepRecord& step : record.steps)
+    for (const StepRecord& step : record.steps) {
         json["steps"].push_back({{"name", step.name},
                                  {"status", step.done ? "done" : "skipped"},
                                  {"why", step.why},
                                  {"ink_removed", share_json(step.ink_removed)},
                                  {"seconds", rounded(step.seconds)}});
+    }
     json["output"] = size_json(record.output_kind, record.output_width, record.output_height);
     json["seconds"] = rounded(record.seconds);
     return json;

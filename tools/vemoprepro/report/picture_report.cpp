@@ -25,9 +25,11 @@ std::string report_path(const Options& options) {
     std::string path = folder + (folder.back() == '/' ? "" : "/") + "index.html";
     if (stat(path.c_str(), &status) != 0) return path;
     if (S_ISDIR(status.st_mode)) throw system_error_of(path, EISDIR);
-    for (const std::string& input : options.inputs)
-        if (is_same_file(input, status))
+    for (const std::string& input : options.inputs) {
+        if (is_same_file(input, status)) {
             throw FileError(path, "the report would overwrite an input");
+        }
+    }
     if (!options.overwrite) throw FileError(path, "exists already (--overwrite replaces it)");
     return path;
 }

@@ -14,9 +14,11 @@ constexpr double kWidest = 11;  // degrees to either side
 class Plot {
   public:
     explicit Plot(const SkewFan& fan) {
-        for (const FanCurves* curves : {&fan.lines, &fan.stems})
-            for (const auto* curve : {&curves->coarse, &curves->fine})
+        for (const FanCurves* curves : {&fan.lines, &fan.stems}) {
+            for (const auto* curve : {&curves->coarse, &curves->fine}) {
                 for (const FanPoint& point : *curve) highest_ = std::max(highest_, point.score);
+            }
+        }
     }
 
     double x(double degrees) const {

@@ -23,19 +23,24 @@ std::string empty_cell() {
 // The steps that count the ink they took, in the order of their first appearance.
 std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
     std::vector<std::string> names;
-    for (const FigureRow& row : rows)
-        for (const StepRecord& step : row.record.steps)
+    for (const FigureRow& row : rows) {
+        for (const StepRecord& step : row.record.steps) {
             if (step.done && step.ink_removed &&
-                std::find(names.begin(), names.end(), step.name) == names.end())
+                std::find(names.begin(), names.end(), step.name) == names.end()) {
                 names.push_back(step.name);
+            }
+        }
+    }
     return names;
 }
 
 std::string removed_cell(const PageRecord& record, const std::string& name) {
-    for (const StepRecord& step : record.steps)
-        if (step.name == name && step.done && step.ink_removed)
+    for (const StepRecord& step : record.steps) {
+        if (step.name == name && step.done && step.ink_removed) {
             return number_cell(std::round(*step.ink_removed * 1e5) / 1e5,
                                with_digits("%.3g", *step.ink_removed * 100) + " %");
+        }
+    }
     return empty_cell();
 }
 
@@ -70,9 +75,10 @@ std::string row_markup(const FigureRow& row, const std::vector<std::string>& ste
     const PageRecord& record = row.record;
     const std::string file =
         cell(row.input, "<a href=\"#" + row.anchor + "\">" + escaped(row.input) + "</a>");
-    if (!row.error.empty())
+    if (!row.error.empty()) {
         return "<tr class=\"failed\">" + file + "<td class=\"none\" colspan=\"" +
                std::to_string(9 + steps.size()) + "\">" + escaped(row.error) + "</td></tr>\n";
+    }
     std::string text =
         "<tr>" + file +
         number_cell(static_cast<double>(record.number), std::to_string(record.number)) +
@@ -97,8 +103,9 @@ std::string figures_markup(const std::vector<FigureRow>& rows) {
     std::string text =
         "<section id=\"figures\"><h2>Figures</h2><div class=\"scroll\"><table><thead><tr>";
     for (const char* name :
-         {"File", "Page", "Size", "Dpi", "Kind", "Skew", "Confidence", "Threshold"})
+         {"File", "Page", "Size", "Dpi", "Kind", "Skew", "Confidence", "Threshold"}) {
         text += column(name);
+    }
     for (const std::string& step : steps) text += column("Ink off, " + step);
     for (const char* name : {"Content", "Seconds"}) text += column(name);
     text += "</tr></thead><tbody>\n";

@@ -18,10 +18,12 @@ std::string base64(const std::string& bytes) {
     for (std::size_t i = 0; i < bytes.size(); i += 3) {
         const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
         unsigned group = 0;
-        for (std::size_t k = 0; k < 3; ++k)
+        for (std::size_t k = 0; k < 3; ++k) {
             group = group << 8 | (k < count ? static_cast<unsigned char>(bytes[i + k]) : 0U);
-        for (std::size_t k = 0; k < 4; ++k)
+        }
+        for (std::size_t k = 0; k < 4; ++k) {
             text += k <= count ? kDigits[group >> (18 - 6 * k) & 63] : '=';
+        }
     }
     return text;
 }
@@ -60,11 +62,13 @@ struct Stage {
 
 std::string marks_in(const PagePictures& pictures, const Stage& stage, bool before, bool after) {
     std::string text;
-    for (const RemovedInk& removed : pictures.removed)
-        if (removed.fits_before == before && removed.fits_after == after)
+    for (const RemovedInk& removed : pictures.removed) {
+        if (removed.fits_before == before && removed.fits_after == after) {
             text += stage.image(removed.marks,
                                 "class=\"marks\" data-step=\"" + escaped(removed.step) + "\"",
                                 "removed by " + removed.step);
+        }
+    }
     return text;
 }
 
@@ -90,10 +94,11 @@ std::string step_markup(const StepRecord& step, const std::vector<RemovedInk>& r
     const bool marked = std::any_of(removed.begin(), removed.end(),
                                     [&](const RemovedInk& ink) { return ink.step == step.name; });
     std::string name = escaped(step.name);
-    if (marked)
+    if (marked) {
         name = "<label><input type=\"checkbox\" checked data-step=\"" + name +
                "\"><i class=\"swatch\" style=\"background:" + css_colour(mark_colour(step.name)) +
                "\"></i>" + name + "</label>";
+    }
     std::string text = std::string("<li class=\"") + (step.done ? "done" : "skipped") + "\"><b>" +
                        name + "</b><span>" + (step.done ? "" : "skipped: ") + escaped(step.why) +
                        "</span>";
@@ -152,8 +157,9 @@ std::string page_markup(const std::string& anchor, const std::string& input, std
     std::string text = "<article id=\"" + anchor + "\"><h2>" + escaped(name) + "</h2><p>" +
                        escaped(describe(record)) + "</p>\n<div class=\"columns\">" +
                        stage_markup(anchor, name, pictures) + "<div class=\"notes\"><h3>Steps</h3>";
-    if (!pictures.removed.empty())
+    if (!pictures.removed.empty()) {
         text += "<p class=\"hint\">Coloured: what a step took off the page.</p>";
+    }
     text += "<ol class=\"steps\">";
     for (const StepRecord& step : record.steps) text += step_markup(step, pictures.removed);
     text += "</ol>\n";

@@ -38,8 +38,9 @@ struct Cells {
                 continue;
             }
             const unsigned char* pixel = row + static_cast<std::size_t>(x) * count;
-            for (std::size_t channel = 0; channel < count; ++channel)
+            for (std::size_t channel = 0; channel < count; ++channel) {
                 cell[channel] += pixel[channel];
+            }
         }
     }
 };
@@ -68,10 +69,11 @@ PixOwner image_of(const ScaledPicture& picture) {
     for (int y = 0; y < picture.height; ++y, line += pixGetWpl(image.get())) {
         for (int x = 0; x < picture.width; ++x) {
             const std::uint8_t* pixel = picture.at(x, y);
-            if (grey)
+            if (grey) {
                 SET_DATA_BYTE(line, x, *pixel);
-            else
+            } else {
                 line[x] = word_of(pixel, picture.channels);
+            }
         }
     }
     return image;
@@ -111,8 +113,9 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
                                               const ScaledPicture& after, Colour colour) {
     const bool bitonal = before.kind == PageKind::kBitonal;
     if (before.page_width != after.page_width || before.page_height != after.page_height ||
-        bitonal != (after.kind == PageKind::kBitonal))
+        bitonal != (after.kind == PageKind::kBitonal)) {
         return std::nullopt;
+    }
     ScaledPicture marks = before;
     marks.channels = 4;
     marks.pixels.clear();
@@ -123,8 +126,9 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
                                    luminance(before.at(x, y), before.channels);
             const std::uint8_t alpha = mark_strength(lighter_by, bitonal);
             any |= alpha != 0;
-            for (const std::uint8_t part : {colour.red, colour.green, colour.blue, alpha})
+            for (const std::uint8_t part : {colour.red, colour.green, colour.blue, alpha}) {
                 marks.pixels.push_back(alpha == 0 ? std::uint8_t{0} : part);
+            }
         }
     }
     if (!any) return std::nullopt;

@@ -56,8 +56,9 @@ Searches read_searches(std::istream& trace) {
     for (std::string line; std::getline(trace, line);) {
         section = section_of(line, searches, section);
         if (begins(line, "yskew :")) slope = std::atoi(line.c_str() + kSlopeAt);
-        if (section && begins(line, "power:"))
+        if (section != nullptr && begins(line, "power:")) {
             section->push_back({slope, std::strtod(line.c_str() + kPowerAt, nullptr)});
+        }
     }
     return searches;
 }
@@ -70,9 +71,10 @@ std::vector<FanPoint> in_multiples_of_worst(const Candidates& search, const Cand
     };
     const auto worst = std::min_element(low.begin(), low.end(), weaker);
     if (worst == low.end() || !(worst->power > 0)) return points;
-    for (const Candidate& one : search)
+    for (const Candidate& one : search) {
         points.push_back(
             {Skew{sign * one.slope, Skew::kScale}.degrees(), one.power / worst->power});
+    }
     std::sort(points.begin(), points.end(), [](const FanPoint& one, const FanPoint& other) {
         return one.degrees < other.degrees;
     });
@@ -97,8 +99,9 @@ SkewFan read_fan(std::istream& trace) {
 std::vector<SkewFan> trace_fans(const Page& page) {
     std::vector<SkewFan> fans;
     if (page.kind != PageKind::kBitonal || page.width < kShortestSkewSide ||
-        page.height < kShortestSkewSide)
+        page.height < kShortestSkewSide) {
         return fans;
+    }
     const TemporaryFolder folder;
     if (folder.path().empty()) return fans;
     const auto add = [&](const SkewWindow& window) {

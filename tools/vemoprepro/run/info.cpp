@@ -25,16 +25,17 @@ Json page_json(const PageRecord& record, int quarter_turns) {
 void print_page(const Options& options, const PageRecord& record, int quarter_turns) {
     if (options.json || options.quiet) return;
     std::printf("  page %zu: %s", record.number, describe(record).c_str());
-    if (quarter_turns) std::printf(", to be turned %d degrees clockwise", quarter_turns * 90);
+    if (quarter_turns != 0) std::printf(", to be turned %d degrees clockwise", quarter_turns * 90);
     std::printf("\n");
 }
 
 void print_file(const Options& options, const std::string& name, Json& json) {
     const ImageFile file(name);
     json["format"] = name_of(file.format());
-    if (!options.json && !options.quiet)
+    if (!options.json && !options.quiet) {
         std::printf("%s: %s, %zu page%s\n", name.c_str(), name_of(file.format()), file.page_count(),
                     file.page_count() == 1 ? "" : "s");
+    }
     for (std::size_t index = 0; index < file.page_count(); ++index) {
         const Page page = file.read_page(index);
         PageRecord record;
@@ -62,7 +63,7 @@ int print_info(const Options& options) {
         }
     }
     if (options.json) print_json(stdout, files);
-    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
     complain("standard output", "cannot be written");
     return kExitFailed;
 }

@@ -6,14 +6,16 @@ namespace tool {
 InputFeeder::InputFeeder(const Options& options) : options_(options), plan_(options) {
     if (options.findings.empty()) return;
     findings_ = read_findings(options.findings);
-    if (findings_.size() != 1 && findings_.size() != options.inputs.size())
+    if (findings_.size() != 1 && findings_.size() != options.inputs.size()) {
         throw FileError(options.findings, "records " + std::to_string(findings_.size()) +
                                               " files, which fits neither one nor all inputs");
+    }
 }
 
 std::optional<PageTask> InputFeeder::next() {
-    if (current_ && current_->failed_page == Input::kNone && next_page_ < current_->page_count())
+    if (current_ && current_->failed_page == Input::kNone && next_page_ < current_->page_count()) {
         return PageTask{current_, next_page_++, std::nullopt};
+    }
     current_.reset();
     if (next_input_ == options_.inputs.size()) return std::nullopt;
     return open_next();
@@ -39,10 +41,11 @@ void InputFeeder::open(Input& input, std::size_t number) {
     const std::size_t pages = input.page_count();
     if (!findings_.empty()) {
         input.findings = findings_.size() == 1 ? findings_.front() : findings_[number];
-        if (input.findings.size() != pages)
+        if (input.findings.size() != pages) {
             throw FileError(input.name, "holds " + std::to_string(pages) + " pages, but " +
                                             options_.findings + " records " +
                                             std::to_string(input.findings.size()));
+        }
     }
     input.outputs = plan_.names_for(input.name, pages);
 }

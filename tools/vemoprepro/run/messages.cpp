@@ -17,9 +17,11 @@ std::FILE* errors = stderr;
 // opened, a page among them. What holds its place can only be used the wrong way round, so that
 // whatever is read or written through it fails.
 void hold_standard_streams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (fcntl(stream, F_GETFD) < 0)
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
             open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
 }
 
 void take_standard_error() {
@@ -32,8 +34,9 @@ std::FILE* error_stream() {
 
 void complain(const std::string& file, const std::string& what) {
     std::string line = "vemoprepro: " + file + ": " + what;
-    for (char& letter : line)
+    for (char& letter : line) {
         if (letter == '\n' || letter == '\r') letter = ' ';
+    }
     std::fprintf(errors, "%s\n", line.c_str());
     std::fflush(errors);
 }

@@ -295,8 +295,9 @@ Skew skew_from(double degrees) {
     const double units = std::abs(degrees) < kSteepest
                              ? std::round(std::tan(degrees / kDegreesPerRadian) * Skew::kScale)
                              : Skew::kScale;
-    if (!(std::abs(units) <= Skew::kLargest))
+    if (!(std::abs(units) <= Skew::kLargest)) {
         refuse("--skew: beyond the largest skew of 10.6 degrees to either side");
+    }
     return {static_cast<int>(units), Skew::kScale};
 }
 
@@ -313,13 +314,14 @@ Command command_named(const std::string& name) {
 void check_inputs(const Options& options) {
     const auto stdins = std::count(options.inputs.begin(), options.inputs.end(), "-");
     if (stdins > 1) refuse("standard input can be read only once");
-    if (options.output_is_stdout() && options.inputs.size() > 1)
+    if (options.output_is_stdout() && options.inputs.size() > 1) {
         refuse("-o -: standard output takes one input");
+    }
 }
 
 bool given(const CLI::App& command, const char* name) {
     const auto* option = command.get_option_no_throw(name);
-    return option && option->count() > 0;
+    return option != nullptr && option->count() > 0;
 }
 
 Pixels pixels_of(const CLI::App& command, const char* name, int value) {
@@ -328,10 +330,11 @@ Pixels pixels_of(const CLI::App& command, const char* name, int value) {
 
 void take_binarization(const CLI::App& command, Options& options, const Raw& raw) {
     options.threshold = threshold_from(raw.threshold);
-    if (options.threshold > 0)
+    if (options.threshold > 0) {
         options.binarization = Binarization::kFixed;
-    else if (given(command, "--threshold") || raw.method == "otsu")
+    } else if (given(command, "--threshold") || raw.method == "otsu") {
         options.binarization = Binarization::kOtsu;
+    }
 }
 
 // What clean does by default, what --for ocr adds, and what single steps are asked for.
@@ -349,8 +352,9 @@ void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     options.despeckle.wanted = !raw.no_despeckle && options.despeckle.max_area != 0;
 
     const bool both = options.command == Command::kUnline || (reading && !raw.no_remove_lines);
-    for (const std::string& direction : raw.lines)
+    for (const std::string& direction : raw.lines) {
         (direction == "vertical" ? options.lines.vertical : options.lines.horizontal) = true;
+    }
     if (both && raw.lines.empty()) options.lines.horizontal = options.lines.vertical = true;
     options.lines.min_length = pixels_of(command, "--min-length", raw.min_length);
     options.lines.max_thickness = pixels_of(command, "--max-thickness", raw.max_thickness);
@@ -372,7 +376,7 @@ Options options_from(const CLI::App& command, Options options, const Raw& raw) {
     check_inputs(options);
     if (options.command == Command::kInfo) return options;
     if (!raw.format.empty()) options.format = format_named(raw.format);
-    if (command.count("--dpi")) options.dpi = raw.dpi;
+    if (command.count("--dpi") != 0) options.dpi = raw.dpi;
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
     options.straighten = !raw.no_deskew;

@@ -72,10 +72,11 @@ class OrderedQueue {
         }
         std::optional<Task> task = next_();
         const std::lock_guard guard(lock_);
-        if (task)
+        if (task) {
             number = issued_++;
-        else
+        } else {
             ended_ = true;
+        }
         changed_.notify_all();
         return task;
     }

@@ -9,9 +9,10 @@ namespace {
 // A name that promises a bitmap must not hold something else.
 void check_fit(const std::string& name, const Page& page) {
     const std::string end = name.size() < 4 ? "" : name.substr(name.size() - 4);
-    if (page.kind != PageKind::kBitonal && (end == ".pbm" || end == ".PBM"))
+    if (page.kind != PageKind::kBitonal && (end == ".pbm" || end == ".PBM")) {
         throw FileError(name, std::string("a ") + name_of(page.kind) +
                                   " page does not fit into a PBM file, name it .pnm");
+    }
 }
 
 }  // namespace
@@ -68,8 +69,9 @@ void OutputCollector::write(PageResult& result) {
         report_.start(input.name, name_of(input.file->format()), input.page_count());
     }
     outputs_->append(result.page, std::move(result.data));
-    if (pictures_ && result.pictures)
+    if (pictures_ != nullptr && result.pictures) {
         pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
+    }
     report_.page(std::move(result.record), input.outputs.of_page(result.page));
     if (result.page + 1 < input.page_count()) return;
     outputs_->publish();
@@ -83,7 +85,7 @@ void OutputCollector::fail(PageResult& result, const FileError& error) {
     outputs_.reset();
     if (result.page == 0) report_.start(result.input->name, "", 0);
     report_.fail_input(error);
-    if (pictures_) pictures_->fail(result.input->name, error.what());
+    if (pictures_ != nullptr) pictures_->fail(result.input->name, error.what());
 }
 
 }  // namespace tool

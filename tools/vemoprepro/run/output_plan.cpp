@@ -64,8 +64,9 @@ OutputPlan::OutputPlan(const Options& options)
     const bool exists = is_folder(output_);
     folder_ = exists || options.inputs.size() > 1 || output_.back() == '/';
     if (folder_ && !exists) throw FileError(output_, "no such folder");
-    if (!folder_ && output_ != "-" && !is_folder(folder_of(output_)))
+    if (!folder_ && output_ != "-" && !is_folder(folder_of(output_))) {
         throw FileError(output_, "no such folder: " + folder_of(output_));
+    }
     format_ = format_of(options, folder_);
     remember_inputs(options.inputs);
 }
@@ -73,8 +74,9 @@ OutputPlan::OutputPlan(const Options& options)
 void OutputPlan::remember_inputs(const std::vector<std::string>& inputs) {
     for (const std::string& input : inputs) {
         struct stat status {};
-        if (input != "-" && stat(input.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        if (input != "-" && stat(input.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             inputs_.emplace(status.st_dev, status.st_ino);
+        }
     }
 }
 
@@ -84,8 +86,9 @@ std::vector<std::string> OutputPlan::names_in_folder(const std::string& input,
     const std::string end = extension_of(format_, keeps_kind_);
     if (page_count == 1 || format_ == OutputFormat::kTiff) return {start + end};
     std::vector<std::string> names;
-    for (std::size_t number = 1; number <= page_count; ++number)
+    for (std::size_t number = 1; number <= page_count; ++number) {
         names.push_back(start + "-" + page_number(number, page_count) + end);
+    }
     return names;
 }
 
@@ -93,14 +96,17 @@ void OutputPlan::claim(const std::string& output, const std::string& input) {
     struct stat status {};
     if (output != "-" && stat(output.c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode)) throw system_error_of(output, EISDIR);
-        if (inputs_.count({status.st_dev, status.st_ino}))
+        if (inputs_.count({status.st_dev, status.st_ino}) != 0) {
             throw FileError(output, "the output would overwrite an input");
-        if (S_ISREG(status.st_mode) && !overwrite_)
+        }
+        if (S_ISREG(status.st_mode) && !overwrite_) {
             throw FileError(output, "exists already (--overwrite replaces it)");
+        }
     }
     const auto [taken, is_new] = taken_.emplace(output, input);
-    if (!is_new)
+    if (!is_new) {
         throw FileError(input, "gives the same output as " + taken->second + ": " + output);
+    }
 }
 
 OutputNames OutputPlan::names_for(const std::string& input, std::size_t page_count) {
@@ -109,10 +115,11 @@ OutputNames OutputPlan::names_for(const std::string& input, std::size_t page_cou
     if (folder_) {
         names.files = names_in_folder(input, page_count);
     } else {
-        if (format_ == OutputFormat::kPng && page_count > 1)
+        if (format_ == OutputFormat::kPng && page_count > 1) {
             throw FileError(input,
                             "holds " + std::to_string(page_count) +
                                 " pages and a PNG file only one; name a folder, or a TIFF file");
+        }
         names.files = {output_};
     }
     for (const std::string& output : names.files) claim(output, input);

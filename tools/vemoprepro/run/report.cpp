@@ -53,8 +53,9 @@ std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
     winsize size{};
     if (ioctl(fileno(terminal), TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
     int columns = size.ws_col;
-    for (std::size_t i = 0; i < line.size(); ++i)
+    for (std::size_t i = 0; i < line.size(); ++i) {
         if ((line[i] & 0xC0) != 0x80 && --columns == 0) return line.substr(0, i);
+    }
     return line;
 }
 
@@ -139,9 +140,10 @@ void Report::fail_input(const FileError& error) {
     clear_progress();
     std::fflush(words_);
     complain(error.file(), error.what());
-    if (json_)
+    if (json_) {
         files_.back()["error"] =
             error.file() == input_ ? std::string(error.what()) : error.file() + ": " + error.what();
+    }
     status_ = kExitFailed;
 }
 

@@ -44,8 +44,9 @@ Page threshold_bits(const Page& grey, int threshold) {
     const Settings settings = make_settings();
     bi_set_thresh(settings.get(), static_cast<unsigned char>(threshold));
     if (bi_thresh_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
-                     grey.height, bits.bytes.get()) != 0)
+                     grey.height, bits.bytes.get()) != 0) {
         throw std::bad_alloc();
+    }
     return bits;
 }
 
@@ -67,8 +68,9 @@ Page gradient_bits(const Page& grey) {
     bi_set_black1(settings.get(), kFillLevel);
     bi_set_black2(settings.get(), kLowestThreshold);
     if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
-                    grey.height, bits.bytes.get()) != 0)
+                    grey.height, bits.bytes.get()) != 0) {
         throw std::bad_alloc();
+    }
     return bits;
 }
 
@@ -79,8 +81,9 @@ Page bits_by_edges(const Page& grey, int strongest) {
     set_edges(settings.get(), edge_for(grey, strongest));
     bi_set_internal_gaussian_smoothing(settings.get(), 1);
     if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
-                         bits.bytes.get()) != 0)
+                         bits.bytes.get()) != 0) {
         throw std::bad_alloc();
+    }
     return bits;
 }
 
@@ -112,8 +115,9 @@ Greys survey(const Page& grey, const Page& bits) {
 int binarize_by_otsu(const Page& grey, Page& bits) {
     bits = threshold_bits(grey, 0);
     const Greys greys = survey(grey, bits);
-    if (greys.any_black || greys.darkest_white == greys.lightest)
+    if (greys.any_black || greys.darkest_white == greys.lightest) {
         return std::max(greys.darkest_white, 1);
+    }
     bits = threshold_bits(grey, greys.darkest_white + 1);
     return greys.darkest_white + 1;
 }
@@ -128,14 +132,17 @@ Outcome binarize(Page& page, const Options& options, const PageFindings& finding
                  PageRecord& record) {
     if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
     if (page.kind == PageKind::kColour) page = grey_of(page);
-    if (findings.threshold)
+    if (findings.threshold) {
         return threshold_by(page, *findings.threshold, " (as recorded)", record);
-    if (options.binarization == Binarization::kFixed)
+    }
+    if (options.binarization == Binarization::kFixed) {
         return threshold_by(page, options.threshold, " (as given)", record);
+    }
     Page bits;
     if (options.binarization == Binarization::kGradient && options.for_reading) {
-        if (options.lines.wanted())
+        if (options.lines.wanted()) {
             record.with_faint_ink = std::make_shared<const Page>(bits_by_edges(page, kWeakestEdge));
+        }
         page = bits_for_reading(page);
         return {true, "gradient thresholds for the contrast of the ink"};
     }

@@ -48,8 +48,9 @@ Rectangle paint_border_white(Page& page, const BorderGreys& border) {
     const bool grey = page.kind == PageKind::kGrey;
     if (cropimg(page.bytes.get(), grey ? PREPRO_CROP_GREY : PREPRO_CROP_RGB, page.height,
                 page.width, static_cast<int>(page.stride()), border.dark, border.light, border.step,
-                &content.x0, &content.x1, &content.y0, &content.y1) != 0)
+                &content.x0, &content.x1, &content.y0, &content.y1) != 0) {
         throw std::bad_alloc();
+    }
     return content;
 }
 
@@ -88,13 +89,15 @@ double dark_lost(const Page& before, const Page& after) {
 Outcome crop_greys(Page& page, bool force, PageRecord& record) {
     Page cropped = copy_of(page);
     const Rectangle content = paint_border_white(cropped, kBorder);
-    if (content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1)
+    if (content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1) {
         return {false, "all of the page would be border"};
+    }
     const double lost = dark_lost(page, cropped);
-    if (!force && lost > kMostInk)
+    if (!force && lost > kMostInk) {
         return {false,
                 "would take " + percent(lost) + " of the ink inside the page (--force does it)",
                 lost};
+    }
     repaint_white_as_paper(cropped);
     page = std::move(cropped);
     record_content(record, content);
@@ -146,8 +149,9 @@ Outcome crop_bits(Page& page, bool force, PageRecord& record) {
     Outcome outcome = remove_ink(page, force, inner_part(page), "border", [](Page& changed) {
         const Page source = copy_of(changed);
         if (cropbmp(0, source.bytes.get(), source.height, source.width,
-                    static_cast<int>(source.stride()), changed.bytes.get()) != 0)
+                    static_cast<int>(source.stride()), changed.bytes.get()) != 0) {
             throw std::bad_alloc();
+        }
     });
     Rectangle content;
     if (!outcome.done) return outcome;
@@ -165,8 +169,9 @@ Step border_step(const Options& options, bool to_grey) {
     const bool reading = options.for_reading;
     return {"crop", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
                 if (!wanted) return {false, kSwitchedOff};
-                if (page.width < kShortestSide || page.height < kShortestSide)
+                if (page.width < kShortestSide || page.height < kShortestSide) {
                     return {false, "smaller than 24 pixels a side"};
+                }
                 if (page.kind == PageKind::kBitonal) return crop_bits(page, force, record);
                 if (to_grey && page.kind == PageKind::kColour) page = grey_of(page);
                 if (reading && page.kind == PageKind::kGrey) return crop_around_print(page, record);

@@ -35,8 +35,9 @@ Page straight_frame(const Page& page, Skew skew) {
     Page straight;
     straight.dpi = page.dpi;
     if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
-                     &straight.width) != 0)
+                     &straight.width) != 0) {
         throw StepError("the skew is out of range");
+    }
     return straight;
 }
 
@@ -48,8 +49,9 @@ void straighten(Page& page, Skew skew, Page straight) {
     straight.bytes = allocate_pixels(straight.size());
     if (skrotbmp_mem(skew.numerator, skew.denominator, page.bytes.get(), page.height, page.width,
                      static_cast<int>(page.stride()), straight.bytes.get(), straight.height,
-                     straight.width, static_cast<int>(straight.stride()), nullptr) != 0)
+                     straight.width, static_cast<int>(straight.stride()), nullptr) != 0) {
         throw std::bad_alloc();
+    }
     page = std::move(straight);
 }
 
@@ -62,15 +64,17 @@ std::string with_digits(const char* format, double value) {
 Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
     if (skew.numerator == 0) return {false, "already straight" + source};
     Page straight = straight_frame(page, skew);
-    if (straight.width > kLongestSide || straight.height > kLongestSide)
+    if (straight.width > kLongestSide || straight.height > kLongestSide) {
         return {false, "straight it would be larger than 32767 pixels a side" + source};
+    }
     straighten(page, skew, std::move(straight));
     return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
 }
 
 Outcome measure_and_straighten(Page& page, PageRecord& record) {
-    if (page.height < kShortestSkewSide || page.width < kShortestSkewSide)
+    if (page.height < kShortestSkewSide || page.width < kShortestSkewSide) {
         return {false, "smaller than 32 pixels a side"};
+    }
     const MeasuredSkew measured =
         page.kind == PageKind::kGrey ? measure(bits_for_reading(page)) : measure(page);
     record.skew = measured.skew;

@@ -21,8 +21,9 @@ constexpr double kTallestText = 250;
 
 void remove_specks(Page& page, int area, int keep_near) {
     if (despeckl_c_mem(page.bytes.get(), page.height, page.width, static_cast<int>(page.stride()),
-                       area, keep_near) != 0)
+                       area, keep_near) != 0) {
         throw std::bad_alloc();
+    }
 }
 
 // In pixels of the page.
@@ -67,8 +68,9 @@ Step textmask_step(const Options& options) {
                 return remove_ink(page, true, whole(page), what, [=](Page& changed) {
                     if (pre_tva(changed.bytes.get(), changed.height, changed.width,
                                 static_cast<int>(changed.stride()), static_cast<short>(height),
-                                static_cast<short>(wanted.min_density)) != 0)
+                                static_cast<short>(wanted.min_density)) != 0) {
                         throw std::bad_alloc();
+                    }
                 });
             }};
 }

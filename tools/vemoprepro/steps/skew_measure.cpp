@@ -30,11 +30,12 @@ MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, const char
     int height = 0, width = 0;
     const unsigned char* corner =
         page.bytes.get() + static_cast<std::size_t>(window.y0) * page.stride() + window.x0 / 8;
-    if (estimate_skew_of_binary_image(trace_folder ? 1 : 0, trace_folder, corner, window.height,
-                                      window.width, static_cast<int>(page.stride()),
+    if (estimate_skew_of_binary_image(trace_folder != nullptr ? 1 : 0, trace_folder, corner,
+                                      window.height, window.width, static_cast<int>(page.stride()),
                                       &measured.skew.numerator, &measured.skew.denominator,
-                                      &measured.confidence, &height, &width) != 0)
+                                      &measured.confidence, &height, &width) != 0) {
         throw std::bad_alloc();
+    }
     return measured;
 }
 

@@ -16,10 +16,11 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
 // For reading the page is turned while it is grey, which keeps the letters' edges where they are,
 // and specks go last, so that crumbs of rules are among them.
 Pipeline cleaning_steps(const Options& options) {
-    if (options.for_reading)
+    if (options.for_reading) {
         return {orientation_step(),     border_step(options, true), prepare_step(options),
                 deskew_step(options),   binarize_step(options),     unline_step(options),
                 despeckle_step(options)};
+    }
     return {orientation_step(),      border_step(options, true), binarize_step(options),
             despeckle_step(options), deskew_step(options),       unline_step(options)};
 }
@@ -58,14 +59,14 @@ Pipeline make_pipeline(const Options& options) {
 
 void process(const Pipeline& pipeline, Page& page, const PageFindings& findings, PageRecord& record,
              PageWatcher* watcher) {
-    if (watcher) watcher->source(page);
+    if (watcher != nullptr) watcher->source(page);
     for (const Step& step : pipeline) {
-        if (watcher) watcher->before(step.name, page);
+        if (watcher != nullptr) watcher->before(step.name, page);
         const auto start = std::chrono::steady_clock::now();
         Outcome outcome = step.run(page, findings, record);
         record.steps.push_back({step.name, outcome.done, std::move(outcome.why),
                                 outcome.ink_removed, seconds_since(start)});
-        if (watcher && outcome.done) watcher->after(step.name, page);
+        if (watcher != nullptr && outcome.done) watcher->after(step.name, page);
     }
     record.output_kind = page.kind;
     record.output_width = page.width;
