@@ -12,6 +12,7 @@
 #include "files/orientation.h"
 #include "files/png_colour_key.h"
 #include "files/tiff_pages.h"
+#include "page/ink.h"
 
 namespace tool {
 namespace {
@@ -118,19 +119,17 @@ bool only_black_and_white(const Page& page) {
 }
 
 void pack_bits(Page& page) {
-    const std::size_t stride = stride_of(PageKind::kBitonal, page.width);
-    const std::size_t size = stride * static_cast<std::size_t>(page.height);
-    PixelBlock bits = allocate_pixels(size);
-    std::memset(bits.get(), 0, size);
+    Page bits = make_page_like(page, PageKind::kBitonal);
+    std::memset(bits.bytes.get(), 0, bits.size());
     for (int y = 0; y < page.height; ++y) {
         const unsigned char* grey = page.row(y);
-        unsigned char* row = bits.get() + stride * static_cast<std::size_t>(y);
+        unsigned char* row = bits.row(y);
         for (int x = 0; x < page.width; ++x) {
-            row[x / 8] = static_cast<unsigned char>(row[x / 8] | (grey[x] != 0 ? 0 : 128 >> x % 8));
+            if (grey[x] == 0) set_ink(row, x);
         }
     }
     page.kind = PageKind::kBitonal;
-    page.bytes = std::move(bits);
+    page.bytes = std::move(bits.bytes);
 }
 
 }  // namespace

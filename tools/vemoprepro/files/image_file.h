@@ -23,9 +23,6 @@ enum class FileFormat { kTiff, kPng, kJpeg, kPnm };
 // "TIFF", "PNG", "JPEG" or "PNM".
 const char* name_of(FileFormat format);
 
-// The longest side that every operation of the library takes.
-constexpr int kLongestSide = 32767;
-
 // Where a page lies in its file, and its size in pixels as the header states it.
 struct PagePlace {
     std::size_t offset = 0;

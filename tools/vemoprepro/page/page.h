@@ -1,6 +1,7 @@
 // One page in memory, as the library takes it.
 //
-// Use: ImageFile::read_page() makes pages, steps change them, a PageWriter writes them.
+// Use: files make pages, steps change them, a PageWriter writes them. make_page() gives one whose
+// pixels are not set.
 //
 // Keep true: grey and colour rows are packed (stride = width x bytes per pixel); bitonal rows are
 // whole 32-bit words, 1 = black, padding bits 0.
@@ -9,43 +10,20 @@
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
-#include <new>
+#include <stdexcept>
 
 namespace tool {
 
 enum class PageKind { kBitonal, kGrey, kColour };
 
 // "bitonal", "grey" or "colour".
-inline const char* name_of(PageKind kind) {
-    switch (kind) {
-        case PageKind::kBitonal:
-            return "bitonal";
-        case PageKind::kGrey:
-            return "grey";
-        case PageKind::kColour:
-            break;
-    }
-    return "colour";
-}
+const char* name_of(PageKind kind);
 
-struct FreeBlock {
-    void operator()(unsigned char* block) const { std::free(block); }
-};
-// A decoded page stays in the block that the decoder allocated, hence malloc and free.
-using PixelBlock = std::unique_ptr<unsigned char[], FreeBlock>;
-
-inline PixelBlock allocate_pixels(std::size_t size) {
-    PixelBlock block(static_cast<unsigned char*>(std::malloc(size)));
-    if (!block) throw std::bad_alloc();
-    return block;
-}
+// The longest side that every operation of the library takes, in pixels.
+constexpr int kLongestSide = 32767;
 
 // Bytes from one row to the next.
-inline std::size_t stride_of(PageKind kind, int width) {
-    const auto pixels = static_cast<std::size_t>(width);
-    if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
-    return kind == PageKind::kGrey ? pixels : pixels * 3;
-}
+std::size_t stride_of(PageKind kind, int width);
 
 // Dots per inch; 0 when unknown.
 struct Resolution {
@@ -53,18 +31,37 @@ struct Resolution {
     int y = 0;
 };
 
+// A decoded page stays in the block that the decoder allocated, hence malloc and free.
+struct FreeBlock {
+    void operator()(unsigned char* block) const { std::free(block); }
+};
+using PixelBlock = std::unique_ptr<unsigned char[], FreeBlock>;
+
+// Throws std::bad_alloc.
+PixelBlock allocate_pixels(std::size_t size);
+
 struct Page {
     PageKind kind = PageKind::kBitonal;
     int width = 0;
     int height = 0;
     PixelBlock bytes;
     Resolution dpi;
-    // Quarter turns clockwise (0 .. 3) that bring the page upright, as the file asks for.
-    int quarter_turns = 0;
+    int quarter_turns = 0;  // clockwise, 0 .. 3, that bring the page upright, as the file asks for
 
     std::size_t stride() const { return stride_of(kind, width); }
     std::size_t size() const { return stride() * static_cast<std::size_t>(height); }
     unsigned char* row(int y) const { return bytes.get() + stride() * static_cast<std::size_t>(y); }
+};
+
+// A page whose pixels are not set.
+Page make_page(PageKind kind, int width, int height, Resolution dpi);
+// The same for one of the size and the resolution of another page.
+Page make_page_like(const Page& page, PageKind kind);
+Page copy_of(const Page& page);
+
+// What a page does not allow to be done with it.
+class PageError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
 };
 
 }  // namespace tool

@@ -6,7 +6,7 @@
 #include <new>
 #include <vector>
 
-#include "reading/ink.h"
+#include "page/ink.h"
 
 namespace tool {
 namespace {

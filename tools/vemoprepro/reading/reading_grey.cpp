@@ -11,8 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "reading/ink.h"
-#include "steps/grey_page.h"
+#include "page/paper_scale.h"
 
 namespace tool {
 namespace {

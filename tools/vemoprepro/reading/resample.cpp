@@ -8,8 +8,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "steps/grey_page.h"
-
 namespace tool {
 namespace {
 
@@ -106,20 +104,11 @@ std::vector<int> doubled_line(const Page& grey, int y) {
     return line;
 }
 
-Page grey_page(int width, int height, Resolution dpi) {
-    Page page;
-    page.kind = PageKind::kGrey;
-    page.width = width;
-    page.height = height;
-    page.dpi = dpi;
-    page.bytes = allocate_pixels(page.size());
-    return page;
-}
-
 }  // namespace
 
 Page doubled(const Page& grey) {
-    Page large = grey_page(grey.width * 2, grey.height * 2, {grey.dpi.x * 2, grey.dpi.y * 2});
+    Page large = make_page(PageKind::kGrey, grey.width * 2, grey.height * 2,
+                           {grey.dpi.x * 2, grey.dpi.y * 2});
     std::array<std::vector<int>, 4> lines;
     for (int y = 0; y < large.height; ++y) {
         const int place = y * (kPlaces / 2) - kPlaces / 4;
@@ -143,7 +132,7 @@ Page doubled(const Page& grey) {
 }
 
 Page levelled(const Page& grey, int rise, int run, int width, int height) {
-    Page level = grey_page(width, height, grey.dpi);
+    Page level = make_page(PageKind::kGrey, width, height, grey.dpi);
     const WeightTable& table = weights();
     // In 1/2^32 of a pixel, which keeps the error over a whole row below a place.
     constexpr double kUnit = 4294967296.0;

@@ -4,13 +4,12 @@
 #include "reading/rules.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <utility>
 #include <vector>
 
-#include "reading/ink.h"
-#include "steps/steps.h"
+#include "page/ink.h"
+#include "page/turn.h"
 
 namespace tool {
 namespace {
@@ -88,27 +87,16 @@ class Path {
     std::vector<short> rows_;
 };
 
-// The first pixel from x on that is (or is not) ink; the width when there is none.
-int next_pixel(const Page& page, int y, int x, bool ink) {
-    const unsigned char* row = page.row(y);
-    while (x < page.width) {
-        const unsigned byte = (ink ? row[x / 8] : ~row[x / 8]) & (0xFFU >> x % 8);
-        if (byte != 0) return std::min(page.width, x / 8 * 8 + std::countl_zero(byte) - 24);
-        x = x / 8 * 8 + 8;
-    }
-    return page.width;
-}
-
 std::vector<Seed> find_seeds(const Page& page, const RuleScale& scale) {
     std::vector<Seed> seeds;
     for (int y = 0; y < page.height; ++y) {
-        Seed seed{y, next_pixel(page, y, 0, true), 0};
+        Seed seed{y, next_pixel(page, 0, y, true), 0};
         while (seed.x0 < page.width) {
-            seed.x1 = next_pixel(page, y, seed.x0, false);
-            int next = next_pixel(page, y, seed.x1, true);
+            seed.x1 = next_pixel(page, seed.x0, y, false);
+            int next = next_pixel(page, seed.x1, y, true);
             while (next < page.width && next - seed.x1 < scale.gap) {
-                seed.x1 = next_pixel(page, y, next, false);
-                next = next_pixel(page, y, seed.x1, true);
+                seed.x1 = next_pixel(page, next, y, false);
+                next = next_pixel(page, seed.x1, y, true);
             }
             if (seed.length() >= scale.shortest) seeds.push_back(seed);
             seed.x0 = next;

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "reading/ink.h"
 #include "report/report_template.h"
+#include "steps/ink_removal.h"
 
 namespace tool {
 namespace {

@@ -8,6 +8,8 @@
 #include <memory>
 #include <new>
 
+#include "page/ink.h"
+
 namespace tool {
 namespace {
 
@@ -33,8 +35,7 @@ struct Cells {
         for (int x = 0; x < page.width; ++x) {
             std::uint32_t* cell = sums.data() + static_cast<std::size_t>(x / factor) * count;
             if (page.kind == PageKind::kBitonal) {
-                const bool black = (row[x / 8] >> (7 - x % 8) & 1) != 0;
-                *cell += black ? 0U : 255U;
+                *cell += is_ink(row, x) ? 0U : 255U;
                 continue;
             }
             const unsigned char* pixel = row + static_cast<std::size_t>(x) * count;

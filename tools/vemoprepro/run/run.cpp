@@ -63,7 +63,7 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
         return result;
     } catch (const FileError& error) {
         result.error = error;
-    } catch (const StepError& error) {
+    } catch (const PageError& error) {
         result.error = FileError(task.input->name, page_prefix(task) + error.what());
     } catch (const std::bad_alloc&) {
         result.error = FileError(task.input->name, page_prefix(task) + "not enough memory");

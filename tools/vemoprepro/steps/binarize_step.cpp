@@ -5,6 +5,8 @@
 #include <memory>
 #include <utility>
 
+#include "page/ink.h"
+#include "page/row_reader.h"
 #include "reading/reading_grey.h"
 #include "steps/grey_page.h"
 #include "steps/steps.h"
@@ -39,7 +41,7 @@ Settings make_settings() {
 }
 
 Page threshold_bits(const Page& grey, int threshold) {
-    Page bits = same_size(grey, PageKind::kBitonal);
+    Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_thresh(settings.get(), static_cast<unsigned char>(threshold));
@@ -60,7 +62,7 @@ int edge_for(const Page& grey, int strongest) {
 }
 
 Page gradient_bits(const Page& grey) {
-    Page bits = same_size(grey, PageKind::kBitonal);
+    Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
     const Settings settings = make_settings();
     bi_set_smooth(settings.get(), kSmooth);
@@ -76,7 +78,7 @@ Page gradient_bits(const Page& grey) {
 
 // For reading. Edges are looked for on a smoothed copy, against noise.
 Page bits_by_edges(const Page& grey, int strongest) {
-    Page bits = same_size(grey, PageKind::kBitonal);
+    Page bits = make_page_like(grey, PageKind::kBitonal);
     const Settings settings = make_settings();
     set_edges(settings.get(), edge_for(grey, strongest));
     bi_set_internal_gaussian_smoothing(settings.get(), 1);
@@ -99,7 +101,7 @@ Greys survey(const Page& grey, const Page& bits) {
         const unsigned char* row = grey.row(y);
         const unsigned char* ink = bits.row(y);
         for (int x = 0; x < grey.width; ++x) {
-            const int black = ink[x / 8] >> (7 - x % 8) & 1;
+            const int black = is_ink(ink, x) ? 1 : 0;
             greys.any_black |= black != 0;
             greys.darkest_white = std::min(greys.darkest_white, row[x] | (-black & 255));
             greys.lightest = std::max(greys.lightest, int{row[x]});

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "reading/ink.h"
 #include "reading/reading_grey.h"
 #include "steps/grey_page.h"
+#include "steps/ink_removal.h"
 #include "steps/steps.h"
 
 namespace tool {

@@ -6,10 +6,9 @@
 #include <cstdlib>
 #include <utility>
 
-#include "files/image_file.h"
-#include "reading/ink.h"
 #include "reading/reading_grey.h"
 #include "reading/resample.h"
+#include "steps/ink_removal.h"
 #include "steps/skew_measure.h"
 #include "steps/steps.h"
 
@@ -36,7 +35,7 @@ Page straight_frame(const Page& page, Skew skew) {
     straight.dpi = page.dpi;
     if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
                      &straight.width) != 0) {
-        throw StepError("the skew is out of range");
+        throw PageError("the skew is out of range");
     }
     return straight;
 }

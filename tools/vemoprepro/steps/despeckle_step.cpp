@@ -1,7 +1,8 @@
 // Specks, and everything that is not text.
 #include <vemoprepro/cleaning.h>
 
-#include "reading/ink.h"
+#include "page/paper_scale.h"
+#include "steps/ink_removal.h"
 #include "steps/steps.h"
 
 namespace tool {

@@ -3,30 +3,14 @@
 #include <vemoprepro/binarization.h>
 
 #include <algorithm>
-#include <cstring>
+#include <new>
+
+#include "page/row_reader.h"
 
 namespace tool {
 
-int RowReader::read(void* context, int mode, unsigned char* row) {
-    auto& self = *static_cast<RowReader*>(context);
-    if (mode == 0) self.next = 0;
-    std::memcpy(row, self.page.row(self.next), self.page.stride());
-    ++self.next;
-    return 0;
-}
-
-Page same_size(const Page& page, PageKind kind) {
-    Page other;
-    other.kind = kind;
-    other.width = page.width;
-    other.height = page.height;
-    other.dpi = page.dpi;
-    other.bytes = allocate_pixels(other.size());
-    return other;
-}
-
 Page grey_of(const Page& page) {
-    Page grey = same_size(page, PageKind::kGrey);
+    Page grey = make_page_like(page, PageKind::kGrey);
     RowReader reader{page};
     if (bi_color2greybuf(0, RowReader::read, &reader, nullptr, PREPRO_SOURCE_RGB, page.width,
                          std::max(page.dpi.x, 1), 0, page.width, 0, page.height, grey.bytes.get(),

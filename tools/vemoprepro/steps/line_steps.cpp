@@ -3,9 +3,10 @@
 
 #include <utility>
 
+#include "page/paper_scale.h"
 #include "reading/faint_rules.h"
-#include "reading/ink.h"
 #include "reading/rules.h"
+#include "steps/ink_removal.h"
 #include "steps/steps.h"
 
 namespace tool {

@@ -1,8 +1,8 @@
 // Grey pages made ready for --for ocr.
-#include "reading/ink.h"
 #include "reading/reading_grey.h"
 #include "reading/resample.h"
 #include "steps/grey_page.h"
+#include "steps/ink_removal.h"
 #include "steps/steps.h"
 
 namespace tool {

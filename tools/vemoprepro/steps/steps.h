@@ -5,12 +5,11 @@
 //
 // Keep true: a step either replaces the page or leaves it alone; it holds no state, so that any
 // number of pages can go through the same pipeline at once. What a page does not allow is thrown as
-// StepError.
+// PageError.
 #pragma once
 
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,10 +18,6 @@
 #include "run/options.h"
 
 namespace tool {
-
-class StepError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 // Why a step is skipped that nobody asked for.
 constexpr const char* kSwitchedOff = "switched off";
@@ -60,8 +55,6 @@ Step orientation_step();
 // Turns the page clockwise.
 Step rotate_step(int quarter_turns);
 
-// Quarter turns clockwise, 1 .. 3.
-void turn(Page& page, int quarter_turns);
 // Takes the dark border off. A colour page becomes grey when `to_grey` (it will be binarized).
 Step border_step(const Options& options, bool to_grey);
 // What --for ocr does to grey and colour pages beforehand: strong specks, uneven light and low

@@ -1,18 +1,13 @@
-#include "reading/ink.h"
+#include "steps/ink_removal.h"
 
-#include <algorithm>
 #include <bit>
-#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
-#include "steps/grey_page.h"
-
 namespace tool {
 namespace {
-
-constexpr double kChosenFor = 300;  // dots per inch
 
 struct InkCount {
     std::int64_t before = 0;
@@ -53,15 +48,9 @@ InkWindow inner_part(const Page& page) {
     return {side, static_cast<int>(page.stride()) * 8 - side, end, page.height - end};
 }
 
-Page copy_of(const Page& page) {
-    Page copy = same_size(page, page.kind);
-    std::memcpy(copy.bytes.get(), page.bytes.get(), page.size());
-    return copy;
-}
-
 void require_bitonal(const Page& page, const char* step) {
     if (page.kind != PageKind::kBitonal) {
-        throw StepError(std::string(step) + " takes bitonal pages, this one is " +
+        throw PageError(std::string(step) + " takes bitonal pages, this one is " +
                         name_of(page.kind) + " (clean binarizes first)");
     }
 }
@@ -82,15 +71,6 @@ Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::s
     }
     page = std::move(changed);
     return {true, what + ", " + percent(share) + " of the ink", share};
-}
-
-int scaled_length(const Page& page, double pixels_at_300) {
-    return std::max(1, static_cast<int>(std::lround(pixels_at_300 * page.dpi.x / kChosenFor)));
-}
-
-int scaled_area(const Page& page, double pixels_at_300) {
-    const double scale = page.dpi.x / kChosenFor * (page.dpi.y / kChosenFor);
-    return static_cast<int>(std::min(1e9, std::round(pixels_at_300 * scale)));
 }
 
 }  // namespace tool

@@ -1,10 +1,9 @@
-// Steps that take ink off a bitonal page, and the rule that none may take too much unnoticed.
+// Steps that take ink off a bitonal page, and the limit that none may take too much unnoticed.
 //
-// Use: remove_ink(page, ...) runs a change on a copy and keeps it when it takes no more than a
-// tenth of the ink, or when `force` says so.
+// Use: require_bitonal(page, "step"); then remove_ink(page, ...) runs a change on a copy and keeps
+// it when it takes no more than a tenth of the ink, or when `force` says so.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -25,27 +24,13 @@ InkWindow whole(const Page& page);
 // The page without an eighth on each side.
 InkWindow inner_part(const Page& page);
 
-Page copy_of(const Page& page);
-
-// Single pixels of a bitonal page.
-inline bool is_ink(const Page& page, int x, int y) {
-    return (page.row(y)[x / 8] >> (7 - x % 8) & 1) != 0;
-}
-inline void erase_ink(Page& page, int x, int y) {
-    page.row(y)[x / 8] &= static_cast<unsigned char>(~(0x80 >> x % 8));
-}
-
-// Throws StepError unless the page is bitonal.
+// Throws PageError unless the page is bitonal.
 void require_bitonal(const Page& page, const char* step);
 
 // `window` is where the ink is counted. `what`: what was done, for the record. `change` throws when
 // it fails.
 Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
                    const std::function<void(Page&)>& change);
-
-// Lengths and areas are chosen for 300 dots per inch.
-int scaled_length(const Page& page, double pixels_at_300);
-int scaled_area(const Page& page, double pixels_at_300);
 
 // "0.3 %"
 std::string percent(double share);

@@ -1,0 +1,52 @@
+#include "page/page.h"
+
+#include <cstring>
+#include <new>
+
+namespace tool {
+
+const char* name_of(PageKind kind) {
+    switch (kind) {
+        case PageKind::kBitonal:
+            return "bitonal";
+        case PageKind::kGrey:
+            return "grey";
+        case PageKind::kColour:
+            break;
+    }
+    return "colour";
+}
+
+std::size_t stride_of(PageKind kind, int width) {
+    const auto pixels = static_cast<std::size_t>(width);
+    if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
+    return kind == PageKind::kGrey ? pixels : pixels * 3;
+}
+
+PixelBlock allocate_pixels(std::size_t size) {
+    PixelBlock block(static_cast<unsigned char*>(std::malloc(size)));
+    if (!block) throw std::bad_alloc();
+    return block;
+}
+
+Page make_page(PageKind kind, int width, int height, Resolution dpi) {
+    Page page;
+    page.kind = kind;
+    page.width = width;
+    page.height = height;
+    page.dpi = dpi;
+    page.bytes = allocate_pixels(page.size());
+    return page;
+}
+
+Page make_page_like(const Page& page, PageKind kind) {
+    return make_page(kind, page.width, page.height, page.dpi);
+}
+
+Page copy_of(const Page& page) {
+    Page copy = make_page_like(page, page.kind);
+    std::memcpy(copy.bytes.get(), page.bytes.get(), page.size());
+    return copy;
+}
+
+}  // namespace tool
