@@ -168,9 +168,13 @@ class Words(ToolCase):
             fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 60, 0, 0))
             self.run_tool("clean", "a.tif", "-o", "o.tif", "--overwrite", *options, stdout=slave)
             os.close(slave)
-            shown = os.read(master, 1 << 16).decode()
-            os.close(master)
-            return [line.split("\r\x1b[K")[1:] for line in shown.split("\r\n")[:-1]]
+            shown = b""
+            try:
+                while True:
+                    shown += os.read(master, 1 << 16)
+            except OSError:    # the terminal's end
+                os.close(master)
+            return [line.split("\r\x1b[K")[1:] for line in shown.decode().split("\r\n")[:-1]]
         written, = lines()
         self.assertEqual([len(text) for text in written[:3]], [59] * 3)
         self.assertTrue(written[3].startswith(written[2]) and "confidence" in written[3], written)

@@ -29,6 +29,19 @@ PixelBlock allocate_pixels(std::size_t size) {
     return block;
 }
 
+PageShape shape_of(const Page& page) {
+    return {page.kind, page.width, page.height, page.dpi};
+}
+
+std::string describe(const PageShape& shape) {
+    std::string text = std::string(name_of(shape.kind)) + ", " + std::to_string(shape.width) +
+                       " x " + std::to_string(shape.height) + " pixels";
+    if (shape.dpi.x == 0) return text + ", no resolution";
+    text += ", " + std::to_string(shape.dpi.x);
+    if (shape.dpi.y != shape.dpi.x) text += " x " + std::to_string(shape.dpi.y);
+    return text + " dpi";
+}
+
 Page make_page(PageKind kind, int width, int height, Resolution dpi) {
     Page page;
     page.kind = kind;

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
 namespace tool {
 
@@ -52,6 +53,17 @@ struct Page {
     std::size_t size() const { return stride() * static_cast<std::size_t>(height); }
     unsigned char* row(int y) const { return bytes.get() + stride() * static_cast<std::size_t>(y); }
 };
+
+// A page without its pixels.
+struct PageShape {
+    PageKind kind = PageKind::kBitonal;
+    int width = 0;
+    int height = 0;
+    Resolution dpi;
+};
+PageShape shape_of(const Page& page);
+// "colour, 2480 x 3508 pixels, 300 dpi"
+std::string describe(const PageShape& shape);
 
 // A page whose pixels are not set.
 Page make_page(PageKind kind, int width, int height, Resolution dpi);

@@ -2,38 +2,26 @@
 // averages, so that a single pixel shows.
 #include "report/page_pictures.h"
 
-#include <algorithm>
-#include <chrono>
 #include <map>
 #include <utility>
 
-#include "reading/reading_grey.h"
+#include "steps/stopwatch.h"
 
 namespace tool {
 namespace {
 
-class Stopwatch {
+// Adds the time of its life to a total.
+class CountedTime {
   public:
-    explicit Stopwatch(double& total) : total_(total) {}
-    ~Stopwatch() {
-        total_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    }
-    Stopwatch(const Stopwatch&) = delete;
-    Stopwatch& operator=(const Stopwatch&) = delete;
+    explicit CountedTime(double& total) : total_(total) {}
+    ~CountedTime() { total_ += watch_.seconds(); }
+    CountedTime(const CountedTime&) = delete;
+    CountedTime& operator=(const CountedTime&) = delete;
 
   private:
     double& total_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    const Stopwatch watch_;
 };
-
-// Evening out the light makes paper lighter and takes nothing off it.
-bool takes_nothing_off(const std::string& step) {
-    return step == "prepare";
-}
-
-bool turns_page(const std::string& step) {
-    return step == "orientation" || step == "rotate" || step == "deskew";
-}
 
 }  // namespace
 
@@ -48,35 +36,35 @@ Colour mark_colour(const std::string& step) {
 }
 
 void PagePainter::source(const Page& page) {
-    const Stopwatch watch(seconds_);
+    const CountedTime counted(seconds_);
     last_ = scaled_down(page);
     first_ = last_;
 }
 
-void PagePainter::before(const std::string& step, const Page& page) {
-    if (step != "deskew" || !with_fan_) return;
-    const Stopwatch watch(seconds_);
-    fans_ = page.kind == PageKind::kGrey ? trace_fans(bits_for_reading(page)) : trace_fans(page);
-}
-
-void PagePainter::after(const std::string& step, const Page& page) {
-    const Stopwatch watch(seconds_);
+void PagePainter::after(const Step& step, const Page& page) {
+    const CountedTime counted(seconds_);
     ScaledPicture now = scaled_down(page);
-    if (turns_page(step)) {
-        ++posture_;
-    } else if (const auto marks = takes_nothing_off(step)
-                                      ? std::nullopt
-                                      : marks_of_removed(last_, now, mark_colour(step))) {
-        marks_.push_back({step, posture_, encode(*marks)});
+    switch (step.effect) {
+        case Effect::kBringsUpright:
+            first_ = now;
+            first_posture_ = ++posture_;
+            break;
+        case Effect::kTurnsPage:
+            ++posture_;
+            break;
+        case Effect::kTakesInk:
+            if (const auto marks = marks_of_removed(last_, now, mark_colour(step.name))) {
+                marks_.push_back({step.name, posture_, encode(*marks)});
+            }
+            break;
+        case Effect::kChangesTone:
+            break;
     }
     last_ = std::move(now);
-    if (step != "orientation") return;
-    first_ = last_;
-    first_posture_ = posture_;
 }
 
-PagePictures PagePainter::take(const PageRecord& record) {
-    const Stopwatch watch(seconds_);
+PagePictures PagePainter::take(std::optional<SkewFan> fan) {
+    const CountedTime counted(seconds_);
     PagePictures pictures;
     pictures.before = encode(first_);
     pictures.after = encode(last_);
@@ -84,10 +72,7 @@ PagePictures PagePainter::take(const PageRecord& record) {
         pictures.removed.push_back({std::move(marks.step), std::move(marks.picture),
                                     marks.posture == first_posture_, marks.posture == posture_});
     }
-    const auto used = std::find_if(fans_.begin(), fans_.end(), [&](const SkewFan& fan) {
-        return record.confidence && fan.confidence == *record.confidence;
-    });
-    if (used != fans_.end()) pictures.fan = std::move(*used);
+    pictures.fan = std::move(fan);
     return pictures;
 }
 

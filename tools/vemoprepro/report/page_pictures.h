@@ -8,10 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "report/page_record.h"
 #include "report/scaled_picture.h"
-#include "report/skew_fan.h"
-#include "steps/steps.h"
+#include "steps/pipeline.h"
 
 namespace tool {
 
@@ -35,13 +33,11 @@ Colour mark_colour(const std::string& step);
 
 class PagePainter final : public PageWatcher {
   public:
-    explicit PagePainter(bool with_fan) : with_fan_(with_fan) {}
-
     void source(const Page& page) override;
-    void before(const std::string& step, const Page& page) override;
-    void after(const std::string& step, const Page& page) override;
+    void after(const Step& step, const Page& page) override;
 
-    PagePictures take(const PageRecord& record);
+    // fan: of the skew search; none when the skew was not measured.
+    PagePictures take(std::optional<SkewFan> fan);
     // Time spent on pictures.
     double seconds() const { return seconds_; }
 
@@ -52,14 +48,12 @@ class PagePainter final : public PageWatcher {
         EncodedPicture picture;
     };
 
-    bool with_fan_;
     double seconds_ = 0;
     int posture_ = 0;  // goes up when the page is turned
     int first_posture_ = 0;
     ScaledPicture first_;
     ScaledPicture last_;
     std::vector<Marks> marks_;
-    std::vector<SkewFan> fans_;
 };
 
 }  // namespace tool

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "report/report_markup.h"
+#include "steps/number_text.h"
 
 namespace tool {
 namespace {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "report/report_markup.h"
+#include "steps/number_text.h"
 
 namespace tool {
 namespace {
@@ -24,8 +25,8 @@ std::string empty_cell() {
 std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
     std::vector<std::string> names;
     for (const FigureRow& row : rows) {
-        for (const StepRecord& step : row.record.steps) {
-            if (step.done && step.ink_removed &&
+        for (const StepNote& step : row.record.steps) {
+            if (step.outcome.done && step.outcome.ink_removed &&
                 std::find(names.begin(), names.end(), step.name) == names.end()) {
                 names.push_back(step.name);
             }
@@ -35,10 +36,10 @@ std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
 }
 
 std::string removed_cell(const PageRecord& record, const std::string& name) {
-    for (const StepRecord& step : record.steps) {
-        if (step.name == name && step.done && step.ink_removed) {
-            return number_cell(std::round(*step.ink_removed * 1e5) / 1e5,
-                               with_digits("%.3g", *step.ink_removed * 100) + " %");
+    for (const StepNote& step : record.steps) {
+        if (step.name == name && step.outcome.done && step.outcome.ink_removed) {
+            return number_cell(std::round(*step.outcome.ink_removed * 1e5) / 1e5,
+                               with_digits("%.3g", *step.outcome.ink_removed * 100) + " %");
         }
     }
     return empty_cell();
@@ -82,10 +83,10 @@ std::string row_markup(const FigureRow& row, const std::vector<std::string>& ste
     std::string text =
         "<tr>" + file +
         number_cell(static_cast<double>(record.number), std::to_string(record.number)) +
-        number_cell(double{1} * record.width * record.height,
-                    size_text(record.width, record.height)) +
-        number_cell(record.dpi.x, dpi_text(record.dpi)) +
-        cell(name_of(record.kind), name_of(record.kind)) + measured_cells(record);
+        number_cell(double{1} * record.source.width * record.source.height,
+                    size_text(record.source.width, record.source.height)) +
+        number_cell(record.source.dpi.x, dpi_text(record.source.dpi)) +
+        cell(name_of(record.source.kind), name_of(record.source.kind)) + measured_cells(record);
     for (const std::string& step : steps) text += removed_cell(record, step);
     return text + content_cell(record.content) +
            number_cell(record.seconds, with_digits("%.3f", record.seconds)) + "</tr>\n";

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "report/report_template.h"
 #include "steps/ink_removal.h"
+#include "steps/number_text.h"
 
 namespace tool {
 namespace {
@@ -90,7 +92,7 @@ std::string stage_markup(const std::string& anchor, const std::string& name,
            "before shows, in percent\"><span>After</span></div></div>\n";
 }
 
-std::string step_markup(const StepRecord& step, const std::vector<RemovedInk>& removed) {
+std::string step_markup(const StepNote& step, const std::vector<RemovedInk>& removed) {
     const bool marked = std::any_of(removed.begin(), removed.end(),
                                     [&](const RemovedInk& ink) { return ink.step == step.name; });
     std::string name = escaped(step.name);
@@ -99,10 +101,11 @@ std::string step_markup(const StepRecord& step, const std::vector<RemovedInk>& r
                "\"><i class=\"swatch\" style=\"background:" + css_colour(mark_colour(step.name)) +
                "\"></i>" + name + "</label>";
     }
-    std::string text = std::string("<li class=\"") + (step.done ? "done" : "skipped") + "\"><b>" +
-                       name + "</b><span>" + (step.done ? "" : "skipped: ") + escaped(step.why) +
-                       "</span>";
-    if (step.done) text += "<small>" + with_digits("%.0f ms", step.seconds * 1000) + "</small>";
+    std::string text = std::string("<li class=\"") + (step.outcome.done ? "done" : "skipped") +
+                       "\"><b>" + name + "</b><span>" + (step.outcome.done ? "" : "skipped: ") +
+                       escaped(step.outcome.why) + "</span>";
+    if (step.outcome.done)
+        text += "<small>" + with_digits("%.0f ms", step.seconds * 1000) + "</small>";
     return text + "</li>";
 }
 
@@ -139,12 +142,6 @@ std::string escaped(const std::string& text) {
     return safe;
 }
 
-std::string with_digits(const char* format, double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 std::string head_markup(const std::string& title) {
     return kReportStart + ("<title>" + escaped(title)) + " – cleaned pages</title>\n" +
            kReportStyle + "<body>\n<header><h1>" + escaped(title) +
@@ -155,13 +152,13 @@ std::string page_markup(const std::string& anchor, const std::string& input, std
                         const PageRecord& record, const PagePictures& pictures) {
     const std::string name = heading(input, record.number, page_count);
     std::string text = "<article id=\"" + anchor + "\"><h2>" + escaped(name) + "</h2><p>" +
-                       escaped(describe(record)) + "</p>\n<div class=\"columns\">" +
+                       escaped(describe(record.source)) + "</p>\n<div class=\"columns\">" +
                        stage_markup(anchor, name, pictures) + "<div class=\"notes\"><h3>Steps</h3>";
     if (!pictures.removed.empty()) {
         text += "<p class=\"hint\">Coloured: what a step took off the page.</p>";
     }
     text += "<ol class=\"steps\">";
-    for (const StepRecord& step : record.steps) text += step_markup(step, pictures.removed);
+    for (const StepNote& step : record.steps) text += step_markup(step, pictures.removed);
     text += "</ol>\n";
     if (pictures.fan) text += fan_markup(*pictures.fan, record);
     return text + "</div></div></article>\n";

@@ -28,6 +28,5 @@ std::string fan_markup(const SkewFan& fan, const PageRecord& record);
 
 // Safe in text and in quoted attributes; bytes that are not UTF-8 become U+FFFD.
 std::string escaped(const std::string& text);
-std::string with_digits(const char* format, double value);
 
 }  // namespace tool

@@ -1,6 +1,8 @@
 // One input is open at a time here; pages still in work keep theirs open.
 #include "run/input_feeder.h"
 
+#include "run/record_json.h"
+
 namespace tool {
 
 InputFeeder::InputFeeder(const Options& options) : options_(options), plan_(options) {

@@ -10,9 +10,9 @@
 
 #include "files/file_error.h"
 #include "files/image_file.h"
-#include "report/page_record.h"
 #include "run/options.h"
 #include "run/output_plan.h"
+#include "steps/page_work.h"
 
 namespace tool {
 
@@ -21,7 +21,7 @@ struct Input {
     std::string name;
     std::optional<ImageFile> file;  // none when it could not be opened
     OutputNames outputs;
-    std::vector<PageFindings> findings;  // of --apply, one per page; else empty
+    std::vector<Findings> findings;  // of --apply, one per page; else empty
     // Set when a page fails: the pages behind it need no work. Those before it are still worked on,
     // so that what is reported does not depend on which page came first.
     std::atomic<std::size_t> failed_page = kNone;
@@ -55,7 +55,7 @@ class InputFeeder {
 
     const Options& options_;
     OutputPlan plan_;
-    std::vector<std::vector<PageFindings>> findings_;
+    std::vector<std::vector<Findings>> findings_;
     std::size_t next_input_ = 0;
     std::size_t next_page_ = 0;
     std::shared_ptr<Input> current_;

@@ -15,8 +15,7 @@ namespace {
 
 int run_command(const tool::Options& options) {
     try {
-        return options.command == tool::Command::kInfo ? tool::print_info(options)
-                                                       : tool::run(options);
+        return options.info ? tool::print_info(options) : tool::run(options);
     } catch (const tool::UsageError& error) {
         std::fprintf(tool::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
                      error.what());

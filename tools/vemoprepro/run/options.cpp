@@ -34,8 +34,6 @@ constexpr const char* kExamples =
     "Exit status: 0 all done, 1 a file failed (the others are done), 2 wrong usage.\n"
     "'vemoprepro COMMAND --help' lists the options of a command.";
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
 // What CLI11 fills in, before it becomes Options.
 struct Raw {
     std::string format;
@@ -133,7 +131,7 @@ void add_keep_near(CLI::App& command, Raw& raw) {
 }
 
 void add_force(CLI::App& command, Options& options) {
-    command.add_flag("--force", options.force,
+    command.add_flag("--force", options.steps.force,
                      "Do a step even when it takes more than a tenth of the ink");
 }
 
@@ -170,7 +168,7 @@ void add_cleaning_steps(CLI::App& command, Options& options, Raw& raw) {
                             "ones, scaled by the resolution)");
     command.add_flag("--no-despeckle", raw.no_despeckle, "Keep all specks")->excludes(area);
     add_keep_near(command, raw);
-    auto* crop = command.add_flag("--crop-border", options.crop_border,
+    auto* crop = command.add_flag("--crop-border", options.steps.crop_border,
                                   "Paint dark borders over and print the content's rectangle");
     command.add_flag("--no-crop-border", raw.no_crop_border, "Keep borders, with --for ocr")
         ->excludes(crop);
@@ -220,14 +218,15 @@ void add_bitonal_steps(CLI::App& app, Options& options, Raw& raw) {
     add_force(*unline, options);
 
     CLI::App* underlines = add("underlines", "Keep nothing but the lines of bitonal pages");
-    underlines->add_flag("--vertical", options.lines.vertical, "Vertical lines, not horizontal");
+    underlines->add_flag("--vertical", options.steps.lines.vertical,
+                         "Vertical lines, not horizontal");
     add_line_sizes(*underlines, raw);
 
     CLI::App* textmask = add("textmask", "Keep nothing but the text of bitonal pages");
     add_pixels(*textmask, "--max-height", raw.max_height,
                "Higher ink is no text, in pixels (default: 21 mm)");
     textmask
-        ->add_option("--min-density", options.text.min_density,
+        ->add_option("--min-density", options.steps.text.min_density,
                      "Text has this many pixels for every pixel of its longer side")
         ->check(CLI::Range(0, 32767))
         ->capture_default_str();
@@ -291,14 +290,9 @@ int threshold_from(const std::string& text) {
 }
 
 Skew skew_from(double degrees) {
-    constexpr double kSteepest = 89;
-    const double units = std::abs(degrees) < kSteepest
-                             ? std::round(std::tan(degrees / kDegreesPerRadian) * Skew::kScale)
-                             : Skew::kScale;
-    if (!(std::abs(units) <= Skew::kLargest)) {
-        refuse("--skew: beyond the largest skew of 10.6 degrees to either side");
-    }
-    return {static_cast<int>(units), Skew::kScale};
+    const std::optional<Skew> skew = skew_of_degrees(degrees);
+    if (!skew) refuse("--skew: beyond the largest skew of 10.6 degrees to either side");
+    return *skew;
 }
 
 Command command_named(const std::string& name) {
@@ -307,7 +301,7 @@ Command command_named(const std::string& name) {
         {"deskew", Command::kDeskew},         {"rotate", Command::kRotate},
         {"despeckle", Command::kDespeckle},   {"unline", Command::kUnline},
         {"underlines", Command::kUnderlines}, {"crop", Command::kCrop},
-        {"textmask", Command::kTextmask},     {"info", Command::kInfo}};
+        {"textmask", Command::kTextmask}};
     return kCommands.at(name);
 }
 
@@ -329,36 +323,39 @@ Pixels pixels_of(const CLI::App& command, const char* name, int value) {
 }
 
 void take_binarization(const CLI::App& command, Options& options, const Raw& raw) {
-    options.threshold = threshold_from(raw.threshold);
-    if (options.threshold > 0) {
-        options.binarization = Binarization::kFixed;
+    options.steps.threshold = threshold_from(raw.threshold);
+    if (options.steps.threshold > 0) {
+        options.steps.binarization = Binarization::kFixed;
     } else if (given(command, "--threshold") || raw.method == "otsu") {
-        options.binarization = Binarization::kOtsu;
+        options.steps.binarization = Binarization::kOtsu;
     }
 }
 
 // What clean does by default, what --for ocr adds, and what single steps are asked for.
 void take_steps(const CLI::App& command, Options& options, const Raw& raw) {
     const bool reading = raw.purpose == "ocr";
-    options.for_reading = reading;
-    options.force |= reading;
-    options.prepare = reading && !raw.no_prepare;
-    options.crop_border |= reading && !raw.no_crop_border;
-    options.crop_border |= options.command == Command::kCrop;
+    options.steps.for_reading = reading;
+    options.steps.force |= reading;
+    options.steps.prepare = reading && !raw.no_prepare;
+    options.steps.crop_border |= reading && !raw.no_crop_border;
+    options.steps.crop_border |= options.steps.command == Command::kCrop;
 
-    const char* area = options.command == Command::kClean ? "--despeckle" : "--max-area";
-    options.despeckle.max_area = pixels_of(command, area, raw.max_area);
-    options.despeckle.keep_near = pixels_of(command, "--keep-near", raw.keep_near);
-    options.despeckle.wanted = !raw.no_despeckle && options.despeckle.max_area != 0;
+    const char* area = options.steps.command == Command::kClean ? "--despeckle" : "--max-area";
+    options.steps.despeckle.max_area = pixels_of(command, area, raw.max_area);
+    options.steps.despeckle.keep_near = pixels_of(command, "--keep-near", raw.keep_near);
+    options.steps.despeckle.wanted = !raw.no_despeckle && options.steps.despeckle.max_area != 0;
 
-    const bool both = options.command == Command::kUnline || (reading && !raw.no_remove_lines);
+    const bool both =
+        options.steps.command == Command::kUnline || (reading && !raw.no_remove_lines);
     for (const std::string& direction : raw.lines) {
-        (direction == "vertical" ? options.lines.vertical : options.lines.horizontal) = true;
+        (direction == "vertical" ? options.steps.lines.vertical : options.steps.lines.horizontal) =
+            true;
     }
-    if (both && raw.lines.empty()) options.lines.horizontal = options.lines.vertical = true;
-    options.lines.min_length = pixels_of(command, "--min-length", raw.min_length);
-    options.lines.max_thickness = pixels_of(command, "--max-thickness", raw.max_thickness);
-    options.text.max_height = pixels_of(command, "--max-height", raw.max_height);
+    if (both && raw.lines.empty())
+        options.steps.lines.horizontal = options.steps.lines.vertical = true;
+    options.steps.lines.min_length = pixels_of(command, "--min-length", raw.min_length);
+    options.steps.lines.max_thickness = pixels_of(command, "--max-thickness", raw.max_thickness);
+    options.steps.text.max_height = pixels_of(command, "--max-height", raw.max_height);
 }
 
 // True for /dev/stdout and the like where that is a pipe: words must keep off it as with "-".
@@ -371,17 +368,18 @@ bool is_piped_stdout(const std::string& output) {
 }
 
 Options options_from(const CLI::App& command, Options options, const Raw& raw) {
-    options.command = command_named(command.get_name());
+    options.info = command.get_name() == "info";
     if (is_piped_stdout(options.output)) options.output = "-";
     check_inputs(options);
-    if (options.command == Command::kInfo) return options;
+    if (options.info) return options;
+    options.steps.command = command_named(command.get_name());
     if (!raw.format.empty()) options.format = format_named(raw.format);
-    if (command.count("--dpi") != 0) options.dpi = raw.dpi;
+    if (command.count("--dpi") != 0) options.steps.dpi = raw.dpi;
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
-    options.straighten = !raw.no_deskew;
-    if (given(command, "--skew")) options.skew = skew_from(raw.skew_degrees);
-    options.quarter_turns = raw.angle / 90;
+    options.steps.straighten = !raw.no_deskew;
+    if (given(command, "--skew")) options.steps.skew = skew_from(raw.skew_degrees);
+    options.steps.quarter_turns = raw.angle / 90;
     return options;
 }
 

@@ -6,69 +6,19 @@
 #include <vector>
 
 #include "files/page_writer.h"
-#include "report/page_record.h"
+#include "steps/step_options.h"
 
 namespace tool {
 
-enum class Command {
-    kClean,
-    kBinarize,
-    kDeskew,
-    kRotate,
-    kDespeckle,
-    kUnline,
-    kUnderlines,
-    kCrop,
-    kTextmask,
-    kInfo
-};
-
-enum class Binarization { kGradient, kOtsu, kFixed };
-
-// What a step may measure in pixels: none stands for the default, scaled by the resolution.
-using Pixels = std::optional<int>;
-
-struct DespeckleOptions {
-    bool wanted = false;
-    Pixels max_area;
-    Pixels keep_near;  // 0: specks near ink go too, as they do by default but for reading
-};
-
-struct LineOptions {
-    bool horizontal = false;
-    bool vertical = false;
-    Pixels min_length;
-    Pixels max_thickness;
-
-    bool wanted() const { return horizontal || vertical; }
-};
-
-struct TextOptions {
-    Pixels max_height;
-    int min_density = 1;
-};
-
 struct Options {
-    Command command = Command::kClean;
+    bool info = false;  // the info command, which has no steps
+    StepOptions steps;
     std::vector<std::string> inputs;
     std::string output;                  // a file, a folder or "-"
     std::optional<OutputFormat> format;  // none: by the name of the output
     unsigned jobs = 1;
-    std::optional<int> dpi;
-    bool straighten = true;
-    std::optional<Skew> skew;  // none: measured
-    Binarization binarization = Binarization::kGradient;
-    int threshold = 0;         // of fixed binarization
-    bool for_reading = false;  // --for ocr
-    bool prepare = false;      // for reading
-    bool crop_border = false;
-    DespeckleOptions despeckle;
-    LineOptions lines;
-    TextOptions text;           // of the textmask command
-    bool force = false;         // steps may take more than a tenth of the ink
     std::string findings;       // file of --apply; empty: none
     std::string report_folder;  // of --report; empty: none
-    int quarter_turns = 0;      // clockwise, of the rotate command
     bool quiet = false;
     bool verbose = false;
     bool overwrite = false;

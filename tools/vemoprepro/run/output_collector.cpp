@@ -66,25 +66,25 @@ void OutputCollector::write(PageResult& result) {
     const Input& input = *result.input;
     if (result.page == 0) {
         outputs_.emplace(input.outputs, overwrite_);
-        report_.start(input.name, name_of(input.file->format()), input.page_count());
+        console_.start(input.name, name_of(input.file->format()), input.page_count());
     }
     outputs_->append(result.page, std::move(result.data));
     if (pictures_ != nullptr && result.pictures) {
         pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
     }
-    report_.page(std::move(result.record), input.outputs.of_page(result.page));
+    console_.page(std::move(result.record), input.outputs.of_page(result.page));
     if (result.page + 1 < input.page_count()) return;
     outputs_->publish();
     outputs_.reset();
-    report_.finish_input(input.outputs.files);
+    console_.finish_input(input.outputs.files);
 }
 
 void OutputCollector::fail(PageResult& result, const FileError& error) {
     result.input->fail_from(result.page);
     failed_ = result.input;
     outputs_.reset();
-    if (result.page == 0) report_.start(result.input->name, "", 0);
-    report_.fail_input(error);
+    if (result.page == 0) console_.start(result.input->name, "", 0);
+    console_.fail_input(error);
     if (pictures_ != nullptr) pictures_->fail(result.input->name, error.what());
 }
 

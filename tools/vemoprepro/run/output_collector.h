@@ -8,8 +8,8 @@
 #include "files/page_writer.h"
 #include "report/page_pictures.h"
 #include "report/picture_report.h"
+#include "run/console.h"
 #include "run/input_feeder.h"
-#include "run/report.h"
 
 namespace tool {
 
@@ -43,8 +43,8 @@ class OutputSet {
 class OutputCollector {
   public:
     // pictures: the report to look at; may be null.
-    OutputCollector(const Options& options, Report& report, PictureReport* pictures)
-        : overwrite_(options.overwrite), report_(report), pictures_(pictures) {}
+    OutputCollector(const Options& options, Console& console, PictureReport* pictures)
+        : overwrite_(options.overwrite), console_(console), pictures_(pictures) {}
 
     void deliver(PageResult& result);
 
@@ -53,7 +53,7 @@ class OutputCollector {
     void fail(PageResult& result, const FileError& error);
 
     bool overwrite_;
-    Report& report_;
+    Console& console_;
     PictureReport* pictures_;
     std::shared_ptr<Input> failed_;  // the last input that failed, already reported
     std::optional<OutputSet> outputs_;

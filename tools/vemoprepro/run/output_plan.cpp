@@ -59,7 +59,7 @@ OutputFormat format_of(const Options& options, bool folder) {
 OutputPlan::OutputPlan(const Options& options)
     : output_(options.output),
       overwrite_(options.overwrite),
-      keeps_kind_(options.command == Command::kRotate || options.command == Command::kCrop) {
+      keeps_kind_(keeps_kind(options.steps.command)) {
     if (output_.empty()) throw UsageError("-o: the name is empty");
     const bool exists = is_folder(output_);
     folder_ = exists || options.inputs.size() > 1 || output_.back() == '/';

@@ -3,30 +3,17 @@
 // none wait.
 #include "run/run.h"
 
-#include <chrono>
+#include <utility>
 
 #include "report/page_pictures.h"
 #include "run/ordered_queue.h"
 #include "run/output_collector.h"
-#include "steps/steps.h"
+#include "steps/pipeline.h"
+#include "steps/resolution.h"
+#include "steps/stopwatch.h"
 
 namespace tool {
 namespace {
-
-constexpr int kDefaultDpi = 300;
-
-void settle_resolution(const Options& options, Page& page, PageRecord& record) {
-    record.dpi_source = "file";
-    if (options.dpi || page.dpi.x <= 0) {
-        record.dpi_source = options.dpi ? "option" : "default";
-        page.dpi.x = page.dpi.y = options.dpi.value_or(kDefaultDpi);
-    }
-}
-
-// Results that are not bitonal.
-bool large_results(Command command) {
-    return command == Command::kRotate || command == Command::kCrop;
-}
 
 std::string page_prefix(const PageTask& task) {
     if (task.input->page_count() == 1) return "";
@@ -35,21 +22,18 @@ std::string page_prefix(const PageTask& task) {
 
 void work_on(const Options& options, const Pipeline& pipeline, const PageTask& task,
              PageResult& result) {
-    const auto start = std::chrono::steady_clock::now();
-    result.data = task.input->file->read_page(task.page);
-    settle_resolution(options, result.data, result.record);
-    result.record.number = task.page + 1;
-    describe_source(result.record, result.data);
-    const PageFindings findings =
-        task.input->findings.empty() ? PageFindings{} : task.input->findings[task.page];
-    const bool measures = options.straighten && !options.skew && !findings.skew;
-    PagePainter painter(measures);
+    const Stopwatch watch;
     const bool pictured = !options.report_folder.empty();
-    process(pipeline, result.data, findings, result.record, pictured ? &painter : nullptr);
-    if (pictured) result.pictures = painter.take(result.record);
-    result.record.seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() -
-        painter.seconds();
+    PageWork work;
+    work.page = task.input->file->read_page(task.page);
+    if (!task.input->findings.empty()) work.given = task.input->findings[task.page];
+    work.wants_fan = pictured;
+    settle_resolution(work, options.steps.dpi);
+    PagePainter painter;
+    process(pipeline, work, pictured ? &painter : nullptr);
+    if (pictured) result.pictures = painter.take(work.fan);
+    result.record = record_of(task.page + 1, work, watch.seconds() - painter.seconds());
+    result.data = std::move(work.page);
 }
 
 PageResult result_of(const Options& options, const Pipeline& pipeline, const PageTask& task) {
@@ -77,19 +61,19 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
 }  // namespace
 
 int run(const Options& options) {
-    const Pipeline pipeline = make_pipeline(options);
+    const Pipeline pipeline = make_pipeline(options.steps);
     InputFeeder feeder(options);
-    Report report(options);
+    Console console(options);
     std::optional<PictureReport> pictures;
     if (!options.report_folder.empty()) pictures.emplace(options);
-    OutputCollector collector(options, report, pictures ? &*pictures : nullptr);
-    const std::size_t window = large_results(options.command) ? options.jobs : 2 * options.jobs;
+    OutputCollector collector(options, console, pictures ? &*pictures : nullptr);
+    const std::size_t window = keeps_kind(options.steps.command) ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });
     queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
     const bool shown = !pictures || pictures->finish();
-    const int status = report.finish();
+    const int status = console.finish();
     return shown ? status : kExitFailed;
 }
 

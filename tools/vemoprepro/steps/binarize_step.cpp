@@ -8,8 +8,7 @@
 #include "page/ink.h"
 #include "page/row_reader.h"
 #include "reading/reading_grey.h"
-#include "steps/grey_page.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -124,37 +123,35 @@ int binarize_by_otsu(const Page& grey, Page& bits) {
     return greys.darkest_white + 1;
 }
 
-Outcome threshold_by(Page& page, int threshold, const char* source, PageRecord& record) {
-    page = threshold_bits(page, threshold);
-    record.threshold = threshold;
+Outcome threshold_by(PageWork& work, int threshold, const char* source) {
+    work.page = threshold_bits(work.page, threshold);
+    work.threshold = threshold;
     return {true, "threshold " + std::to_string(threshold) + source};
 }
 
-Outcome binarize(Page& page, const Options& options, const PageFindings& findings,
-                 PageRecord& record) {
-    if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
-    if (page.kind == PageKind::kColour) page = grey_of(page);
-    if (findings.threshold) {
-        return threshold_by(page, *findings.threshold, " (as recorded)", record);
-    }
-    if (options.binarization == Binarization::kFixed) {
-        return threshold_by(page, options.threshold, " (as given)", record);
+Outcome binarize_for_reading(PageWork& work, bool with_faint_ink) {
+    if (with_faint_ink) work.with_faint_ink = bits_by_edges(work.page, kWeakestEdge);
+    work.page = bits_for_reading(work.page);
+    return {true, "gradient thresholds for the contrast of the ink"};
+}
+
+Outcome binarize(PageWork& work, const StepOptions& options) {
+    if (work.page.kind == PageKind::kBitonal) return {false, "bitonal already"};
+    if (work.given.threshold) return threshold_by(work, *work.given.threshold, " (as recorded)");
+    switch (options.binarization) {
+        case Binarization::kFixed:
+            return threshold_by(work, options.threshold, " (as given)");
+        case Binarization::kGradient:
+            if (options.for_reading) return binarize_for_reading(work, options.lines.wanted());
+            work.page = gradient_bits(work.page);
+            return {true, "gradient thresholds"};
+        case Binarization::kOtsu:
+            break;
     }
     Page bits;
-    if (options.binarization == Binarization::kGradient && options.for_reading) {
-        if (options.lines.wanted()) {
-            record.with_faint_ink = std::make_shared<const Page>(bits_by_edges(page, kWeakestEdge));
-        }
-        page = bits_for_reading(page);
-        return {true, "gradient thresholds for the contrast of the ink"};
-    }
-    if (options.binarization == Binarization::kGradient) {
-        page = gradient_bits(page);
-        return {true, "gradient thresholds"};
-    }
-    record.threshold = binarize_by_otsu(page, bits);
-    page = std::move(bits);
-    return {true, "threshold " + std::to_string(*record.threshold) + " (Otsu's method)"};
+    work.threshold = binarize_by_otsu(work.page, bits);
+    work.page = std::move(bits);
+    return {true, "threshold " + std::to_string(*work.threshold) + " (Otsu's method)"};
 }
 
 }  // namespace
@@ -163,10 +160,9 @@ Page bits_for_reading(const Page& grey) {
     return bits_by_edges(grey, kStrongestEdge);
 }
 
-Step binarize_step(const Options& options) {
-    return {"binarize", [options](Page& page, const PageFindings& findings, PageRecord& record) {
-                return binarize(page, options, findings, record);
-            }};
+Step binarize_step(const StepOptions& options) {
+    return {"binarize", Effect::kChangesTone,
+            [options](PageWork& work) { return binarize(work, options); }};
 }
 
 }  // namespace tool

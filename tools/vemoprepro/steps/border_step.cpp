@@ -7,13 +7,15 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "reading/reading_grey.h"
-#include "steps/grey_page.h"
 #include "steps/ink_removal.h"
-#include "steps/steps.h"
+#include "steps/number_text.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -28,30 +30,30 @@ constexpr BorderGreys kBorder = {110, 190, 32};
 constexpr BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
 
-// Ends inclusive.
-struct Rectangle {
-    int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
-
-    std::string text() const {
-        return "content " + std::to_string(x1 - x0 + 1) + " x " + std::to_string(y1 - y0 + 1) +
-               " pixels at " + std::to_string(x0) + ", " + std::to_string(y0);
-    }
-};
-
-void record_content(PageRecord& record, const Rectangle& content) {
-    record.content =
-        Box{content.x0, content.y0, content.x1 - content.x0 + 1, content.y1 - content.y0 + 1};
+std::string text_of(const Box& content) {
+    return "content " + std::to_string(content.width) + " x " + std::to_string(content.height) +
+           " pixels at " + std::to_string(content.x) + ", " + std::to_string(content.y);
 }
 
-Rectangle paint_border_white(Page& page, const BorderGreys& border) {
-    Rectangle content;
+// Ends inclusive.
+Box box_between(int x0, int x1, int y0, int y1) {
+    return {x0, y0, x1 - x0 + 1, y1 - y0 + 1};
+}
+
+Box paint_border_white(Page& page, const BorderGreys& border) {
     const bool grey = page.kind == PageKind::kGrey;
+    int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
     if (cropimg(page.bytes.get(), grey ? PREPRO_CROP_GREY : PREPRO_CROP_RGB, page.height,
                 page.width, static_cast<int>(page.stride()), border.dark, border.light, border.step,
-                &content.x0, &content.x1, &content.y0, &content.y1) != 0) {
+                &x0, &x1, &y0, &y1) != 0) {
         throw std::bad_alloc();
     }
-    return content;
+    return box_between(x0, x1, y0, y1);
+}
+
+// The library's answer when it takes all of the page for border.
+bool nothing_left(const Box& content) {
+    return content.width <= 2 && content.height <= 2;
 }
 
 void repaint_white_as_paper(Page& page) {
@@ -86,96 +88,94 @@ double dark_lost(const Page& before, const Page& after) {
     return dark > 0 ? static_cast<double>(lost) / static_cast<double>(dark) : 0;
 }
 
-Outcome crop_greys(Page& page, bool force, PageRecord& record) {
-    Page cropped = copy_of(page);
-    const Rectangle content = paint_border_white(cropped, kBorder);
-    if (content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1) {
-        return {false, "all of the page would be border"};
-    }
-    const double lost = dark_lost(page, cropped);
+Outcome crop_greys(PageWork& work, bool force) {
+    Page cropped = copy_of(work.page);
+    const Box content = paint_border_white(cropped, kBorder);
+    if (nothing_left(content)) return {false, "all of the page would be border"};
+    const double lost = dark_lost(work.page, cropped);
     if (!force && lost > kMostInk) {
         return {false,
                 "would take " + percent(lost) + " of the ink inside the page (--force does it)",
                 lost};
     }
     repaint_white_as_paper(cropped);
-    page = std::move(cropped);
-    record_content(record, content);
-    return {true, content.text(), lost};
+    work.page = std::move(cropped);
+    work.content = content;
+    return {true, text_of(content), lost};
 }
 
 // Whether no more than the frame of 8 pixels, which is always painted, was taken for border.
-bool only_frame(const Page& page, const Rectangle& content) {
+bool only_frame(const Page& page, const Box& content) {
     constexpr int kFrame = 9;
-    return content.x0 < kFrame && content.y0 < kFrame &&
-           content.x1 >= page.width - 1 - 2 * kFrame && content.y1 >= page.height - 1 - 2 * kFrame;
+    return content.x < kFrame && content.y < kFrame &&
+           content.x + content.width >= page.width - 2 * kFrame &&
+           content.y + content.height >= page.height - 2 * kFrame;
 }
 
 // For reading no print may go with the border, whatever share of the ink it is.
-Outcome crop_around_print(Page& page, PageRecord& record) {
+Outcome crop_around_print(PageWork& work) {
     for (const BorderGreys& border : {kBorder, kDeepBorder}) {
-        Page cropped = copy_of(page);
-        const Rectangle content = paint_border_white(cropped, border);
-        const bool nothing_left = content.x1 - content.x0 <= 1 && content.y1 - content.y0 <= 1;
-        if (only_frame(page, content)) return {false, "no border"};
-        if (nothing_left || print_was_painted(page, cropped)) continue;
+        Page cropped = copy_of(work.page);
+        const Box content = paint_border_white(cropped, border);
+        if (only_frame(work.page, content)) return {false, "no border"};
+        if (nothing_left(content) || print_was_painted(work.page, cropped)) continue;
         repaint_white_as_paper(cropped);
-        page = std::move(cropped);
-        record_content(record, content);
-        return {true, content.text()};
+        work.page = std::move(cropped);
+        work.content = content;
+        return {true, text_of(content)};
     }
     return {false, "print lies in the dark at the edges"};
 }
 
-// The box of the ink; false without ink.
-bool box_of_ink(const Page& page, Rectangle& box) {
-    box = {page.width, -1, page.height, -1};
+// None without ink.
+std::optional<Box> box_of_ink(const Page& page) {
+    int x0 = page.width, x1 = -1, y0 = page.height, y1 = -1;
     for (int y = 0; y < page.height; ++y) {
         const unsigned char* row = page.row(y);
         for (int i = 0; i < static_cast<int>(page.stride()); ++i) {
             if (row[i] == 0) continue;
-            const auto first = static_cast<int>(std::countl_zero(row[i]));
-            const auto last = 7 - static_cast<int>(std::countr_zero(row[i]));
-            box.x0 = std::min(box.x0, i * 8 + first);
-            box.x1 = std::max(box.x1, i * 8 + last);
-            box.y0 = std::min(box.y0, y);
-            box.y1 = y;
+            x0 = std::min(x0, i * 8 + std::countl_zero(row[i]));
+            x1 = std::max(x1, i * 8 + 7 - std::countr_zero(row[i]));
+            y0 = std::min(y0, y);
+            y1 = y;
         }
     }
-    return box.y1 >= 0;
+    if (y1 < 0) return std::nullopt;
+    return box_between(x0, x1, y0, y1);
 }
 
-Outcome crop_bits(Page& page, bool force, PageRecord& record) {
-    Outcome outcome = remove_ink(page, force, inner_part(page), "border", [](Page& changed) {
+Outcome crop_bits(PageWork& work, bool force) {
+    const auto crop = [](Page& changed) {
         const Page source = copy_of(changed);
         if (cropbmp(0, source.bytes.get(), source.height, source.width,
                     static_cast<int>(source.stride()), changed.bytes.get()) != 0) {
             throw std::bad_alloc();
         }
-    });
-    Rectangle content;
+    };
+    Outcome outcome = remove_ink(work.page, force, inner_part(work.page), "border", crop);
     if (!outcome.done) return outcome;
-    if (!box_of_ink(page, content)) return {true, "no ink left inside the border"};
-    record_content(record, content);
-    outcome.why = content.text();
+    const std::optional<Box> content = box_of_ink(work.page);
+    if (!content) return {true, "no ink left inside the border"};
+    work.content = content;
+    outcome.why = text_of(*content);
     return outcome;
 }
 
 }  // namespace
 
-Step border_step(const Options& options, bool to_grey) {
+Step border_step(const StepOptions& options) {
     const bool wanted = options.crop_border;
     const bool force = options.force;
     const bool reading = options.for_reading;
-    return {"crop", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
+    return {"crop", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+                const Page& page = work.page;
                 if (!wanted) return {false, kSwitchedOff};
                 if (page.width < kShortestSide || page.height < kShortestSide) {
                     return {false, "smaller than 24 pixels a side"};
                 }
-                if (page.kind == PageKind::kBitonal) return crop_bits(page, force, record);
-                if (to_grey && page.kind == PageKind::kColour) page = grey_of(page);
-                if (reading && page.kind == PageKind::kGrey) return crop_around_print(page, record);
-                return crop_greys(page, force, record);
+                if (page.kind == PageKind::kBitonal) return crop_bits(work, force);
+                if (reading) return crop_around_print(work);
+                return crop_greys(work, force);
             }};
 }
 

@@ -9,8 +9,9 @@
 #include "reading/reading_grey.h"
 #include "reading/resample.h"
 #include "steps/ink_removal.h"
+#include "steps/number_text.h"
 #include "steps/skew_measure.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -20,11 +21,11 @@ constexpr int kAgreement = 3;
 
 // The whole page, which measures most exactly, unless its inner part clearly says something else:
 // then a border or a streak has been measured, and not the text.
-MeasuredSkew measure(const Page& page) {
-    const MeasuredSkew whole = measure_skew(page, whole_window(page));
+MeasuredSkew measure(const Page& page, bool with_fan) {
+    MeasuredSkew whole = measure_skew(page, whole_window(page), with_fan);
     const std::optional<SkewWindow> inner = inner_window(page);
     if (!inner) return whole;
-    const MeasuredSkew within = measure_skew(page, *inner);
+    MeasuredSkew within = measure_skew(page, *inner, with_fan);
     const bool agree = std::abs(within.skew.numerator - whole.skew.numerator) <= kAgreement;
     return within.clear() && !(whole.clear() && agree) ? within : whole;
 }
@@ -54,12 +55,6 @@ void straighten(Page& page, Skew skew, Page straight) {
     page = std::move(straight);
 }
 
-std::string with_digits(const char* format, double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
     if (skew.numerator == 0) return {false, "already straight" + source};
     Page straight = straight_frame(page, skew);
@@ -70,34 +65,36 @@ Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
     return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
 }
 
-Outcome measure_and_straighten(Page& page, PageRecord& record) {
+Outcome measure_and_straighten(PageWork& work) {
+    const Page& page = work.page;
     if (page.height < kShortestSkewSide || page.width < kShortestSkewSide) {
         return {false, "smaller than 32 pixels a side"};
     }
-    const MeasuredSkew measured =
-        page.kind == PageKind::kGrey ? measure(bits_for_reading(page)) : measure(page);
-    record.skew = measured.skew;
-    record.confidence = measured.confidence;
+    MeasuredSkew measured = page.kind == PageKind::kGrey
+                                ? measure(bits_for_reading(page), work.wants_fan)
+                                : measure(page, work.wants_fan);
+    work.skew = measured.skew;
+    work.confidence = measured.confidence;
     if (std::isnan(measured.confidence)) return {false, "no ink on the page"};
+    work.fan = std::move(measured.fan);
     const std::string confidence = with_digits(" (confidence %.2f)", measured.confidence);
     if (!measured.clear()) return {false, "no clear skew" + confidence};
-    return straighten_by(page, measured.skew, confidence);
+    return straighten_by(work.page, measured.skew, confidence);
 }
 
 }  // namespace
 
-Step deskew_step(const Options& options) {
+Step deskew_step(const StepOptions& options) {
     const bool wanted = options.straighten;
     const bool greys = options.for_reading;
     const std::optional<Skew> given = options.skew;
-    return {"deskew",
-            [wanted, greys, given](Page& page, const PageFindings& findings,
-                                   PageRecord& record) -> Outcome {
-                if (!wanted) return {false, "switched off"};
-                if (!greys) require_bitonal(page, "deskew");
-                if (!given && !findings.skew) return measure_and_straighten(page, record);
-                record.skew = given ? *given : *findings.skew;
-                return straighten_by(page, *record.skew, given ? " (as given)" : " (as recorded)");
+    return {"deskew", Effect::kTurnsPage, [=](PageWork& work) -> Outcome {
+                if (!wanted) return {false, kSwitchedOff};
+                if (!greys) require_bitonal(work.page, "deskew");
+                if (!given && !work.given.skew) return measure_and_straighten(work);
+                work.skew = given ? given : work.given.skew;
+                return straighten_by(work.page, *work.skew,
+                                     given ? " (as given)" : " (as recorded)");
             }};
 }
 

@@ -1,9 +1,13 @@
 // Specks, and everything that is not text.
 #include <vemoprepro/cleaning.h>
 
+#include <algorithm>
+#include <new>
+#include <string>
+
 #include "page/paper_scale.h"
 #include "steps/ink_removal.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -40,33 +44,33 @@ Usual usual_specks(const Page& page, bool reading, bool specked) {
 
 }  // namespace
 
-Step despeckle_step(const Options& options) {
+Step despeckle_step(const StepOptions& options) {
     const DespeckleOptions wanted = options.despeckle;
     const bool reading = options.for_reading;
     const bool force = options.force;
-    return {"despeckle", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
-                if (!wanted.wanted) return {false, "switched off"};
-                require_bitonal(page, "despeckle");
-                const Usual usual = usual_specks(page, reading, record.specked);
+    return {"despeckle", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+                if (!wanted.wanted) return {false, kSwitchedOff};
+                require_bitonal(work.page, "despeckle");
+                const Usual usual = usual_specks(work.page, reading, work.heavily_specked);
                 const int area = wanted.max_area.value_or(usual.area);
                 const int near = wanted.keep_near.value_or(usual.keep_near);
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
-                return remove_ink(page, force, whole(page), what,
+                return remove_ink(work.page, force, whole(work.page), what,
                                   [=](Page& changed) { remove_specks(changed, area, near); });
             }};
 }
 
-Step textmask_step(const Options& options) {
+Step textmask_step(const StepOptions& options) {
     const TextOptions wanted = options.text;
-    return {"textmask", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
-                require_bitonal(page, "textmask");
-                const int height =
-                    std::min(32767, wanted.max_height.value_or(scaled_length(page, kTallestText)));
+    return {"textmask", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+                require_bitonal(work.page, "textmask");
+                const int height = std::min(
+                    32767, wanted.max_height.value_or(scaled_length(work.page, kTallestText)));
                 const std::string what =
                     "all but text of up to " + std::to_string(height) + " pixels height";
-                return remove_ink(page, true, whole(page), what, [=](Page& changed) {
+                return remove_ink(work.page, true, whole(work.page), what, [=](Page& changed) {
                     if (pre_tva(changed.bytes.get(), changed.height, changed.width,
                                 static_cast<int>(changed.stride()), static_cast<short>(height),
                                 static_cast<short>(wanted.min_density)) != 0) {

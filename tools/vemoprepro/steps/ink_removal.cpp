@@ -1,4 +1,5 @@
 #include "steps/ink_removal.h"
+#include "steps/number_text.h"
 
 #include <bit>
 #include <cstdint>
@@ -53,12 +54,6 @@ void require_bitonal(const Page& page, const char* step) {
         throw PageError(std::string(step) + " takes bitonal pages, this one is " +
                         name_of(page.kind) + " (clean binarizes first)");
     }
-}
-
-std::string percent(double share) {
-    char text[32];
-    std::snprintf(text, sizeof text, share < 0.0995 ? "%.1f %%" : "%.0f %%", 100 * share);
-    return text;
 }
 
 Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,

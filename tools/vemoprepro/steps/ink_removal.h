@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "steps/steps.h"
+#include "steps/page_work.h"
 
 namespace tool {
 
@@ -31,8 +31,5 @@ void require_bitonal(const Page& page, const char* step);
 // it fails.
 Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
                    const std::function<void(Page&)>& change);
-
-// "0.3 %"
-std::string percent(double share);
 
 }  // namespace tool

@@ -1,13 +1,16 @@
 // Ruled lines: taking them off a page, or keeping nothing else.
 #include <vemoprepro/cleaning.h>
 
+#include <new>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "page/paper_scale.h"
 #include "reading/faint_rules.h"
 #include "reading/rules.h"
 #include "steps/ink_removal.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -50,23 +53,25 @@ std::string directions(const LineOptions& wanted) {
 
 }  // namespace
 
-Step unline_step(const Options& options) {
+Step unline_step(const StepOptions& options) {
     const LineOptions wanted = options.lines;
     const bool force = options.force;
-    return {"unline", [=](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
-                if (!wanted.wanted()) return {false, "switched off"};
-                require_bitonal(page, "unline");
-                return remove_ink(page, force, whole(page), directions(wanted), [&](Page& changed) {
-                    const auto faint = std::move(record.with_faint_ink);
-                    if (faint) remove_stubs(changed, *faint, wanted);
-                    remove_lines(changed, wanted);
-                });
+    return {"unline", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+                if (!wanted.wanted()) return {false, kSwitchedOff};
+                require_bitonal(work.page, "unline");
+                return remove_ink(
+                    work.page, force, whole(work.page), directions(wanted), [&](Page& changed) {
+                        const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
+                        if (faint) remove_stubs(changed, *faint, wanted);
+                        remove_lines(changed, wanted);
+                    });
             }};
 }
 
-Step underlines_step(const Options& options) {
+Step underlines_step(const StepOptions& options) {
     const LineOptions wanted = options.lines;
-    return {"underlines", [=](Page& page, const PageFindings&, PageRecord&) -> Outcome {
+    return {"underlines", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+                const Page& page = work.page;
                 require_bitonal(page, "underlines");
                 Page lines = copy_of(page);
                 const int stride = static_cast<int>(page.stride());
@@ -78,7 +83,7 @@ Step underlines_step(const Options& options) {
                                       scaled_length(page, kStep), page.bytes.get(),
                                       lines.bytes.get(), page.height, stride, 0, page.width);
                 if (covered < 0) throw std::bad_alloc();
-                page = std::move(lines);
+                work.page = std::move(lines);
                 return {true, "lines over " + std::to_string(covered) +
                                   (wanted.vertical ? " rows" : " columns")};
             }};

@@ -1,9 +1,9 @@
 // Grey pages made ready for --for ocr.
 #include "reading/reading_grey.h"
 #include "reading/resample.h"
-#include "steps/grey_page.h"
 #include "steps/ink_removal.h"
-#include "steps/steps.h"
+#include "steps/number_text.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -20,13 +20,13 @@ bool is_coarse(const Page& page) {
            page.height <= kLongestSideToDouble;
 }
 
-Outcome prepare(Page& page, PageRecord& record) {
+Outcome prepare(PageWork& work) {
+    Page& page = work.page;
     if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
-    if (page.kind == PageKind::kColour) page = grey_of(page);
     std::string why = "light evened out";
     const double impulses = impulse_share(page);
-    record.specked = impulses > kHeavilySpecked && !is_coarse(page);
-    if (record.specked) {
+    work.heavily_specked = impulses > kHeavilySpecked && !is_coarse(page);
+    if (work.heavily_specked) {
         remove_impulses(page);
         remove_impulses(page);
         why += ", specks over " + percent(impulses) + " of the page removed";
@@ -42,11 +42,11 @@ Outcome prepare(Page& page, PageRecord& record) {
 
 }  // namespace
 
-Step prepare_step(const Options& options) {
+Step prepare_step(const StepOptions& options) {
     const bool wanted = options.prepare;
-    return {"prepare", [wanted](Page& page, const PageFindings&, PageRecord& record) -> Outcome {
-                if (!wanted) return {false, "switched off"};
-                return prepare(page, record);
+    return {"prepare", Effect::kChangesTone, [wanted](PageWork& work) -> Outcome {
+                if (!wanted) return {false, kSwitchedOff};
+                return prepare(work);
             }};
 }
 

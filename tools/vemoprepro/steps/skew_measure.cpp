@@ -3,7 +3,11 @@
 
 #include <vemoprepro/deskew.h>
 
+#include <fstream>
 #include <new>
+#include <utility>
+
+#include "files/output_file.h"
 
 namespace tool {
 namespace {
@@ -25,16 +29,24 @@ std::optional<SkewWindow> inner_window(const Page& page) {
     return inner;
 }
 
-MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, const char* trace_folder) {
+MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_fan) {
+    std::optional<TemporaryFolder> folder;
+    if (with_fan) folder.emplace();
+    const bool traced = folder && !folder->path().empty();
     MeasuredSkew measured;
     int height = 0, width = 0;
     const unsigned char* corner =
         page.bytes.get() + static_cast<std::size_t>(window.y0) * page.stride() + window.x0 / 8;
-    if (estimate_skew_of_binary_image(trace_folder != nullptr ? 1 : 0, trace_folder, corner,
-                                      window.height, window.width, static_cast<int>(page.stride()),
-                                      &measured.skew.numerator, &measured.skew.denominator,
-                                      &measured.confidence, &height, &width) != 0) {
+    if (estimate_skew_of_binary_image(
+            traced ? 1 : 0, traced ? folder->path().c_str() : nullptr, corner, window.height,
+            window.width, static_cast<int>(page.stride()), &measured.skew.numerator,
+            &measured.skew.denominator, &measured.confidence, &height, &width) != 0) {
         throw std::bad_alloc();
+    }
+    if (traced) {
+        std::ifstream trace(folder->path() + "/" + kSkewTraceName);
+        SkewFan fan = read_fan(trace);
+        if (!fan.empty()) measured.fan = std::move(fan);
     }
     return measured;
 }

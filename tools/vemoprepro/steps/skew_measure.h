@@ -1,7 +1,6 @@
 // The skew of a window of a bitonal page.
 //
-// Use: measure_skew(page, whole_window(page)). A trace of the search goes into `trace_folder` when
-// that is given.
+// Use: measure_skew(page, whole_window(page), false).
 //
 // Keep true: a window has at least kShortestSkewSide pixels a side and starts at a whole byte.
 #pragma once
@@ -9,7 +8,8 @@
 #include <optional>
 
 #include "page/page.h"
-#include "report/page_record.h"
+#include "steps/skew.h"
+#include "steps/skew_fan.h"
 
 namespace tool {
 
@@ -18,7 +18,8 @@ constexpr int kShortestSkewSide = 32;
 
 struct MeasuredSkew {
     Skew skew;
-    double confidence = 0;
+    double confidence = 0;  // not a number without ink
+    std::optional<SkewFan> fan;
 
     // Below this confidence the estimator finds no direction that stands out.
     static constexpr double kClearConfidence = 1.5;
@@ -35,7 +36,7 @@ SkewWindow whole_window(const Page& page);
 // none when too little is left.
 std::optional<SkewWindow> inner_window(const Page& page);
 
-MeasuredSkew measure_skew(const Page& page, const SkewWindow& window,
-                          const char* trace_folder = nullptr);
+// with_fan: the fan of the search is kept as well, unless there is no place to write its trace to.
+MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_fan);
 
 }  // namespace tool

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "page/turn.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -16,17 +16,16 @@ Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
 }  // namespace
 
 Step orientation_step() {
-    return {"orientation", [](Page& page, const PageFindings&, PageRecord&) -> Outcome {
-                const int turns = std::exchange(page.quarter_turns, 0);
+    return {"orientation", Effect::kBringsUpright, [](PageWork& work) -> Outcome {
+                const int turns = std::exchange(work.page.quarter_turns, 0);
                 if (turns == 0) return {false, "already upright"};
-                return turn_by(page, turns, ", as the file asks for");
+                return turn_by(work.page, turns, ", as the file asks for");
             }};
 }
 
 Step rotate_step(int quarter_turns) {
-    return {"rotate", [quarter_turns](Page& page, const PageFindings&, PageRecord&) {
-                return turn_by(page, quarter_turns, "");
-            }};
+    return {"rotate", Effect::kTurnsPage,
+            [quarter_turns](PageWork& work) { return turn_by(work.page, quarter_turns, ""); }};
 }
 
 }  // namespace tool

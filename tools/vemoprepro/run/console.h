@@ -6,19 +6,18 @@
 #pragma once
 
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "files/file_error.h"
-#include "report/page_record.h"
 #include "run/options.h"
+#include "run/record_json.h"
 
 namespace tool {
 
-class Report {
+class Console {
   public:
-    explicit Report(const Options& options);
+    explicit Console(const Options& options);
 
     void start(const std::string& input, const std::string& format, std::size_t page_count);
     void page(PageRecord record, const std::string& output);
@@ -41,14 +40,8 @@ class Report {
     std::string progress_;  // the line that stands there, whole; empty: none
     std::string input_;
     std::size_t page_count_ = 0;
-    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
+    Json files_ = Json::array();
     int status_ = kExitDone;
 };
-
-// Prints the JSON document with these files; false when the stream cannot be written.
-bool print_json(std::FILE* stream, const nlohmann::ordered_json& files);
-
-// A file's entry before anything is known of it.
-nlohmann::ordered_json file_json(const std::string& input, const std::string& format);
 
 }  // namespace tool

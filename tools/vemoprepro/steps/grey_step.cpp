@@ -1,13 +1,14 @@
-#include "steps/grey_page.h"
-
+// The library binarizes a colour page from its luminance; this is that page.
 #include <vemoprepro/binarization.h>
 
 #include <algorithm>
 #include <new>
 
 #include "page/row_reader.h"
+#include "steps/step.h"
 
 namespace tool {
+namespace {
 
 Page grey_of(const Page& page) {
     Page grey = make_page_like(page, PageKind::kGrey);
@@ -18,6 +19,16 @@ Page grey_of(const Page& page) {
         throw std::bad_alloc();
     }
     return grey;
+}
+
+}  // namespace
+
+Step grey_step() {
+    return {nullptr, Effect::kChangesTone, [](PageWork& work) -> Outcome {
+                if (work.page.kind != PageKind::kColour) return {false, "no colours"};
+                work.page = grey_of(work.page);
+                return {true, "made grey"};
+            }};
 }
 
 }  // namespace tool

@@ -1,5 +1,5 @@
 // Standard output belongs to the page with -o -, else to the record with --json, else to the words.
-#include "run/report.h"
+#include "run/console.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "run/messages.h"
-#include "steps/steps.h"
+#include "steps/step.h"
 
 namespace tool {
 namespace {
@@ -22,18 +22,19 @@ std::string page_label(const std::string& input, const PageRecord& record, std::
 }
 
 // Why a step that was asked for was not done, when that is worth a word on the page's line.
-std::string why_not(const StepRecord& step) {
-    if (step.name == "deskew") return "; not straightened: " + step.why;
-    if (step.ink_removed) return "; " + step.name + " skipped: it " + step.why;
-    if (step.name == "crop" && step.why != kSwitchedOff) return "; crop skipped: " + step.why;
+std::string why_not(const StepNote& step) {
+    const Outcome& outcome = step.outcome;
+    if (step.name == "deskew") return "; not straightened: " + outcome.why;
+    if (outcome.ink_removed) return "; " + step.name + " skipped: it " + outcome.why;
+    if (step.name == "crop" && outcome.why != kSwitchedOff) return "; crop skipped: " + outcome.why;
     return "";
 }
 
 // "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)"
 std::string summary(const PageRecord& record) {
-    std::string text = describe(record);
-    for (const StepRecord& step : record.steps) {
-        text += step.done ? "; " + step.why : why_not(step);
+    std::string text = describe(record.source);
+    for (const StepNote& step : record.steps) {
+        text += step.outcome.done ? "; " + step.outcome.why : why_not(step);
     }
     return text;
 }
@@ -42,9 +43,14 @@ std::string summary(const PageRecord& record) {
 // rectangle that was asked for.
 bool must_stay(const PageRecord& record) {
     return record.content ||
-           std::any_of(record.steps.begin(), record.steps.end(), [](const StepRecord& step) {
-               return !step.done && step.ink_removed.has_value();
+           std::any_of(record.steps.begin(), record.steps.end(), [](const StepNote& step) {
+               return !step.outcome.done && step.outcome.ink_removed.has_value();
            });
+}
+
+// "deskew: skipped: no clear skew (confidence 1.23)"
+std::string line_of(const StepNote& step) {
+    return step.name + ": " + (step.outcome.done ? "done: " : "skipped: ") + step.outcome.why;
 }
 
 // As much of a line of UTF-8 as fits beside the terminal's edge; a longer one would wrap, and the
@@ -59,34 +65,21 @@ std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
     return line;
 }
 
-std::string resolution_source(const PageRecord& record) {
-    if (record.dpi_source == "default") return " (the file has none)";
-    return record.dpi_source == "option" ? " (as given)" : "";
-}
-
-// JSON is UTF-8; file names need not be.
-std::string json_text(const nlohmann::ordered_json& json) {
-    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+const char* resolution_words(ResolutionSource source) {
+    switch (source) {
+        case ResolutionSource::kDefault:
+            return " (the file has none)";
+        case ResolutionSource::kOption:
+            return " (as given)";
+        case ResolutionSource::kFile:
+            break;
+    }
+    return "";
 }
 
 }  // namespace
 
-bool print_json(std::FILE* stream, const nlohmann::ordered_json& files) {
-    const nlohmann::ordered_json document = {{"program", "vemoprepro " VEMOPREPRO_VERSION},
-                                             {"files", files}};
-    return std::fprintf(stream, "%s\n", json_text(document).c_str()) > 0 &&
-           std::fflush(stream) == 0;
-}
-
-nlohmann::ordered_json file_json(const std::string& input, const std::string& format) {
-    nlohmann::ordered_json json = {{"input", input}, {"format", nullptr}};
-    if (!format.empty()) json["format"] = format;
-    json["error"] = nullptr;
-    json["pages"] = nlohmann::ordered_json::array();
-    return json;
-}
-
-Report::Report(const Options& options)
+Console::Console(const Options& options)
     : quiet_(options.quiet || (options.json && !options.verbose)),
       verbose_(options.verbose),
       json_(options.json),
@@ -94,21 +87,21 @@ Report::Report(const Options& options)
       record_(options.output_is_stdout() ? error_stream() : stdout),
       terminal_(!verbose_ && isatty(fileno(words_)) == 1) {}
 
-void Report::start(const std::string& input, const std::string& format, std::size_t page_count) {
+void Console::start(const std::string& input, const std::string& format, std::size_t page_count) {
     input_ = input;
     page_count_ = page_count;
     if (json_) {
         files_.push_back(file_json(input, format));
-        files_.back()["outputs"] = nlohmann::ordered_json::array();
+        files_.back()["outputs"] = Json::array();
     }
 }
 
-void Report::page(PageRecord record, const std::string& output) {
+void Console::page(PageRecord record, const std::string& output) {
     if (!quiet_) {
         const std::string label = page_label(input_, record, page_count_);
         if (verbose_) {
-            std::fprintf(words_, "%s%s%s\n", label.c_str(), describe(record).c_str(),
-                         resolution_source(record).c_str());
+            std::fprintf(words_, "%s%s%s\n", label.c_str(), describe(record.source).c_str(),
+                         resolution_words(record.resolution_source));
             print_steps(record, output);
         } else {
             print_line(label + summary(record), terminal_ && !must_stay(record));
@@ -118,25 +111,27 @@ void Report::page(PageRecord record, const std::string& output) {
     if (json_) files_.back()["pages"].push_back(to_json(record));
 }
 
-void Report::print_line(const std::string& line, bool as_progress) {
+void Console::print_line(const std::string& line, bool as_progress) {
     if (terminal_) std::fputs(kNewLineInPlace, words_);
     const std::string shown = as_progress ? cut_to_terminal(line, words_) : line + "\n";
     std::fputs(shown.c_str(), words_);
     progress_ = as_progress ? line : "";
 }
 
-void Report::print_steps(const PageRecord& record, const std::string& output) {
-    for (const StepRecord& step : record.steps) std::fprintf(words_, "  %s\n", step.line().c_str());
+void Console::print_steps(const PageRecord& record, const std::string& output) {
+    for (const StepNote& step : record.steps) {
+        std::fprintf(words_, "  %s\n", line_of(step).c_str());
+    }
     std::fprintf(words_, "  written: %s, %d x %d pixels, to %s (%.2f s)\n",
-                 name_of(record.output_kind), record.output_width, record.output_height,
+                 name_of(record.output.kind), record.output.width, record.output.height,
                  output.c_str(), record.seconds);
 }
 
-void Report::finish_input(const std::vector<std::string>& outputs) {
+void Console::finish_input(const std::vector<std::string>& outputs) {
     if (json_) files_.back()["outputs"] = outputs;
 }
 
-void Report::fail_input(const FileError& error) {
+void Console::fail_input(const FileError& error) {
     clear_progress();
     std::fflush(words_);
     complain(error.file(), error.what());
@@ -147,14 +142,15 @@ void Report::fail_input(const FileError& error) {
     status_ = kExitFailed;
 }
 
-void Report::clear_progress() {
+void Console::clear_progress() {
     if (!progress_.empty()) std::fprintf(words_, "%s%s\n", kNewLineInPlace, progress_.c_str());
     progress_.clear();
 }
 
-int Report::finish() {
+int Console::finish() {
     clear_progress();
-    bool good = !json_ || print_json(record_, files_);
+    bool good = !json_ || (std::fputs(document_text(files_).c_str(), record_) >= 0 &&
+                           std::fflush(record_) == 0);
     if (std::fflush(words_) != 0) good = false;
     if (good) return status_;
     complain("standard output", "cannot be written");

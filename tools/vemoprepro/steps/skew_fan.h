@@ -1,13 +1,11 @@
 // How well the ink lines up along each slope that a skew search tried.
 //
-// Use: trace_fans() searches the whole page and its inner part again, with a trace, and gives a fan
-// for each; the confidence tells which one of them a page was straightened by.
+// Use: read_fan() on the trace that the library's estimator writes. A trace without a search that
+// it knows gives empty curves.
 #pragma once
 
 #include <istream>
 #include <vector>
-
-#include "page/page.h"
 
 namespace tool {
 
@@ -26,11 +24,12 @@ struct FanCurves {
 struct SkewFan {
     FanCurves lines;  // slopes of text lines
     FanCurves stems;  // slopes of stems, against the vertical
-    double confidence = 0;
+
+    bool empty() const { return lines.coarse.empty() && stems.coarse.empty(); }
 };
 
-// Empty for a page that has no skew to look for, or when the trace cannot be written.
-std::vector<SkewFan> trace_fans(const Page& page);
+// The name of the trace in the folder that the estimator is given.
+constexpr const char* kSkewTraceName = "estimate_skew_of_binary_image.log";
 
 SkewFan read_fan(std::istream& trace);
 

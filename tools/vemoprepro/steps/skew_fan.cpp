@@ -1,21 +1,16 @@
 // Reads the estimator's trace. In each direction a coarse search over the page at half its size is
 // followed by a fine one around its best slope and one around its worst; the best of the former
 // over the worst of the latter is the confidence.
-#include "report/skew_fan.h"
+#include "steps/skew_fan.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
-#include "files/output_file.h"
-#include "steps/skew_measure.h"
+#include "steps/skew.h"
 
 namespace tool {
 namespace {
-
-constexpr const char* kTraceName = "estimate_skew_of_binary_image.log";
 
 struct Candidate {
     int slope;
@@ -94,26 +89,6 @@ SkewFan read_fan(std::istream& trace) {
     fan.lines = curves_of(searches.rows, 1);
     fan.stems = curves_of(searches.columns, -1);
     return fan;
-}
-
-std::vector<SkewFan> trace_fans(const Page& page) {
-    std::vector<SkewFan> fans;
-    if (page.kind != PageKind::kBitonal || page.width < kShortestSkewSide ||
-        page.height < kShortestSkewSide) {
-        return fans;
-    }
-    const TemporaryFolder folder;
-    if (folder.path().empty()) return fans;
-    const auto add = [&](const SkewWindow& window) {
-        const MeasuredSkew measured = measure_skew(page, window, folder.path().c_str());
-        std::ifstream trace(folder.path() + "/" + kTraceName);
-        SkewFan fan = read_fan(trace);
-        fan.confidence = measured.confidence;
-        if (!fan.lines.coarse.empty() || !fan.stems.coarse.empty()) fans.push_back(std::move(fan));
-    };
-    add(whole_window(page));
-    if (const auto inner = inner_window(page)) add(*inner);
-    return fans;
 }
 
 }  // namespace tool

@@ -1,0 +1,139 @@
+#include "run/record_json.h"
+
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+#include "files/file_error.h"
+
+namespace tool {
+namespace {
+
+Json size_json(const PageShape& shape) {
+    return {{"kind", name_of(shape.kind)}, {"width", shape.width}, {"height", shape.height}};
+}
+
+const char* source_json(ResolutionSource source) {
+    switch (source) {
+        case ResolutionSource::kFile:
+            return "file";
+        case ResolutionSource::kOption:
+            return "option";
+        case ResolutionSource::kDefault:
+            break;
+    }
+    return "default";
+}
+
+Json skew_json(const PageRecord& record) {
+    if (!record.skew) return nullptr;
+    Json json = {{"degrees", record.skew->degrees()},
+                 {"numerator", record.skew->numerator},
+                 {"denominator", record.skew->denominator},
+                 {"confidence", nullptr}};
+    if (record.confidence && std::isfinite(*record.confidence)) {
+        json["confidence"] = *record.confidence;
+    }
+    return json;
+}
+
+Json box_json(const std::optional<Box>& box) {
+    if (!box) return nullptr;
+    return {{"x", box->x}, {"y", box->y}, {"width", box->width}, {"height", box->height}};
+}
+
+Json share_json(const std::optional<double>& share) {
+    if (!share) return nullptr;
+    return std::round(*share * 1e5) / 1e5;
+}
+
+// Milliseconds are as fine as a time is worth reading.
+double rounded(double seconds) {
+    return std::round(seconds * 1e4) / 1e4;
+}
+
+// A whole number that an int holds; Json converts everything else without a word.
+int whole_number(const Json& json) {
+    const bool fits = json.is_number_unsigned()
+                          ? json.get<std::uint64_t>() <= INT32_MAX
+                          : json.is_number_integer() && json.get<std::int64_t>() >= INT32_MIN;
+    if (!fits) throw std::out_of_range(json.dump() + " is no whole number of 32 bits");
+    return json.get<int>();
+}
+
+Findings findings_of(const Json& page) {
+    Findings findings;
+    const Json& skew = page.at("skew");
+    if (!skew.is_null()) {
+        findings.skew =
+            Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
+        if (!findings.skew->in_range()) throw std::out_of_range("a skew beyond 10.6 degrees");
+    }
+    const Json& threshold = page.at("threshold");
+    if (!threshold.is_null()) {
+        findings.threshold = whole_number(threshold);
+        if (*findings.threshold < 1 || *findings.threshold > 255) {
+            throw std::out_of_range("a threshold beyond 1 .. 255");
+        }
+    }
+    return findings;
+}
+
+Json step_json(const StepNote& step) {
+    const Outcome& outcome = step.outcome;
+    return {{"name", step.name},
+            {"status", outcome.done ? "done" : "skipped"},
+            {"why", outcome.why},
+            {"ink_removed", share_json(outcome.ink_removed)},
+            {"seconds", rounded(step.seconds)}};
+}
+
+}  // namespace
+
+Json to_json(const PageRecord& record) {
+    Json json = {{"page", record.number}};
+    json.update(size_json(record.source));
+    json["dpi"] = {record.source.dpi.x, record.source.dpi.y};
+    json["dpi_source"] = source_json(record.resolution_source);
+    json["skew"] = skew_json(record);
+    json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
+    json["content"] = box_json(record.content);
+    json["steps"] = Json::array();
+    for (const StepNote& step : record.steps) json["steps"].push_back(step_json(step));
+    json["output"] = size_json(record.output);
+    json["seconds"] = rounded(record.seconds);
+    return json;
+}
+
+Json file_json(const std::string& input, const std::string& format) {
+    return {{"input", input},
+            {"format", format.empty() ? Json(nullptr) : Json(format)},
+            {"error", nullptr},
+            {"pages", Json::array()}};
+}
+
+std::string document_text(const Json& files) {
+    const Json document = {{"program", "vemoprepro " VEMOPREPRO_VERSION}, {"files", files}};
+    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::vector<std::vector<Findings>> read_findings(const std::string& path) {
+    std::ifstream stream(path);
+    if (!stream) throw system_error_of(path);
+    try {
+        std::vector<std::vector<Findings>> files;
+        const Json document = Json::parse(stream);
+        for (const Json& file : document.at("files")) {
+            std::vector<Findings> pages;
+            for (const Json& page : file.at("pages")) pages.push_back(findings_of(page));
+            files.push_back(std::move(pages));
+        }
+        return files;
+    } catch (const std::exception& error) {
+        throw FileError(path, std::string("not a record of --json: ") + error.what());
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+// A page on its way through the steps.
+//
+// What a step finds and a later one, or the record of the page, needs to know stands here. Use: put
+// the page in, settle its resolution (steps/resolution.h), process() it (steps/pipeline.h), make
+// the record from it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "page/page.h"
+#include "steps/skew.h"
+#include "steps/skew_fan.h"
+
+namespace tool {
+
+// A rectangle in pixels of the upright page.
+struct Box {
+    int x, y, width, height;
+};
+
+enum class ResolutionSource { kFile, kOption, kDefault };
+
+// What an earlier run found on a page, to be used instead of being measured.
+struct Findings {
+    std::optional<Skew> skew;
+    std::optional<int> threshold;
+};
+
+// What became of a step.
+struct Outcome {
+    bool done;
+    std::string why;                         // what was done, or why it was skipped
+    std::optional<double> ink_removed = {};  // share of the ink before the step
+};
+
+struct StepNote {
+    std::string name;
+    Outcome outcome;
+    double seconds = 0;
+};
+
+struct PageWork {
+    Page page;
+    ResolutionSource resolution_source = ResolutionSource::kFile;
+    Findings given;
+    bool wants_fan = false;  // the skew fan is to be kept
+
+    PageShape source;  // of the page before its first step
+
+    std::optional<Skew> skew;
+    std::optional<double> confidence;  // none when the skew was not measured
+    std::optional<SkewFan> fan;
+    std::optional<int> threshold;
+    std::optional<Box> content;   // inside the border that was taken off
+    bool heavily_specked = false;
+    // The page with ink that is faint beside the rest of it as well, from binarizing it for reading
+    // until its ruled lines are removed.
+    std::optional<Page> with_faint_ink;
+
+    std::vector<StepNote> notes;
+};
+
+}  // namespace tool

@@ -1,0 +1,70 @@
+// What the steps of a run are asked to do.
+#pragma once
+
+#include <optional>
+
+#include "steps/skew.h"
+
+namespace tool {
+
+// The commands that make pages from pages.
+enum class Command {
+    kClean,
+    kBinarize,
+    kDeskew,
+    kRotate,
+    kDespeckle,
+    kUnline,
+    kUnderlines,
+    kCrop,
+    kTextmask
+};
+
+// The results are of the pages' own kinds; else they are bitonal.
+constexpr bool keeps_kind(Command command) {
+    return command == Command::kRotate || command == Command::kCrop;
+}
+
+enum class Binarization { kGradient, kOtsu, kFixed };
+
+// What a step may measure in pixels: none stands for the default, scaled by the resolution.
+using Pixels = std::optional<int>;
+
+struct DespeckleOptions {
+    bool wanted = false;
+    Pixels max_area;
+    Pixels keep_near;  // 0: specks near ink go too, as they do by default but for reading
+};
+
+struct LineOptions {
+    bool horizontal = false;
+    bool vertical = false;
+    Pixels min_length;
+    Pixels max_thickness;
+
+    bool wanted() const { return horizontal || vertical; }
+};
+
+struct TextOptions {
+    Pixels max_height;
+    int min_density = 1;
+};
+
+struct StepOptions {
+    Command command = Command::kClean;
+    std::optional<int> dpi;  // none: the file's, or the default
+    bool straighten = true;
+    std::optional<Skew> skew;  // none: measured
+    Binarization binarization = Binarization::kGradient;
+    int threshold = 0;         // of fixed binarization
+    bool for_reading = false;  // --for ocr
+    bool prepare = false;      // for reading
+    bool crop_border = false;
+    DespeckleOptions despeckle;
+    LineOptions lines;
+    TextOptions text;       // of the textmask command
+    bool force = false;     // steps may take more than a tenth of the ink
+    int quarter_turns = 0;  // clockwise, of the rotate command
+};
+
+}  // namespace tool
