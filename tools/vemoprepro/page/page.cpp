@@ -17,12 +17,6 @@ const char* name_of(PageKind kind) {
     return "colour";
 }
 
-std::size_t stride_of(PageKind kind, int width) {
-    const auto pixels = static_cast<std::size_t>(width);
-    if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
-    return kind == PageKind::kGrey ? pixels : pixels * 3;
-}
-
 PixelBlock allocate_pixels(std::size_t size) {
     PixelBlock block(static_cast<unsigned char*>(std::malloc(size)));
     if (!block) throw std::bad_alloc();

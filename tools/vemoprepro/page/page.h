@@ -24,7 +24,11 @@ const char* name_of(PageKind kind);
 constexpr int kLongestSide = 32767;
 
 // Bytes from one row to the next.
-std::size_t stride_of(PageKind kind, int width);
+constexpr std::size_t stride_of(PageKind kind, int width) {
+    const auto pixels = static_cast<std::size_t>(width);
+    if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
+    return kind == PageKind::kGrey ? pixels : pixels * 3;
+}
 
 // Dots per inch; 0 when unknown.
 struct Resolution {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace tool {
+namespace tool::reading {
 namespace {
 
 constexpr int kPlaceBits = 8;
@@ -104,12 +104,59 @@ std::vector<int> doubled_line(const Page& grey, int y) {
     return line;
 }
 
+// Four rows of sums across, around a place between the second and the third.
+using Lines = std::array<std::vector<int>, 4>;
+
+unsigned char down(const Weights& w, const Lines& lines, std::size_t x) {
+    return to_grey(weighted(w, lines[0][x], lines[1][x], lines[2][x], lines[3][x]));
+}
+
+// Where the pixels of a level page lie on the page that it is made from, in 1/2^32 of a pixel,
+// which keeps the error over a whole row below a place of the weight table.
+class TurnedGrid {
+  public:
+    struct Point {
+        std::int64_t x, y;
+    };
+
+    TurnedGrid(const Page& grey, int rise, int run, int width, int height)
+        : centre_{std::int64_t{grey.width - 1} << 31, std::int64_t{grey.height - 1} << 31},
+          width_(width),
+          height_(height) {
+        constexpr double kPixel = 4294967296.0;
+        const double length = std::hypot(rise, run);
+        cosine_ = std::llround(run / length * kPixel);
+        sine_ = std::llround(rise / length * kPixel);
+    }
+
+    Point row_start(int y) const {
+        // From the centre, in half pixels.
+        const std::int64_t u = 1 - width_, v = 2 * std::int64_t{y} + 1 - height_;
+        return {centre_.x + (u * cosine_ + v * sine_) / 2,
+                centre_.y + (v * cosine_ - u * sine_) / 2};
+    }
+    void step_right(Point& point) const {
+        point.x += cosine_;
+        point.y -= sine_;
+    }
+
+    // As places of the weight table.
+    static int place(std::int64_t coordinate) {
+        return static_cast<int>(coordinate >> (32 - kPlaceBits));
+    }
+
+  private:
+    Point centre_;  // of the page
+    int width_, height_;
+    std::int64_t cosine_, sine_;
+};
+
 }  // namespace
 
 Page doubled(const Page& grey) {
     Page large = make_page(PageKind::kGrey, grey.width * 2, grey.height * 2,
                            {grey.dpi.x * 2, grey.dpi.y * 2});
-    std::array<std::vector<int>, 4> lines;
+    Lines lines;
     for (int y = 0; y < large.height; ++y) {
         const int place = y * (kPlaces / 2) - kPlaces / 4;
         const int top = (place >> kPlaceBits) - 1;
@@ -122,11 +169,9 @@ Page doubled(const Page& grey) {
             std::rotate(lines.begin(), lines.begin() + 1, lines.end());
             lines[3] = doubled_line(grey, top + 3);
         }
-        const Weights& down = at_place(weights(), place);
+        const Weights& weights_down = at_place(weights(), place);
         unsigned char* row = large.row(y);
-        for (std::size_t x = 0; x < lines[0].size(); ++x) {
-            row[x] = to_grey(weighted(down, lines[0][x], lines[1][x], lines[2][x], lines[3][x]));
-        }
+        for (std::size_t x = 0; x < lines[0].size(); ++x) row[x] = down(weights_down, lines, x);
     }
     return large;
 }
@@ -134,21 +179,14 @@ Page doubled(const Page& grey) {
 Page levelled(const Page& grey, int rise, int run, int width, int height) {
     Page level = make_page(PageKind::kGrey, width, height, grey.dpi);
     const WeightTable& table = weights();
-    // In 1/2^32 of a pixel, which keeps the error over a whole row below a place.
-    constexpr double kUnit = 4294967296.0;
-    constexpr int kShift = 32 - kPlaceBits;
-    const double length = std::hypot(rise, run);
-    const std::int64_t cosine = std::llround(run / length * kUnit);
-    const std::int64_t sine = std::llround(rise / length * kUnit);
+    const TurnedGrid grid(grey, rise, run, width, height);
     const int right = (grey.width - 1) * kPlaces;
     const int bottom = (grey.height - 1) * kPlaces;
     for (int y = 0; y < height; ++y) {
-        const std::int64_t u = 1 - width, v = 2 * std::int64_t{y} + 1 - height;  // doubled
-        std::int64_t fx = (std::int64_t{grey.width - 1} << 31) + (u * cosine + v * sine) / 2;
-        std::int64_t fy = (std::int64_t{grey.height - 1} << 31) + (v * cosine - u * sine) / 2;
+        TurnedGrid::Point point = grid.row_start(y);
         unsigned char* row = level.row(y);
-        for (int x = 0; x < width; ++x, fx += cosine, fy -= sine) {
-            const auto px = static_cast<int>(fx >> kShift), py = static_cast<int>(fy >> kShift);
+        for (int x = 0; x < width; ++x, grid.step_right(point)) {
+            const int px = TurnedGrid::place(point.x), py = TurnedGrid::place(point.y);
             const bool on_page = px >= 0 && py >= 0 && px <= right && py <= bottom;
             row[x] = !on_page                           ? 255
                      : has_all_neighbours(grey, px, py) ? grey_inside(grey, table, px, py)
@@ -158,4 +196,4 @@ Page levelled(const Page& grey, int rise, int run, int width, int height) {
     return level;
 }
 
-}  // namespace tool
+}  // namespace tool::reading

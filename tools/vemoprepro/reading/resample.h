@@ -6,7 +6,7 @@
 
 #include "page/page.h"
 
-namespace tool {
+namespace tool::reading {
 
 // A grey page of twice the size and resolution.
 Page doubled(const Page& grey);
@@ -15,4 +15,4 @@ Page doubled(const Page& grey);
 // `run` lie level. What the page does not cover becomes white. width, height: of the result.
 Page levelled(const Page& grey, int rise, int run, int width, int height);
 
-}  // namespace tool
+}  // namespace tool::reading

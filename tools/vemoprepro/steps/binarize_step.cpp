@@ -2,12 +2,14 @@
 #include <vemoprepro/binarization.h>
 
 #include <algorithm>
-#include <memory>
+#include <new>
+#include <string>
 #include <utility>
 
 #include "page/ink.h"
 #include "page/row_reader.h"
-#include "reading/reading_grey.h"
+#include "reading/binarization_settings.h"
+#include "reading/edge_bits.h"
 #include "steps/step.h"
 
 namespace tool {
@@ -19,30 +21,14 @@ constexpr unsigned char kSmooth = 246;  // a do call raises it by 2
 constexpr unsigned char kFillLevel = 64;
 constexpr unsigned char kLowestThreshold = 48;
 
-// Edges of less than this share of the ink's contrast, in per cent, are taken for the other side
-// showing through, stains and noise.
-constexpr int kEdgeShare = 40;
-constexpr int kWeakestEdge = 16;
-// Stronger edges are asked for only where light print on a page of black ink may go: at 40 print
-// down to a contrast of 50 is whole, at 80 a contrast of 90 is already lost.
+// Stronger edges would take light print off a page of black ink: with this one, print down to a
+// contrast of 50 is whole.
 constexpr int kUsualEdge = 40;
-constexpr int kStrongestEdge = 120;
-
-struct FreeSettings {
-    void operator()(bi_settings* settings) const { bi_upset(settings); }
-};
-using Settings = std::unique_ptr<bi_settings, FreeSettings>;
-
-Settings make_settings() {
-    Settings settings(bi_setup(RowReader::read));
-    if (!settings) throw std::bad_alloc();
-    return settings;
-}
 
 Page threshold_bits(const Page& grey, int threshold) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
-    const Settings settings = make_settings();
+    const reading::Settings settings = reading::make_settings();
     bi_set_thresh(settings.get(), static_cast<unsigned char>(threshold));
     if (bi_thresh_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
                      grey.height, bits.bytes.get()) != 0) {
@@ -51,38 +37,16 @@ Page threshold_bits(const Page& grey, int threshold) {
     return bits;
 }
 
-void set_edges(bi_settings* settings, int edge) {
-    bi_set_delta1(settings, static_cast<unsigned char>(edge));
-    bi_set_delta2(settings, static_cast<unsigned char>(edge * 3 / 4));
-}
-
-int edge_for(const Page& grey, int strongest) {
-    return std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, strongest);
-}
-
 Page gradient_bits(const Page& grey) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
-    const Settings settings = make_settings();
+    const reading::Settings settings = reading::make_settings();
     bi_set_smooth(settings.get(), kSmooth);
-    set_edges(settings.get(), edge_for(grey, kUsualEdge));
+    reading::set_edges(settings, grey, kUsualEdge);
     bi_set_black1(settings.get(), kFillLevel);
     bi_set_black2(settings.get(), kLowestThreshold);
     if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
                     grey.height, bits.bytes.get()) != 0) {
-        throw std::bad_alloc();
-    }
-    return bits;
-}
-
-// For reading. Edges are looked for on a smoothed copy, against noise.
-Page bits_by_edges(const Page& grey, int strongest) {
-    Page bits = make_page_like(grey, PageKind::kBitonal);
-    const Settings settings = make_settings();
-    set_edges(settings.get(), edge_for(grey, strongest));
-    bi_set_internal_gaussian_smoothing(settings.get(), 1);
-    if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
-                         bits.bytes.get()) != 0) {
         throw std::bad_alloc();
     }
     return bits;
@@ -130,8 +94,8 @@ Outcome threshold_by(PageWork& work, int threshold, const char* source) {
 }
 
 Outcome binarize_for_reading(PageWork& work, bool with_faint_ink) {
-    if (with_faint_ink) work.with_faint_ink = bits_by_edges(work.page, kWeakestEdge);
-    work.page = bits_for_reading(work.page);
+    if (with_faint_ink) work.with_faint_ink = reading::bits_with_faint_ink(work.page);
+    work.page = reading::bits_for_reading(work.page);
     return {true, "gradient thresholds for the contrast of the ink"};
 }
 
@@ -155,10 +119,6 @@ Outcome binarize(PageWork& work, const StepOptions& options) {
 }
 
 }  // namespace
-
-Page bits_for_reading(const Page& grey) {
-    return bits_by_edges(grey, kStrongestEdge);
-}
 
 Step binarize_step(const StepOptions& options) {
     return {"binarize", Effect::kChangesTone,

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "reading/reading_grey.h"
+#include "reading/border_print.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/step.h"
@@ -118,7 +118,7 @@ Outcome crop_around_print(PageWork& work) {
         Page cropped = copy_of(work.page);
         const Box content = paint_border_white(cropped, border);
         if (only_frame(work.page, content)) return {false, "no border"};
-        if (nothing_left(content) || print_was_painted(work.page, cropped)) continue;
+        if (nothing_left(content) || reading::print_was_painted(work.page, cropped)) continue;
         repaint_white_as_paper(cropped);
         work.page = std::move(cropped);
         work.content = content;

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "reading/reading_grey.h"
+#include "reading/edge_bits.h"
 #include "reading/resample.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
@@ -43,7 +43,8 @@ Page straight_frame(const Page& page, Skew skew) {
 
 void straighten(Page& page, Skew skew, Page straight) {
     if (page.kind == PageKind::kGrey) {
-        page = levelled(page, skew.numerator, skew.denominator, straight.width, straight.height);
+        page = reading::levelled(page, skew.numerator, skew.denominator, straight.width,
+                                 straight.height);
         return;
     }
     straight.bytes = allocate_pixels(straight.size());
@@ -71,7 +72,7 @@ Outcome measure_and_straighten(PageWork& work) {
         return {false, "smaller than 32 pixels a side"};
     }
     MeasuredSkew measured = page.kind == PageKind::kGrey
-                                ? measure(bits_for_reading(page), work.wants_fan)
+                                ? measure(reading::bits_for_reading(page), work.wants_fan)
                                 : measure(page, work.wants_fan);
     work.skew = measured.skew;
     work.confidence = measured.confidence;

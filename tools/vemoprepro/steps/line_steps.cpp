@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "page/paper_scale.h"
-#include "reading/faint_rules.h"
-#include "reading/rules.h"
+#include "reading/faint_lines.h"
+#include "reading/ruled_lines.h"
 #include "steps/ink_removal.h"
 #include "steps/step.h"
 
@@ -22,28 +22,28 @@ constexpr double kThickestLine = 10;
 constexpr double kGap = 5;
 // A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
-// The pieces of a broken rule; how far around a rule other ink is counted, 1.4 mm.
+// The pieces of a broken line; how far around a line other ink is counted, 1.4 mm.
 constexpr double kDash = 16;
 constexpr double kAround = 16;
-// Ink beside a faint rule that is no letter.
+// Ink beside a faint line that is no letter.
 constexpr double kCrumb = 4;
 
-RuleScale rule_scale(const Page& page, const LineOptions& wanted) {
+reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
     return {wanted.min_length.value_or(scaled_length(page, kShortestLine)),
             wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
             scaled_length(page, kGap), scaled_length(page, kDash), scaled_length(page, kAround)};
 }
 
 void remove_lines(Page& page, const LineOptions& wanted) {
-    const RuleScale scale = rule_scale(page, wanted);
-    if (wanted.horizontal) remove_rules(page, scale);
-    if (wanted.vertical) remove_upright_rules(page, scale);
+    const reading::LineScale scale = line_scale(page, wanted);
+    if (wanted.horizontal) reading::remove_level_lines(page, scale);
+    if (wanted.vertical) reading::remove_upright_lines(page, scale);
 }
 
 void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted) {
-    Page without_rules = copy_of(with_faint_ink);
-    remove_lines(without_rules, wanted);
-    remove_stubs_of_rules(page, with_faint_ink, without_rules, scaled_area(page, kCrumb));
+    Page without_lines = copy_of(with_faint_ink);
+    remove_lines(without_lines, wanted);
+    reading::remove_line_stubs(page, with_faint_ink, without_lines, scaled_area(page, kCrumb));
 }
 
 std::string directions(const LineOptions& wanted) {

@@ -1,6 +1,8 @@
 // Grey pages made ready for --for ocr.
-#include "reading/reading_grey.h"
+#include "reading/even_light.h"
+#include "reading/impulses.h"
 #include "reading/resample.h"
+#include "reading/sharpen.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/step.h"
@@ -24,17 +26,17 @@ Outcome prepare(PageWork& work) {
     Page& page = work.page;
     if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
     std::string why = "light evened out";
-    const double impulses = impulse_share(page);
+    const double impulses = reading::impulse_share(page);
     work.heavily_specked = impulses > kHeavilySpecked && !is_coarse(page);
     if (work.heavily_specked) {
-        remove_impulses(page);
-        remove_impulses(page);
+        reading::remove_impulses(page);
+        reading::remove_impulses(page);
         why += ", specks over " + percent(impulses) + " of the page removed";
     }
-    even_light(page);
+    reading::even_light(page);
     if (is_coarse(page)) {
-        sharpen(page);
-        page = doubled(page);
+        reading::sharpen(page);
+        page = reading::doubled(page);
         why += ", sharpened, resolution doubled";
     }
     return {true, why};

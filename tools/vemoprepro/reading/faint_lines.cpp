@@ -1,4 +1,8 @@
-#include "reading/faint_rules.h"
+// The lines are the difference of the two pages that are given, a pixel wider on every side since
+// edges differ from page to page. What the page has outside of them, crumbs aside, are letters. A
+// letter's ink reaches into a line: the page's ink is flooded from the letters, and what the flood
+// does not reach is a stub or a crumb. Crumbs that touch no line are the dots of letters and stay.
+#include "reading/faint_lines.h"
 
 #include <vemoprepro/cleaning.h>
 
@@ -8,7 +12,7 @@
 
 #include "page/ink.h"
 
-namespace tool {
+namespace tool::reading {
 namespace {
 
 // What is on one page and not on the other.
@@ -24,7 +28,8 @@ void add(Page& page, std::size_t index, int ink) {
     page.bytes[index] = static_cast<unsigned char>(page.bytes[index] | ink);
 }
 
-// A pixel more on every side. The edges of a rule lie a little otherwise on each page.
+// A pixel more on every side. Padding bits may be set; they are cleared where the result is
+// subtracted from a page.
 Page widened(const Page& ink) {
     const std::size_t stride = ink.stride();
     Page across = copy_of(ink);
@@ -32,7 +37,7 @@ Page widened(const Page& ink) {
         const int pixels = ink.bytes[i];
         if (pixels == 0) continue;
         add(across, i, pixels << 1 | pixels >> 1);
-        if (i % stride > 0) add(across, i - 1, (pixels & 0x80) != 0 ? 1 : 0);
+        if (i % stride > 0) add(across, i - 1, pixels >> 7);
         if (i % stride + 1 < stride) add(across, i + 1, pixels << 7);
     }
     Page wide = copy_of(across);
@@ -43,17 +48,28 @@ Page widened(const Page& ink) {
     return wide;
 }
 
+Page without_crumbs(const Page& page, int crumb) {
+    Page rest = copy_of(page);
+    if (despeckl_mem(rest.bytes.get(), rest.height, rest.width, static_cast<int>(rest.stride()),
+                     crumb) != 0) {
+        throw std::bad_alloc();
+    }
+    return rest;
+}
+
 struct Pixel {
     int x, y;
 };
 
+// Moves the ink of the 3 x 3 pixels around a place from `rest` into `found`.
 void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
-    for (int y = std::max(0, at.y - 1); y <= std::min(rest.height - 1, at.y + 1); ++y) {
-        for (int x = std::max(0, at.x - 1); x <= std::min(rest.width - 1, at.x + 1); ++x) {
-            if (is_ink(rest, x, y)) {
-                erase_ink(rest, x, y);
-                found.push_back({x, y});
-            }
+    const int bottom = std::min(rest.height - 1, at.y + 1);
+    const int right = std::min(rest.width - 1, at.x + 1);
+    for (int y = std::max(0, at.y - 1); y <= bottom; ++y) {
+        for (int x = std::max(0, at.x - 1); x <= right; ++x) {
+            if (!is_ink(rest, x, y)) continue;
+            erase_ink(rest, x, y);
+            found.push_back({x, y});
         }
     }
 }
@@ -62,13 +78,9 @@ void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
 void take_connected(Page& rest, const Page& ink) {
     std::vector<Pixel> found;
     for (int y = 0; y < ink.height; ++y) {
-        const unsigned char* row = ink.row(y);
-        for (int x = 0; x < ink.width; ++x) {
-            if (row[x / 8] == 0) {
-                x |= 7;
-            } else if (is_ink(ink, x, y)) {
-                take_neighbours(rest, {x, y}, found);
-            }
+        for (int x = next_pixel(ink, 0, y, true); x < ink.width;
+             x = next_pixel(ink, x + 1, y, true)) {
+            take_neighbours(rest, {x, y}, found);
         }
     }
     while (!found.empty()) {
@@ -80,20 +92,15 @@ void take_connected(Page& rest, const Page& ink) {
 
 }  // namespace
 
-void remove_stubs_of_rules(Page& page, const Page& with_rules, const Page& without_rules,
-                           int crumb) {
-    const Page outside = difference(page, widened(difference(with_rules, without_rules)));
-    Page letters = copy_of(outside);
-    const int stride = static_cast<int>(letters.stride());
-    if (despeckl_mem(letters.bytes.get(), letters.height, letters.width, stride, crumb) != 0) {
-        throw std::bad_alloc();
-    }
+void remove_line_stubs(Page& page, const Page& with_lines, const Page& without_lines, int crumb) {
+    const Page lines = widened(difference(with_lines, without_lines));
+    const Page outside = difference(page, lines);
+    const Page letters = without_crumbs(outside, crumb);
     Page stubs = difference(page, letters);
     take_connected(stubs, letters);
-    // Crumbs that touch no rule are the dots of letters.
     Page dots = copy_of(stubs);
     take_connected(dots, difference(page, outside));
     page = difference(page, difference(stubs, dots));
 }
 
-}  // namespace tool
+}  // namespace tool::reading

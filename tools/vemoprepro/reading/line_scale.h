@@ -1,0 +1,14 @@
+// What counts as a ruled line of a page, in pixels of that page.
+#pragma once
+
+namespace tool::reading {
+
+struct LineScale {
+    int shortest;  // length of a line
+    int thickest;  // what is thicker is no line
+    int gap;       // a line that is printed weakly has breaks that are shorter than this
+    int dash;      // a piece beyond a line's end that belongs to it is at least this long
+    int around;    // how far from a line ink is looked for that tells a screen
+};
+
+}  // namespace tool::reading

@@ -1,0 +1,155 @@
+// From the middle of its seed a line is walked along to the left and to the right. In each column
+// the run of ink at the line's row is looked up. Where that run is about as thick as the line,
+// the line's row follows the middle of the run; elsewhere, in gaps and under letters, it goes
+// straight on. Behind the end of the seed the walk ends when no piece of the line has come for a
+// while; what lies behind the last piece does not belong to the line.
+#include "reading/ruled_line.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "page/ink.h"
+
+namespace tool::reading {
+namespace {
+
+constexpr int kThicknessPercentile = 35;
+
+// The pieces of a broken line lie no farther apart than this many dashes, 5 mm.
+constexpr int kAwayInDashes = 4;
+
+// The run of ink in column x that row y lies in, or else the one of the row above or below. A run
+// is cut where it goes on for more than `tallest` rows to either side.
+LineColumn column_at(const Page& page, int x, int y, int tallest) {
+    LineColumn column;
+    for (const int start : {y, y - 1, y + 1}) {
+        if (start < 0 || start >= page.height || !is_ink(page, x, start)) continue;
+        const int top = std::max(0, start - tallest);
+        const int bottom = std::min(page.height, start + tallest);
+        column.y0 = start;
+        column.y1 = start + 1;
+        while (column.y0 > top && is_ink(page, x, column.y0 - 1)) --column.y0;
+        while (column.y1 < bottom && is_ink(page, x, column.y1)) ++column.y1;
+        break;
+    }
+    return column;
+}
+
+// Runs that are cut at this height are still told from the thickest line.
+int tallest_looked_at(const LineScale& scale) {
+    return scale.thickest + 1;
+}
+
+// Walks along a line to one side.
+class LineWalk {
+  public:
+    LineWalk(const Page& page, const LineScale& scale, const RuledLine& line, int y)
+        : page_(page), scale_(scale), line_(line), centre_(y * kRowParts + kRowParts / 2) {}
+
+    // The columns of the line from x on, in the order of the walk; step: 1 or -1. All columns of
+    // the seed, whose end in this direction is seed_end, belong to the line.
+    std::vector<LineColumn> go(int x, int seed_end, int step) {
+        std::vector<LineColumn> columns;
+        std::size_t kept = 0;  // columns up to the last one that belongs to the line
+        for (; x >= 0 && x < page_.width; x += step) {
+            columns.push_back(look(x));
+            const bool on_seed = step > 0 ? x < seed_end : x > seed_end;
+            if (on_seed || piece_ >= scale_.dash) {
+                kept = columns.size();
+                away_ = 0;
+            } else if (away_ > kAwayInDashes * scale_.dash) {
+                break;
+            }
+        }
+        columns.resize(kept);
+        return columns;
+    }
+
+  private:
+    LineColumn look(int x) {
+        LineColumn column = column_at(page_, x, centre_ / kRowParts, tallest_looked_at(scale_));
+        column.centre = centre_;
+        if (line_.is_alone_in(column)) {
+            ++piece_;
+            follow(column);
+        } else {
+            piece_ = 0;
+            ++away_;
+        }
+        return column;
+    }
+
+    // Slowly, since a letter's stroke may look like the line.
+    void follow(const LineColumn& column) {
+        const int middle = (column.y0 + column.y1) * kRowParts / 2;
+        centre_ += (middle - centre_) / 16;
+    }
+
+    const Page& page_;
+    const LineScale& scale_;
+    const RuledLine& line_;
+    int centre_;     // in 1 / kRowParts of a row
+    int piece_ = 0;  // columns of the line in a row, up to here
+    int away_ = 0;   // columns without the line since the last piece that belongs to it
+};
+
+}  // namespace
+
+std::vector<Seed> find_seeds(const Page& page, const LineScale& scale) {
+    std::vector<Seed> seeds;
+    for (int y = 0; y < page.height; ++y) {
+        Seed seed{y, next_pixel(page, 0, y, true), 0};
+        while (seed.x0 < page.width) {
+            seed.x1 = next_pixel(page, seed.x0, y, false);
+            int next = next_pixel(page, seed.x1, y, true);
+            while (next < page.width && next - seed.x1 < scale.gap) {
+                seed.x1 = next_pixel(page, next, y, false);
+                next = next_pixel(page, seed.x1, y, true);
+            }
+            if (seed.length() >= scale.shortest) seeds.push_back(seed);
+            seed.x0 = next;
+        }
+    }
+    std::stable_sort(seeds.begin(), seeds.end(),
+                     [](const Seed& a, const Seed& b) { return a.length() > b.length(); });
+    return seeds;
+}
+
+bool lies_in_dark_area(const Page& page, const Seed& seed, const LineScale& scale) {
+    constexpr int kApart = 7;
+    for (int x = seed.x0; x < seed.x1; x += kApart) {
+        const int height = column_at(page, x, seed.y, tallest_looked_at(scale)).height();
+        if (height > 0 && height <= scale.thickest) return false;
+    }
+    return true;
+}
+
+int thickness_along(const Page& page, const Seed& seed, const LineScale& scale) {
+    std::vector<int> heights;
+    for (int x = seed.x0; x < seed.x1; ++x) {
+        const int height = column_at(page, x, seed.y, tallest_looked_at(scale)).height();
+        if (height > 0) heights.push_back(height);
+    }
+    const auto wanted =
+        heights.begin() + static_cast<std::ptrdiff_t>(heights.size()) * kThicknessPercentile / 100;
+    std::nth_element(heights.begin(), wanted, heights.end());
+    return *wanted;
+}
+
+RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale, int thickness) {
+    RuledLine line;
+    line.thickness = thickness;
+    const int middle = seed.middle();
+    std::vector<LineColumn> left =
+        LineWalk(page, scale, line, seed.y).go(middle - 1, seed.x0 - 1, -1);
+    const std::vector<LineColumn> right =
+        LineWalk(page, scale, line, seed.y).go(middle, seed.x1, 1);
+    line.x0 = middle - static_cast<int>(left.size());
+    std::reverse(left.begin(), left.end());
+    line.columns = std::move(left);
+    line.columns.insert(line.columns.end(), right.begin(), right.end());
+    return line;
+}
+
+}  // namespace tool::reading
