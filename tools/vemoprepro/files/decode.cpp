@@ -1,18 +1,17 @@
 // Leptonica keeps pixels in 32-bit words of the machine's order: 1 bit per pixel with 1 = black, 8
 // bits, or 32 bits as red, green, blue, alpha from the top. All three are brought into the
-// library's shape within the decoded block, from the first row to the last, since the new place of
-// a pixel never lies behind its old one; so a colour page costs 4 bytes per pixel while it is
+// library's shape within the decoded block; so a colour page costs 4 bytes per pixel while it is
 // decoded and 3 afterwards.
 #include "files/decode.h"
 
-#include <cstdint>
 #include <cstring>
 #include <utility>
 
+#include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/png_colour_key.h"
-#include "files/tiff_pages.h"
-#include "page/ink.h"
+#include "files/tiff_file.h"
+#include "files/word_rows.h"
 
 namespace tool {
 namespace {
@@ -36,37 +35,6 @@ PixOwner plain_image(PixOwner image) {
 
 PixelBlock block_of(PIX* image) {
     return PixelBlock(reinterpret_cast<unsigned char*>(pixExtractData(image)));
-}
-
-// Gives the unused end of the block back.
-void shrink(Page& page) {
-    unsigned char* whole = page.bytes.release();
-    void* smaller = std::realloc(whole, page.size());
-    page.bytes.reset(smaller != nullptr ? static_cast<unsigned char*>(smaller) : whole);
-}
-
-std::uint8_t over_white(std::uint32_t value, std::uint32_t alpha, bool premultiplied) {
-    const std::uint32_t paper = 255 - alpha;
-    if (!premultiplied) value = (value * alpha + 127) / 255;
-    return static_cast<std::uint8_t>(value + paper > 255 ? 255 : value + paper);
-}
-
-void lay_on_white(unsigned char* pixel, std::uint32_t alpha, bool premultiplied) {
-    if (alpha == 255) return;
-    for (int i = 0; i < 3; ++i) pixel[i] = over_white(pixel[i], alpha, premultiplied);
-}
-
-// Packs one row of words into three bytes per pixel.
-void pack_colour_row(const unsigned char* words, int width, bool alpha, bool premultiplied,
-                     unsigned char* out) {
-    for (int x = 0; x < width; ++x, words += 4, out += 3) {
-        std::uint32_t word;
-        std::memcpy(&word, words, 4);
-        out[0] = static_cast<unsigned char>(word >> 24);
-        out[1] = static_cast<unsigned char>(word >> 16);
-        out[2] = static_cast<unsigned char>(word >> 8);
-        if (alpha) lay_on_white(out, word & 255, premultiplied);
-    }
 }
 
 void take_colour(Page& page, PIX* image, bool premultiplied) {
@@ -93,61 +61,7 @@ void take_bitonal(Page& page, PIX* image) {
     page.bytes = block_of(image);
 }
 
-bool without_colour(const Page& page) {
-    const std::size_t count = page.size() / 3;
-    const unsigned char* pixel = page.bytes.get();
-    for (std::size_t i = 0; i < count; ++i, pixel += 3) {
-        if (pixel[0] != pixel[1] || pixel[1] != pixel[2]) return false;
-    }
-    return true;
-}
-
-void keep_one_byte_in_three(Page& page) {
-    const std::size_t count = page.size() / 3;
-    unsigned char* bytes = page.bytes.get();
-    for (std::size_t i = 0; i < count; ++i) bytes[i] = bytes[3 * i];
-    page.kind = PageKind::kGrey;
-}
-
-bool only_black_and_white(const Page& page) {
-    const unsigned char* bytes = page.bytes.get();
-    const std::size_t size = page.size();
-    for (std::size_t i = 0; i < size; ++i) {
-        if (static_cast<unsigned char>(bytes[i] + 1) > 1) return false;
-    }
-    return true;
-}
-
-void pack_bits(Page& page) {
-    Page bits = make_page_like(page, PageKind::kBitonal);
-    std::memset(bits.bytes.get(), 0, bits.size());
-    for (int y = 0; y < page.height; ++y) {
-        const unsigned char* grey = page.row(y);
-        unsigned char* row = bits.row(y);
-        for (int x = 0; x < page.width; ++x) {
-            if (grey[x] == 0) set_ink(row, x);
-        }
-    }
-    page.kind = PageKind::kBitonal;
-    page.bytes = std::move(bits.bytes);
-}
-
 }  // namespace
-
-void pack_colour(Page& page, bool alpha, bool premultiplied) {
-    const std::size_t stride = static_cast<std::size_t>(page.width) * 4;
-    page.kind = PageKind::kColour;
-    for (int y = 0; y < page.height; ++y) {
-        pack_colour_row(page.bytes.get() + stride * static_cast<std::size_t>(y), page.width, alpha,
-                        premultiplied, page.row(y));
-    }
-}
-
-void reduce_kind(Page& page) {
-    if (page.kind == PageKind::kColour && without_colour(page)) keep_one_byte_in_three(page);
-    if (page.kind == PageKind::kGrey && only_black_and_white(page)) pack_bits(page);
-    shrink(page);
-}
 
 Decoded decode_png(std::FILE* file) {
     const std::optional<PngColourKey> key = find_colour_key(file);

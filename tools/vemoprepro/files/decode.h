@@ -1,20 +1,13 @@
 // From an image file's bytes to a Page.
 #pragma once
 
-#include <leptonica/allheaders.h>
-
 #include <cstdio>
-#include <memory>
 #include <string>
 
+#include "files/pix.h"
 #include "page/page.h"
 
 namespace tool {
-
-struct DestroyPix {
-    void operator()(PIX* image) const { pixDestroy(&image); }
-};
-using PixOwner = std::unique_ptr<PIX, DestroyPix>;
 
 // What a decoder made of a page: no image, and perhaps the reason, when the file is damaged.
 struct Decoded {
@@ -29,14 +22,6 @@ Decoded decode_jpeg(std::FILE* file);
 // Plain (ASCII) PNM and PAM.
 Decoded decode_pnm(std::FILE* file);
 Decoded decode_tiff(const std::string& path, std::size_t offset);
-
-// Makes rows of words (red, green, blue, alpha from the top) packed rows of a colour page, in their
-// place.
-void pack_colour(Page& page, bool alpha, bool premultiplied);
-
-// Makes the page one of the least kind that holds it: a colour page without colour becomes grey, a
-// grey one with nothing but 0 and 255 bitonal. Memory behind its end is given back.
-void reduce_kind(Page& page);
 
 // The image as a page of the least kind, oriented by the tag (see orientation.h). Transparent parts
 // lie on white paper; 16 bits become 8. The pixels stay in the decoder's block wherever they can.

@@ -6,19 +6,18 @@
 // errors of the TIFF decoder both count as damage.
 #include "files/image_file.h"
 
-#include <fcntl.h>
 #include <leptonica/allheaders.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <memory>
 
 #include "files/decode.h"
 #include "files/file_error.h"
+#include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/pnm_pages.h"
 #include "files/tiff_pages.h"
+#include "files/tiff_unusual.h"
 
 namespace tool {
 namespace {
@@ -32,33 +31,6 @@ File open_file(const std::string& path, const std::string& name) {
     File file(std::fopen(path.c_str(), "rb"));
     if (!file) throw system_error_of(name);
     return file;
-}
-
-// The temporary copy has no name from the start, so nothing is left behind however the run ends.
-int open_nameless_file(const std::string& name) {
-    const char* folder = std::getenv("TMPDIR");
-    std::string path =
-        std::string(folder != nullptr && *folder != 0 ? folder : "/tmp") + "/vemoprepro.XXXXXX";
-    const int file = mkostemp(path.data(), O_CLOEXEC);
-    if (file < 0) throw system_error_of(name);
-    unlink(path.c_str());
-    return file;
-}
-
-void copy_all(int from, int to, const std::string& name) {
-    char buffer[1 << 16];
-    for (;;) {
-        const ssize_t count = read(from, buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) throw system_error_of(name);
-        if (count == 0) return;
-        for (ssize_t done = 0; done < count;) {
-            const ssize_t written =
-                write(to, buffer + done, static_cast<std::size_t>(count - done));
-            if (written < 0 && errno != EINTR) throw system_error_of(name);
-            if (written > 0) done += written;
-        }
-    }
 }
 
 // The page of a file that holds just one.
@@ -79,16 +51,24 @@ std::vector<PagePlace> png_page(std::FILE* file) {
     return one_page(failed, width, height);
 }
 
-// Files have "1 dpi" for "square pixels", and anything by mistake; sizes that scale with it would
-// take all of a page for specks, or nothing.
-bool is_plausible(int dpi) {
-    return dpi >= 10 && dpi <= 10000;
+// None when the chain of pages is damaged.
+std::vector<PagePlace> tiff_places(const std::string& path) {
+    const TiffErrors errors;
+    const TiffFile tiff = open_tiff(path, TiffAccess::kRead);
+    if (!tiff) return {};
+    std::vector<PagePlace> places = list_tiff_pages(tiff.get());
+    if (!errors.first().empty()) places.clear();
+    return places;
 }
 
-// A side without a resolution has that of the other one.
-void settle(Resolution& dpi) {
-    if (!is_plausible(dpi.x)) dpi.x = is_plausible(dpi.y) ? dpi.y : 0;
-    if (!is_plausible(dpi.y)) dpi.y = dpi.x;
+// The two ways round Leptonica: a short one for the most common shape of large pages, and one for
+// shapes that it cannot read. None for all others.
+std::optional<Page> read_raw_tiff(const std::string& path, std::size_t offset) {
+    const TiffFile tiff = open_tiff_at(path, TiffAccess::kRead, offset);
+    std::optional<Page> page = tiff ? read_packed_tiff(tiff.get()) : std::nullopt;
+    if (page) return page;
+    const TiffFile mapped = open_tiff_at(path, TiffAccess::kMapped, offset);
+    return mapped ? read_unusual_tiff(mapped.get()) : std::nullopt;
 }
 
 FileFormat format_of(std::FILE* file, const std::string& name) {
@@ -130,31 +110,6 @@ void prepare_decoders() {
     collect_tiff_errors();
 }
 
-SeekableFile::SeekableFile(const std::string& name) : path_(name) {
-    struct stat status {};
-    if (name != "-") {
-        if (stat(name.c_str(), &status) != 0) throw system_error_of(name);
-        if (S_ISDIR(status.st_mode)) throw system_error_of(name, EISDIR);
-        if (S_ISREG(status.st_mode)) return;
-    }
-    const int source = name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (source < 0) throw system_error_of(name);
-    copy_ = open_nameless_file(name);
-    path_ = "/proc/self/fd/" + std::to_string(copy_);
-    try {
-        copy_all(source, copy_, name);
-    } catch (...) {
-        if (source != STDIN_FILENO) close(source);
-        close(copy_);
-        throw;
-    }
-    if (source != STDIN_FILENO) close(source);
-}
-
-SeekableFile::~SeekableFile() {
-    if (copy_ >= 0) close(copy_);
-}
-
 ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
     list_pages();
     if (places_.empty()) {
@@ -168,7 +123,7 @@ void ImageFile::list_pages() {
     std::rewind(file.get());
     switch (format_) {
         case FileFormat::kTiff:
-            places_ = list_tiff_pages(file_.path());
+            places_ = tiff_places(file_.path());
             break;
         case FileFormat::kPng:
             places_ = png_page(file.get());
@@ -203,21 +158,18 @@ std::string ImageFile::damage(std::size_t index, const std::string& reason) cons
            (reason.empty() ? "" : " (" + reason + ")");
 }
 
-// The two formats with a way round Leptonica: a short one for their most common shapes, and one for
-// those that it cannot read.
 std::optional<Page> ImageFile::read_raw_page(std::FILE* file, std::size_t index) const {
     if (format_ == FileFormat::kPnm) return read_raw_pnm(file, places_[index]);
     if (format_ != FileFormat::kTiff) return std::nullopt;
     const TiffErrors errors;
-    std::optional<Page> page = read_packed_tiff(file_.path(), places_[index].offset);
-    if (!page) page = read_unusual_tiff(file_.path(), places_[index].offset);
+    std::optional<Page> page = read_raw_tiff(file_.path(), places_[index].offset);
     if (page && !errors.first().empty()) throw FileError(name_, damage(index, errors.first()));
     return page;
 }
 
 Page ImageFile::read_page(std::size_t index) const {
     Page page = decode_page(index);
-    settle(page.dpi);
+    page.dpi = plausible(page.dpi);
     return page;
 }
 

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "files/page_place.h"
+#include "files/seekable_file.h"
 #include "page/page.h"
 
 namespace tool {
@@ -23,31 +25,8 @@ enum class FileFormat { kTiff, kPng, kJpeg, kPnm };
 // "TIFF", "PNG", "JPEG" or "PNM".
 const char* name_of(FileFormat format);
 
-// Where a page lies in its file, and its size in pixels as the header states it.
-struct PagePlace {
-    std::size_t offset = 0;
-    int width = 0;
-    int height = 0;
-};
-
 // Switches the messages of the decoders off: everything worth saying is in the FileError.
 void prepare_decoders();
-
-// A file that can be read from any position: the file itself or, for standard input and pipes, a
-// nameless temporary copy that lasts as long as this object.
-class SeekableFile {
-  public:
-    explicit SeekableFile(const std::string& name);
-    ~SeekableFile();
-    SeekableFile(const SeekableFile&) = delete;
-    SeekableFile& operator=(const SeekableFile&) = delete;
-
-    const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-    int copy_ = -1;
-};
 
 class ImageFile {
   public:

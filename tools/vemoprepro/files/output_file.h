@@ -2,31 +2,13 @@
 //
 // Use: write through descriptor(), close() when the contents are complete, publish() to give it its
 // name. Contents are written aside in the same folder; an object that goes away unpublished removes
-// them, and so does SIGINT, SIGTERM or SIGHUP. Standard output, devices and pipes cannot be renamed
-// over: their contents are written to a nameless file and copied at publish().
-//
-// Keep true: call remove_unfinished_outputs_on_signals() before the first thread is started.
+// them, and so does a signal (files/unfinished.h). Standard output, devices and pipes cannot be
+// renamed over: their contents are written to a nameless file and copied at publish().
 #pragma once
 
 #include <string>
 
 namespace tool {
-
-// A new folder in the one for temporary files, which goes away with all that is in it, on a signal
-// too.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    // Empty when it could not be made.
-    const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-};
 
 class OutputFile {
   public:
@@ -56,12 +38,7 @@ class OutputFile {
     int file_ = -1;
 };
 
-// Writes all bytes; throws FileError with the file's name.
-void write_all(int file, const void* bytes, std::size_t size, const std::string& name);
-
 // True for a device, pipe or socket: something to write into, not a file to make.
 bool is_stream(const std::string& path);
-
-void remove_unfinished_outputs_on_signals();
 
 }  // namespace tool

@@ -2,15 +2,13 @@
 // through Leptonica would reopen it and walk the chain of pages each time.
 #include "files/page_writer.h"
 
-#include <leptonica/allheaders.h>
-#include <tiffio.h>
-
 #include <cstring>
 #include <string>
 
-#include "files/decode.h"
 #include "files/file_error.h"
-#include "files/tiff_pages.h"
+#include "files/pix.h"
+#include "files/temporary_file.h"
+#include "files/tiff_file.h"
 
 namespace tool {
 namespace {
@@ -75,30 +73,10 @@ class TiffWriter final : public PageWriter {
     TIFF* tiff_ = nullptr;
 };
 
-// The page as a Leptonica image, in Leptonica's word order.
-PixOwner image_of(Page& page) {
-    const l_int32 depth = page.kind == PageKind::kBitonal ? 1
-                          : page.kind == PageKind::kGrey  ? 8
-                                                          : 32;
-    PixOwner image(pixCreate(page.width, page.height, depth));
-    if (!image) throw std::bad_alloc();
-    const std::size_t stride = static_cast<std::size_t>(pixGetWpl(image.get())) * 4;
-    unsigned char* to = reinterpret_cast<unsigned char*>(pixGetData(image.get()));
-    for (int y = 0; y < page.height; ++y, to += stride) {
-        const unsigned char* from = page.row(y);
-        if (page.kind != PageKind::kColour) {
-            std::memcpy(to, from, page.stride());
-            continue;
-        }
-        for (int x = 0; x < page.width; ++x) {
-            const l_uint32 word = l_uint32{from[3 * x]} << 24 | l_uint32{from[3 * x + 1]} << 16 |
-                                  l_uint32{from[3 * x + 2]} << 8;
-            std::memcpy(to + std::size_t{4} * static_cast<std::size_t>(x), &word, 4);
-        }
-    }
-    if (page.kind != PageKind::kColour) pixEndianByteSwap(image.get());
-    pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
-    page.bytes.reset();
+PixOwner bitonal_pix_of(const Page& page) {
+    PixOwner image = make_pix(page.width, page.height, 1);
+    std::memcpy(pixGetData(image.get()), page.bytes.get(), page.size());
+    pixEndianByteSwap(image.get());
     return image;
 }
 
@@ -108,13 +86,14 @@ class PngWriter final : public PageWriter {
     explicit PngWriter(const OutputFile& file) : file_(file) {}
 
     void append(Page page) override {
-        const PixOwner image = image_of(page);
-        l_uint8* bytes = nullptr;
-        std::size_t size = 0;
-        const bool failed = pixWriteMemPng(&bytes, &size, image.get(), 0) != 0;
-        const PixelBlock owner(bytes);
-        if (failed) throw std::bad_alloc();
-        write_all(file_.descriptor(), bytes, size, file_.name());
+        const PixOwner image = page.kind == PageKind::kBitonal
+                                   ? bitonal_pix_of(page)
+                                   : pix_of(page.bytes.get(), page.width, page.height,
+                                            page.kind == PageKind::kGrey ? 1 : 3);
+        pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
+        page.bytes.reset();
+        const std::string bytes = png_of(image.get());
+        write_all(file_.descriptor(), bytes.data(), bytes.size(), file_.name());
     }
     void finish() override {}
 

@@ -5,7 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "files/image_file.h"
+#include "files/page_place.h"
+#include "page/page.h"
 
 namespace tool {
 

@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "page/resolution.h"
+
 namespace tool {
 
 enum class PageKind { kBitonal, kGrey, kColour };
@@ -29,12 +31,6 @@ constexpr std::size_t stride_of(PageKind kind, int width) {
     if (kind == PageKind::kBitonal) return (pixels + 31) / 32 * 4;
     return kind == PageKind::kGrey ? pixels : pixels * 3;
 }
-
-// Dots per inch; 0 when unknown.
-struct Resolution {
-    int x = 0;
-    int y = 0;
-};
 
 // A decoded page stays in the block that the decoder allocated, hence malloc and free.
 struct FreeBlock {

@@ -146,8 +146,8 @@ void even_light(Page& grey) {
         for (int x = 0; x < grey.width; ++x) {
             const auto [i, past] = places[static_cast<std::size_t>(x)];
             const int* pair = &row_greys[static_cast<std::size_t>(i + 1)];
-            const int level = std::max(pair[0] * (whole - past) + pair[1] * past,
-                                       kDarkestPaper * whole * whole);
+            const int level =
+                std::max(pair[0] * (whole - past) + pair[1] * past, kDarkestPaper * whole * whole);
             const int evened = (row[x] * kPaper * whole * whole + level / 2) / level;
             row[x] = static_cast<unsigned char>(std::min(evened, 255));
         }

@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include "files/temporary_file.h"
 #include "report/report_template.h"
 #include "run/messages.h"
 

@@ -2,12 +2,9 @@
 // part of them that the page has.
 #include "report/scaled_picture.h"
 
-#include <leptonica/allheaders.h>
-
 #include <algorithm>
-#include <memory>
-#include <new>
 
+#include "files/pix.h"
 #include "page/ink.h"
 
 namespace tool {
@@ -20,9 +17,6 @@ constexpr int kJpegQuality = 82;
 constexpr int kLighter = 64;
 // The faintest mark, so that single pixels of a large page show.
 constexpr int kFaintestMark = 110;
-
-using PixDestroyer = decltype([](PIX* image) { pixDestroy(&image); });
-using PixOwner = std::unique_ptr<PIX, PixDestroyer>;
 
 struct Cells {
     std::vector<std::uint32_t> sums;
@@ -54,30 +48,6 @@ int luminance(const std::uint8_t* pixel, int channels) {
 std::uint8_t mark_strength(int lighter_by, bool bitonal) {
     if (lighter_by < (bitonal ? 1 : kLighter)) return 0;
     return static_cast<std::uint8_t>(std::min(255, kFaintestMark + lighter_by * 2));
-}
-
-l_uint32 word_of(const std::uint8_t* pixel, int channels) {
-    const l_uint32 alpha = channels == 4 ? pixel[3] : 0;
-    return l_uint32{pixel[0]} << 24 | l_uint32{pixel[1]} << 16 | l_uint32{pixel[2]} << 8 | alpha;
-}
-
-PixOwner image_of(const ScaledPicture& picture) {
-    const bool grey = picture.channels == 1;
-    PixOwner image(pixCreate(picture.width, picture.height, grey ? 8 : 32));
-    if (!image) throw std::bad_alloc();
-    if (picture.channels == 4) pixSetSpp(image.get(), 4);
-    l_uint32* line = pixGetData(image.get());
-    for (int y = 0; y < picture.height; ++y, line += pixGetWpl(image.get())) {
-        for (int x = 0; x < picture.width; ++x) {
-            const std::uint8_t* pixel = picture.at(x, y);
-            if (grey) {
-                SET_DATA_BYTE(line, x, *pixel);
-            } else {
-                line[x] = word_of(pixel, picture.channels);
-            }
-        }
-    }
-    return image;
 }
 
 }  // namespace
@@ -138,16 +108,11 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
 
 EncodedPicture encode(const ScaledPicture& picture) {
     const bool scan = picture.channels != 4 && picture.kind != PageKind::kBitonal;
-    const PixOwner image = image_of(picture);
-    l_uint8* bytes = nullptr;
-    std::size_t size = 0;
-    const int failed = scan ? pixWriteMemJpeg(&bytes, &size, image.get(), kJpegQuality, 0)
-                            : pixWriteMemPng(&bytes, &size, image.get(), 0);
-    const PixelBlock owner(bytes);
-    if (failed != 0) throw std::bad_alloc();
+    const PixOwner image =
+        pix_of(picture.pixels.data(), picture.width, picture.height, picture.channels);
     EncodedPicture encoded;
     encoded.type = scan ? "image/jpeg" : "image/png";
-    encoded.bytes.assign(reinterpret_cast<const char*>(bytes), size);
+    encoded.bytes = scan ? jpeg_of(image.get(), kJpegQuality) : png_of(image.get());
     encoded.page_width = picture.page_width;
     encoded.page_height = picture.page_height;
     encoded.covered_width = picture.width * picture.factor;

@@ -4,7 +4,7 @@
 
 #include "files/file_error.h"
 #include "files/image_file.h"
-#include "files/output_file.h"
+#include "files/unfinished.h"
 #include "page/page_memory.h"
 #include "run/info.h"
 #include "run/messages.h"
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
     int exit_status = tool::kExitDone;
     const auto options = tool::parse_options(argc, argv, exit_status);
     if (!options) return exit_status;
-    tool::remove_unfinished_outputs_on_signals();
+    tool::remove_unfinished_on_signals();
     tool::prepare_decoders();
     return run_command(*options);
 }

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "files/output_file.h"
+#include "files/temporary_file.h"
 
 namespace tool {
 namespace {

@@ -1,0 +1,34 @@
+// Files and folders in the folder for temporary ones (TMPDIR, else /tmp), and the copying that they
+// are made for. All of it throws FileError with the name that is given: the file that a user knows.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace tool {
+
+// A descriptor of a file without a name, so that nothing is left behind however the run ends. The
+// caller closes it.
+int open_nameless_file(const std::string& name);
+
+void write_all(int file, const void* bytes, std::size_t size, const std::string& name);
+
+// All that comes from one descriptor, to another one.
+void copy_all(int from, int to, const std::string& name);
+
+// A new folder, which goes away with all that is in it, on a signal too.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    // Empty when it could not be made.
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
+}  // namespace tool

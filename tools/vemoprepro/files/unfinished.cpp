@@ -1,0 +1,71 @@
+// A thread of its own waits for the signals, which every other thread blocks, removes what has been
+// noted and lets the signal end the process as it would have done. So no work is done in a signal
+// handler.
+#include "files/unfinished.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+#include <thread>
+
+namespace tool {
+namespace {
+
+void end_by_signal(int signal) {
+    struct sigaction as_usual {};
+    as_usual.sa_handler = SIG_DFL;
+    sigaction(signal, &as_usual, nullptr);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, signal);
+    pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    raise(signal);
+}
+
+void wait_for_signals(sigset_t signals) {
+    int signal = 0;
+    while (sigwait(&signals, &signal) != 0) {
+    }
+    // The lock is kept to the end, so that nothing is made or published any more.
+    unfinished().lock.lock();
+    for (const std::string& path : unfinished().files) unlink(path.c_str());
+    for (const std::string& path : unfinished().folders) remove_folder(path);
+    end_by_signal(signal);
+}
+
+}  // namespace
+
+// Never destroyed: the signal thread may look at it until the process has ended.
+Unfinished& unfinished() {
+    static Unfinished* const all = new Unfinished;
+    return *all;
+}
+
+void remove_folder(const std::string& path) {
+    // Another thread may be about to make a file in the folder.
+    constexpr int kTries = 100;
+    std::error_code failed;
+    for (int i = 0; i < kTries; ++i) {
+        std::filesystem::remove_all(path, failed);
+        if (!failed) return;
+    }
+}
+
+void remove_unfinished_on_signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction now {};
+        sigaction(signal, nullptr, &now);
+        if (now.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    // A pipe that nobody reads is a write error like any other.
+    signal(SIGPIPE, SIG_IGN);
+    unfinished();
+    std::thread(wait_for_signals, signals).detach();
+}
+
+}  // namespace tool

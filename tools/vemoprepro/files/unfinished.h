@@ -1,0 +1,30 @@
+// What must not be left behind when a signal ends the program: files and folders that are not
+// complete.
+//
+// Use: remove_unfinished_on_signals() before the first thread is started. Whoever makes such a file
+// or folder notes its path in unfinished() and takes it off again when it is complete or gone.
+//
+// Keep true: the lock is held from before a file or folder is made until its path is noted, and in
+// the same way while it is published or removed.
+#pragma once
+
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace tool {
+
+struct Unfinished {
+    std::mutex lock;
+    std::set<std::string> files;
+    std::set<std::string> folders;
+};
+Unfinished& unfinished();
+
+// With all that is in it.
+void remove_folder(const std::string& path);
+
+// SIGINT, SIGTERM and SIGHUP then remove all that is unfinished and end the program as usual.
+void remove_unfinished_on_signals();
+
+}  // namespace tool
