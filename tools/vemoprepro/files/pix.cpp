@@ -46,9 +46,8 @@ PixOwner pix_of(const unsigned char* pixels, int width, int height, int channels
 }
 
 std::string png_of(PIX* image) {
-    return file_made_by([&](l_uint8** bytes, std::size_t* size) {
-        return pixWriteMemPng(bytes, size, image, 0);
-    });
+    return file_made_by(
+        [&](l_uint8** bytes, std::size_t* size) { return pixWriteMemPng(bytes, size, image, 0); });
 }
 
 std::string jpeg_of(PIX* image, int quality) {

@@ -131,15 +131,19 @@ void Console::finish_input(const std::vector<std::string>& outputs) {
     if (json_) files_.back()["outputs"] = outputs;
 }
 
-void Console::fail_input(const FileError& error) {
+void Console::fail(const FileError& error) {
     clear_progress();
     std::fflush(words_);
     complain(error.file(), error.what());
+    status_ = kExitFailed;
+}
+
+void Console::fail_input(const FileError& error) {
+    fail(error);
     if (json_) {
         files_.back()["error"] =
             error.file() == input_ ? std::string(error.what()) : error.file() + ": " + error.what();
     }
-    status_ = kExitFailed;
 }
 
 void Console::clear_progress() {

@@ -23,6 +23,8 @@ class Console {
     void page(PageRecord record, const std::string& output);
     void finish_input(const std::vector<std::string>& outputs);
     void fail_input(const FileError& error);
+    // What fails beside the inputs.
+    void fail(const FileError& error);
     int finish();
 
   private:

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "files/page_writer.h"
+#include "report/html_report.h"
 #include "report/page_pictures.h"
-#include "report/picture_report.h"
 #include "run/console.h"
 #include "run/input_feeder.h"
 
@@ -43,7 +43,7 @@ class OutputSet {
 class OutputCollector {
   public:
     // pictures: the report to look at; may be null.
-    OutputCollector(const Options& options, Console& console, PictureReport* pictures)
+    OutputCollector(const Options& options, Console& console, HtmlReport* pictures)
         : overwrite_(options.overwrite), console_(console), pictures_(pictures) {}
 
     void deliver(PageResult& result);
@@ -54,7 +54,7 @@ class OutputCollector {
 
     bool overwrite_;
     Console& console_;
-    PictureReport* pictures_;
+    HtmlReport* pictures_;
     std::shared_ptr<Input> failed_;  // the last input that failed, already reported
     std::optional<OutputSet> outputs_;
 };

@@ -64,17 +64,20 @@ int run(const Options& options) {
     const Pipeline pipeline = make_pipeline(options.steps);
     InputFeeder feeder(options);
     Console console(options);
-    std::optional<PictureReport> pictures;
-    if (!options.report_folder.empty()) pictures.emplace(options);
+    std::optional<HtmlReport> pictures;
+    if (!options.report_folder.empty()) {
+        pictures.emplace(options.report_folder, options.inputs, options.overwrite);
+    }
     OutputCollector collector(options, console, pictures ? &*pictures : nullptr);
     const std::size_t window = keeps_kind(options.steps.command) ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });
     queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
-    const bool shown = !pictures || pictures->finish();
-    const int status = console.finish();
-    return shown ? status : kExitFailed;
+    if (pictures) {
+        if (const std::optional<FileError> error = pictures->finish()) console.fail(*error);
+    }
+    return console.finish();
 }
 
 }  // namespace tool

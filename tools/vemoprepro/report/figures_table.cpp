@@ -1,9 +1,11 @@
 // The table of figures. Every cell has the value that it is sorted by; those without one are empty
 // and go last.
+#include "report/figures_table.h"
+
 #include <algorithm>
 #include <cmath>
 
-#include "report/report_markup.h"
+#include "report/html_text.h"
 #include "steps/number_text.h"
 
 namespace tool {

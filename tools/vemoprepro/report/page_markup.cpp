@@ -1,34 +1,16 @@
 // Pages of the report: pictures one above the other, the steps with what they removed, the fan.
-#include "report/report_markup.h"
+#include "report/page_markup.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
-#include "report/report_template.h"
+#include "report/fan_plot.h"
+#include "report/html_text.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 
 namespace tool {
 namespace {
-
-std::string base64(const std::string& bytes) {
-    static constexpr char kDigits[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
-        unsigned group = 0;
-        for (std::size_t k = 0; k < 3; ++k) {
-            group = group << 8 | (k < count ? static_cast<unsigned char>(bytes[i + k]) : 0U);
-        }
-        for (std::size_t k = 0; k < 4; ++k) {
-            text += k <= count ? kDigits[group >> (18 - 6 * k) & 63] : '=';
-        }
-    }
-    return text;
-}
 
 std::string css_colour(Colour colour) {
     char text[8];
@@ -116,37 +98,6 @@ std::string heading(const std::string& input, std::size_t number, std::size_t pa
 }
 
 }  // namespace
-
-std::string escaped(const std::string& text) {
-    using Json = nlohmann::ordered_json;
-    const std::string dumped = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
-    std::string safe;
-    for (const char letter : Json::parse(dumped).get<std::string>()) {
-        switch (letter) {
-            case '&':
-                safe += "&amp;";
-                break;
-            case '<':
-                safe += "&lt;";
-                break;
-            case '>':
-                safe += "&gt;";
-                break;
-            case '"':
-                safe += "&quot;";
-                break;
-            default:
-                safe += letter;
-        }
-    }
-    return safe;
-}
-
-std::string head_markup(const std::string& title) {
-    return kReportStart + ("<title>" + escaped(title)) + " – cleaned pages</title>\n" +
-           kReportStyle + "<body>\n<header><h1>" + escaped(title) +
-           "</h1><p>Cleaned by vemoprepro " VEMOPREPRO_VERSION "</p></header>\n<main>\n";
-}
 
 std::string page_markup(const std::string& anchor, const std::string& input, std::size_t page_count,
                         const PageRecord& record, const PagePictures& pictures) {

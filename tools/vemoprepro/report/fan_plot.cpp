@@ -1,9 +1,8 @@
-// The skew fan as an inline SVG: the score of every slope that was tried, for text lines and for
-// stems, and the skew that was found.
+#include "report/fan_plot.h"
+
 #include <algorithm>
 #include <cmath>
 
-#include "report/report_markup.h"
 #include "steps/number_text.h"
 
 namespace tool {

@@ -1,8 +1,8 @@
 // The report to look at: one HTML page with all that it needs inside.
 //
-// Use: page() for each page and fail() for each input that failed, in order; finish() gives the
-// report its name. Pages are written as they come; what is kept of them are their figures. For one
-// thread.
+// Use: (page | fail)* finish: page() for each page and fail() for each input that failed, in order;
+// finish() gives the report its name. Pages are written as they come; what is kept of them are
+// their figures. For one thread.
 #pragma once
 
 #include <optional>
@@ -11,25 +11,25 @@
 
 #include "files/file_error.h"
 #include "files/output_file.h"
+#include "report/figures_table.h"
 #include "report/page_pictures.h"
-#include "report/report_markup.h"
-#include "run/options.h"
 
 namespace tool {
 
-class PictureReport {
+class HtmlReport {
   public:
     // Makes the folder when it is missing. Throws FileError, also when it holds a report that may
-    // not be replaced.
-    explicit PictureReport(const Options& options);
+    // not be replaced or that is one of the inputs.
+    HtmlReport(const std::string& folder, const std::vector<std::string>& inputs, bool overwrite);
 
     void page(const std::string& input, std::size_t page_count, const PageRecord& record,
               const PagePictures& pictures);
     void fail(const std::string& input, const std::string& what);
-    // False when the report could not be written, which has been said then.
-    bool finish();
+    // Why the report could not be written, if it could not.
+    std::optional<FileError> finish();
 
   private:
+    std::string next_anchor() const;
     // The first failure ends the report, but not the run.
     void write(const std::string& text);
 

@@ -1,11 +1,11 @@
 // Writes the pieces of markup aside, in their order, and renames at the end.
-#include "report/picture_report.h"
+#include "report/html_report.h"
 
 #include <sys/stat.h>
 
 #include "files/temporary_file.h"
-#include "report/report_template.h"
-#include "run/messages.h"
+#include "report/page_markup.h"
+#include "report/report_frame.h"
 
 namespace tool {
 namespace {
@@ -17,8 +17,8 @@ bool is_same_file(const std::string& path, const struct stat& other) {
 }
 
 // The path of the report in its folder, which is there afterwards.
-std::string report_path(const Options& options) {
-    const std::string& folder = options.report_folder;
+std::string report_path(const std::string& folder, const std::vector<std::string>& inputs,
+                        bool overwrite) {
     if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) throw system_error_of(folder);
     struct stat status {};
     if (stat(folder.c_str(), &status) != 0) throw system_error_of(folder);
@@ -26,12 +26,12 @@ std::string report_path(const Options& options) {
     std::string path = folder + (folder.back() == '/' ? "" : "/") + "index.html";
     if (stat(path.c_str(), &status) != 0) return path;
     if (S_ISDIR(status.st_mode)) throw system_error_of(path, EISDIR);
-    for (const std::string& input : options.inputs) {
+    for (const std::string& input : inputs) {
         if (is_same_file(input, status)) {
             throw FileError(path, "the report would overwrite an input");
         }
     }
-    if (!options.overwrite) throw FileError(path, "exists already (--overwrite replaces it)");
+    if (!overwrite) throw FileError(path, "exists already (--overwrite replaces it)");
     return path;
 }
 
@@ -44,39 +44,41 @@ std::string title_of(const std::vector<std::string>& inputs) {
 
 }  // namespace
 
-PictureReport::PictureReport(const Options& options)
-    : file_(report_path(options), options.overwrite) {
-    write(head_markup(title_of(options.inputs)));
+HtmlReport::HtmlReport(const std::string& folder, const std::vector<std::string>& inputs,
+                       bool overwrite)
+    : file_(report_path(folder, inputs, overwrite), overwrite) {
+    write(report_start(title_of(inputs)));
 }
 
-void PictureReport::page(const std::string& input, std::size_t page_count, const PageRecord& record,
-                         const PagePictures& pictures) {
+void HtmlReport::page(const std::string& input, std::size_t page_count, const PageRecord& record,
+                      const PagePictures& pictures) {
     if (error_) return;
-    const std::string anchor = "page-" + std::to_string(rows_.size() + 1);
-    write(page_markup(anchor, input, page_count, record, pictures));
-    rows_.push_back({anchor, input, record, ""});
+    write(page_markup(next_anchor(), input, page_count, record, pictures));
+    rows_.push_back({next_anchor(), input, record, ""});
 }
 
-void PictureReport::fail(const std::string& input, const std::string& what) {
+void HtmlReport::fail(const std::string& input, const std::string& what) {
     if (error_) return;
-    const std::string anchor = "page-" + std::to_string(rows_.size() + 1);
-    write(failure_markup(anchor, input, what));
-    rows_.push_back({anchor, input, {}, what});
+    write(failure_markup(next_anchor(), input, what));
+    rows_.push_back({next_anchor(), input, {}, what});
 }
 
-bool PictureReport::finish() {
+std::string HtmlReport::next_anchor() const {
+    return "page-" + std::to_string(rows_.size() + 1);
+}
+
+std::optional<FileError> HtmlReport::finish() {
+    write(figures_markup(rows_));
+    write(report_end());
     try {
-        write(figures_markup(rows_));
-        write(kReportEnd);
         if (!error_) file_.publish();
     } catch (const FileError& error) {
         error_ = error;
     }
-    if (error_) complain(error_->file(), error_->what());
-    return !error_;
+    return error_;
 }
 
-void PictureReport::write(const std::string& text) {
+void HtmlReport::write(const std::string& text) {
     if (error_) return;
     try {
         write_all(file_.descriptor(), text.data(), text.size(), file_.name());
