@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "files/decode.h"
+#include "files/exif_orientation.h"
 #include "files/file_error.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"

@@ -37,12 +37,13 @@ class ImageFile {
     std::size_t page_count() const { return places_.size(); }
     // Decodes page `index`, counted from 0. A resolution that no scanner has counts as none.
     Page read_page(std::size_t index) const;
+    // What an error of that page begins with: "page 3: ", or nothing when there is only one.
+    std::string page_prefix(std::size_t index) const;
 
   private:
     void list_pages();
     void check_size(std::size_t index) const;
     Page decode_page(std::size_t index) const;
-    std::string page_prefix(std::size_t index) const;
     std::string damage(std::size_t index, const std::string& reason) const;
     std::optional<Page> read_raw_page(std::FILE* file, std::size_t index) const;
 

@@ -2,16 +2,11 @@
 // cameras write.
 #pragma once
 
-#include <cstdio>
-
 #include "page/page.h"
 
 namespace tool {
 
 constexpr int kUprightTag = 1;
-
-// Reads the tag from the EXIF segment of a JPEG file; upright when there is none.
-int jpeg_orientation(std::FILE* file);
 
 // Mirrors a grey or colour page where the tag asks for it, and notes the turn that it then needs.
 // Tags without a meaning count as upright.

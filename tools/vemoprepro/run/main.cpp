@@ -7,15 +7,15 @@
 #include "files/unfinished.h"
 #include "page/page_memory.h"
 #include "run/info.h"
+#include "run/make_pages.h"
 #include "run/messages.h"
 #include "run/output_plan.h"
-#include "run/run.h"
 
 namespace {
 
 int run_command(const tool::Options& options) {
     try {
-        return options.info ? tool::print_info(options) : tool::run(options);
+        return options.info ? tool::print_info(options) : tool::make_pages(options);
     } catch (const tool::UsageError& error) {
         std::fprintf(tool::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
                      error.what());

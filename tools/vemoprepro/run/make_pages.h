@@ -6,6 +6,6 @@
 namespace tool {
 
 // Returns the exit status. Throws UsageError, and FileError for what concerns the whole run.
-int run(const Options& options);
+int make_pages(const Options& options);
 
 }  // namespace tool

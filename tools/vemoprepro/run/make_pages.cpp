@@ -1,7 +1,7 @@
 // Pages are decoded and worked on side by side, one per job, and written in order. Between the two
 // wait at most as many finished pages as there are jobs; with bitonal results these are small, else
 // none wait.
-#include "run/run.h"
+#include "run/make_pages.h"
 
 #include <utility>
 
@@ -14,11 +14,6 @@
 
 namespace tool {
 namespace {
-
-std::string page_prefix(const PageTask& task) {
-    if (task.input->page_count() == 1) return "";
-    return "page " + std::to_string(task.page + 1) + ": ";
-}
 
 void work_on(const Options& options, const Pipeline& pipeline, const PageTask& task,
              PageResult& result) {
@@ -48,9 +43,11 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
     } catch (const FileError& error) {
         result.error = error;
     } catch (const PageError& error) {
-        result.error = FileError(task.input->name, page_prefix(task) + error.what());
+        result.error =
+            FileError(task.input->name, task.input->file->page_prefix(task.page) + error.what());
     } catch (const std::bad_alloc&) {
-        result.error = FileError(task.input->name, page_prefix(task) + "not enough memory");
+        result.error = FileError(task.input->name,
+                                 task.input->file->page_prefix(task.page) + "not enough memory");
     }
     result.data = {};
     result.pictures.reset();
@@ -60,7 +57,7 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
 
 }  // namespace
 
-int run(const Options& options) {
+int make_pages(const Options& options) {
     const Pipeline pipeline = make_pipeline(options.steps);
     InputFeeder feeder(options);
     Console console(options);

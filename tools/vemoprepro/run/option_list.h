@@ -1,0 +1,39 @@
+// The commands and options as CLI11 is told of them.
+//
+// Use: describe_options() on a fresh CLI::App, which then parses the command line into the two
+// structs. The options must be completed from the raw ones (options.cpp).
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "run/options.h"
+
+namespace tool {
+
+// What CLI11 fills in, before it becomes Options.
+struct RawOptions {
+    std::string format;
+    std::string threshold = "auto";
+    std::string method = "gradient";
+    std::string purpose;
+    std::vector<std::string> lines;
+    bool no_despeckle = false;
+    bool no_crop_border = false;
+    bool no_remove_lines = false;
+    bool no_prepare = false;
+    int max_area = 0;
+    int keep_near = 0;
+    int min_length = 0;
+    int max_thickness = 0;
+    int max_height = 0;
+    double skew_degrees = 0;
+    int dpi = 0;
+    int angle = 0;
+    bool no_deskew = false;
+};
+
+void describe_options(CLI::App& app, Options& options, RawOptions& raw);
+
+}  // namespace tool
