@@ -13,7 +13,7 @@
 #include "files/tiff_file.h"
 #include "files/word_rows.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 Decoded decoded_by(PIX* image) {
@@ -120,4 +120,4 @@ Page page_of(Decoded decoded, int orientation_tag) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -7,7 +7,7 @@
 #include "files/pix.h"
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 // What a decoder made of a page: no image, and perhaps the reason, when the file is damaged.
 struct Decoded {
@@ -27,4 +27,4 @@ Decoded decode_tiff(const std::string& path, std::size_t offset);
 // lie on white paper; 16 bits become 8. The pixels stay in the decoder's block wherever they can.
 Page page_of(Decoded decoded, int orientation_tag);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -11,7 +11,7 @@
 
 #include "files/orientation.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 constexpr int kOrientationTag = 0x0112;
@@ -89,4 +89,4 @@ int jpeg_orientation(std::FILE* file) {
     return kUprightTag;
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -3,10 +3,10 @@
 
 #include <cstdio>
 
-namespace tool {
+namespace tool::files {
 
 // Reads the file from its start; upright when there is no tag (see orientation.h). What is not
 // JPEG, or ends early, has none.
 int jpeg_orientation(std::FILE* file);
 
-}  // namespace tool
+}  // namespace tool::files

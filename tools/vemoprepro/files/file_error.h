@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tool {
+namespace tool::files {
 
 class FileError : public std::runtime_error {
   public:
@@ -25,4 +25,4 @@ inline FileError system_error_of(const std::string& file, int error = errno) {
     return {file, std::generic_category().message(error)};
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -20,7 +20,7 @@
 #include "files/tiff_pages.h"
 #include "files/tiff_unusual.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 struct CloseFile {
@@ -204,4 +204,4 @@ Page ImageFile::decode_page(std::size_t index) const {
     return page_of(std::move(decoded), orientation_tag);
 }
 
-}  // namespace tool
+}  // namespace tool::files

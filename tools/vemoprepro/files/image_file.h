@@ -18,7 +18,7 @@
 #include "files/seekable_file.h"
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 enum class FileFormat { kTiff, kPng, kJpeg, kPnm };
 
@@ -53,4 +53,4 @@ class ImageFile {
     std::vector<PagePlace> places_;
 };
 
-}  // namespace tool
+}  // namespace tool::files

@@ -5,7 +5,7 @@
 
 #include "page/ink.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // Gives the unused end of the block back.
@@ -62,4 +62,4 @@ void reduce_kind(Page& page) {
     shrink(page);
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -3,10 +3,10 @@
 
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 // A colour page without colour becomes grey, a grey one with nothing but 0 and 255 bitonal. Memory
 // behind the page's end is given back.
 void reduce_kind(Page& page);
 
-}  // namespace tool
+}  // namespace tool::files

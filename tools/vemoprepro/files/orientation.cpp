@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 template <std::size_t kBytes>
@@ -29,4 +29,4 @@ void orient(Page& page, int tag) {
     }
 }
 
-}  // namespace tool
+}  // namespace tool::files

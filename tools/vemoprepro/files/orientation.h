@@ -4,7 +4,7 @@
 
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 constexpr int kUprightTag = 1;
 
@@ -12,4 +12,4 @@ constexpr int kUprightTag = 1;
 // Tags without a meaning count as upright.
 void orient(Page& page, int tag);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -13,7 +13,7 @@
 #include "files/temporary_file.h"
 #include "files/unfinished.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // The permissions that a newly made file would get.
@@ -104,4 +104,4 @@ void OutputFile::withdraw() {
     if (!stream_) unlink(target_.c_str());
 }
 
-}  // namespace tool
+}  // namespace tool::files

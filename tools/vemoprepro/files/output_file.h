@@ -8,7 +8,7 @@
 
 #include <string>
 
-namespace tool {
+namespace tool::files {
 
 class OutputFile {
   public:
@@ -41,4 +41,4 @@ class OutputFile {
 // True for a device, pipe or socket: something to write into, not a file to make.
 bool is_stream(const std::string& path);
 
-}  // namespace tool
+}  // namespace tool::files

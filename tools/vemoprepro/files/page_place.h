@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace tool {
+namespace tool::files {
 
 struct PagePlace {
     std::size_t offset = 0;
@@ -11,4 +11,4 @@ struct PagePlace {
     int height = 0;
 };
 
-}  // namespace tool
+}  // namespace tool::files

@@ -10,7 +10,7 @@
 #include "files/temporary_file.h"
 #include "files/tiff_file.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 class TiffWriter final : public PageWriter {
@@ -141,4 +141,4 @@ std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFi
     return std::make_unique<PnmWriter>(file);
 }
 
-}  // namespace tool
+}  // namespace tool::files

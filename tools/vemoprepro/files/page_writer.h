@@ -9,7 +9,7 @@
 #include "files/output_file.h"
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 enum class OutputFormat { kTiff, kPng, kPnm };
 
@@ -24,4 +24,4 @@ class PageWriter {
 // The file must outlive the writer.
 std::unique_ptr<PageWriter> make_page_writer(OutputFormat format, const OutputFile& file);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -6,7 +6,7 @@
 
 #include "files/word_rows.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // write(&bytes, &size): gives a block of its own, and 0 when it is done.
@@ -39,7 +39,7 @@ PixOwner pix_of(const unsigned char* pixels, int width, int height, int channels
             continue;
         }
         const unsigned char* pixel = pixels;
-        for (int x = 0; x < width; ++x, pixel += channels) line[x] = word_of(pixel, channels);
+        for (int x = 0; x < width; ++x, pixel += channels) line[x] = colour_word(pixel, channels);
     }
     if (channels == 1) pixEndianByteSwap(image.get());
     return image;
@@ -56,4 +56,4 @@ std::string jpeg_of(PIX* image, int quality) {
     });
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace tool {
+namespace tool::files {
 
 struct DestroyPix {
     void operator()(PIX* image) const { pixDestroy(&image); }
@@ -23,4 +23,4 @@ PixOwner pix_of(const unsigned char* pixels, int width, int height, int channels
 std::string png_of(PIX* image);
 std::string jpeg_of(PIX* image, int quality);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -7,7 +7,7 @@
 #include <array>
 #include <cstring>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 constexpr long kSignature = 8;
@@ -113,4 +113,4 @@ void paint_colour_key(PIX* image, const PngColourKey& key) {
     }
 }
 
-}  // namespace tool
+}  // namespace tool::files

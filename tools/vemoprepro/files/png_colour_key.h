@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace tool {
+namespace tool::files {
 
 struct PngColourKey {
     std::size_t chunk_at = 0;  // where its chunk starts in the file
@@ -26,4 +26,4 @@ std::vector<std::uint8_t> without_colour_key(std::FILE* file, const PngColourKey
 // Makes pixels of that colour white paper.
 void paint_colour_key(PIX* image, const PngColourKey& key);
 
-}  // namespace tool
+}  // namespace tool::files

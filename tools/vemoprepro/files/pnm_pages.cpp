@@ -8,7 +8,7 @@
 #include <cctype>
 #include <cstring>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // Skips white space and comments, which run from # to the end of the line. Returns the next byte.
@@ -152,4 +152,4 @@ std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -8,7 +8,7 @@
 #include "files/page_place.h"
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 // Empty when the file is damaged or ends within a page. Only the first image of a plain (ASCII) or
 // PAM file is listed: their length is not known without reading them.
@@ -18,4 +18,4 @@ std::vector<PagePlace> list_pnm_pages(std::FILE* file);
 // the file ends within the rows.
 std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -7,7 +7,7 @@
 #include "files/file_error.h"
 #include "files/temporary_file.h"
 
-namespace tool {
+namespace tool::files {
 
 SeekableFile::SeekableFile(const std::string& name) : path_(name) {
     struct stat status {};
@@ -34,4 +34,4 @@ SeekableFile::~SeekableFile() {
     if (copy_ >= 0) close(copy_);
 }
 
-}  // namespace tool
+}  // namespace tool::files

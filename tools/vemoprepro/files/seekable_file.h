@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace tool {
+namespace tool::files {
 
 class SeekableFile {
   public:
@@ -23,4 +23,4 @@ class SeekableFile {
     int copy_ = -1;
 };
 
-}  // namespace tool
+}  // namespace tool::files

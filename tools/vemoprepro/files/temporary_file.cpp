@@ -9,7 +9,7 @@
 #include "files/file_error.h"
 #include "files/unfinished.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // A path for mkostemp() and mkdtemp().
@@ -68,4 +68,4 @@ TemporaryFolder::~TemporaryFolder() {
     unfinished().folders.erase(path_);
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-namespace tool {
+namespace tool::files {
 
 // A descriptor of a file without a name, so that nothing is left behind however the run ends. The
 // caller closes it.
@@ -31,4 +31,4 @@ class TemporaryFolder {
     std::string path_;
 };
 
-}  // namespace tool
+}  // namespace tool::files

@@ -6,7 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 thread_local std::string first_error;
@@ -88,4 +88,4 @@ Page frame_of(TIFF* tiff) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace tool::files

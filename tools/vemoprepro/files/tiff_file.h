@@ -15,7 +15,7 @@
 #include "files/page_place.h"
 #include "page/page.h"
 
-namespace tool {
+namespace tool::files {
 
 struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
@@ -54,4 +54,4 @@ PagePlace place_of(TIFF* tiff);
 // A page of the size and resolution, and no pixels yet.
 Page frame_of(TIFF* tiff);
 
-}  // namespace tool
+}  // namespace tool::files

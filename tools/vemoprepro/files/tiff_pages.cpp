@@ -4,7 +4,7 @@
 
 #include "files/orientation.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 bool is_thumbnail(TIFF* tiff) {
@@ -64,4 +64,4 @@ std::optional<Page> read_packed_tiff(TIFF* tiff) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace tool::files

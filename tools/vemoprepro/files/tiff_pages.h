@@ -7,7 +7,7 @@
 
 #include "files/tiff_file.h"
 
-namespace tool {
+namespace tool::files {
 
 // True for the first bytes of a classic or a big TIFF file of either byte order.
 bool starts_as_tiff(std::FILE* file);
@@ -24,4 +24,4 @@ std::vector<PagePlace> list_tiff_pages(TIFF* tiff);
 // Keep true: no side is longer than kLongestSide.
 std::optional<Page> read_packed_tiff(TIFF* tiff);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -9,7 +9,7 @@
 #include "files/orientation.h"
 #include "files/word_rows.h"
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 // Colour maps are of 16 bits, but some programs wrote values of 8.
@@ -118,4 +118,4 @@ std::optional<Page> read_unusual_tiff(TIFF* tiff) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace tool::files

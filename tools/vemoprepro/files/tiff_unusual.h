@@ -6,7 +6,7 @@
 
 #include "files/tiff_file.h"
 
-namespace tool {
+namespace tool::files {
 
 // Reads the current page. None for every other shape. Errors are for TiffErrors to tell; the page
 // may then be without pixels.
@@ -15,4 +15,4 @@ namespace tool {
 // not compressed; no side is longer than kLongestSide.
 std::optional<Page> read_unusual_tiff(TIFF* tiff);
 
-}  // namespace tool
+}  // namespace tool::files

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <thread>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 void end_by_signal(int signal) {
@@ -68,4 +68,4 @@ void remove_unfinished_on_signals() {
     std::thread(wait_for_signals, signals).detach();
 }
 
-}  // namespace tool
+}  // namespace tool::files

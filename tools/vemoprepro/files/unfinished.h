@@ -12,7 +12,7 @@
 #include <set>
 #include <string>
 
-namespace tool {
+namespace tool::files {
 
 struct Unfinished {
     std::mutex lock;
@@ -27,4 +27,4 @@ void remove_folder(const std::string& path);
 // SIGINT, SIGTERM and SIGHUP then remove all that is unfinished and end the program as usual.
 void remove_unfinished_on_signals();
 
-}  // namespace tool
+}  // namespace tool::files

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-namespace tool {
+namespace tool::files {
 namespace {
 
 std::uint8_t over_white(std::uint32_t value, std::uint32_t alpha, bool premultiplied) {
@@ -42,4 +42,4 @@ void pack_colour(Page& page, bool alpha, bool premultiplied) {
     }
 }
 
-}  // namespace tool
+}  // namespace tool::files

@@ -5,7 +5,7 @@
 
 #include "steps/number_text.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 constexpr double kLeft = 40, kRight = 470, kTop = 14, kBottom = 170;
@@ -13,10 +13,11 @@ constexpr double kWidest = 11;  // degrees to either side
 
 class Plot {
   public:
-    explicit Plot(const SkewFan& fan) {
-        for (const FanCurves* curves : {&fan.lines, &fan.stems}) {
+    explicit Plot(const steps::SkewFan& fan) {
+        for (const steps::FanCurves* curves : {&fan.lines, &fan.stems}) {
             for (const auto* curve : {&curves->coarse, &curves->fine}) {
-                for (const FanPoint& point : *curve) highest_ = std::max(highest_, point.score);
+                for (const steps::FanPoint& point : *curve)
+                    highest_ = std::max(highest_, point.score);
             }
         }
     }
@@ -39,12 +40,12 @@ class Plot {
             const std::string at = number(y(score));
             text += "<line class=\"grid\" x1=\"40\" x2=\"470\" y1=\"" + at + "\" y2=\"" + at +
                     "\"/><text x=\"34\" y=\"" + number(y(score) + 4) + "\" text-anchor=\"end\">" +
-                    with_digits("%g", score) + "</text>";
+                    steps::with_digits("%g", score) + "</text>";
         }
         return text;
     }
 
-    std::string curves(const FanCurves& curves, const std::string& name) const {
+    std::string curves(const steps::FanCurves& curves, const std::string& name) const {
         return "<g class=\"" + name + "\"><g class=\"coarse\">" + curve(curves.coarse, name) +
                "</g><g class=\"fine\">" + curve(curves.fine, name) + "</g></g>";
     }
@@ -55,35 +56,35 @@ class Plot {
         return "<g class=\"found\"><line x1=\"" + at + "\" x2=\"" + at +
                "\" y1=\"14\" y2=\"170\"/><text x=\"" + number(x(degrees) + (right ? 6 : -6)) +
                "\" y=\"24\" text-anchor=\"" + (right ? "start" : "end") + "\">" +
-               with_digits("%.2f", degrees) + "°</text></g>";
+               steps::with_digits("%.2f", degrees) + "°</text></g>";
     }
 
   private:
-    std::string curve(const std::vector<FanPoint>& points, const std::string& name) const {
+    std::string curve(const std::vector<steps::FanPoint>& points, const std::string& name) const {
         std::string path, dots;
-        for (const FanPoint& point : points) {
+        for (const steps::FanPoint& point : points) {
             const std::string px = number(x(point.degrees)), py = number(y(point.score));
             path += px + "," + py + " ";
             dots += "<circle cx=\"" + px + "\" cy=\"" + py + "\" r=\"2\"><title>" + name + ", " +
-                    with_digits("%.2f", point.degrees) + "°: " + with_digits("%.2f", point.score) +
-                    "</title></circle>";
+                    steps::with_digits("%.2f", point.degrees) +
+                    "°: " + steps::with_digits("%.2f", point.score) + "</title></circle>";
         }
         return "<polyline points=\"" + path + "\"/>" + dots;
     }
-    static std::string number(double value) { return with_digits("%.1f", value); }
+    static std::string number(double value) { return steps::with_digits("%.1f", value); }
 
     double highest_ = 1;
 };
 
 }  // namespace
 
-std::string fan_markup(const SkewFan& fan, const PageRecord& record) {
+std::string fan_markup(const steps::SkewFan& fan, const PageRecord& record) {
     const Plot plot(fan);
     const double degrees = record.skew ? record.skew->degrees() : 0;
     std::string text =
         "<figure class=\"fan\"><h3>Skew</h3><svg viewBox=\"0 0 480 194\" role=\"img\" "
         "aria-label=\"Alignment of the ink over the candidate angles; found: " +
-        with_digits("%.2f", degrees) + " degrees\">" + plot.axes() +
+        steps::with_digits("%.2f", degrees) + " degrees\">" + plot.axes() +
         plot.curves(fan.stems, "stems") + plot.curves(fan.lines, "lines");
     if (record.skew) text += plot.found(degrees);
     return text +
@@ -91,7 +92,7 @@ std::string fan_markup(const SkewFan& fan, const PageRecord& record) {
            "worst, and closer around the best: <span class=\"key lines\">text lines</span> <span "
            "class=\"key stems\">stems"
            "</span>. Confidence " +
-           with_digits("%.2f", record.confidence.value_or(0)) + ".</figcaption></figure>\n";
+           steps::with_digits("%.2f", record.confidence.value_or(0)) + ".</figcaption></figure>\n";
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -6,8 +6,8 @@
 
 #include "report/page_record.h"
 
-namespace tool {
+namespace tool::report {
 
-std::string fan_markup(const SkewFan& fan, const PageRecord& record);
+std::string fan_markup(const steps::SkewFan& fan, const PageRecord& record);
 
-}  // namespace tool
+}  // namespace tool::report

@@ -8,7 +8,7 @@
 #include "report/html_text.h"
 #include "steps/number_text.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 std::string cell(const std::string& value, const std::string& text) {
@@ -16,7 +16,7 @@ std::string cell(const std::string& value, const std::string& text) {
 }
 
 std::string number_cell(double value, const std::string& text) {
-    return cell(with_digits("%.10g", value), text);
+    return cell(steps::with_digits("%.10g", value), text);
 }
 
 std::string empty_cell() {
@@ -27,7 +27,7 @@ std::string empty_cell() {
 std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
     std::vector<std::string> names;
     for (const FigureRow& row : rows) {
-        for (const StepNote& step : row.record.steps) {
+        for (const steps::StepNote& step : row.record.steps) {
             if (step.outcome.done && step.outcome.ink_removed &&
                 std::find(names.begin(), names.end(), step.name) == names.end()) {
                 names.push_back(step.name);
@@ -38,10 +38,10 @@ std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
 }
 
 std::string removed_cell(const PageRecord& record, const std::string& name) {
-    for (const StepNote& step : record.steps) {
+    for (const steps::StepNote& step : record.steps) {
         if (step.name == name && step.outcome.done && step.outcome.ink_removed) {
             return number_cell(std::round(*step.outcome.ink_removed * 1e5) / 1e5,
-                               with_digits("%.3g", *step.outcome.ink_removed * 100) + " %");
+                               steps::with_digits("%.3g", *step.outcome.ink_removed * 100) + " %");
         }
     }
     return empty_cell();
@@ -55,7 +55,7 @@ std::string dpi_text(Resolution dpi) {
     return dpi.x == dpi.y ? std::to_string(dpi.x) : size_text(dpi.x, dpi.y);
 }
 
-std::string content_cell(const std::optional<Box>& box) {
+std::string content_cell(const std::optional<steps::Box>& box) {
     if (!box) return empty_cell();
     return number_cell(double{1} * box->width * box->height, size_text(box->width, box->height) +
                                                                  " at " + std::to_string(box->x) +
@@ -63,11 +63,12 @@ std::string content_cell(const std::optional<Box>& box) {
 }
 
 std::string measured_cells(const PageRecord& record) {
-    std::string text = record.skew ? number_cell(record.skew->degrees(),
-                                                 with_digits("%.2f°", record.skew->degrees()))
-                                   : empty_cell();
+    std::string text = record.skew
+                           ? number_cell(record.skew->degrees(),
+                                         steps::with_digits("%.2f°", record.skew->degrees()))
+                           : empty_cell();
     text += record.confidence && std::isfinite(*record.confidence)
-                ? number_cell(*record.confidence, with_digits("%.2f", *record.confidence))
+                ? number_cell(*record.confidence, steps::with_digits("%.2f", *record.confidence))
                 : empty_cell();
     return text + (record.threshold
                        ? number_cell(*record.threshold, std::to_string(*record.threshold))
@@ -91,7 +92,7 @@ std::string row_markup(const FigureRow& row, const std::vector<std::string>& ste
         cell(name_of(record.source.kind), name_of(record.source.kind)) + measured_cells(record);
     for (const std::string& step : steps) text += removed_cell(record, step);
     return text + content_cell(record.content) +
-           number_cell(record.seconds, with_digits("%.3f", record.seconds)) + "</tr>\n";
+           number_cell(record.seconds, steps::with_digits("%.3f", record.seconds)) + "</tr>\n";
 }
 
 std::string column(const std::string& name) {
@@ -116,4 +117,4 @@ std::string figures_markup(const std::vector<FigureRow>& rows) {
     return text + "</tbody></table></div></section>\n";
 }
 
-}  // namespace tool
+}  // namespace tool::report

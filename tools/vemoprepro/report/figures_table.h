@@ -6,7 +6,7 @@
 
 #include "report/page_record.h"
 
-namespace tool {
+namespace tool::report {
 
 // A page's figures, or the failure of an input.
 struct FigureRow {
@@ -18,4 +18,4 @@ struct FigureRow {
 
 std::string figures_markup(const std::vector<FigureRow>& rows);
 
-}  // namespace tool
+}  // namespace tool::report

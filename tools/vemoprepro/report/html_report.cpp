@@ -7,7 +7,7 @@
 #include "report/page_markup.h"
 #include "report/report_frame.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 bool is_same_file(const std::string& path, const struct stat& other) {
@@ -19,19 +19,19 @@ bool is_same_file(const std::string& path, const struct stat& other) {
 // The path of the report in its folder, which is there afterwards.
 std::string report_path(const std::string& folder, const std::vector<std::string>& inputs,
                         bool overwrite) {
-    if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) throw system_error_of(folder);
+    if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) throw files::system_error_of(folder);
     struct stat status {};
-    if (stat(folder.c_str(), &status) != 0) throw system_error_of(folder);
-    if (!S_ISDIR(status.st_mode)) throw system_error_of(folder, ENOTDIR);
+    if (stat(folder.c_str(), &status) != 0) throw files::system_error_of(folder);
+    if (!S_ISDIR(status.st_mode)) throw files::system_error_of(folder, ENOTDIR);
     std::string path = folder + (folder.back() == '/' ? "" : "/") + "index.html";
     if (stat(path.c_str(), &status) != 0) return path;
-    if (S_ISDIR(status.st_mode)) throw system_error_of(path, EISDIR);
+    if (S_ISDIR(status.st_mode)) throw files::system_error_of(path, EISDIR);
     for (const std::string& input : inputs) {
         if (is_same_file(input, status)) {
-            throw FileError(path, "the report would overwrite an input");
+            throw files::FileError(path, "the report would overwrite an input");
         }
     }
-    if (!overwrite) throw FileError(path, "exists already (--overwrite replaces it)");
+    if (!overwrite) throw files::FileError(path, "exists already (--overwrite replaces it)");
     return path;
 }
 
@@ -67,12 +67,12 @@ std::string HtmlReport::next_anchor() const {
     return "page-" + std::to_string(rows_.size() + 1);
 }
 
-std::optional<FileError> HtmlReport::finish() {
+std::optional<files::FileError> HtmlReport::finish() {
     write(figures_markup(rows_));
     write(report_end());
     try {
         if (!error_) file_.publish();
-    } catch (const FileError& error) {
+    } catch (const files::FileError& error) {
         error_ = error;
     }
     return error_;
@@ -81,10 +81,10 @@ std::optional<FileError> HtmlReport::finish() {
 void HtmlReport::write(const std::string& text) {
     if (error_) return;
     try {
-        write_all(file_.descriptor(), text.data(), text.size(), file_.name());
-    } catch (const FileError& error) {
+        files::write_all(file_.descriptor(), text.data(), text.size(), file_.name());
+    } catch (const files::FileError& error) {
         error_ = error;
     }
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -14,7 +14,7 @@
 #include "report/figures_table.h"
 #include "report/page_pictures.h"
 
-namespace tool {
+namespace tool::report {
 
 class HtmlReport {
   public:
@@ -26,16 +26,16 @@ class HtmlReport {
               const PagePictures& pictures);
     void fail(const std::string& input, const std::string& what);
     // Why the report could not be written, if it could not.
-    std::optional<FileError> finish();
+    std::optional<files::FileError> finish();
 
   private:
     std::string next_anchor() const;
     // The first failure ends the report, but not the run.
     void write(const std::string& text);
 
-    OutputFile file_;
+    files::OutputFile file_;
     std::vector<FigureRow> rows_;
-    std::optional<FileError> error_;
+    std::optional<files::FileError> error_;
 };
 
-}  // namespace tool
+}  // namespace tool::report

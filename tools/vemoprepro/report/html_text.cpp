@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-namespace tool {
+namespace tool::report {
 
 std::string escaped(const std::string& text) {
     using Json = nlohmann::ordered_json;
@@ -48,4 +48,4 @@ std::string base64(const std::string& bytes) {
     return text;
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -3,11 +3,11 @@
 
 #include <string>
 
-namespace tool {
+namespace tool::report {
 
 // Safe in text and in quoted attributes; bytes that are not UTF-8 become U+FFFD.
 std::string escaped(const std::string& text);
 
 std::string base64(const std::string& bytes);
 
-}  // namespace tool
+}  // namespace tool::report

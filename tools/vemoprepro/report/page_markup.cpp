@@ -9,7 +9,7 @@
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 std::string css_colour(Colour colour) {
@@ -28,7 +28,7 @@ struct Stage {
 
     std::string place(const EncodedPicture& picture) const {
         const auto share = [](double part, double whole) {
-            return with_digits("%.4f%%", part * 100 / whole);
+            return steps::with_digits("%.4f%%", part * 100 / whole);
         };
         return "left:" + share((width - picture.page_width) / 2, width) +
                ";top:" + share((height - picture.page_height) / 2, height) +
@@ -61,8 +61,9 @@ std::string stage_markup(const std::string& anchor, const std::string& name,
     const Stage stage(pictures);
     const std::string range = anchor + "-cut";
     return "<div class=\"compare\"><div class=\"stage\" style=\"aspect-ratio:" +
-           with_digits("%.0f", stage.width) + "/" + with_digits("%.0f", stage.height) +
-           "\"><div class=\"layer after\">" + stage.image(pictures.after, "", name + ", after") +
+           steps::with_digits("%.0f", stage.width) + "/" +
+           steps::with_digits("%.0f", stage.height) + "\"><div class=\"layer after\">" +
+           stage.image(pictures.after, "", name + ", after") +
            marks_in(pictures, stage, false, true) + "</div><div class=\"layer before\">" +
            stage.image(pictures.before, "", name + ", before") +
            marks_in(pictures, stage, true, false) + "</div><div class=\"layer\">" +
@@ -74,7 +75,7 @@ std::string stage_markup(const std::string& anchor, const std::string& name,
            "before shows, in percent\"><span>After</span></div></div>\n";
 }
 
-std::string step_markup(const StepNote& step, const std::vector<RemovedInk>& removed) {
+std::string step_markup(const steps::StepNote& step, const std::vector<RemovedInk>& removed) {
     const bool marked = std::any_of(removed.begin(), removed.end(),
                                     [&](const RemovedInk& ink) { return ink.step == step.name; });
     std::string name = escaped(step.name);
@@ -87,7 +88,7 @@ std::string step_markup(const StepNote& step, const std::vector<RemovedInk>& rem
                        "\"><b>" + name + "</b><span>" + (step.outcome.done ? "" : "skipped: ") +
                        escaped(step.outcome.why) + "</span>";
     if (step.outcome.done)
-        text += "<small>" + with_digits("%.0f ms", step.seconds * 1000) + "</small>";
+        text += "<small>" + steps::with_digits("%.0f ms", step.seconds * 1000) + "</small>";
     return text + "</li>";
 }
 
@@ -109,7 +110,7 @@ std::string page_markup(const std::string& anchor, const std::string& input, std
         text += "<p class=\"hint\">Coloured: what a step took off the page.</p>";
     }
     text += "<ol class=\"steps\">";
-    for (const StepNote& step : record.steps) text += step_markup(step, pictures.removed);
+    for (const steps::StepNote& step : record.steps) text += step_markup(step, pictures.removed);
     text += "</ol>\n";
     if (pictures.fan) text += fan_markup(*pictures.fan, record);
     return text + "</div></div></article>\n";
@@ -122,4 +123,4 @@ std::string failure_markup(const std::string& anchor, const std::string& input,
            ". Nothing was written for this file.</p></article>\n";
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -8,7 +8,7 @@
 #include "report/page_pictures.h"
 #include "report/page_record.h"
 
-namespace tool {
+namespace tool::report {
 
 // anchor: the id that the figures link to.
 std::string page_markup(const std::string& anchor, const std::string& input, std::size_t page_count,
@@ -17,4 +17,4 @@ std::string page_markup(const std::string& anchor, const std::string& input, std
 std::string failure_markup(const std::string& anchor, const std::string& input,
                            const std::string& what);
 
-}  // namespace tool
+}  // namespace tool::report

@@ -7,7 +7,7 @@
 
 #include "steps/stopwatch.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 // Adds the time of its life to a total.
@@ -20,7 +20,7 @@ class CountedTime {
 
   private:
     double& total_;
-    const Stopwatch watch_;
+    const steps::Stopwatch watch_;
 };
 
 }  // namespace
@@ -41,29 +41,29 @@ void PagePainter::source(const Page& page) {
     first_ = last_;
 }
 
-void PagePainter::after(const Step& step, const Page& page) {
+void PagePainter::after(const steps::Step& step, const Page& page) {
     const CountedTime counted(seconds_);
     ScaledPicture now = scaled_down(page);
     switch (step.effect) {
-        case Effect::kBringsUpright:
+        case steps::Effect::kBringsUpright:
             first_ = now;
             first_posture_ = ++posture_;
             break;
-        case Effect::kTurnsPage:
+        case steps::Effect::kTurnsPage:
             ++posture_;
             break;
-        case Effect::kTakesInk:
+        case steps::Effect::kTakesInk:
             if (const auto marks = marks_of_removed(last_, now, mark_colour(step.name))) {
                 marks_.push_back({step.name, posture_, encode(*marks)});
             }
             break;
-        case Effect::kChangesTone:
+        case steps::Effect::kChangesTone:
             break;
     }
     last_ = std::move(now);
 }
 
-PagePictures PagePainter::take(std::optional<SkewFan> fan) {
+PagePictures PagePainter::take(std::optional<steps::SkewFan> fan) {
     const CountedTime counted(seconds_);
     PagePictures pictures;
     pictures.before = encode(first_);
@@ -76,4 +76,4 @@ PagePictures PagePainter::take(std::optional<SkewFan> fan) {
     return pictures;
 }
 
-}  // namespace tool
+}  // namespace tool::report

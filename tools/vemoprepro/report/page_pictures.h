@@ -11,7 +11,7 @@
 #include "report/scaled_picture.h"
 #include "steps/pipeline.h"
 
-namespace tool {
+namespace tool::report {
 
 struct RemovedInk {
     std::string step;
@@ -25,19 +25,19 @@ struct PagePictures {
     EncodedPicture before;  // upright
     EncodedPicture after;
     std::vector<RemovedInk> removed;
-    std::optional<SkewFan> fan;  // when the skew was measured
+    std::optional<steps::SkewFan> fan;  // when the skew was measured
 };
 
 // The colour of a step's marks.
 Colour mark_colour(const std::string& step);
 
-class PagePainter final : public PageWatcher {
+class PagePainter final : public steps::PageWatcher {
   public:
     void source(const Page& page) override;
-    void after(const Step& step, const Page& page) override;
+    void after(const steps::Step& step, const Page& page) override;
 
     // fan: of the skew search; none when the skew was not measured.
-    PagePictures take(std::optional<SkewFan> fan);
+    PagePictures take(std::optional<steps::SkewFan> fan);
     // Time spent on pictures.
     double seconds() const { return seconds_; }
 
@@ -56,4 +56,4 @@ class PagePainter final : public PageWatcher {
     std::vector<Marks> marks_;
 };
 
-}  // namespace tool
+}  // namespace tool::report

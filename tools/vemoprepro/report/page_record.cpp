@@ -1,8 +1,8 @@
 #include "report/page_record.h"
 
-namespace tool {
+namespace tool::report {
 
-PageRecord record_of(std::size_t number, const PageWork& work, double seconds) {
+PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds) {
     PageRecord record;
     record.number = number;
     record.source = work.source;
@@ -17,4 +17,4 @@ PageRecord record_of(std::size_t number, const PageWork& work, double seconds) {
     return record;
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -8,22 +8,22 @@
 
 #include "steps/page_work.h"
 
-namespace tool {
+namespace tool::report {
 
 struct PageRecord {
     std::size_t number = 1;
     PageShape source;
-    ResolutionSource resolution_source = ResolutionSource::kFile;
-    std::optional<Skew> skew;
+    steps::ResolutionSource resolution_source = steps::ResolutionSource::kFile;
+    std::optional<steps::Skew> skew;
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<int> threshold;
-    std::optional<Box> content;
-    std::vector<StepNote> steps;
+    std::optional<steps::Box> content;
+    std::vector<steps::StepNote> steps;
     PageShape output;
     double seconds = 0;
 };
 
 // Of a page that has gone through all of its steps.
-PageRecord record_of(std::size_t number, const PageWork& work, double seconds);
+PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds);
 
-}  // namespace tool
+}  // namespace tool::report

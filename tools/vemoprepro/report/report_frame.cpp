@@ -4,7 +4,7 @@
 
 #include "report/html_text.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 constexpr std::string_view kTitle = "@title@";
@@ -28,4 +28,4 @@ std::string report_end() {
     return text.substr(text.find(kPages) + kPages.size());
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -7,7 +7,7 @@
 
 #include <string>
 
-namespace tool {
+namespace tool::report {
 
 // With @title@ and @pages@ for what is put in.
 extern const char* const kReportTemplate;
@@ -17,4 +17,4 @@ std::string report_start(const std::string& title);
 // From behind the figures on.
 std::string report_end();
 
-}  // namespace tool
+}  // namespace tool::report

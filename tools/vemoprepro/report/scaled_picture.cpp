@@ -7,7 +7,7 @@
 #include "files/pix.h"
 #include "page/ink.h"
 
-namespace tool {
+namespace tool::report {
 namespace {
 
 constexpr int kJpegQuality = 82;
@@ -108,11 +108,11 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
 
 EncodedPicture encode(const ScaledPicture& picture) {
     const bool scan = picture.channels != 4 && picture.kind != PageKind::kBitonal;
-    const PixOwner image =
-        pix_of(picture.pixels.data(), picture.width, picture.height, picture.channels);
+    const files::PixOwner image =
+        files::pix_of(picture.pixels.data(), picture.width, picture.height, picture.channels);
     EncodedPicture encoded;
     encoded.type = scan ? "image/jpeg" : "image/png";
-    encoded.bytes = scan ? jpeg_of(image.get(), kJpegQuality) : png_of(image.get());
+    encoded.bytes = scan ? files::jpeg_of(image.get(), kJpegQuality) : files::png_of(image.get());
     encoded.page_width = picture.page_width;
     encoded.page_height = picture.page_height;
     encoded.covered_width = picture.width * picture.factor;
@@ -120,4 +120,4 @@ EncodedPicture encode(const ScaledPicture& picture) {
     return encoded;
 }
 
-}  // namespace tool
+}  // namespace tool::report

@@ -12,7 +12,7 @@
 
 #include "page/page.h"
 
-namespace tool {
+namespace tool::report {
 
 struct ScaledPicture {
     PageKind kind = PageKind::kGrey;  // of the page
@@ -59,4 +59,4 @@ struct EncodedPicture {
 // Scans become JPEGs, drawings (bitonal pages, marks) PNGs.
 EncodedPicture encode(const ScaledPicture& picture);
 
-}  // namespace tool
+}  // namespace tool::report

@@ -9,31 +9,33 @@
 #include "run/messages.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 // To the start of the terminal's line, and what is there goes.
 constexpr const char* kNewLineInPlace = "\r\x1b[K";
 
-std::string page_label(const std::string& input, const PageRecord& record, std::size_t pages) {
+std::string page_label(const std::string& input, const report::PageRecord& record,
+                       std::size_t pages) {
     if (pages == 1) return input + ": ";
     return input + ": page " + std::to_string(record.number) + " of " + std::to_string(pages) +
            ": ";
 }
 
 // Why a step that was asked for was not done, when that is worth a word on the page's line.
-std::string why_not(const StepNote& step) {
-    const Outcome& outcome = step.outcome;
+std::string why_not(const steps::StepNote& step) {
+    const steps::Outcome& outcome = step.outcome;
     if (step.name == "deskew") return "; not straightened: " + outcome.why;
     if (outcome.ink_removed) return "; " + step.name + " skipped: it " + outcome.why;
-    if (step.name == "crop" && outcome.why != kSwitchedOff) return "; crop skipped: " + outcome.why;
+    if (step.name == "crop" && outcome.why != steps::kSwitchedOff)
+        return "; crop skipped: " + outcome.why;
     return "";
 }
 
 // "colour, 2480 x 3508 pixels, 300 dpi; threshold 143 (Otsu's method); skew 1.34 degrees (...)"
-std::string summary(const PageRecord& record) {
+std::string summary(const report::PageRecord& record) {
     std::string text = describe(record.source);
-    for (const StepNote& step : record.steps) {
+    for (const steps::StepNote& step : record.steps) {
         text += step.outcome.done ? "; " + step.outcome.why : why_not(step);
     }
     return text;
@@ -41,15 +43,15 @@ std::string summary(const PageRecord& record) {
 
 // What must not be written over by the next page: a step that was held back, and the content's
 // rectangle that was asked for.
-bool must_stay(const PageRecord& record) {
+bool must_stay(const report::PageRecord& record) {
     return record.content ||
-           std::any_of(record.steps.begin(), record.steps.end(), [](const StepNote& step) {
+           std::any_of(record.steps.begin(), record.steps.end(), [](const steps::StepNote& step) {
                return !step.outcome.done && step.outcome.ink_removed.has_value();
            });
 }
 
 // "deskew: skipped: no clear skew (confidence 1.23)"
-std::string line_of(const StepNote& step) {
+std::string line_of(const steps::StepNote& step) {
     return step.name + ": " + (step.outcome.done ? "done: " : "skipped: ") + step.outcome.why;
 }
 
@@ -65,13 +67,13 @@ std::string cut_to_terminal(const std::string& line, std::FILE* terminal) {
     return line;
 }
 
-const char* resolution_words(ResolutionSource source) {
+const char* resolution_words(steps::ResolutionSource source) {
     switch (source) {
-        case ResolutionSource::kDefault:
+        case steps::ResolutionSource::kDefault:
             return " (the file has none)";
-        case ResolutionSource::kOption:
+        case steps::ResolutionSource::kOption:
             return " (as given)";
-        case ResolutionSource::kFile:
+        case steps::ResolutionSource::kFile:
             break;
     }
     return "";
@@ -96,7 +98,7 @@ void Console::start(const std::string& input, const std::string& format, std::si
     }
 }
 
-void Console::page(PageRecord record, const std::string& output) {
+void Console::page(report::PageRecord record, const std::string& output) {
     if (!quiet_) {
         const std::string label = page_label(input_, record, page_count_);
         if (verbose_) {
@@ -118,8 +120,8 @@ void Console::print_line(const std::string& line, bool as_progress) {
     progress_ = as_progress ? line : "";
 }
 
-void Console::print_steps(const PageRecord& record, const std::string& output) {
-    for (const StepNote& step : record.steps) {
+void Console::print_steps(const report::PageRecord& record, const std::string& output) {
+    for (const steps::StepNote& step : record.steps) {
         std::fprintf(words_, "  %s\n", line_of(step).c_str());
     }
     std::fprintf(words_, "  written: %s, %d x %d pixels, to %s (%.2f s)\n",
@@ -131,14 +133,14 @@ void Console::finish_input(const std::vector<std::string>& outputs) {
     if (json_) files_.back()["outputs"] = outputs;
 }
 
-void Console::fail(const FileError& error) {
+void Console::fail(const files::FileError& error) {
     clear_progress();
     std::fflush(words_);
     complain(error.file(), error.what());
     status_ = kExitFailed;
 }
 
-void Console::fail_input(const FileError& error) {
+void Console::fail_input(const files::FileError& error) {
     fail(error);
     if (json_) {
         files_.back()["error"] =
@@ -161,4 +163,4 @@ int Console::finish() {
     return kExitFailed;
 }
 
-}  // namespace tool
+}  // namespace tool::run

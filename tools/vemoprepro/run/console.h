@@ -13,23 +13,23 @@
 #include "run/options.h"
 #include "run/record_json.h"
 
-namespace tool {
+namespace tool::run {
 
 class Console {
   public:
     explicit Console(const Options& options);
 
     void start(const std::string& input, const std::string& format, std::size_t page_count);
-    void page(PageRecord record, const std::string& output);
+    void page(report::PageRecord record, const std::string& output);
     void finish_input(const std::vector<std::string>& outputs);
-    void fail_input(const FileError& error);
+    void fail_input(const files::FileError& error);
     // What fails beside the inputs.
-    void fail(const FileError& error);
+    void fail(const files::FileError& error);
     int finish();
 
   private:
     void print_line(const std::string& line, bool as_progress);
-    void print_steps(const PageRecord& record, const std::string& output);
+    void print_steps(const report::PageRecord& record, const std::string& output);
     // Ends the line of progress: the last page stays, with all that was said of it.
     void clear_progress();
 
@@ -46,4 +46,4 @@ class Console {
     int status_ = kExitDone;
 };
 
-}  // namespace tool
+}  // namespace tool::run

@@ -9,7 +9,7 @@
 #include "run/messages.h"
 #include "run/record_json.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 Json page_json(std::size_t number, const PageShape& shape, int quarter_turns) {
@@ -26,7 +26,7 @@ void print_page(std::size_t number, const PageShape& shape, int quarter_turns) {
 }
 
 void print_file(const std::string& name, bool words, Json& json) {
-    const ImageFile file(name);
+    const files::ImageFile file(name);
     json["format"] = name_of(file.format());
     if (words) {
         std::printf("%s: %s, %zu page%s\n", name.c_str(), name_of(file.format()), file.page_count(),
@@ -49,7 +49,7 @@ int print_info(const Options& options) {
         files.push_back(file_json(name, ""));
         try {
             print_file(name, words, files.back());
-        } catch (const FileError& error) {
+        } catch (const files::FileError& error) {
             std::fflush(stdout);
             complain(error.file(), error.what());
             files.back()["error"] = error.what();
@@ -62,4 +62,4 @@ int print_info(const Options& options) {
     return kExitFailed;
 }
 
-}  // namespace tool
+}  // namespace tool::run

@@ -3,9 +3,9 @@
 
 #include "run/options.h"
 
-namespace tool {
+namespace tool::run {
 
 // Returns the exit status.
 int print_info(const Options& options);
 
-}  // namespace tool
+}  // namespace tool::run

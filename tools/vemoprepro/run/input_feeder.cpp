@@ -3,14 +3,15 @@
 
 #include "run/record_json.h"
 
-namespace tool {
+namespace tool::run {
 
 InputFeeder::InputFeeder(const Options& options) : options_(options), plan_(options) {
     if (options.findings.empty()) return;
     findings_ = read_findings(options.findings);
     if (findings_.size() != 1 && findings_.size() != options.inputs.size()) {
-        throw FileError(options.findings, "records " + std::to_string(findings_.size()) +
-                                              " files, which fits neither one nor all inputs");
+        throw files::FileError(options.findings,
+                               "records " + std::to_string(findings_.size()) +
+                                   " files, which fits neither one nor all inputs");
     }
 }
 
@@ -32,7 +33,7 @@ PageTask InputFeeder::open_next() {
         open(*task.input, number);
         current_ = task.input;
         next_page_ = 1;
-    } catch (const FileError& error) {
+    } catch (const files::FileError& error) {
         task.error = error;
     }
     return task;
@@ -44,12 +45,12 @@ void InputFeeder::open(Input& input, std::size_t number) {
     if (!findings_.empty()) {
         input.findings = findings_.size() == 1 ? findings_.front() : findings_[number];
         if (input.findings.size() != pages) {
-            throw FileError(input.name, "holds " + std::to_string(pages) + " pages, but " +
-                                            options_.findings + " records " +
-                                            std::to_string(input.findings.size()));
+            throw files::FileError(input.name, "holds " + std::to_string(pages) + " pages, but " +
+                                                   options_.findings + " records " +
+                                                   std::to_string(input.findings.size()));
         }
     }
     input.outputs = plan_.names_for(input.name, pages);
 }
 
-}  // namespace tool
+}  // namespace tool::run

@@ -14,14 +14,14 @@
 #include "run/output_plan.h"
 #include "steps/page_work.h"
 
-namespace tool {
+namespace tool::run {
 
 // What the pages of one input share.
 struct Input {
     std::string name;
-    std::optional<ImageFile> file;  // none when it could not be opened
+    std::optional<files::ImageFile> file;  // none when it could not be opened
     OutputNames outputs;
-    std::vector<Findings> findings;  // of --apply, one per page; else empty
+    std::vector<steps::Findings> findings;  // of --apply, one per page; else empty
     // Set when a page fails: the pages behind it need no work. Those before it are still worked on,
     // so that what is reported does not depend on which page came first.
     std::atomic<std::size_t> failed_page = kNone;
@@ -38,7 +38,7 @@ struct Input {
 struct PageTask {
     std::shared_ptr<Input> input;
     std::size_t page = 0;
-    std::optional<FileError> error;  // the input cannot be worked on at all
+    std::optional<files::FileError> error;  // the input cannot be worked on at all
 };
 
 class InputFeeder {
@@ -55,10 +55,10 @@ class InputFeeder {
 
     const Options& options_;
     OutputPlan plan_;
-    std::vector<std::vector<Findings>> findings_;
+    std::vector<std::vector<steps::Findings>> findings_;
     std::size_t next_input_ = 0;
     std::size_t next_page_ = 0;
     std::shared_ptr<Input> current_;
 };
 
-}  // namespace tool
+}  // namespace tool::run

@@ -13,31 +13,31 @@
 
 namespace {
 
-int run_command(const tool::Options& options) {
+int run_command(const tool::run::Options& options) {
     try {
-        return options.info ? tool::print_info(options) : tool::make_pages(options);
-    } catch (const tool::UsageError& error) {
-        std::fprintf(tool::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
+        return options.info ? tool::run::print_info(options) : tool::run::make_pages(options);
+    } catch (const tool::run::UsageError& error) {
+        std::fprintf(tool::run::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
                      error.what());
-        return tool::kExitUsage;
-    } catch (const tool::FileError& error) {
-        tool::complain(error.file(), error.what());
+        return tool::run::kExitUsage;
+    } catch (const tool::files::FileError& error) {
+        tool::run::complain(error.file(), error.what());
     } catch (const std::exception& error) {
-        std::fprintf(tool::error_stream(), "vemoprepro: %s\n", error.what());
+        std::fprintf(tool::run::error_stream(), "vemoprepro: %s\n", error.what());
     }
-    return tool::kExitFailed;
+    return tool::run::kExitFailed;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    tool::hold_standard_streams();
-    tool::take_standard_error();
+    tool::run::hold_standard_streams();
+    tool::run::take_standard_error();
     tool::set_up_page_memory();
-    int exit_status = tool::kExitDone;
-    const auto options = tool::parse_options(argc, argv, exit_status);
+    int exit_status = tool::run::kExitDone;
+    const auto options = tool::run::parse_options(argc, argv, exit_status);
     if (!options) return exit_status;
-    tool::remove_unfinished_on_signals();
-    tool::prepare_decoders();
+    tool::files::remove_unfinished_on_signals();
+    tool::files::prepare_decoders();
     return run_command(*options);
 }

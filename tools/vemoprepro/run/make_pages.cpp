@@ -12,26 +12,27 @@
 #include "steps/resolution.h"
 #include "steps/stopwatch.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
-void work_on(const Options& options, const Pipeline& pipeline, const PageTask& task,
+void work_on(const Options& options, const steps::Pipeline& pipeline, const PageTask& task,
              PageResult& result) {
-    const Stopwatch watch;
+    const steps::Stopwatch watch;
     const bool pictured = !options.report_folder.empty();
-    PageWork work;
+    steps::PageWork work;
     work.page = task.input->file->read_page(task.page);
     if (!task.input->findings.empty()) work.given = task.input->findings[task.page];
     work.wants_fan = pictured;
-    settle_resolution(work, options.steps.dpi);
-    PagePainter painter;
-    process(pipeline, work, pictured ? &painter : nullptr);
+    steps::settle_resolution(work, options.steps.dpi);
+    report::PagePainter painter;
+    steps::process(pipeline, work, pictured ? &painter : nullptr);
     if (pictured) result.pictures = painter.take(work.fan);
-    result.record = record_of(task.page + 1, work, watch.seconds() - painter.seconds());
+    result.record = report::record_of(task.page + 1, work, watch.seconds() - painter.seconds());
     result.data = std::move(work.page);
 }
 
-PageResult result_of(const Options& options, const Pipeline& pipeline, const PageTask& task) {
+PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
+                     const PageTask& task) {
     PageResult result;
     result.input = task.input;
     result.page = task.page;
@@ -40,14 +41,14 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
     try {
         work_on(options, pipeline, task, result);
         return result;
-    } catch (const FileError& error) {
+    } catch (const files::FileError& error) {
         result.error = error;
     } catch (const PageError& error) {
-        result.error =
-            FileError(task.input->name, task.input->file->page_prefix(task.page) + error.what());
+        result.error = files::FileError(task.input->name,
+                                        task.input->file->page_prefix(task.page) + error.what());
     } catch (const std::bad_alloc&) {
-        result.error = FileError(task.input->name,
-                                 task.input->file->page_prefix(task.page) + "not enough memory");
+        result.error = files::FileError(
+            task.input->name, task.input->file->page_prefix(task.page) + "not enough memory");
     }
     result.data = {};
     result.pictures.reset();
@@ -58,23 +59,24 @@ PageResult result_of(const Options& options, const Pipeline& pipeline, const Pag
 }  // namespace
 
 int make_pages(const Options& options) {
-    const Pipeline pipeline = make_pipeline(options.steps);
+    const steps::Pipeline pipeline = steps::make_pipeline(options.steps);
     InputFeeder feeder(options);
     Console console(options);
-    std::optional<HtmlReport> pictures;
+    std::optional<report::HtmlReport> pictures;
     if (!options.report_folder.empty()) {
         pictures.emplace(options.report_folder, options.inputs, options.overwrite);
     }
     OutputCollector collector(options, console, pictures ? &*pictures : nullptr);
-    const std::size_t window = keeps_kind(options.steps.command) ? options.jobs : 2 * options.jobs;
+    const std::size_t window =
+        steps::keeps_kind(options.steps.command) ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });
     queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
     if (pictures) {
-        if (const std::optional<FileError> error = pictures->finish()) console.fail(*error);
+        if (const std::optional<files::FileError> error = pictures->finish()) console.fail(*error);
     }
     return console.finish();
 }
 
-}  // namespace tool
+}  // namespace tool::run

@@ -3,9 +3,9 @@
 
 #include "run/options.h"
 
-namespace tool {
+namespace tool::run {
 
 // Returns the exit status. Throws UsageError, and FileError for what concerns the whole run.
 int make_pages(const Options& options);
 
-}  // namespace tool
+}  // namespace tool::run

@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 std::FILE* errors = stderr;
@@ -41,4 +41,4 @@ void complain(const std::string& file, const std::string& what) {
     std::fflush(errors);
 }
 
-}  // namespace tool
+}  // namespace tool::run

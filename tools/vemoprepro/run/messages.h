@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-namespace tool {
+namespace tool::run {
 
 // Keeps files from taking the place of a standard stream that is closed. Call once, first of all.
 void hold_standard_streams();
@@ -20,4 +20,4 @@ std::FILE* error_stream();
 // "vemoprepro: FILE: what is wrong", on one line.
 void complain(const std::string& file, const std::string& what);
 
-}  // namespace tool
+}  // namespace tool::run

@@ -2,7 +2,7 @@
 // -v.
 #include "run/option_list.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 constexpr const char* kExamples =
@@ -236,4 +236,4 @@ void describe_options(CLI::App& app, Options& options, RawOptions& raw) {
     add_info(app, options);
 }
 
-}  // namespace tool
+}  // namespace tool::run

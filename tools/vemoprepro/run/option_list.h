@@ -10,7 +10,7 @@
 
 #include "run/options.h"
 
-namespace tool {
+namespace tool::run {
 
 // What CLI11 fills in, before it becomes Options.
 struct RawOptions {
@@ -36,4 +36,4 @@ struct RawOptions {
 
 void describe_options(CLI::App& app, Options& options, RawOptions& raw);
 
-}  // namespace tool
+}  // namespace tool::run

@@ -16,7 +16,7 @@
 #include "run/messages.h"
 #include "run/option_list.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 [[noreturn]] void refuse(const std::string& what) {
@@ -29,11 +29,12 @@ std::string lower(std::string text) {
     return text;
 }
 
-std::optional<OutputFormat> format_named(const std::string& name) {
-    static const std::map<std::string, OutputFormat> kFormats = {
-        {"tif", OutputFormat::kTiff}, {"tiff", OutputFormat::kTiff}, {"png", OutputFormat::kPng},
-        {"pbm", OutputFormat::kPnm},  {"pgm", OutputFormat::kPnm},   {"ppm", OutputFormat::kPnm},
-        {"pnm", OutputFormat::kPnm}};
+std::optional<files::OutputFormat> format_named(const std::string& name) {
+    static const std::map<std::string, files::OutputFormat> kFormats = {
+        {"tif", files::OutputFormat::kTiff}, {"tiff", files::OutputFormat::kTiff},
+        {"png", files::OutputFormat::kPng},  {"pbm", files::OutputFormat::kPnm},
+        {"pgm", files::OutputFormat::kPnm},  {"ppm", files::OutputFormat::kPnm},
+        {"pnm", files::OutputFormat::kPnm}};
     const auto found = kFormats.find(lower(name));
     if (found == kFormats.end()) return std::nullopt;
     return found->second;
@@ -48,19 +49,19 @@ int threshold_from(const std::string& text) {
     return value;
 }
 
-Skew skew_from(double degrees) {
-    const std::optional<Skew> skew = skew_of_degrees(degrees);
+steps::Skew skew_from(double degrees) {
+    const std::optional<steps::Skew> skew = steps::skew_of_degrees(degrees);
     if (!skew) refuse("--skew: beyond the largest skew of 10.6 degrees to either side");
     return *skew;
 }
 
-Command command_named(const std::string& name) {
-    static const std::map<std::string, Command> kCommands = {
-        {"clean", Command::kClean},           {"binarize", Command::kBinarize},
-        {"deskew", Command::kDeskew},         {"rotate", Command::kRotate},
-        {"despeckle", Command::kDespeckle},   {"unline", Command::kUnline},
-        {"underlines", Command::kUnderlines}, {"crop", Command::kCrop},
-        {"textmask", Command::kTextmask}};
+steps::Command command_named(const std::string& name) {
+    static const std::map<std::string, steps::Command> kCommands = {
+        {"clean", steps::Command::kClean},           {"binarize", steps::Command::kBinarize},
+        {"deskew", steps::Command::kDeskew},         {"rotate", steps::Command::kRotate},
+        {"despeckle", steps::Command::kDespeckle},   {"unline", steps::Command::kUnline},
+        {"underlines", steps::Command::kUnderlines}, {"crop", steps::Command::kCrop},
+        {"textmask", steps::Command::kTextmask}};
     return kCommands.at(name);
 }
 
@@ -77,16 +78,16 @@ bool given(const CLI::App& command, const char* name) {
     return option != nullptr && option->count() > 0;
 }
 
-Pixels pixels_of(const CLI::App& command, const char* name, int value) {
-    return given(command, name) ? Pixels(value) : Pixels();
+steps::Pixels pixels_of(const CLI::App& command, const char* name, int value) {
+    return given(command, name) ? steps::Pixels(value) : steps::Pixels();
 }
 
 void take_binarization(const CLI::App& command, Options& options, const RawOptions& raw) {
     options.steps.threshold = threshold_from(raw.threshold);
     if (options.steps.threshold > 0) {
-        options.steps.binarization = Binarization::kFixed;
+        options.steps.binarization = steps::Binarization::kFixed;
     } else if (given(command, "--threshold") || raw.method == "otsu") {
-        options.steps.binarization = Binarization::kOtsu;
+        options.steps.binarization = steps::Binarization::kOtsu;
     }
 }
 
@@ -97,15 +98,16 @@ void take_steps(const CLI::App& command, Options& options, const RawOptions& raw
     options.steps.force |= reading;
     options.steps.prepare = reading && !raw.no_prepare;
     options.steps.crop_border |= reading && !raw.no_crop_border;
-    options.steps.crop_border |= options.steps.command == Command::kCrop;
+    options.steps.crop_border |= options.steps.command == steps::Command::kCrop;
 
-    const char* area = options.steps.command == Command::kClean ? "--despeckle" : "--max-area";
+    const char* area =
+        options.steps.command == steps::Command::kClean ? "--despeckle" : "--max-area";
     options.steps.despeckle.max_area = pixels_of(command, area, raw.max_area);
     options.steps.despeckle.keep_near = pixels_of(command, "--keep-near", raw.keep_near);
     options.steps.despeckle.wanted = !raw.no_despeckle && options.steps.despeckle.max_area != 0;
 
     const bool both =
-        options.steps.command == Command::kUnline || (reading && !raw.no_remove_lines);
+        options.steps.command == steps::Command::kUnline || (reading && !raw.no_remove_lines);
     for (const std::string& direction : raw.lines) {
         (direction == "vertical" ? options.steps.lines.vertical : options.steps.lines.horizontal) =
             true;
@@ -158,7 +160,7 @@ int answer(const CLI::App& app, const CLI::ParseError& error) {
 
 }  // namespace
 
-std::optional<OutputFormat> format_by_name(const std::string& name) {
+std::optional<files::OutputFormat> format_by_name(const std::string& name) {
     const std::size_t dot = name.rfind('.');
     if (dot == std::string::npos || name.find('/', dot) != std::string::npos) return std::nullopt;
     return format_named(name.substr(dot + 1));
@@ -180,4 +182,4 @@ std::optional<Options> parse_options(int argc, char** argv, int& exit_status) {
     }
 }
 
-}  // namespace tool
+}  // namespace tool::run

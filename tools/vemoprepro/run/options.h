@@ -8,14 +8,14 @@
 #include "files/page_writer.h"
 #include "steps/step_options.h"
 
-namespace tool {
+namespace tool::run {
 
 struct Options {
     bool info = false;  // the info command, which has no steps
-    StepOptions steps;
+    steps::StepOptions steps;
     std::vector<std::string> inputs;
-    std::string output;                  // a file, a folder or "-"
-    std::optional<OutputFormat> format;  // none: by the name of the output
+    std::string output;                         // a file, a folder or "-"
+    std::optional<files::OutputFormat> format;  // none: by the name of the output
     unsigned jobs = 1;
     std::string findings;       // file of --apply; empty: none
     std::string report_folder;  // of --report; empty: none
@@ -37,6 +37,6 @@ constexpr int kExitUsage = 2;
 std::optional<Options> parse_options(int argc, char** argv, int& exit_status);
 
 // The format that a file name's extension asks for.
-std::optional<OutputFormat> format_by_name(const std::string& name);
+std::optional<files::OutputFormat> format_by_name(const std::string& name);
 
-}  // namespace tool
+}  // namespace tool::run

@@ -20,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-namespace tool {
+namespace tool::run {
 
 template <typename Task, typename Result>
 class OrderedQueue {
@@ -122,4 +122,4 @@ class OrderedQueue {
     std::exception_ptr error_;
 };
 
-}  // namespace tool
+}  // namespace tool::run

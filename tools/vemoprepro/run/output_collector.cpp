@@ -3,23 +3,23 @@
 #include <new>
 #include <utility>
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 // A name that promises a bitmap must not hold something else.
 void check_fit(const std::string& name, const Page& page) {
     const std::string end = name.size() < 4 ? "" : name.substr(name.size() - 4);
     if (page.kind != PageKind::kBitonal && (end == ".pbm" || end == ".PBM")) {
-        throw FileError(name, std::string("a ") + name_of(page.kind) +
-                                  " page does not fit into a PBM file, name it .pnm");
+        throw files::FileError(name, std::string("a ") + name_of(page.kind) +
+                                         " page does not fit into a PBM file, name it .pnm");
     }
 }
 
 }  // namespace
 
 void OutputSet::open(const std::string& name) {
-    files_.push_back(std::make_unique<OutputFile>(name, overwrite_));
-    writer_ = make_page_writer(names_.format, *files_.back());
+    files_.push_back(std::make_unique<files::OutputFile>(name, overwrite_));
+    writer_ = files::make_page_writer(names_.format, *files_.back());
 }
 
 void OutputSet::finish_file() {
@@ -44,7 +44,7 @@ void OutputSet::publish() {
     std::size_t published = 0;
     try {
         for (; published < files_.size(); ++published) files_[published]->publish();
-    } catch (const FileError&) {
+    } catch (const files::FileError&) {
         while (published > 0) files_[--published]->withdraw();
         throw;
     }
@@ -55,10 +55,10 @@ void OutputCollector::deliver(PageResult& result) {
     if (result.error) return fail(result, *result.error);
     try {
         write(result);
-    } catch (const FileError& error) {
+    } catch (const files::FileError& error) {
         fail(result, error);
     } catch (const std::bad_alloc&) {
-        fail(result, FileError(result.input->name, "not enough memory"));
+        fail(result, files::FileError(result.input->name, "not enough memory"));
     }
 }
 
@@ -79,7 +79,7 @@ void OutputCollector::write(PageResult& result) {
     console_.finish_input(input.outputs.files);
 }
 
-void OutputCollector::fail(PageResult& result, const FileError& error) {
+void OutputCollector::fail(PageResult& result, const files::FileError& error) {
     result.input->fail_from(result.page);
     failed_ = result.input;
     outputs_.reset();
@@ -88,4 +88,4 @@ void OutputCollector::fail(PageResult& result, const FileError& error) {
     if (pictures_ != nullptr) pictures_->fail(result.input->name, error.what());
 }
 
-}  // namespace tool
+}  // namespace tool::run

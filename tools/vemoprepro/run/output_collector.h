@@ -11,15 +11,15 @@
 #include "run/console.h"
 #include "run/input_feeder.h"
 
-namespace tool {
+namespace tool::run {
 
 struct PageResult {
     std::shared_ptr<Input> input;
     std::size_t page = 0;
     Page data;
-    PageRecord record;
-    std::optional<PagePictures> pictures;  // for the report to look at
-    std::optional<FileError> error;
+    report::PageRecord record;
+    std::optional<report::PagePictures> pictures;  // for the report to look at
+    std::optional<files::FileError> error;
 };
 
 // The output files of one input: all of them appear, or none.
@@ -36,27 +36,27 @@ class OutputSet {
 
     const OutputNames& names_;
     bool overwrite_;
-    std::vector<std::unique_ptr<OutputFile>> files_;
-    std::unique_ptr<PageWriter> writer_;  // of the last file
+    std::vector<std::unique_ptr<files::OutputFile>> files_;
+    std::unique_ptr<files::PageWriter> writer_;  // of the last file
 };
 
 class OutputCollector {
   public:
     // pictures: the report to look at; may be null.
-    OutputCollector(const Options& options, Console& console, HtmlReport* pictures)
+    OutputCollector(const Options& options, Console& console, report::HtmlReport* pictures)
         : overwrite_(options.overwrite), console_(console), pictures_(pictures) {}
 
     void deliver(PageResult& result);
 
   private:
     void write(PageResult& result);
-    void fail(PageResult& result, const FileError& error);
+    void fail(PageResult& result, const files::FileError& error);
 
     bool overwrite_;
     Console& console_;
-    HtmlReport* pictures_;
+    report::HtmlReport* pictures_;
     std::shared_ptr<Input> failed_;  // the last input that failed, already reported
     std::optional<OutputSet> outputs_;
 };
 
-}  // namespace tool
+}  // namespace tool::run

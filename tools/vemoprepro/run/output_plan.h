@@ -15,7 +15,7 @@
 #include "files/page_writer.h"
 #include "run/options.h"
 
-namespace tool {
+namespace tool::run {
 
 // The options do not fit together; exit status 2.
 class UsageError : public std::runtime_error {
@@ -23,7 +23,7 @@ class UsageError : public std::runtime_error {
 };
 
 struct OutputNames {
-    OutputFormat format = OutputFormat::kTiff;
+    files::OutputFormat format = files::OutputFormat::kTiff;
     // One name for all pages, or one per page.
     std::vector<std::string> files;
 
@@ -52,9 +52,9 @@ class OutputPlan {
     bool folder_ = false;
     bool overwrite_ = false;
     bool keeps_kind_ = false;
-    OutputFormat format_ = OutputFormat::kTiff;
+    files::OutputFormat format_ = files::OutputFormat::kTiff;
     std::set<FileIdentity> inputs_;
     std::map<std::string, std::string> taken_;  // output: input
 };
 
-}  // namespace tool
+}  // namespace tool::run

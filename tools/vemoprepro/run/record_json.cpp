@@ -8,26 +8,26 @@
 
 #include "files/file_error.h"
 
-namespace tool {
+namespace tool::run {
 namespace {
 
 Json size_json(const PageShape& shape) {
     return {{"kind", name_of(shape.kind)}, {"width", shape.width}, {"height", shape.height}};
 }
 
-const char* source_json(ResolutionSource source) {
+const char* source_json(steps::ResolutionSource source) {
     switch (source) {
-        case ResolutionSource::kFile:
+        case steps::ResolutionSource::kFile:
             return "file";
-        case ResolutionSource::kOption:
+        case steps::ResolutionSource::kOption:
             return "option";
-        case ResolutionSource::kDefault:
+        case steps::ResolutionSource::kDefault:
             break;
     }
     return "default";
 }
 
-Json skew_json(const PageRecord& record) {
+Json skew_json(const report::PageRecord& record) {
     if (!record.skew) return nullptr;
     Json json = {{"degrees", record.skew->degrees()},
                  {"numerator", record.skew->numerator},
@@ -39,7 +39,7 @@ Json skew_json(const PageRecord& record) {
     return json;
 }
 
-Json box_json(const std::optional<Box>& box) {
+Json box_json(const std::optional<steps::Box>& box) {
     if (!box) return nullptr;
     return {{"x", box->x}, {"y", box->y}, {"width", box->width}, {"height", box->height}};
 }
@@ -63,12 +63,12 @@ int whole_number(const Json& json) {
     return json.get<int>();
 }
 
-Findings findings_of(const Json& page) {
-    Findings findings;
+steps::Findings findings_of(const Json& page) {
+    steps::Findings findings;
     const Json& skew = page.at("skew");
     if (!skew.is_null()) {
         findings.skew =
-            Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
+            steps::Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
         if (!findings.skew->in_range()) throw std::out_of_range("a skew beyond 10.6 degrees");
     }
     const Json& threshold = page.at("threshold");
@@ -81,8 +81,8 @@ Findings findings_of(const Json& page) {
     return findings;
 }
 
-Json step_json(const StepNote& step) {
-    const Outcome& outcome = step.outcome;
+Json step_json(const steps::StepNote& step) {
+    const steps::Outcome& outcome = step.outcome;
     return {{"name", step.name},
             {"status", outcome.done ? "done" : "skipped"},
             {"why", outcome.why},
@@ -92,7 +92,7 @@ Json step_json(const StepNote& step) {
 
 }  // namespace
 
-Json to_json(const PageRecord& record) {
+Json to_json(const report::PageRecord& record) {
     Json json = {{"page", record.number}};
     json.update(size_json(record.source));
     json["dpi"] = {record.source.dpi.x, record.source.dpi.y};
@@ -101,7 +101,7 @@ Json to_json(const PageRecord& record) {
     json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
     json["content"] = box_json(record.content);
     json["steps"] = Json::array();
-    for (const StepNote& step : record.steps) json["steps"].push_back(step_json(step));
+    for (const steps::StepNote& step : record.steps) json["steps"].push_back(step_json(step));
     json["output"] = size_json(record.output);
     json["seconds"] = rounded(record.seconds);
     return json;
@@ -119,21 +119,21 @@ std::string document_text(const Json& files) {
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-std::vector<std::vector<Findings>> read_findings(const std::string& path) {
+std::vector<std::vector<steps::Findings>> read_findings(const std::string& path) {
     std::ifstream stream(path);
-    if (!stream) throw system_error_of(path);
+    if (!stream) throw files::system_error_of(path);
     try {
-        std::vector<std::vector<Findings>> files;
+        std::vector<std::vector<steps::Findings>> files;
         const Json document = Json::parse(stream);
         for (const Json& file : document.at("files")) {
-            std::vector<Findings> pages;
+            std::vector<steps::Findings> pages;
             for (const Json& page : file.at("pages")) pages.push_back(findings_of(page));
             files.push_back(std::move(pages));
         }
         return files;
     } catch (const std::exception& error) {
-        throw FileError(path, std::string("not a record of --json: ") + error.what());
+        throw files::FileError(path, std::string("not a record of --json: ") + error.what());
     }
 }
 
-}  // namespace tool
+}  // namespace tool::run

@@ -7,11 +7,11 @@
 
 #include "report/page_record.h"
 
-namespace tool {
+namespace tool::run {
 
 using Json = nlohmann::ordered_json;
 
-Json to_json(const PageRecord& record);
+Json to_json(const report::PageRecord& record);
 
 // A file's entry before anything is known of it. format: empty when it is not known.
 Json file_json(const std::string& input, const std::string& format);
@@ -20,6 +20,6 @@ Json file_json(const std::string& input, const std::string& format);
 std::string document_text(const Json& files);
 
 // The pages of each file of a document. Throws FileError.
-std::vector<std::vector<Findings>> read_findings(const std::string& path);
+std::vector<std::vector<steps::Findings>> read_findings(const std::string& path);
 
-}  // namespace tool
+}  // namespace tool::run

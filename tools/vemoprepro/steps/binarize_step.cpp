@@ -12,7 +12,7 @@
 #include "reading/edge_bits.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 constexpr unsigned char kSmooth = 246;  // a do call raises it by 2
@@ -125,4 +125,4 @@ Step binarize_step(const StepOptions& options) {
             [options](PageWork& work) { return binarize(work, options); }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

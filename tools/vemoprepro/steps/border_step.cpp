@@ -17,7 +17,7 @@
 #include "steps/number_text.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // Borders start at greys below `dark` on the page's edge and go on through greys below `light` that
@@ -179,4 +179,4 @@ Step border_step(const StepOptions& options) {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -13,7 +13,7 @@
 #include "steps/skew_measure.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
@@ -99,4 +99,4 @@ Step deskew_step(const StepOptions& options) {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

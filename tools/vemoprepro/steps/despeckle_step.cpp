@@ -9,7 +9,7 @@
 #include "steps/ink_removal.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9.
@@ -80,4 +80,4 @@ Step textmask_step(const StepOptions& options) {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -7,7 +7,7 @@
 #include "page/row_reader.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 Page grey_of(const Page& page) {
@@ -31,4 +31,4 @@ Step grey_step() {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

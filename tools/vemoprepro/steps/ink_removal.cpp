@@ -7,7 +7,7 @@
 #include <cstring>
 #include <utility>
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 struct InkCount {
@@ -19,7 +19,7 @@ struct InkCount {
     }
 };
 
-std::uint32_t word_of(const Page& page, int y, int index) {
+std::uint32_t ink_word(const Page& page, int y, int index) {
     std::uint32_t word;
     std::memcpy(&word, page.row(y) + std::ptrdiff_t{4} * index, sizeof word);
     return word;
@@ -29,9 +29,9 @@ InkCount count_ink(const Page& before, const Page& after, const InkWindow& windo
     InkCount count;
     for (int y = window.y0; y < window.y1; ++y) {
         for (int i = window.x0 / 32; i < window.x1 / 32; ++i) {
-            const std::uint32_t ink = word_of(before, y, i);
+            const std::uint32_t ink = ink_word(before, y, i);
             count.before += std::popcount(ink);
-            count.lost += std::popcount(ink & ~word_of(after, y, i));
+            count.lost += std::popcount(ink & ~ink_word(after, y, i));
         }
     }
     return count;
@@ -68,4 +68,4 @@ Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::s
     return {true, what + ", " + percent(share) + " of the ink", share};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -9,7 +9,7 @@
 
 #include "steps/page_work.h"
 
-namespace tool {
+namespace tool::steps {
 
 // A step that takes a greater share of the ink is not done unasked.
 constexpr double kMostInk = 0.1;
@@ -32,4 +32,4 @@ void require_bitonal(const Page& page, const char* step);
 Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
                    const std::function<void(Page&)>& change);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -12,7 +12,7 @@
 #include "steps/ink_removal.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm.
@@ -89,4 +89,4 @@ Step underlines_step(const StepOptions& options) {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-namespace tool {
+namespace tool::steps {
 
 std::string with_digits(const char* format, double value) {
     char text[64];
@@ -14,4 +14,4 @@ std::string percent(double share) {
     return with_digits(share < 0.0995 ? "%.1f %%" : "%.0f %%", 100 * share);
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace tool {
+namespace tool::steps {
 
 // By a format of printf() for one double.
 std::string with_digits(const char* format, double value);
@@ -11,4 +11,4 @@ std::string with_digits(const char* format, double value);
 // "0.3 %", "12 %"
 std::string percent(double share);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -13,7 +13,7 @@
 #include "steps/skew.h"
 #include "steps/skew_fan.h"
 
-namespace tool {
+namespace tool::steps {
 
 // A rectangle in pixels of the upright page.
 struct Box {
@@ -62,4 +62,4 @@ struct PageWork {
     std::vector<StepNote> notes;
 };
 
-}  // namespace tool
+}  // namespace tool::steps

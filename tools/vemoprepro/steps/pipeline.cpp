@@ -4,7 +4,7 @@
 
 #include "steps/stopwatch.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // The border goes while there are greys to tell it from the page by; specks go before the skew is
@@ -61,4 +61,4 @@ void process(const Pipeline& pipeline, PageWork& work, PageWatcher* watcher) {
     }
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -9,7 +9,7 @@
 
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 
 using Pipeline = std::vector<Step>;
 
@@ -26,4 +26,4 @@ class PageWatcher {
 // watcher: may be null.
 void process(const Pipeline& pipeline, PageWork& work, PageWatcher* watcher);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -7,7 +7,7 @@
 #include "steps/number_text.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 // Print has less than two impulses in a hundred pixels, unless it is coarse: then its strokes are
@@ -52,4 +52,4 @@ Step prepare_step(const StepOptions& options) {
             }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -1,6 +1,6 @@
 #include "steps/resolution.h"
 
-namespace tool {
+namespace tool::steps {
 
 void settle_resolution(PageWork& work, std::optional<int> asked_for) {
     if (!asked_for && work.page.dpi.x > 0) return;
@@ -8,4 +8,4 @@ void settle_resolution(PageWork& work, std::optional<int> asked_for) {
     work.page.dpi.x = work.page.dpi.y = asked_for.value_or(kDefaultDpi);
 }
 
-}  // namespace tool
+}  // namespace tool::steps

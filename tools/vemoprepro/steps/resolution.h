@@ -5,7 +5,7 @@
 
 #include "steps/page_work.h"
 
-namespace tool {
+namespace tool::steps {
 
 // Dots per inch of a page whose file has none.
 constexpr int kDefaultDpi = 300;
@@ -14,4 +14,4 @@ constexpr int kDefaultDpi = 300;
 // first step.
 void settle_resolution(PageWork& work, std::optional<int> asked_for);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 constexpr double kDegreesPerRadian = 57.29577951308232;
@@ -28,4 +28,4 @@ std::optional<Skew> skew_of_degrees(double degrees) {
     return Skew{static_cast<int>(units), Skew::kScale};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

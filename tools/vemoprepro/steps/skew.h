@@ -3,7 +3,7 @@
 
 #include <optional>
 
-namespace tool {
+namespace tool::steps {
 
 // Drift of `numerator` pixels over `denominator` pixels of width, positive when text rises to the
 // right.
@@ -22,4 +22,4 @@ struct Skew {
 // The nearest skew to an angle; none beyond the largest.
 std::optional<Skew> skew_of_degrees(double degrees);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -9,7 +9,7 @@
 
 #include "steps/skew.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 struct Candidate {
@@ -91,4 +91,4 @@ SkewFan read_fan(std::istream& trace) {
     return fan;
 }
 
-}  // namespace tool
+}  // namespace tool::steps

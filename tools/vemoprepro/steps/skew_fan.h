@@ -7,7 +7,7 @@
 #include <istream>
 #include <vector>
 
-namespace tool {
+namespace tool::steps {
 
 struct FanPoint {
     double degrees;
@@ -33,4 +33,4 @@ constexpr const char* kSkewTraceName = "estimate_skew_of_binary_image.log";
 
 SkewFan read_fan(std::istream& trace);
 
-}  // namespace tool
+}  // namespace tool::steps

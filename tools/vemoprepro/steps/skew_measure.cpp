@@ -9,7 +9,7 @@
 
 #include "files/temporary_file.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 constexpr int kMarginFraction = 12;
@@ -30,7 +30,7 @@ std::optional<SkewWindow> inner_window(const Page& page) {
 }
 
 MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_fan) {
-    std::optional<TemporaryFolder> folder;
+    std::optional<files::TemporaryFolder> folder;
     if (with_fan) folder.emplace();
     const bool traced = folder && !folder->path().empty();
     MeasuredSkew measured;
@@ -51,4 +51,4 @@ MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_
     return measured;
 }
 
-}  // namespace tool
+}  // namespace tool::steps

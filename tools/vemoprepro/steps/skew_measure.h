@@ -11,7 +11,7 @@
 #include "steps/skew.h"
 #include "steps/skew_fan.h"
 
-namespace tool {
+namespace tool::steps {
 
 // The estimator needs this many pixels a side.
 constexpr int kShortestSkewSide = 32;
@@ -39,4 +39,4 @@ std::optional<SkewWindow> inner_window(const Page& page);
 // with_fan: the fan of the search is kept as well, unless there is no place to write its trace to.
 MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_fan);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -9,7 +9,7 @@
 #include "steps/page_work.h"
 #include "steps/step_options.h"
 
-namespace tool {
+namespace tool::steps {
 
 // What a step that was done may have changed.
 enum class Effect {
@@ -54,4 +54,4 @@ Step underlines_step(const StepOptions& options);
 // Keeps the text only.
 Step textmask_step(const StepOptions& options);
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -5,7 +5,7 @@
 
 #include "steps/skew.h"
 
-namespace tool {
+namespace tool::steps {
 
 // The commands that make pages from pages.
 enum class Command {
@@ -67,4 +67,4 @@ struct StepOptions {
     int quarter_turns = 0;  // clockwise, of the rotate command
 };
 
-}  // namespace tool
+}  // namespace tool::steps

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-namespace tool {
+namespace tool::steps {
 
 class Stopwatch {
   public:
@@ -15,4 +15,4 @@ class Stopwatch {
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-}  // namespace tool
+}  // namespace tool::steps

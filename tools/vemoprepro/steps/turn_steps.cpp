@@ -5,7 +5,7 @@
 #include "page/turn.h"
 #include "steps/step.h"
 
-namespace tool {
+namespace tool::steps {
 namespace {
 
 Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
@@ -28,4 +28,4 @@ Step rotate_step(int quarter_turns) {
             [quarter_turns](PageWork& work) { return turn_by(work.page, quarter_turns, ""); }};
 }
 
-}  // namespace tool
+}  // namespace tool::steps

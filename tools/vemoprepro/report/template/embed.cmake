@@ -12,9 +12,9 @@ string(REPLACE "@script@" "${script}" text "${text}")
 string(REPLACE "@version@" "${VERSION}" text "${text}")
 file(WRITE ${OUTPUT} "#include \"report/report_frame.h\"
 
-namespace tool {
+namespace tool::report {
 
 const char* const kReportTemplate = R\"template(${text})template\";
 
-}  // namespace tool
+}  // namespace tool::report
 ")
