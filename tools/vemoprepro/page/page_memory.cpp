@@ -14,12 +14,11 @@
 #include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <vemoprepro/frame.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-
-#include "vemoprepro/frame.h"
 
 namespace tool {
 namespace {

@@ -1,0 +1,22 @@
+# Fails when a room of the program includes a room above it.
+cmake_minimum_required(VERSION 3.25)
+
+set(page_sees page)
+set(files_sees files page)
+set(reading_sees reading page)
+set(steps_sees steps reading files page)
+set(report_sees report steps reading files page)
+set(run_sees run report steps reading files page)
+
+foreach(room page files reading steps report run)
+    file(GLOB sources ${ROOMS}/${room}/*.h ${ROOMS}/${room}/*.cpp)
+    foreach(source IN LISTS sources)
+        file(STRINGS ${source} includes REGEX "^#include \"[a-z]+/")
+        foreach(include IN LISTS includes)
+            string(REGEX REPLACE "^#include \"([a-z]+)/.*" "\\1" seen "${include}")
+            if(NOT seen IN_LIST ${room}_sees)
+                message(SEND_ERROR "${source}: ${include}")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
