@@ -67,12 +67,11 @@ TEST(EvenLight, MakesAllPaperOneGrey) {
         }
     }
     for (const int slope : {0, 120}) {
-        Page grey = tool::grey_page(600, 190, [=](int x, int y) {
-            return printed(240 - slope * x / 600, x, y);
-        });
+        Page grey = tool::grey_page(
+            600, 190, [=](int x, int y) { return printed(240 - slope * x / 600, x, y); });
         reading::even_light(grey);
         for (int y = 0; y < grey.height; ++y) {
-            for (int x = 50; x < 550; ++x) {    // beyond, paper counts as the nearest block's
+            for (int x = 50; x < 550; ++x) {  // beyond, paper counts as the nearest block's
                 const int wanted = printed(240, x, y);
                 EXPECT_NEAR(grey.row(y)[x], wanted, slope == 0 ? 1 : 0.04 * wanted) << x;
             }
@@ -99,8 +98,8 @@ TEST(BorderPrint, IsFoundWherePaperWasPaintedOver) {
         const Page grey = tool::grey_page(400, 300, [&](int x, int y) {
             return print || x >= 120 ? printed(shaded(x), x, y) : shaded(x);
         });
-        const Page cropped = tool::grey_page(
-            400, 300, [&](int x, int y) { return x < 120 ? 255 : grey.row(y)[x]; });
+        const Page cropped =
+            tool::grey_page(400, 300, [&](int x, int y) { return x < 120 ? 255 : grey.row(y)[x]; });
         EXPECT_EQ(reading::print_was_painted(grey, cropped), print);
         EXPECT_FALSE(reading::print_was_painted(grey, grey));
     }

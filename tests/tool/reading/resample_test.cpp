@@ -32,8 +32,8 @@ double grey_at(const Page& grey, double x, double y) {
     double sum = 0;
     for (int v = top; v < top + 4; ++v) {
         for (int u = left; u < left + 4; ++u) {
-            const int pixel = grey.row(std::clamp(v, 0, grey.height - 1))[std::clamp(
-                u, 0, grey.width - 1)];
+            const int pixel =
+                grey.row(std::clamp(v, 0, grey.height - 1))[std::clamp(u, 0, grey.width - 1)];
             sum += cubic(x - u) * cubic(y - v) * pixel;
         }
     }

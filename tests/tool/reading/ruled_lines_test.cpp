@@ -68,9 +68,9 @@ TEST(RuledLines, LeaveLettersWhole) {
 
 TEST(RuledLines, AreNoBarsAndNoScreens) {
     Page page = tool::blank_bits(700, 200);
-    tool::draw(page, 10, 150, 10, 13);    // too short
-    tool::draw(page, 10, 690, 30, 42);    // too thick
-    for (int y = 60; y < 190; ++y) {      // a screen whose dots join
+    tool::draw(page, 10, 150, 10, 13);  // too short
+    tool::draw(page, 10, 690, 30, 42);  // too thick
+    for (int y = 60; y < 190; ++y) {    // a screen whose dots join
         for (int x = 10; x < 690; ++x) {
             if (y % 6 < 3 || x % 6 < 2) tool::draw(page, x, x + 1, y, y + 1);
         }

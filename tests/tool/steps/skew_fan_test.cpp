@@ -1,5 +1,5 @@
-// The skew fan is read from the library's trace. Its words are tied here to what the library returns
-// for the same search: a word that changes leaves a curve empty, or a peak where it is not.
+// The skew fan is read from the library's trace. Its words are tied here to what the library
+// returns for the same search: a word that changes leaves a curve empty, or a peak where it is not.
 #include "steps/skew_fan.h"
 
 #include <gtest/gtest.h>
@@ -34,9 +34,9 @@ TEST(SkewFan, PeaksWhereTheEstimateLies) {
         EXPECT_GE(curves.coarse.size(), 40U);
         ASSERT_GE(curves.fine.size(), 5U);
         for (const auto& curve : {curves.coarse, curves.fine}) {
-            EXPECT_TRUE(std::is_sorted(curve.begin(), curve.end(), [](const auto& a, const auto& b) {
-                return a.degrees <= b.degrees;
-            }));
+            EXPECT_TRUE(std::is_sorted(
+                curve.begin(), curve.end(),
+                [](const auto& a, const auto& b) { return a.degrees <= b.degrees; }));
         }
         peaks.push_back(peak_of(curves.fine));
     }

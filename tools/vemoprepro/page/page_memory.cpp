@@ -10,7 +10,7 @@
 // Buffers kept and used again would save little more time and need half as much memory again.
 #include "page/page_memory.h"
 
-#include <allheaders.h>
+#include <leptonica/allheaders.h>
 #include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,0 +1,68 @@
+// The images of a PNM file: every raw one that is listed can be read, has the size that the list
+// says, and its pixels are those of the file.
+//
+// Input: the file.
+#include <leptonica/allheaders.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "files/pnm_pages.h"
+#include "memory_file.h"
+
+namespace {
+
+using fuzz::check;
+using tool::Page;
+using tool::PageKind;
+
+// Where the rows begin of an image that stands in the file as it does on the page; null for samples
+// that are scaled, and for headers with comments.
+const std::uint8_t* plain_rows(const std::uint8_t* image, const std::uint8_t* end) {
+    const std::string header(image, std::min(end, image + 60));
+    int width = 0, height = 0, largest = 0, used = 0;
+    if (header[1] == '4') {
+        if (std::sscanf(header.c_str(), "P4 %d %d%n", &width, &height, &used) != 2) return nullptr;
+    } else if (std::sscanf(header.c_str() + 2, " %d %d %d%n", &width, &height, &largest, &used) !=
+                   3 ||
+               largest != 255) {
+        return nullptr;
+    } else {
+        used += 2;
+    }
+    return image + used + 1;
+}
+
+void check_rows(const Page& page, const std::uint8_t* rows) {
+    const auto pixels = static_cast<std::size_t>(page.width);
+    const bool bits = page.kind == PageKind::kBitonal;
+    const std::size_t size = bits ? (pixels + 7) / 8 : page.stride();
+    const std::size_t whole = bits ? pixels / 8 : size;
+    for (int y = 0; y < page.height; ++y, rows += size) {
+        check(std::equal(rows, rows + whole, page.row(y)));
+        if (whole < size) check(page.row(y)[whole] == (rows[whole] & ~(0xFF >> pixels % 8)));
+        for (std::size_t i = size; i < page.stride(); ++i) check(page.row(y)[i] == 0);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    setMsgSeverity(L_SEVERITY_NONE);
+    const fuzz::File file = fuzz::open_bytes(data, size);
+    const auto places = tool::files::list_pnm_pages(file.get());
+    for (const tool::files::PagePlace& place : places) {
+        check(place.offset < size);
+        const auto page = tool::files::read_raw_pnm(file.get(), place);
+        if (!page) {
+            check(places.size() == 1);  // plain or PAM
+            continue;
+        }
+        check(page->width == place.width && page->height == place.height);
+        const std::uint8_t* rows = plain_rows(data + place.offset, data + size);
+        if (rows != nullptr) check_rows(*page, rows);
+    }
+    return 0;
+}

@@ -1,0 +1,78 @@
+// The pages of a TIFF file, listed, and read by both of the program's own readers. Pages are of the
+// size that the list says, and have all of their pixels unless libtiff found an error.
+//
+// Input: the file.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <numeric>
+
+#include "files/tiff_pages.h"
+#include "files/tiff_unusual.h"
+#include "memory_file.h"
+
+namespace {
+
+using fuzz::check;
+using tool::Page;
+using namespace tool::files;
+
+constexpr int kLongestSide = 300;
+constexpr std::size_t kMostPages = 8;
+constexpr tmsize_t kLargestBlock = 1 << 20;  // of pixels that libtiff reads at once
+
+class MemoryFile {
+  public:
+    MemoryFile(const std::uint8_t* data, std::size_t size)
+        : file_(memfd_create("fuzz", 0)), path_("/proc/self/fd/" + std::to_string(file_)) {
+        check(file_ >= 0 && write(file_, data, size) == static_cast<ssize_t>(size));
+    }
+    ~MemoryFile() { close(file_); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    const std::string& path() const { return path_; }
+
+  private:
+    int file_;
+    std::string path_;
+};
+
+void check_page(const Page& page, const PagePlace& place, bool good) {
+    check(page.width == place.width && page.height == place.height);
+    check(page.bytes != nullptr || !good);
+    if (!good) return;
+    volatile int sum = std::accumulate(page.bytes.get(), page.bytes.get() + page.size(), 0);
+    static_cast<void>(sum);
+}
+
+void read_page(const MemoryFile& file, const PagePlace& place, TiffAccess access,
+               std::optional<Page> (*read)(TIFF*)) {
+    const TiffErrors errors;
+    const TiffFile tiff = open_tiff_at(file.path(), access, place.offset);
+    if (!tiff) return;
+    const bool tiled = TIFFIsTiled(tiff.get()) != 0;
+    if ((tiled ? TIFFTileSize(tiff.get()) : TIFFStripSize(tiff.get())) > kLargestBlock) return;
+    if (const auto page = read(tiff.get())) check_page(*page, place, errors.first().empty());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool collected = (collect_tiff_errors(), true);
+    static_cast<void>(collected);
+    const MemoryFile file(data, size);
+    const TiffFile tiff = open_tiff(file.path(), TiffAccess::kRead);
+    if (!tiff) return 0;
+    auto places = list_tiff_pages(tiff.get());
+    if (places.size() > kMostPages) places.resize(kMostPages);
+    for (const PagePlace& place : places) {
+        if (place.width < 1 || place.height < 1 || place.width > kLongestSide ||
+            place.height > kLongestSide) {
+            continue;
+        }
+        read_page(file, place, TiffAccess::kRead, read_packed_tiff);
+        read_page(file, place, TiffAccess::kMapped, read_unusual_tiff);
+    }
+    return 0;
+}
