@@ -1,5 +1,5 @@
-// The orientation tag of a JPEG file: whatever the file holds, the tag is one of 16 bits, and a page
-// that is oriented by it twice is mirrored back.
+// The orientation tag of a JPEG file: whatever the file holds, the tag is one of 16 bits, and a
+// page that is oriented by it twice is mirrored back.
 //
 // Input: the file.
 #include <algorithm>

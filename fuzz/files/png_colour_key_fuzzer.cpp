@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "files/png_colour_key.h"
 #include "files/pix.h"
+#include "files/png_colour_key.h"
 #include "memory_file.h"
 
 namespace {

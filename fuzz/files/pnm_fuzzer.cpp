@@ -18,20 +18,17 @@ using tool::Page;
 using tool::PageKind;
 
 // Where the rows begin of an image that stands in the file as it does on the page; null for samples
-// that are scaled, and for headers with comments.
+// that are scaled, and for headers that are long or have comments.
 const std::uint8_t* plain_rows(const std::uint8_t* image, const std::uint8_t* end) {
     const std::string header(image, std::min(end, image + 60));
-    int width = 0, height = 0, largest = 0, used = 0;
+    int width = 0, height = 0, largest = 255, used = 0;
     if (header[1] == '4') {
-        if (std::sscanf(header.c_str(), "P4 %d %d%n", &width, &height, &used) != 2) return nullptr;
-    } else if (std::sscanf(header.c_str() + 2, " %d %d %d%n", &width, &height, &largest, &used) !=
-                   3 ||
-               largest != 255) {
-        return nullptr;
+        std::sscanf(header.c_str(), "P4 %d %d%n", &width, &height, &used);
     } else {
-        used += 2;
+        std::sscanf(header.c_str(), "P%*1[56] %d %d %d%n", &width, &height, &largest, &used);
     }
-    return image + used + 1;
+    const auto length = static_cast<std::size_t>(used);
+    return used > 0 && length < header.size() && largest == 255 ? image + used + 1 : nullptr;
 }
 
 void check_rows(const Page& page, const std::uint8_t* rows) {

@@ -35,14 +35,13 @@ class Errors(ToolCase):
         self.write("words.txt", b"not an image")
         self.write("a.gif", b"GIF89a" + bytes(40))
         os.mkdir(self.path("folder"))
+        unknown = "not a TIFF, PNG, JPEG or PNM file"
         for name, what in (("none.png", "No such file or directory"), ("folder", "Is a directory"),
-                           ("empty.png", "not a TIFF, PNG, JPEG or PNM file"),
-                           ("words.txt", "not a TIFF, PNG, JPEG or PNM file"),
-                           ("a.gif", "not a TIFF, PNG, JPEG or PNM file")):
+                           ("empty.png", unknown), ("words.txt", unknown), ("a.gif", unknown)):
             self.fails("clean", name, "-o", "out.tif", lines=[f"{name}: {what}"])
-        self.fails("clean", "-", "-o", "out.tif", lines=["-: not a TIFF, PNG, JPEG or PNM file"])
+        self.fails("clean", "-", "-o", "out.tif", lines=[f"-: {unknown}"])
 
-    def test_truncated_files(self):
+    def test_damaged_files(self):
         colour = np.random.default_rng(5).integers(0, 256, (200, 300, 3), dtype=np.uint8)
         bits = Image.fromarray(colour).convert("1")
         files = [("t.jpg", colour, {}), ("p.jpg", colour, {"progressive": True}), ("t.png", colour, {}),
@@ -53,34 +52,20 @@ class Errors(ToolCase):
             self.save(name, image, **options)
             whole = self.read(name)
             self.good("info", name)
-            for share in (0.3, 0.6, 0.98):
-                with self.subTest(name=name, share=share):
-                    self.write(name, whole[:int(len(whole) * share)])
-                    before = os.listdir(self.here)
-                    done = self.run_tool("clean", name, "-o", "out.tif")
-                    self.assertEqual((done.returncode, len(done.errors)), (1, 1), done.errors)
-                    self.assertRegex(done.errors[0],
+            damaged = [whole[:int(len(whole) * share)] for share in (0.3, 0.6, 0.98)]
+            if name in ("t.png", "l.tif", "t.jpg"):
+                middle = len(whole) // 2
+                damaged.append(whole[:middle] + b"\xff\xd9" * 200 + whole[middle + 400:])
+            for data in damaged:
+                with self.subTest(name=name, size=len(data)):
+                    self.write(name, data)
+                    self.assertRegex(self.one_error("clean", name, "-o", "out.tif"),
                                      f"^vemoprepro: {name}: damaged or truncated [A-Z]+ file")
-                    self.assertEqual(os.listdir(self.here), before)
-
-    def test_damage_in_the_middle(self):
-        for name, options in (("d.png", {}), ("d.tif", {"compression": "tiff_lzw"}), ("d.jpg", {})):
-            self.save(name, np.random.default_rng(6).integers(0, 256, (200, 300, 3), dtype=np.uint8),
-                      **options)
-            data = bytearray(self.read(name))
-            data[len(data) // 2:len(data) // 2 + 400] = b"\xff\xd9" * 200
-            self.write(name, bytes(data))
-            done = self.run_tool("clean", name, "-o", "out.tif")
-            self.assertEqual((done.returncode, len(done.errors)), (1, 1), (name, done.errors))
 
     def test_a_damaged_page_fails_the_whole_file(self):
         self.save("in.tif", *[text_page(i) for i in range(4)], compression="raw")
-        data = self.read("in.tif")
-        self.write("in.tif", data[:len(data) - 300000])
-        before = os.listdir(self.here)
-        done = self.run_tool("clean", "in.tif", "-o", ".", "--format", "png")
-        self.assertEqual((done.returncode, len(done.errors)), (1, 1), done.errors)
-        self.assertEqual(os.listdir(self.here), before)
+        self.write("in.tif", self.read("in.tif")[:-300000])
+        self.one_error("clean", "in.tif", "-o", ".", "--format", "png")
 
     def test_pages_that_are_too_large(self):
         self.save("w.png", Image.new("1", (32768, 3)))
@@ -90,8 +75,7 @@ class Errors(ToolCase):
         self.fails("clean", "w.png", "-o", "o.tif", lines=[f"w.png: 32768 x 3 {limit}"])
         self.fails("clean", "h.tif", "-o", "o.tif", lines=[f"h.tif: 3 x 32768 {limit}"])
         self.write("bomb.ppm", b"P3\n2000000000 2000000000\n255\n0 0 0")
-        done = self.run_tool("clean", "bomb.ppm", "-o", "o.tif")
-        self.assertEqual((done.returncode, len(done.errors)), (1, 1))
+        self.one_error("clean", "bomb.ppm", "-o", "o.tif")
         self.good("clean", "ok.tif", "-o", "o.tif")
 
     def test_outputs_that_are_in_the_way(self):
@@ -152,8 +136,7 @@ class Errors(ToolCase):
                 self.fails("clean", "a.png", "-o", "-", "-q", "--format", name, stdout=device,
                            lines=[f"-: {full}"])
         with open("/dev/full", "wb") as device:
-            done = self.run_tool("info", "a.png", stdout=device)
-            self.assertEqual((done.returncode, len(done.errors)), (1, 1))
+            self.one_error("info", "a.png", stdout=device)
 
     def test_file_size_limit(self):
         """A write that fails in the middle of a page, in every format."""
@@ -162,24 +145,24 @@ class Errors(ToolCase):
             resource.setrlimit(resource.RLIMIT_FSIZE, (3000, 3000))
         self.save("many.tif", text_page(1), text_page(2))
         for name in ("o.tif", "o.pbm", "."):
-            done = self.fails("clean", "many.tif", "-o", name, "--format",
-                              {"o.tif": "tiff", "o.pbm": "pbm"}.get(name, "png"), preexec_fn=limit,
-                              lines=[("./many-1.png" if name == "." else name) + ": File too large"])
-            self.assertEqual(done.returncode, 1)
+            self.fails("clean", "many.tif", "-o", name, "--format",
+                       {"o.tif": "tiff", "o.pbm": "pbm"}.get(name, "png"), preexec_fn=limit,
+                       lines=[("./many-1.png" if name == "." else name) + ": File too large"])
 
     def test_closed_pipe(self):
         reader, writer = os.pipe()
         os.close(reader)
-        try:
-            self.fails("clean", "a.png", "-o", "-", "-q", stdout=writer, lines=["-: Broken pipe"])
-        finally:
-            os.close(writer)
+        self.addCleanup(os.close, writer)
+        self.fails("clean", "a.png", "-o", "-", "-q", stdout=writer, lines=["-: Broken pipe"])
+
+    def start(self, *options, **how):
+        return subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1", *options],
+                                cwd=self.here, stdout=subprocess.PIPE, preexec_fn=take_interrupts, **how)
 
     def test_signals_remove_what_is_unfinished(self):
         self.save("in.tif", *[text_page(1, (1200, 1600))] * 12)
         for number in (signal.SIGTERM, signal.SIGINT):
-            with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1"], cwd=self.here,
-                                  stdout=subprocess.PIPE, preexec_fn=take_interrupts) as running:
+            with self.start() as running:
                 running.stdout.readline()
                 self.assertEqual(len([n for n in os.listdir(self.here) if n[0] == "."]), 1)
                 running.send_signal(number)
@@ -190,9 +173,7 @@ class Errors(ToolCase):
     def test_signals_remove_temporary_folders(self):
         self.save("in.tif", *[text_page(1, (2400, 3200))] * 3)
         os.mkdir(self.path("t"))
-        with subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1", "--report", "look"],
-                              cwd=self.here, env={**os.environ, "TMPDIR": self.path("t")},
-                              stdout=subprocess.DEVNULL, preexec_fn=take_interrupts) as running:
+        with self.start("--report", "look", env={**os.environ, "TMPDIR": self.path("t")}) as running:
             while not os.listdir(self.path("t")) and running.poll() is None:
                 time.sleep(0.001)
             running.send_signal(signal.SIGINT)

@@ -70,20 +70,17 @@ class FormatsIn(ToolCase):
         pixels[:, 30:] = (100, 100, 100, 128)
         for name in ("a.png", "a.tif"):
             self.save(name, pixels)
-            self.good("rotate", 180, name, "-o", "out.png", "--overwrite")
-            row = np.asarray(self.pages("out.png")[0])[0].astype(int)
-            for x, wanted in ((49, (10, 20, 30)), (25, (255, 255, 255)), (0, (177, 177, 177))):
+            row = np.asarray(self.decoded(name))[0].astype(int)
+            for x, wanted in ((0, (10, 20, 30)), (25, (255, 255, 255)), (49, (177, 177, 177))):
                 self.assertLessEqual(abs(row[x] - wanted).max(), 1, (name, x))
 
     def test_sixteen_bits_keep_their_upper_byte(self):
-        grey = grey_sample()
-        deep = grey.astype(np.uint16) * 256 + 77
-        self.save("a.png", Image.fromarray(deep))
-        self.save("a.tif", Image.fromarray(deep))
+        deep = grey_sample().astype(np.uint16) * 256 + 77
+        self.save("a.png", deep)
+        self.save("a.tif", deep)
         self.write("a.pgm", b"P5\n61 45\n65535\n" + deep.astype(">u2").tobytes())
         for name in ("a.png", "a.tif", "a.pgm"):
-            self.good("rotate", 180, name, "-o", "out.png", "--overwrite")
-            self.assertSamePixels(self.pages("out.png")[0], grey[::-1, ::-1], name)
+            self.assertSamePixels(self.decoded(name), grey_sample(), name)
 
     def test_unusual_tiffs(self):
         grey, colour = grey_sample(), colour_sample()
@@ -112,13 +109,10 @@ class FormatsIn(ToolCase):
             with self.subTest(name=name):
                 width = 60 if depth == 4 else 61
                 self.write("a.tif", raw_tiff(width, 45, depth, photometric, chunks, **options))
-                self.good("rotate", 180, "a.tif", "-o", "out.png", "--overwrite")
-                image = self.pages("out.png")[0].rotate(180)
+                image = self.decoded("a.tif")
                 self.assertSamePixels(image.convert("L") if image.mode == "1" else image, pixels, name)
         self.write("a.tif", raw_tiff(61, 45, 32, 1, [bytes(61 * 45 * 4)]))
-        done = self.run_tool("info", "a.tif")
-        self.assertEqual((done.returncode, len(done.errors)), (1, 1))
-        self.assertIn("32-bit samples", done.errors[0])
+        self.assertIn("32-bit samples", self.one_error("info", "a.tif"))
 
     def test_transparent_colour_of_a_png(self):
         grey, colour = grey_sample(), colour_sample()
@@ -130,29 +124,20 @@ class FormatsIn(ToolCase):
                 ("colour", colour, tuple(map(int, colour[3, 4])), of_colour),
                 ("white", bits, 1, bits), ("black", bits, 0, bits.point(lambda v: 255))):
             self.save("a.png", image, transparency=transparent)
-            self.good("rotate", 180, "a.png", "-o", "out.png", "--overwrite")
-            self.assertSamePixels(self.pages("out.png")[0].rotate(180), pixels, name)
+            self.assertSamePixels(self.decoded("a.png"), pixels, name)
 
-    def test_exif_orientation(self):
+    def test_orientation(self):
         page = Image.fromarray(np.kron(grey_sample(6, 4), np.ones((16, 16), np.uint8)))
+        colour = Image.fromarray(colour_sample(48, 64))
         for orientation in range(1, 9):
             exif = Image.Exif()
             exif[0x0112] = orientation
             self.save("a.jpg", page, exif=exif.tobytes(), quality=100)
-            upright = ImageOps.exif_transpose(Image.open(self.path("a.jpg")))
-            self.good("rotate", 180, "a.jpg", "-o", "out.png", "--overwrite")
-            self.assertSamePixels(self.pages("out.png")[0].rotate(180), upright)
-
-    def test_tiff_orientation(self):
-        colour = Image.fromarray(colour_sample(48, 64))
-        for image, options in ((colour, {}), (colour, {"compression": "jpeg"}),
-                               (colour.convert("L"), {}), (colour.convert("1"), {})):
-            for orientation in range(1, 9):
+            self.assertSamePixels(self.decoded("a.jpg"), ImageOps.exif_transpose(Image.open(self.path("a.jpg"))))
+            for image, options in ((colour, {}), (colour, {"compression": "jpeg"}),
+                                   (colour.convert("L"), {}), (colour.convert("1"), {})):
                 self.save("a.tif", image, tiffinfo={274: orientation}, **options)
-                self.good("rotate", 180, "a.tif", "-o", "out.png", "--overwrite")
-                upright, = self.pages("a.tif")
-                upright = upright.convert(image.mode)
-                self.assertSamePixels(self.pages("out.png")[0].rotate(180), upright,
+                self.assertSamePixels(self.decoded("a.tif"), self.pages("a.tif")[0].convert(image.mode),
                                       (image.mode, options, orientation))
 
     def test_orientation_turns_the_page_and_is_recorded(self):
@@ -197,26 +182,22 @@ class FormatsOut(ToolCase):
             results.append(as_array(self.pages(name)[0]))
         self.assertTrue((results[0] == results[1]).all() and (results[0] == results[2]).all())
         self.assertLess(0.02, 1 - results[0].mean())
-
-    def test_bitonal_tiff_is_group_4(self):
-        self.good("clean", "a.png", "-o", "a.tif")
         tags = self.pages("a.tif")[0].tags
-        self.assertEqual((tags[258], tags[259], tags[262]), ((1,), 4, 0))
+        self.assertEqual((tags[258], tags[259], tags[262]), ((1,), 4, 0))    # Group 4
 
-    def test_resolution_is_kept(self):
+    def test_resolution(self):
         for name in ("in.png", "in.jpg", "in.tif"):
             self.save(name, text_page(), dpi=(240, 240))
             for out in ("out.tif", "out.png"):
                 self.good("clean", name, "-o", out, "--overwrite")
                 self.assertEqual(round(self.pages(out)[0].info["dpi"][0]), 240, (name, out))
-
-    def test_resolution_by_default_and_as_given(self):
         self.save("none.png", text_page())
-        cases = [("none.png", [], 300, "default"), ("none.png", ["--dpi", 150], 150, "option"),
-                 ("a.png", ["--dpi", 600], 600, "option"), ("a.png", [], 240, "file")]
-        for name, options, dpi, source in cases:
-            file, = self.record("clean", name, "-o", "out.tif", "--overwrite", *options)
-            page = file["pages"][0]
+        self.save("odd.tif", text_page(), dpi=(1, 1))
+        for name, options, dpi, source in (
+                ("none.png", [], 300, "default"), ("none.png", ["--dpi", 150], 150, "option"),
+                ("a.png", ["--dpi", 600], 600, "option"), ("a.png", [], 240, "file"),
+                ("odd.tif", [], 300, "default")):
+            page = self.record("clean", name, "-o", "out.tif", "--overwrite", *options)[0]["pages"][0]
             self.assertEqual((page["dpi"], page["dpi_source"]), ([dpi, dpi], source))
             self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
         words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
@@ -228,9 +209,6 @@ class FormatsOut(ToolCase):
             self.save("in.tif", text_page().convert("1"), dpi=dpi)
             page, = json.loads(self.good("info", "in.tif", "--json").stdout)["files"][0]["pages"]
             self.assertEqual(page["dpi"], found, dpi)
-        self.save("in.tif", text_page(), dpi=(1, 1))
-        page, = self.record("clean", "in.tif", "-o", "out.tif")[0]["pages"]
-        self.assertEqual((page["dpi"], page["dpi_source"]), ([300, 300], "default"))
 
     def test_words_keep_off_a_page_in_a_pipe(self):
         self.good("clean", "a.png", "-o", "a.tif")

@@ -122,6 +122,27 @@ class ToolCase(unittest.TestCase):
         self.assertEqual(sorted(os.listdir(self.here)), before)
         return done
 
+    def one_error(self, *arguments, **options):
+        """The one line that the run says; it leaves nothing behind."""
+        before = sorted(os.listdir(self.here))
+        done = self.run_tool(*arguments, **options)
+        self.assertEqual((done.returncode, len(done.errors)), (1, 1), done.errors)
+        self.assertEqual(sorted(os.listdir(self.here)), before)
+        return done.errors[0]
+
+    def decoded(self, name):
+        """The pixels as the program reads them: written turned by 180 degrees, without loss."""
+        self.good("rotate", 180, name, "-o", "turned.png", "--overwrite")
+        return self.pages("turned.png")[0].rotate(180)
+
+    def clean(self, *options, image=None, dpi=(300, 300)):
+        """Cleans a.png, which is saved first when an image is given: the page of the record, its steps
+        by name, and the ink of the result."""
+        if image is not None:
+            self.save("a.png", image, dpi=dpi)
+        page, = self.record("clean", "a.png", "-o", "a.tif", "--overwrite", *options)[0]["pages"]
+        return page, {step["name"]: step for step in page["steps"]}, ~as_array(self.pages("a.tif")[0])
+
     def usage(self, *arguments):
         done = self.run_tool(*arguments)
         self.assertEqual(done.returncode, 2, arguments)

@@ -52,20 +52,18 @@ void copy_all(int from, int to, const std::string& name) {
     }
 }
 
-TemporaryFolder::TemporaryFolder() : path_(temporary_template()) {
+TemporaryFolder::TemporaryFolder() : name_(temporary_template()) {
     const std::lock_guard guard(unfinished().lock);
-    if (mkdtemp(path_.data()) != nullptr) {
-        unfinished().folders.insert(path_);
-    } else {
-        path_.clear();
-    }
+    if (mkdtemp(name_.data()) == nullptr) return;
+    unfinished().folders.insert(name_);
+    folder_ = open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder_ >= 0) path_ = "/proc/self/fd/" + std::to_string(folder_);
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    if (path_.empty()) return;
+    if (folder_ >= 0) close(folder_);
     const std::lock_guard guard(unfinished().lock);
-    remove_folder(path_);
-    unfinished().folders.erase(path_);
+    if (unfinished().folders.erase(name_) != 0) remove_folder(name_);
 }
 
 }  // namespace tool::files

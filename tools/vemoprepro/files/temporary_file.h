@@ -24,10 +24,13 @@ class TemporaryFolder {
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    // Empty when it could not be made.
+    // Empty when it could not be made. Through this path nobody can make the folder anew once a
+    // signal has removed it.
     const std::string& path() const { return path_; }
 
   private:
+    std::string name_;
+    int folder_ = -1;
     std::string path_;
 };
 
