@@ -37,32 +37,25 @@ class SingleSteps(ToolCase):
         self.good("rotate", 90, "in.png", "-o", "out.pgm")
         self.assertEqual(self.pages("out.pgm")[0].mode, "L")
 
-    def test_binarize_does_not_straighten(self):
-        self.save("in.png", text_page(2))
-        page = self.record("binarize", "in.png", "-o", "out.png")[0]["pages"][0]
-        self.assertEqual([step["name"] for step in page["steps"]], ["orientation", "binarize"])
-        self.assertIsNone(page["skew"])
-        self.assertEqual(self.pages("out.png")[0].size, (600, 800))
-
     def test_binarize_then_deskew_is_clean(self):
         self.save("in.png", text_page(2))
-        self.good("binarize", "in.png", "-o", "bits.tif")
-        self.good("deskew", "bits.tif", "-o", "straight.tif")
-        self.good("clean", "in.png", "-o", "clean.tif", "--no-despeckle")
-        self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
+        page = self.record("binarize", "in.png", "-o", "bits.tif")[0]["pages"][0]
+        self.assertEqual([step["name"] for step in page["steps"]], ["orientation", "binarize"])
+        self.assertEqual((page["skew"], self.pages("bits.tif")[0].size), (None, (600, 800)))
         self.good("despeckle", "bits.tif", "-o", "specks.tif")
-        self.good("deskew", "specks.tif", "-o", "straight.tif", "--overwrite")
-        self.good("clean", "in.png", "-o", "clean.tif", "--overwrite")
-        self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
+        for bits, options in (("bits.tif", ["--no-despeckle"]), ("specks.tif", [])):
+            self.good("deskew", bits, "-o", "straight.tif", "--overwrite")
+            self.good("clean", "in.png", "-o", "clean.tif", "--overwrite", *options)
+            self.assertEqual(self.read("straight.tif"), self.read("clean.tif"))
 
     def test_steps_on_ink(self):
         page = np.full((300, 500), 255, np.uint8)
-        page[100:103, 20:480] = 0   # a rule
+        page[100:103, 20:480] = 0   # a line
         page[150:180, 50:60] = 0    # a letter
         page[200:202, 200:202] = 0  # a speck
         page[:, :6] = 0             # a border
         self.save("in.png", Image.fromarray(page > 0), dpi=(300, 300))
-        rule, letter, speck, border = ((slice(100, 103), slice(20, 480)),
+        line, letter, speck, border = ((slice(100, 103), slice(20, 480)),
                                        (slice(150, 180), slice(50, 60)),
                                        (slice(200, 202), slice(200, 202)), (slice(300), slice(6)))
         keeps = {("despeckle", "--force"): (1, 1, 0, 1), ("unline", "--force"): (0, 1, 1, 0),
@@ -73,7 +66,7 @@ class SingleSteps(ToolCase):
         for (command, *options), kept in keeps.items():
             self.good(command, "in.png", "-o", "out.png", "--overwrite", *options)
             ink = ~as_array(self.pages("out.png")[0])
-            found = tuple(int(ink[part].mean() > 0.5) for part in (rule, letter, speck, border))
+            found = tuple(int(ink[part].mean() > 0.5) for part in (line, letter, speck, border))
             self.assertEqual(found, kept, (command, options))
         self.save("grey.png", text_page())
         for command in ("despeckle", "unline", "underlines", "textmask"):
@@ -124,28 +117,15 @@ class Words(ToolCase):
     def test_wrong_usage(self):
         for arguments in ([], ["clean"], ["clean", "a.png"], ["polish", "a.png", "-o", "b.tif"],
                           ["clean", "a.png", "-o", "b.xyz"], ["clean", "a.png", "-o", ""],
-                          ["clean", "a", "-o", "b.tif", "--skew", "10.7"],
-                          ["clean", "a", "-o", "b.tif", "--skew", "-90"],
-                          ["clean", "a", "-o", "b.tif", "--skew", "nan"],
-                          ["clean", "a", "-o", "b.tif", "--skew", ""],
-                          ["clean", "a", "-o", "b.tif", "--apply", ""],
-                          ["clean", "a", "-o", "b.tif", "--report", ""],
-                          ["clean", "a", "-o", "b.tif", "--skew", "1", "--no-deskew"],
-                          ["clean", "a", "-o", "b.tif", "--threshold", "256"],
-                          ["clean", "a", "-o", "b.tif", "--threshold", "dark"],
-                          ["clean", "a", "-o", "b.tif", "--binarize", "magic"],
-                          ["clean", "a", "-o", "b.tif", "--binarize", "otsu", "--threshold", "9"],
-                          ["clean", "a", "-o", "b.tif", "--despeckle", "-1"],
-                          ["clean", "a", "-o", "b.tif", "--despeckle", "5", "--no-despeckle"],
-                          ["clean", "a", "-o", "b.tif", "--remove-lines", "diagonal"],
-                          ["clean", "a", "-o", "b.tif", "--for", "printing"],
-                          ["clean", "a", "-o", "b.tif", "-j", "0"],
-                          ["clean", "a", "-o", "b.tif", "--dpi", "0"],
-                          ["clean", "a", "-o", "b.tif", "-q", "-v"],
-                          ["clean", "a", "-o", "b.tif", "--format", "gif"],
                           ["clean", "a", "b", "-o", "-"], ["clean", "-", "-", "-o", "."],
                           ["rotate", "45", "a", "-o", "b.tif"], ["deskew", "a", "--threshold", "9"]):
             self.usage(*arguments)
+        for options in ("--skew 10.7", "--skew -90", "--skew nan", "--skew ", "--apply ", "--report ",
+                        "--skew 1 --no-deskew", "--threshold 256", "--threshold dark",
+                        "--binarize magic", "--binarize otsu --threshold 9", "--despeckle -1",
+                        "--despeckle 5 --no-despeckle", "--remove-lines diagonal", "--for printing",
+                        "-j 0", "--dpi 0", "-q -v", "--format gif"):
+            self.usage("clean", "a", "-o", "b.tif", *options.split(" "))
 
     def test_a_border_that_stays_is_said(self):
         self.save("a.png", Image.new("1", (9, 9)))

@@ -113,6 +113,9 @@ class ToolCase(unittest.TestCase):
     def record(self, *arguments):
         return json.loads(self.good(*arguments, "--json").stdout)["files"]
 
+    def info(self, *names):
+        return self.record("info", *names)
+
     def fails(self, *arguments, lines, status=1, **options):
         """The run says exactly these lines, and leaves nothing that was not there before."""
         before = sorted(os.listdir(self.here))
