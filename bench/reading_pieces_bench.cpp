@@ -82,17 +82,18 @@ const bool levelled = add_row(
         const cv::Mat turn = cv::getRotationMatrix2D(centre, -1.5, 1);
         cv::warpAffine(page, result, turn, page.size(), cv::INTER_CUBIC, cv::BORDER_CONSTANT, 255);
     });
-const bool impulses = add_row(
-    "take impulses off a grey page", "OpenCV medianBlur of 3 x 3", 1,
-    on_a_copy<reading::remove_impulses>,
-    [](const cv::Mat& page, cv::Mat& result) { cv::medianBlur(page, result, 3); });
-const bool sharpened = add_row(
-    "sharpen a grey page", "OpenCV blur of 3 x 3, addWeighted", 1, on_a_copy<reading::sharpen>,
-    [](const cv::Mat& page, cv::Mat& result) {
-        cv::blur(page, result, {3, 3});
-        cv::addWeighted(page, 2, result, -1, 0, result);
-    });
-const bool evened = add_row("even the light of a grey page", "", 1, on_a_copy<reading::even_light>, nullptr);
+const bool impulses =
+    add_row("take impulses off a grey page", "OpenCV medianBlur of 3 x 3", 1,
+            on_a_copy<reading::remove_impulses>,
+            [](const cv::Mat& page, cv::Mat& result) { cv::medianBlur(page, result, 3); });
+const bool sharpened =
+    add_row("sharpen a grey page", "OpenCV blur of 3 x 3, addWeighted", 1,
+            on_a_copy<reading::sharpen>, [](const cv::Mat& page, cv::Mat& result) {
+                cv::blur(page, result, {3, 3});
+                cv::addWeighted(page, 2, result, -1, 0, result);
+            });
+const bool evened =
+    add_row("even the light of a grey page", "", 1, on_a_copy<reading::even_light>, nullptr);
 const bool contrast = add_row(
     "the contrast of a grey page's ink", "", 0,
     [](const Page& page) { reading::ink_contrast(page); }, nullptr);

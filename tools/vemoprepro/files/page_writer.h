@@ -1,7 +1,7 @@
 // Writing pages: TIFF (all pages in one file), PNG (one page) and PNM (one after the other).
 //
-// Use: append() each page, finish() once, then publish the OutputFile underneath. Bitonal TIFF
-// pages are compressed by Group 4, others by LZW; nothing is ever lost.
+// Use: append* finish, then publish the OutputFile underneath. Bitonal TIFF pages are compressed by
+// Group 4, others by LZW; nothing is ever lost.
 #pragma once
 
 #include <memory>

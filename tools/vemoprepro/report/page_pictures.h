@@ -1,7 +1,7 @@
 // What a report shows of one page: before, after, and what each step removed.
 //
-// Use: a PagePainter watches the page go through its steps; take() gives the pictures when the last
-// one is done. Only small pictures are kept.
+// Use: source after* take: a PagePainter watches the page go through its steps; take() gives the
+// pictures when the last one is done. Only small pictures are kept.
 #pragma once
 
 #include <optional>

@@ -1,8 +1,8 @@
 // What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
 // complaints, and the record of --json at the end.
 //
-// Use: start() an input, page() for each of its pages, then finish_input() or fail_input();
-// finish() at the end of the run gives the exit status. For one thread.
+// Use: (start page* (finish_input | fail_input))* finish; finish() gives the exit status of the
+// run. For one thread.
 #pragma once
 
 #include <cstdio>

@@ -1,4 +1,6 @@
 // Opens the inputs one after the other and gives out their pages as tasks.
+//
+// Use: next() until it gives none. By one thread at a time; tasks may be worked on by any.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,6 @@
-// Takes the finished pages in order, writes them and reports them.
+// Takes the finished pages, writes them and reports them.
+//
+// Use: deliver() every page once, in the order of the inputs and of their pages. For one thread.
 #pragma once
 
 #include <memory>
@@ -22,7 +24,7 @@ struct PageResult {
     std::optional<files::FileError> error;
 };
 
-// The output files of one input: all of them appear, or none.
+// The output files of one input: all of them appear, or none. Use: append* publish.
 class OutputSet {
   public:
     OutputSet(const OutputNames& names, bool overwrite) : names_(names), overwrite_(overwrite) {}

@@ -1,9 +1,12 @@
-// Straightening of bitonal pages.
+// Straightening. The skew is measured on the ink of the page; of a grey page on what binarizing it
+// for reading gives. A bitonal page is turned by the library's shears, a grey one is resampled.
 #include <vemoprepro/deskew.h>
 
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
+#include <new>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "reading/edge_bits.h"

@@ -1,4 +1,5 @@
-// Specks, and everything that is not text.
+// Specks, and everything that is not text. What counts as a speck grows with the resolution; near
+// other ink it may be a full stop or the dot of an i, which reading needs.
 #include <vemoprepro/cleaning.h>
 
 #include <algorithm>
@@ -31,12 +32,12 @@ void remove_specks(Page& page, int area, int keep_near) {
     }
 }
 
-// In pixels of the page.
-struct Usual {
+// The sizes that are used unless others are asked for, in pixels of the page.
+struct UsualSpecks {
     int area, keep_near;
 };
 
-Usual usual_specks(const Page& page, bool reading, bool specked) {
+UsualSpecks usual_specks(const Page& page, bool reading, bool specked) {
     if (!reading) return {scaled_area(page, kSpeck), 0};
     if (specked) return {scaled_area(page, kSpeckOfMany), scaled_length(page, kNearOfMany)};
     return {scaled_area(page, kSpeckForReading), scaled_length(page, kNearForReading)};
@@ -45,15 +46,15 @@ Usual usual_specks(const Page& page, bool reading, bool specked) {
 }  // namespace
 
 Step despeckle_step(const StepOptions& options) {
-    const DespeckleOptions wanted = options.despeckle;
+    const DespeckleOptions asked = options.despeckle;
     const bool reading = options.for_reading;
     const bool force = options.force;
     return {"despeckle", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
-                if (!wanted.wanted) return {false, kSwitchedOff};
+                if (!asked.wanted) return {false, kSwitchedOff};
                 require_bitonal(work.page, "despeckle");
-                const Usual usual = usual_specks(work.page, reading, work.heavily_specked);
-                const int area = wanted.max_area.value_or(usual.area);
-                const int near = wanted.keep_near.value_or(usual.keep_near);
+                const UsualSpecks usual = usual_specks(work.page, reading, work.heavily_specked);
+                const int area = asked.max_area.value_or(usual.area);
+                const int near = asked.keep_near.value_or(usual.keep_near);
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
@@ -63,17 +64,17 @@ Step despeckle_step(const StepOptions& options) {
 }
 
 Step textmask_step(const StepOptions& options) {
-    const TextOptions wanted = options.text;
+    const TextOptions asked = options.text;
     return {"textmask", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
                 require_bitonal(work.page, "textmask");
                 const int height = std::min(
-                    32767, wanted.max_height.value_or(scaled_length(work.page, kTallestText)));
+                    32767, asked.max_height.value_or(scaled_length(work.page, kTallestText)));
                 const std::string what =
                     "all but text of up to " + std::to_string(height) + " pixels height";
                 return remove_ink(work.page, true, whole(work.page), what, [=](Page& changed) {
                     if (pre_tva(changed.bytes.get(), changed.height, changed.width,
                                 static_cast<int>(changed.stride()), static_cast<short>(height),
-                                static_cast<short>(wanted.min_density)) != 0) {
+                                static_cast<short>(asked.min_density)) != 0) {
                         throw std::bad_alloc();
                     }
                 });

@@ -1,4 +1,5 @@
-// Ruled lines: taking them off a page, or keeping nothing else.
+// Ruled lines: taking them off a page (reading/ruled_lines.h), or keeping nothing else, for which
+// the library's search for lines of one thickness does.
 #include <vemoprepro/cleaning.h>
 
 #include <new>
@@ -15,17 +16,19 @@
 namespace tool::steps {
 namespace {
 
-// At 300 dots per inch: 13 mm, longer than the bars of any letter; 0.8 mm.
+// All of these are pixels at 300 dots per inch.
+// A line is longer than the bars of any letter: 13 mm. Thicker ones than 0.8 mm are bars.
 constexpr double kShortestLine = 150;
 constexpr double kThickestLine = 10;
-// Breaks of a line that is printed weakly.
+// A line that is printed weakly has breaks of up to this length.
 constexpr double kGap = 5;
+// The pieces of a broken line are at least this long.
+constexpr double kDash = 16;
+// How far from a line other ink is counted: 1.4 mm.
+constexpr double kAround = 16;
 // A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
-// The pieces of a broken line; how far around a line other ink is counted, 1.4 mm.
-constexpr double kDash = 16;
-constexpr double kAround = 16;
-// Ink beside a faint line that is no letter.
+// Ink of up to this area beside a faint line is no letter.
 constexpr double kCrumb = 4;
 
 reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
@@ -54,38 +57,38 @@ std::string directions(const LineOptions& wanted) {
 }  // namespace
 
 Step unline_step(const StepOptions& options) {
-    const LineOptions wanted = options.lines;
+    const LineOptions asked = options.lines;
     const bool force = options.force;
     return {"unline", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
-                if (!wanted.wanted()) return {false, kSwitchedOff};
+                if (!asked.wanted()) return {false, kSwitchedOff};
                 require_bitonal(work.page, "unline");
                 return remove_ink(
-                    work.page, force, whole(work.page), directions(wanted), [&](Page& changed) {
+                    work.page, force, whole(work.page), directions(asked), [&](Page& changed) {
                         const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
-                        if (faint) remove_stubs(changed, *faint, wanted);
-                        remove_lines(changed, wanted);
+                        if (faint) remove_stubs(changed, *faint, asked);
+                        remove_lines(changed, asked);
                     });
             }};
 }
 
 Step underlines_step(const StepOptions& options) {
-    const LineOptions wanted = options.lines;
+    const LineOptions asked = options.lines;
     return {"underlines", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
                 const Page& page = work.page;
                 require_bitonal(page, "underlines");
                 Page lines = copy_of(page);
                 const int stride = static_cast<int>(page.stride());
-                const int length = wanted.min_length.value_or(scaled_length(page, kShortestLine));
+                const int length = asked.min_length.value_or(scaled_length(page, kShortestLine));
                 const int thickness =
-                    wanted.max_thickness.value_or(scaled_length(page, kThickestLine));
+                    asked.max_thickness.value_or(scaled_length(page, kThickestLine));
                 const int covered =
-                    extract_underline(0, wanted.vertical ? 1 : 0, length, length / 2, thickness,
+                    extract_underline(0, asked.vertical ? 1 : 0, length, length / 2, thickness,
                                       scaled_length(page, kStep), page.bytes.get(),
                                       lines.bytes.get(), page.height, stride, 0, page.width);
                 if (covered < 0) throw std::bad_alloc();
                 work.page = std::move(lines);
                 return {true, "lines over " + std::to_string(covered) +
-                                  (wanted.vertical ? " rows" : " columns")};
+                                  (asked.vertical ? " rows" : " columns")};
             }};
 }
 

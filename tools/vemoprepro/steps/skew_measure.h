@@ -1,6 +1,6 @@
 // The skew of a window of a bitonal page.
 //
-// Use: measure_skew(page, whole_window(page), false).
+// Use: measure_skew(page, whole_window(page), with_fan).
 //
 // Keep true: a window has at least kShortestSkewSide pixels a side and starts at a whole byte.
 #pragma once

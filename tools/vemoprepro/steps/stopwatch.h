@@ -1,4 +1,4 @@
-// Wall-clock time since it was made.
+// The wall-clock time since an object of it was made.
 #pragma once
 
 #include <chrono>
