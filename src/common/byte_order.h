@@ -1,6 +1,6 @@
-// The order of bytes in machine words. Bitonal rows have their leftmost pixel in the most significant bit of their
-// first byte, so a word of pixels is a big-endian number; the kernels are written for little-endian machines, and
-// everything else follows them.
+// The order of bytes in machine words. Bitonal rows have their leftmost pixel in the most
+// significant bit of their first byte, so a word of pixels is a big-endian number; the kernels are
+// written for little-endian machines, and everything else follows them.
 #pragma once
 
 #include <bit>
@@ -19,8 +19,8 @@ constexpr std::uint32_t swap_bytes(std::uint32_t word) {
     return __builtin_bswap32(word);
 }
 
-// Eight bytes as a number, the first byte in the most significant place: 64 pixels of a bitonal row with the leftmost
-// one in the most significant bit.
+// Eight bytes as a number, the first byte in the most significant place: 64 pixels of a bitonal row
+// with the leftmost one in the most significant bit.
 inline std::uint64_t load_big_endian(const std::uint8_t* bytes) {
     std::uint64_t word;
     std::memcpy(&word, bytes, sizeof(word));

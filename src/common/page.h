@@ -1,8 +1,9 @@
-// An owned page: the pixels of one image in a block from the memory hooks, one type per pixel layout.
+// An owned page: the pixels of one image in a block from the memory hooks, one type per pixel
+// layout.
 //
-// Use: GreyPage grey(height, width) has packed rows, BitonalPage page(height, width) rows of whole 32-bit words; a
-// stride of one's own comes third. The bytes are uninitialised, or zero with zeroed(). page.view() is what
-// operations work on; of a const page it is a const view.
+// Use: GreyPage grey(height, width) has packed rows, BitonalPage page(height, width) rows of whole
+// 32-bit words; a stride of one's own comes third. The bytes are uninitialised, or zero with
+// zeroed(). page.view() is what operations work on; of a const page it is a const view.
 //
 // Keep true: sizes are at least 0, and the stride holds the width. Views do not outlive the page.
 #pragma once
@@ -19,7 +20,8 @@ namespace common {
 // The stride of a page that nobody chose one for, in bytes.
 template <PixelKind kKind>
 constexpr std::ptrdiff_t packed_stride(std::int32_t width) {
-    if constexpr (kKind == PixelKind::kBitonal) return static_cast<std::ptrdiff_t>(bitonal_stride(width));
+    if constexpr (kKind == PixelKind::kBitonal)
+        return static_cast<std::ptrdiff_t>(bitonal_stride(width));
     if constexpr (kKind == PixelKind::kGrey) return width;
     return std::ptrdiff_t{3} * width;
 }
@@ -33,7 +35,8 @@ class Page {
     Page() = default;
 
     // Throws std::bad_alloc.
-    Page(std::int32_t height, std::int32_t width) : Page(height, width, packed_stride<kKind>(width)) {}
+    Page(std::int32_t height, std::int32_t width)
+        : Page(height, width, packed_stride<kKind>(width)) {}
     Page(std::int32_t height, std::int32_t width, std::ptrdiff_t stride)
         : height_(height),
           width_(width),
