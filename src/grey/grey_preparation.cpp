@@ -82,10 +82,11 @@ void read_colour(const Source& source, const Region& region, const MutableGreyVi
                  Finish& finish) {
     const auto width = static_cast<std::size_t>(grey.width);
     const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
-    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+    RegionRows rows(source, region);  // for both readings, so that the second one cannot fail
+    rows.visit([&](int y, const std::uint8_t* row) {
         simd::luminance_row(row + skipped, width, channel_order(source), grey.row(y));
     });
-    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+    rows.visit([&](int y, const std::uint8_t* row) {
         simd::hold_saturated(row + skipped, width, grey.row(y));
         finish.visit(grey, y);
     });
