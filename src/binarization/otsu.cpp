@@ -17,9 +17,9 @@ Histogram histogram(const common::GreyView& grey) {
     const auto width = static_cast<std::size_t>(grey.width);
     Histogram counts{};
     if (grey.stride == grey.width) {
-        simd::count_levels(grey.data, width * static_cast<std::size_t>(grey.height), counts);
+        simd::add_to_histogram(grey.data, width * static_cast<std::size_t>(grey.height), counts);
     } else {
-        for (int y = 0; y < grey.height; ++y) simd::count_levels(grey.row(y), width, counts);
+        for (int y = 0; y < grey.height; ++y) simd::add_to_histogram(grey.row(y), width, counts);
     }
     return counts;
 }

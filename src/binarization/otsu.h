@@ -4,12 +4,12 @@
 #include <cstdint>
 
 #include "common/views.h"
-#include "simd/pixels/level_counts.h"
+#include "simd/pixels/histogram.h"
 
 namespace binarization {
 
 // Pixels at each grey level.
-using Histogram = simd::LevelCounts;
+using Histogram = simd::Histogram;
 
 Histogram histogram(const common::GreyView& grey);
 

@@ -87,7 +87,7 @@ void read_colour(const Source& source, const Region& region, const MutableGreyVi
         simd::luminance_row(row + skipped, width, channel_order(source), grey.row(y));
     });
     rows.visit([&](int y, const std::uint8_t* row) {
-        simd::hold_saturated(row + skipped, width, grey.row(y));
+        simd::clamp_saturated(row + skipped, width, grey.row(y));
         finish.visit(grey, y);
     });
 }
@@ -101,7 +101,7 @@ void convert_in_bands(const Source& source, const Region& region, const MutableG
             const std::uint8_t* colour = source.image + source_row * source.row_bytes() +
                                          static_cast<std::size_t>(region.x0) * 3;
             simd::luminance_row(colour, width, channel_order(source), grey.row(y));
-            simd::hold_saturated(colour, width, grey.row(y));
+            simd::clamp_saturated(colour, width, grey.row(y));
         }
     };
     threads::run_in_bands(threads::open_bands(grey.height, threads), threads, convert);

@@ -76,7 +76,7 @@ TEST(GradientKernels, LocalMaxima) {
         const simd::EdgeThresholds thresholds{static_cast<std::uint8_t>(random.between(0, 60)),
                                               static_cast<std::uint8_t>(random.between(0, 100)),
                                               static_cast<std::uint8_t>(random.between(0, 60))};
-        const simd::MagnitudeRows rows{magnitudes[0], magnitudes[1], magnitudes[2]};
+        const simd::ThreeRows rows{magnitudes[0], magnitudes[1], magnitudes[2]};
         const simd::GradientRow across{magnitudes[1], gradient[0], gradient[1]};
         const auto call = [&](bool fast, const auto& out) {
             return (fast ? simd::local_maxima_row : simd::plain::local_maxima_row)(
@@ -106,8 +106,8 @@ TEST(GradientKernels, MidpointsAndMarks) {
         }
         const simd::ThreeBitRows bits{edges[0].data(), edges[1].data(), edges[2].data()};
         const auto call = [&](bool fast, const auto& out) {
-            (fast ? simd::mark_row : simd::plain::mark_row)(midpoints.three(), bits, grey[2], width,
-                                                            out[0]);
+            (fast ? simd::mark_below_midpoints : simd::plain::mark_below_midpoints)(
+                midpoints.three(), bits, grey[2], width, out[0]);
         };
         expect_twins<std::uint64_t>(1, words, random, call);
     });
@@ -137,9 +137,11 @@ TEST(GradientKernels, RowsOfBlocks) {
         Rows map(3, width, random, random.chance(0.5) ? 255 : 9, random.chance(0.5) ? 0.5 : 0.9);
         const std::uint8_t limit = random.byte();
         const auto call = [&](bool fast, const auto& out) {
-            (fast ? simd::spread_row : simd::plain::spread_row)(map.three(), width, out[0]);
-            (fast ? simd::clean_row : simd::plain::clean_row)(map.three(), width, out[1]);
-            (fast ? simd::middle_row : simd::plain::middle_row)(map.three(), width, limit, out[2]);
+            (fast ? simd::fill_empty_row : simd::plain::fill_empty_row)(map.three(), width, out[0]);
+            (fast ? simd::average_filled_row : simd::plain::average_filled_row)(map.three(), width,
+                                                                                out[1]);
+            (fast ? simd::midrange_row : simd::plain::midrange_row)(map.three(), width, limit,
+                                                                    out[2]);
         };
         expect_twins(3, width, random, call, kRoom);
     });
@@ -212,7 +214,7 @@ TEST(EdgeBlockSums, TheSteepestGradientOfEveryContrast) {
     });
 }
 
-TEST(BlockFill, WidensAndPulls) {
+TEST(BlockFill, DilatesAndPropagates) {
     on_every_width(0, [](std::size_t width, Random& random) {
         for (int round = 0; round < 3; ++round) {
             std::vector<Row> rows;
@@ -223,18 +225,18 @@ TEST(BlockFill, WidensAndPulls) {
             const bool last_row = round == 2;
             const auto call = [&](bool fast, const auto& out) {
                 std::uint8_t* const beneath = last_row ? static_cast<std::uint8_t*>(out[2]) : below;
-                (fast ? simd::widen_into_empty : simd::plain::widen_into_empty)(
+                (fast ? simd::dilate_into_empty : simd::plain::dilate_into_empty)(
                     above, rows[1], below, width, out[0]);
                 if (fast) {
-                    simd::pull_forward(rows[1], above, width, out[1]);
+                    simd::propagate_forward(rows[1], above, width, out[1]);
                 } else {
-                    simd::plain::pull_forward(rows[1], above, 0, width, out[1]);
+                    simd::plain::propagate_forward(rows[1], above, 0, width, out[1]);
                 }
                 std::copy_n(out[1], width, out[2]);
                 if (fast) {
-                    simd::pull_backward(rows[1], beneath, width, out[2]);
+                    simd::propagate_backward(rows[1], beneath, width, out[2]);
                 } else {
-                    simd::plain::pull_backward(rows[1], beneath, 0, width, width, out[2]);
+                    simd::plain::propagate_backward(rows[1], beneath, 0, width, width, out[2]);
                 }
             };
             expect_twins(3, width, random, call);

@@ -4,7 +4,7 @@
 
 #include "simd/pixels/border_rows.h"
 #include "simd/pixels/grey_rows.h"
-#include "simd/pixels/level_counts.h"
+#include "simd/pixels/histogram.h"
 #include "simd/pixels/light_counts.h"
 #include "simd/pixels/threshold_bits.h"
 #include "support/kernel_frame.h"
@@ -46,7 +46,7 @@ TEST(GreyRows, LuminanceOfEveryColour) {
     });
 }
 
-TEST(GreyRows, LuminanceHeldAndSmoothed) {
+TEST(GreyRows, LuminanceClampedAndSmoothed) {
     on_every_width(0, [](std::size_t width, Random& random) {
         Row noise(3 * width, random);
         for (const auto order : {simd::ChannelOrder::kRedFirst, simd::ChannelOrder::kBlueFirst}) {
@@ -55,11 +55,11 @@ TEST(GreyRows, LuminanceHeldAndSmoothed) {
                                                                           out[0]);
             });
         }
-        // Channels near each other's limit of spread, greys near the held value.
+        // Channels near each other's limit of chroma, greys near the value they are clamped to.
         Row light(3 * width, random, 160), start(width, random, 190);
         expect_twins(1, width, random, [&](bool fast, const auto& out) {
             std::copy_n(start.data(), width, out[0]);
-            (fast ? simd::hold_saturated : simd::plain::hold_saturated)(light, width, out[0]);
+            (fast ? simd::clamp_saturated : simd::plain::clamp_saturated)(light, width, out[0]);
         });
         expect_twins(1, width, random, [&](bool fast, const auto& out) {
             (fast ? simd::gaussian_row : simd::plain::gaussian_row)(
@@ -103,7 +103,7 @@ TEST(ThresholdBits, OfRowsAndOfBlocks) {
     });
 }
 
-TEST(LevelCounts, AddEveryLevel) {
+TEST(Histogram, AddsEveryLevel) {
     for (const int span : {0, 1, 14, 15, 16, 255}) {
         for (const std::size_t count : {0U, 1U, 3U, 63U, 511U, 512U, 513U, 1023U, 1024U, 5000U}) {
             on_every_width(count, count, [&](std::size_t, Random& random) {
@@ -112,9 +112,10 @@ TEST(LevelCounts, AddEveryLevel) {
                 for (std::size_t i = 0; i < count; ++i)
                     bytes[i] = static_cast<std::uint8_t>(bytes[i] + 230);
                 expect_twins<std::uint64_t>(1, 256, random, [&](bool fast, const auto& out) {
-                    simd::LevelCounts counts;
+                    simd::Histogram counts;
                     std::copy_n(out[0], 256, counts.begin());
-                    (fast ? simd::count_levels : simd::plain::count_levels)(bytes, count, counts);
+                    (fast ? simd::add_to_histogram : simd::plain::add_to_histogram)(bytes, count,
+                                                                                    counts);
                     std::copy_n(counts.begin(), 256, out[0]);
                 });
             });

@@ -35,11 +35,11 @@ void fill_by_lowest(const BlockGrid& map, PaddedRows& scratch, BlockGrid& out) {
     std::uint8_t* above = scratch.row(0);
     std::memset(above, 255, width);
     for (std::size_t y = 0; y <= last; ++y) {
-        simd::pull_forward(map.row(y), above, width, out.row(y));
+        simd::propagate_forward(map.row(y), above, width, out.row(y));
         above = out.row(y);
     }
     for (std::size_t y = map.height(); y-- > 0;) {
-        simd::pull_backward(map.row(y), out.row(std::min(y + 1, last)), width, out.row(y));
+        simd::propagate_backward(map.row(y), out.row(std::min(y + 1, last)), width, out.row(y));
     }
 }
 
@@ -131,7 +131,7 @@ void fill_by_mean(const BlockGrid& map, GridScratch& scratch, BlockGrid& out) {
 
 void spread(BlockGrid& map, PaddedRows& saved) {
     by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
-        simd::spread_row(around, map.width(), row);
+        simd::fill_empty_row(around, map.width(), row);
     });
 }
 

@@ -12,7 +12,7 @@
 #include "binarization/blocks.h"
 #include "binarization/gradient/padded_rows.h"
 #include "frame/buffer.h"
-#include "simd/pixels/midpoint_rows.h"
+#include "simd/pixels/padded_rows.h"
 
 namespace binarization {
 

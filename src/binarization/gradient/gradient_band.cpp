@@ -70,9 +70,9 @@ void GradientBand::mark_edges(const common::GreyView& grey,
     for (std::size_t y = 0; y < height_; ++y) {
         load_midpoints(grey, y + 1);
         if (y > 0 && y + 1 < height_) {
-            simd::mark_row(around(midpoints_, y),
-                           {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
-                           grey_.row(grey, y), width_, bits_.data());
+            simd::mark_below_midpoints(around(midpoints_, y),
+                                       {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
+                                       grey_.row(grey, y), width_, bits_.data());
             simd::set_pixels(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
         }
         if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) {

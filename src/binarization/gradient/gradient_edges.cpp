@@ -138,8 +138,8 @@ void EdgeFinder::find_candidates(std::size_t y) {
             std::uint8_t* row = magnitudes_.row(graded_);
             for (std::size_t x = 0; x < width_; ++x) row[x] = scaled_[row[x]];
         }
-        const simd::MagnitudeRows around{magnitudes_.row(y - 1), magnitudes_.row(y),
-                                         magnitudes_.row(y + 1)};
+        const simd::ThreeRows around{magnitudes_.row(y - 1), magnitudes_.row(y),
+                                     magnitudes_.row(y + 1)};
         found_candidates_ |= simd::local_maxima_row(around, gradient_row(y), width_, thresholds_,
                                                     starts_.row(y), follows);
     }

@@ -15,6 +15,7 @@
 #include "binarization/gradient/padded_rows.h"
 #include "common/views.h"
 #include "frame/buffer.h"
+#include "simd/pixels/gradient_rows.h"
 
 namespace binarization {
 

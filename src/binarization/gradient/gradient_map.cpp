@@ -30,7 +30,7 @@ std::uint8_t all_ones_if(bool condition) {
 void clean(BlockGrid& map, PaddedRows& saved) {
     if (!map.two_dimensional()) return;
     by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
-        simd::clean_row(around, map.width(), row);
+        simd::average_filled_row(around, map.width(), row);
     });
     std::memset(map.row(0), 0, map.width());
     std::memset(map.row(map.height() - 1), 0, map.width());
@@ -65,7 +65,7 @@ void take_levels(ThresholdMaps& maps, int start) {
     for (std::size_t y = 0; y <= last; ++y) {
         const simd::ThreeRows around{greys.row(y > 0 ? y - 1 : 0), greys.row(y),
                                      greys.row(std::min(y + 1, last))};
-        simd::middle_row(around, width, limit, maps.filled.row(y));
+        simd::midrange_row(around, width, limit, maps.filled.row(y));
     }
 }
 

@@ -8,7 +8,7 @@
 
 #include "common/views.h"
 #include "frame/buffer.h"
-#include "simd/pixels/gradient_rows.h"
+#include "simd/pixels/padded_rows.h"
 
 namespace binarization {
 

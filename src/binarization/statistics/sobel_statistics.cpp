@@ -153,8 +153,8 @@ void widen_into_empty_cells(const BlockMap& map, BlockMap& widened) {
     const std::size_t last = map.height - 1;
     std::memcpy(widened.row(0), map.row(0), map.width);
     for (std::size_t i = 1; i < last; ++i) {
-        simd::widen_into_empty(map.row(i - 1), map.row(i), map.row(i + 1), map.width,
-                               widened.row(i));
+        simd::dilate_into_empty(map.row(i - 1), map.row(i), map.row(i + 1), map.width,
+                                widened.row(i));
     }
     std::memcpy(widened.row(last), map.row(last), map.width);
 }
@@ -167,11 +167,12 @@ void complete(BlockMap& map, BlockMap& widened) {
     std::memset(map.row(last), 255, map.width);
     const std::uint8_t* above = map.row(last);
     for (std::size_t i = 0; i <= last; ++i) {
-        simd::pull_forward(widened.row(i), above, map.width, map.row(i));
+        simd::propagate_forward(widened.row(i), above, map.width, map.row(i));
         above = map.row(i);
     }
     for (std::size_t i = map.height; i-- > 0;) {
-        simd::pull_backward(widened.row(i), map.row(std::min(i + 1, last)), map.width, map.row(i));
+        simd::propagate_backward(widened.row(i), map.row(std::min(i + 1, last)), map.width,
+                                 map.row(i));
     }
 }
 

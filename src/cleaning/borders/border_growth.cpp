@@ -14,7 +14,7 @@
 namespace cleaning {
 namespace {
 
-using simd::Walk;
+using simd::PassDirection;
 
 std::uint8_t below_as_at_most(std::int32_t limit) {
     return static_cast<std::uint8_t>(std::clamp(limit, 1, 256) - 1);
@@ -33,25 +33,25 @@ class Growth {
 
     void run() {
         std::fill(due_.begin(), due_.end(), std::uint8_t{1});
-        pass(Walk::kRight);
+        pass(PassDirection::kRight);
         std::fill(due_.begin(), due_.end(), std::uint8_t{1});
-        pass(Walk::kLeft);
-        pass(Walk::kRight);
+        pass(PassDirection::kLeft);
+        pass(PassDirection::kRight);
     }
 
   private:
     // Visits the rows that are due or come after one that is due or changes. Leaves those due that
     // it changed.
-    void pass(Walk walk) {
-        const std::ptrdiff_t step = walk == Walk::kRight ? 1 : -1;
-        const std::ptrdiff_t first = walk == Walk::kRight ? 0 : page_.height - 1;
+    void pass(PassDirection direction) {
+        const std::ptrdiff_t step = direction == PassDirection::kRight ? 1 : -1;
+        const std::ptrdiff_t first = direction == PassDirection::kRight ? 0 : page_.height - 1;
         bool due = false;
         for (std::ptrdiff_t i = 0; i < page_.height; ++i) {
             const std::ptrdiff_t y = first + i * step;
             std::uint8_t& flag = due_[static_cast<std::size_t>(y)];
             due = due || flag != 0;
             if (!due) continue;
-            const bool changed = i == 0 ? visit_first(walk, y) : visit(walk, y, y - step);
+            const bool changed = i == 0 ? visit_first(direction, y) : visit(direction, y, y - step);
             due = flag != 0 || changed;
             flag = changed ? 1 : 0;
         }
@@ -59,24 +59,26 @@ class Growth {
 
     // The first row of a pass: any dark pixel is marked, and no row lies behind. Its change counts
     // as one in any case.
-    bool visit_first(Walk walk, std::ptrdiff_t y) {
+    bool visit_first(PassDirection direction, std::ptrdiff_t y) {
         simd::GreyLine& line = lines_.row(y);
         if (limits_.dark > 0) {
             simd::mark_dark(shape_, line, below_as_at_most(limits_.dark), mask_.row(y));
         }
         if (spreads()) {
-            const std::uint64_t* const blank = mask_.row(walk == Walk::kRight ? -1 : page_.height);
-            simd::spread_marks(walk, shape_, joins_, line, line, blank, mask_.row(y));
+            const std::uint64_t* const blank =
+                mask_.row(direction == PassDirection::kRight ? -1 : page_.height);
+            simd::propagate_marks(direction, shape_, joins_, line, line, blank, mask_.row(y));
         }
         return true;
     }
 
-    bool visit(Walk walk, std::ptrdiff_t y, std::ptrdiff_t neighbour) {
-        bool changed = mark_edge_pixel(y, neighbour, walk == Walk::kRight ? 0 : page_.width - 1);
+    bool visit(PassDirection direction, std::ptrdiff_t y, std::ptrdiff_t neighbour) {
+        bool changed =
+            mark_edge_pixel(y, neighbour, direction == PassDirection::kRight ? 0 : page_.width - 1);
         if (spreads()) {
             changed |=
-                simd::spread_marks(walk, shape_, joins_, lines_.row(y), lines_.row(neighbour),
-                                   mask_.row(neighbour), mask_.row(y));
+                simd::propagate_marks(direction, shape_, joins_, lines_.row(y),
+                                      lines_.row(neighbour), mask_.row(neighbour), mask_.row(y));
         }
         return changed;
     }

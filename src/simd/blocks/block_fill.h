@@ -1,8 +1,8 @@
 // Rows of a map of block thresholds on the way from a map with empty (0) cells to a full one.
 //
-// Use: widen_into_empty() for the inner rows where the map is to be widened first; then, from that
-// map into another one, pull_forward() for the rows from top to bottom and pull_backward() from
-// bottom to top.
+// Use: dilate_into_empty() for the inner rows where filled cells are to be dilated first; then,
+// from that map into another one, propagate_forward() for the rows from top to bottom and
+// propagate_backward() from bottom to top.
 //
 // Keep true: output rows do not overlap inputs, except that the row below the last one may be the
 // last row itself.
@@ -16,49 +16,50 @@ namespace simd {
 
 // out = row, but every empty cell that is not the first or the last one takes the largest value of
 // the 3 x 3 cells around it.
-void widen_into_empty(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                      std::size_t width, std::uint8_t* out);
+void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
+                       const std::uint8_t* below, std::size_t width, std::uint8_t* out);
 
 // out = cells, but from left to right every empty cell takes the least of its left, upper and upper
 // left neighbours in the result, or 255 where it has none that is lower. `above` is the result of
 // the row above, or 255 everywhere.
-void pull_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
-                  std::uint8_t* out);
+void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
+                       std::uint8_t* out);
 
 // From right to left, every cell of `out` that is empty in `cells` takes the least of itself and
 // its right, lower and lower right neighbours in the result. `below` is the result of the row
 // below, or `out` where there is none.
-void pull_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
-                   std::uint8_t* out);
+void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
+                        std::uint8_t* out);
 
 namespace plain {
 
-inline std::uint8_t widened(const std::uint8_t* above, const std::uint8_t* row,
+inline std::uint8_t dilated(const std::uint8_t* above, const std::uint8_t* row,
                             const std::uint8_t* below) {
     if (row[0] != 0) return row[0];
     return std::max(
         {above[-1], above[0], above[1], row[-1], row[1], below[-1], below[0], below[1]});
 }
 
-inline void widen_into_empty(const std::uint8_t* above, const std::uint8_t* row,
-                             const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
+inline void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
+                              const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
     for (std::size_t x = 0; x < width; ++x) {
         const bool end = x == 0 || x + 1 == width;
-        out[x] = end ? row[x] : widened(above + x, row + x, below + x);
+        out[x] = end ? row[x] : dilated(above + x, row + x, below + x);
     }
 }
 
 // Cells begin .. end - 1.
-inline void pull_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t begin,
-                         std::size_t end, std::uint8_t* out) {
+inline void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above,
+                              std::size_t begin, std::size_t end, std::uint8_t* out) {
     for (std::size_t x = begin; x < end; ++x) {
         out[x] = cells[x] != 0 ? cells[x] : above[x];
         if (cells[x] == 0 && x > 0) out[x] = std::min({out[x], out[x - 1], above[x - 1]});
     }
 }
 
-inline void pull_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t begin,
-                          std::size_t end, std::size_t width, std::uint8_t* out) {
+inline void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below,
+                               std::size_t begin, std::size_t end, std::size_t width,
+                               std::uint8_t* out) {
     for (std::size_t x = end; x-- > begin;) {
         if (cells[x] != 0) continue;
         out[x] = std::min(out[x], below[x]);

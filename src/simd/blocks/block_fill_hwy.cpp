@@ -1,11 +1,11 @@
-// Vector form of block_fill.h. A pull runs along the row, each cell waiting for the one before:
-// here the cells of a vector are pulled in steps over distances 1, 2, 4, ..., which need not wait
+// Vector form of block_fill.h. The minimum is propagated along the row, each cell waiting for the
+// one before: here it crosses a vector in steps over distances 1, 2, 4, ..., which need not wait
 // for the cells before them; those join as one value that reaches the first empty cells of the
 // vector. Distances below 16 are taken inside blocks of sixteen cells, further ones from block to
 // block.
 //
 // A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
-// pulling again changes nothing.
+// propagating again changes nothing.
 #include "simd/blocks/block_fill.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -24,11 +24,11 @@ HWY_INLINE ByteVector most_of_three(const std::uint8_t* row) {
                    hn::LoadU(kBytes, row));
 }
 
-void widen_into_empty(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                      std::size_t width, std::uint8_t* out) {
+void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
+                       const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
     const std::size_t lanes = hn::Lanes(kBytes);
-    if (width < lanes + 2) return plain::widen_into_empty(above, row, below, width, out);
-    const auto widen = [=](std::size_t x) HWY_ATTR {
+    if (width < lanes + 2) return plain::dilate_into_empty(above, row, below, width, out);
+    const auto dilate = [=](std::size_t x) HWY_ATTR {
         const ByteVector cells = hn::LoadU(kBytes, row + x);
         const ByteVector around = hn::Max(hn::Max(most_of_three(above + x), most_of_three(row + x)),
                                           most_of_three(below + x));
@@ -36,8 +36,8 @@ void widen_into_empty(const std::uint8_t* above, const std::uint8_t* row, const 
     };
     out[0] = row[0];
     const std::size_t last = width - 1 - lanes;
-    for (std::size_t x = 1; x < last; x += lanes) widen(x);
-    widen(last);
+    for (std::size_t x = 1; x < last; x += lanes) dilate(x);
+    dilate(last);
     out[width - 1] = row[width - 1];
 }
 
@@ -67,7 +67,7 @@ struct BlockMove {
     }
 };
 
-// The direction of a pull: where cells move to, and which one is the last of a block.
+// The direction: where cells move to, and which one is the last of a block.
 struct Forward {
     template <int kCells>
     static HWY_INLINE ByteVector move(ByteVector v) {
@@ -75,7 +75,7 @@ struct Forward {
     }
     template <int kDistance>
     static constexpr BlockMove kMove{-kDistance};
-    static constexpr BlockMove kSpreadLast{0, kBlocks - 1};
+    static constexpr BlockMove kRepeatLast{0, kBlocks - 1};
     static constexpr std::uint8_t kLastCell = kBlockCells - 1;
 };
 
@@ -86,7 +86,7 @@ struct Backward {
     }
     template <int kDistance>
     static constexpr BlockMove kMove{kDistance};
-    static constexpr BlockMove kSpreadLast{0, 0};
+    static constexpr BlockMove kRepeatLast{0, 0};
     static constexpr std::uint8_t kLastCell = 0;
 };
 
@@ -116,10 +116,10 @@ HWY_INLINE void block_step(ByteVector& cells, ByteVector& blocked) {
     blocked = hn::Or(blocked, hn::AndNot(outside, moved(blocked, kMove)));
 }
 
-// `cells` pulled along the row; `before` holds in all lanes the cell before the first one, and the
-// last one afterwards.
+// `cells` with the minimum propagated along the row; `before` holds in all lanes the cell before
+// the first one, and the last one afterwards.
 template <class Direction>
-HWY_INLINE ByteVector pull_vector(ByteVector cells, ByteVector filled, ByteVector& before) {
+HWY_INLINE ByteVector propagate_vector(ByteVector cells, ByteVector filled, ByteVector& before) {
     // Nothing moves into the first cells of a block, where a moved vector has zeros.
     const ByteVector all = hn::Set(kBytes, std::uint8_t{0xFF});
     ByteVector blocked = hn::Or(filled, hn::Not(Direction::template move<1>(all)));
@@ -141,7 +141,7 @@ HWY_INLINE ByteVector pull_vector(ByteVector cells, ByteVector filled, ByteVecto
 
     if constexpr (kBlocks > 1) {
         constexpr const BlockMove& kNext = Direction::template kMove<1>;
-        constexpr const BlockMove& kAll = Direction::kSpreadLast;
+        constexpr const BlockMove& kAll = Direction::kRepeatLast;
         const ByteVector outside = outside_of(kNext);
         const ByteVector entering =
             hn::Min(hn::Or(moved(ends, kNext), outside),
@@ -155,55 +155,55 @@ HWY_INLINE ByteVector pull_vector(ByteVector cells, ByteVector filled, ByteVecto
     return cells;
 }
 
-// A vector of cells, as they are now, pulled from the next row and along their own.
+// A vector of cells, as they are now, after propagation from the next row and along their own.
 template <class Direction>
-HWY_INLINE ByteVector pulled(ByteVector now, ByteVector filled, const std::uint8_t* near,
-                             const std::uint8_t* diagonal, ByteVector& before) {
+HWY_INLINE ByteVector propagated(ByteVector now, ByteVector filled, const std::uint8_t* near,
+                                 const std::uint8_t* diagonal, ByteVector& before) {
     const ByteVector beside = hn::Min(hn::LoadU(kBytes, near), hn::LoadU(kBytes, diagonal));
-    return pull_vector<Direction>(hn::Min(now, hn::Or(beside, filled)), filled, before);
+    return propagate_vector<Direction>(hn::Min(now, hn::Or(beside, filled)), filled, before);
 }
 
 HWY_INLINE ByteVector empty_among(ByteVector cells) {
     return hn::VecFromMask(kBytes, hn::Eq(cells, hn::Zero(kBytes)));
 }
 
-void pull_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
-                  std::uint8_t* out) {
+void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
+                       std::uint8_t* out) {
     const std::size_t lanes = hn::Lanes(kBytes);
-    if (width <= lanes) return plain::pull_forward(cells, above, 0, width, out);
-    plain::pull_forward(cells, above, 0, 1, out);
-    const auto pull = [=](std::size_t x, ByteVector& before) HWY_ATTR {
+    if (width <= lanes) return plain::propagate_forward(cells, above, 0, width, out);
+    plain::propagate_forward(cells, above, 0, 1, out);
+    const auto propagate = [=](std::size_t x, ByteVector& before) HWY_ATTR {
         const ByteVector own = hn::LoadU(kBytes, cells + x);
         const ByteVector empty = empty_among(own);
-        hn::StoreU(
-            pulled<Forward>(hn::Or(own, empty), hn::Not(empty), above + x, above + x - 1, before),
-            kBytes, out + x);
+        hn::StoreU(propagated<Forward>(hn::Or(own, empty), hn::Not(empty), above + x, above + x - 1,
+                                       before),
+                   kBytes, out + x);
     };
     ByteVector before = hn::Set(kBytes, out[0]);
     std::size_t x = 1;
-    for (; x + lanes <= width; x += lanes) pull(x, before);
+    for (; x + lanes <= width; x += lanes) propagate(x, before);
     if (x == width) return;
     before = hn::Set(kBytes, out[width - lanes - 1]);
-    pull(width - lanes, before);
+    propagate(width - lanes, before);
 }
 
-void pull_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
-                   std::uint8_t* out) {
+void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
+                        std::uint8_t* out) {
     const std::size_t lanes = hn::Lanes(kBytes);
-    if (width <= lanes) return plain::pull_backward(cells, below, 0, width, width, out);
-    plain::pull_backward(cells, below, width - 1, width, width, out);
-    const auto pull = [=](std::size_t x, ByteVector& before) HWY_ATTR {
+    if (width <= lanes) return plain::propagate_backward(cells, below, 0, width, width, out);
+    plain::propagate_backward(cells, below, width - 1, width, width, out);
+    const auto propagate = [=](std::size_t x, ByteVector& before) HWY_ATTR {
         const ByteVector filled = hn::Not(empty_among(hn::LoadU(kBytes, cells + x)));
-        hn::StoreU(
-            pulled<Backward>(hn::LoadU(kBytes, out + x), filled, below + x, below + x + 1, before),
-            kBytes, out + x);
+        hn::StoreU(propagated<Backward>(hn::LoadU(kBytes, out + x), filled, below + x,
+                                        below + x + 1, before),
+                   kBytes, out + x);
     };
     ByteVector before = hn::Set(kBytes, out[width - 1]);
     std::size_t end = width - 1;
-    for (; end >= lanes; end -= lanes) pull(end - lanes, before);
+    for (; end >= lanes; end -= lanes) propagate(end - lanes, before);
     if (end == 0) return;
     before = hn::Set(kBytes, out[lanes]);
-    pull(0, before);
+    propagate(0, before);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -213,23 +213,23 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(widen_into_empty);
-HWY_EXPORT(pull_forward);
-HWY_EXPORT(pull_backward);
+HWY_EXPORT(dilate_into_empty);
+HWY_EXPORT(propagate_forward);
+HWY_EXPORT(propagate_backward);
 
-void widen_into_empty(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                      std::size_t width, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(widen_into_empty)(above, row, below, width, out);
+void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
+                       const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(dilate_into_empty)(above, row, below, width, out);
 }
 
-void pull_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
-                  std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(pull_forward)(cells, above, width, out);
+void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
+                       std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(propagate_forward)(cells, above, width, out);
 }
 
-void pull_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
-                   std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(pull_backward)(cells, below, width, out);
+void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
+                        std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(propagate_backward)(cells, below, width, out);
 }
 
 }  // namespace simd

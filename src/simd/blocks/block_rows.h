@@ -1,7 +1,7 @@
 // Rows of maps that hold one byte for every 4 x 4 block of a page; where that is a threshold, 0
 // stands for a block without one.
 //
-// Keep true: rows are padded as for gradient_rows.h. What stands before the first and behind the
+// Keep true: rows are padded as padded_rows.h says. What stands before the first and behind the
 // last cell is looked at only where it says so; kernels write there.
 #pragma once
 
@@ -12,11 +12,6 @@
 #include "simd/pixels/midpoint_rows.h"
 
 namespace simd {
-
-// The four rows of pixels of a row of blocks.
-struct FourRows {
-    const std::uint8_t* row[4];
-};
 
 // Means, rounded down, of midpoints and contrasts over the pixels of each block whose contrast is
 // not 0; 0 for blocks without such pixels. edges[i] is not 0 where word i of 64
@@ -29,16 +24,16 @@ void grey_means(const FourRows& grey, std::size_t words, std::uint8_t* means);
 
 // Cells 1 .. width - 2 that are 0 become the mean, rounded down, of those of their 8 neighbours
 // that are not 0; all others are copied.
-void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out);
+void fill_empty_row(const ThreeRows& map, std::size_t width, std::uint8_t* out);
 
 // Cells 1 .. width - 2 that are not 0 become the mean, rounded down, of the cells around and at
 // them that are not 0 where these are at least 3; all others become 0.
-void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out);
+void average_filled_row(const ThreeRows& map, std::size_t width, std::uint8_t* out);
 
 // Midway, rounded down, between the least and the greatest of the nine cells around and at each,
 // where they differ by more than `limit`, else 0. The cells before the first and behind the last
 // one are read.
-void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out);
+void midrange_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out);
 
 namespace plain {
 
@@ -69,7 +64,7 @@ inline void grey_means(const FourRows& grey, std::size_t words, std::uint8_t* me
     }
 }
 
-inline void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+inline void fill_empty_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     std::copy_n(map.row, width, out);
     for (std::size_t x = 1; x + 1 < width; ++x) {
         if (map.row[x] == 0) {
@@ -79,7 +74,7 @@ inline void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* ou
     }
 }
 
-inline void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+inline void average_filled_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     std::fill_n(out, width, std::uint8_t{0});
     for (std::size_t x = 1; x + 1 < width; ++x) {
         if (map.row[x] == 0) continue;
@@ -95,8 +90,8 @@ inline void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out
     }
 }
 
-inline void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit,
-                       std::uint8_t* out) {
+inline void midrange_row(const ThreeRows& map, std::size_t width, std::uint8_t limit,
+                         std::uint8_t* out) {
     for (std::ptrdiff_t x = 0; x < static_cast<std::ptrdiff_t>(width); ++x) {
         int least = 255;
         int most = 0;

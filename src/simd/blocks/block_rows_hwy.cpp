@@ -105,7 +105,7 @@ HWY_INLINE WordVector means_of(WordVector sums_and_counts) {
     return hn::MulHigh(hn::Add(sums, sums), reciprocals);
 }
 
-void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+void fill_empty_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
         const ByteVector own = hn::LoadU(kBytes, map.row + x);
         const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
@@ -122,7 +122,7 @@ HWY_INLINE WordVector means_of_three_or_more(WordVector sums_and_counts) {
     return hn::IfThenElseZero(enough, means_of(sums_and_counts));
 }
 
-void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+void average_filled_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
         const ByteVector own = hn::LoadU(kBytes, map.row + x);
         const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
@@ -134,7 +134,7 @@ void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     out[width - 1] = 0;
 }
 
-void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
+void midrange_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
     const ByteVector limits = hn::Set(kBytes, limit);
     const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
     for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
@@ -164,9 +164,9 @@ namespace simd {
 
 HWY_EXPORT(edge_means);
 HWY_EXPORT(grey_means);
-HWY_EXPORT(spread_row);
-HWY_EXPORT(clean_row);
-HWY_EXPORT(middle_row);
+HWY_EXPORT(fill_empty_row);
+HWY_EXPORT(average_filled_row);
+HWY_EXPORT(midrange_row);
 
 void edge_means(const FourRows& midpoints, const FourRows& contrasts, const std::uint64_t* edges,
                 std::size_t words, std::uint8_t* midpoint_means, std::uint8_t* contrast_means) {
@@ -178,16 +178,16 @@ void grey_means(const FourRows& grey, std::size_t words, std::uint8_t* means) {
     HWY_DYNAMIC_DISPATCH(grey_means)(grey, words, means);
 }
 
-void spread_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(spread_row)(map, width, out);
+void fill_empty_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(fill_empty_row)(map, width, out);
 }
 
-void clean_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(clean_row)(map, width, out);
+void average_filled_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(average_filled_row)(map, width, out);
 }
 
-void middle_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(middle_row)(map, width, limit, out);
+void midrange_row(const ThreeRows& map, std::size_t width, std::uint8_t limit, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(midrange_row)(map, width, limit, out);
 }
 
 }  // namespace simd

@@ -1,7 +1,7 @@
 // Grey rows turned into bits by thresholds of their own for every four pixels, and by the darkness
 // of their surroundings; and bits put into a row of a bitonal page.
 //
-// Keep true: rows are padded as for gradient_rows.h; bits are whole words of 64 pixels, pixel 0 in
+// Keep true: rows are padded as padded_rows.h says; bits are whole words of 64 pixels, pixel 0 in
 // the least significant bit of the first. What is set behind the last pixel is undefined.
 #pragma once
 

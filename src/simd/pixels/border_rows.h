@@ -1,10 +1,10 @@
-// Rows of a page while the mask of its dark border spreads over them.
+// Rows of a page while the mask of its dark border grows over them.
 //
 // A mask row has one bit per pixel in words of 64, pixel x in bit x % 64 (counted from the least
 // significant) of word x / 64; bits beyond the row are 0. The kernels visit only the words that
 // touch a mark and make grey values only there: a border costs what it covers.
 //
-// Use: GreyLine lines of two neighbouring rows; then spread_marks() from the neighbour and along
+// Use: GreyLine lines of two neighbouring rows; then propagate_marks() from the neighbour and along
 // the row, in the direction in which the pass walks.
 #pragma once
 
@@ -55,7 +55,7 @@ struct JoinLimits {
 
 // The way a pass walks along a row. A pixel's neighbours are the one it comes from, the one of the
 // neighbouring row in its column, and the one of the neighbouring row beside that.
-enum class Walk { kRight, kLeft };
+enum class PassDirection { kRight, kLeft };
 
 // Marks the pixels of at most grey value `darkest`.
 void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std::uint64_t* marks);
@@ -63,8 +63,9 @@ void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std:
 // Marks each pixel, except the first of the walk, that has a marked neighbour and passes the limits
 // with all three of its neighbours. Returns whether it marked any. For a row without a neighbour
 // pass the row itself and marks of zeros as the neighbour.
-bool spread_marks(Walk walk, const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                  GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks);
+bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinLimits& limits,
+                     GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                     std::uint64_t* marks);
 
 namespace plain {
 
@@ -88,14 +89,15 @@ inline bool marked(const std::uint64_t* marks, std::ptrdiff_t x) {
     return (marks[x / 64] >> (x % 64) & 1) != 0;
 }
 
-// spread_marks() a pixel at a time, on whole rows of grey values.
-inline bool spread_marks(Walk walk, std::size_t width, const JoinLimits& limits,
-                         const std::uint8_t* row, const std::uint8_t* neighbour,
-                         const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
+// propagate_marks() a pixel at a time, on whole rows of grey values.
+inline bool propagate_marks(PassDirection direction, std::size_t width, const JoinLimits& limits,
+                            const std::uint8_t* row, const std::uint8_t* neighbour,
+                            const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
     bool any = false;
-    const std::ptrdiff_t from = walk == Walk::kRight ? -1 : 1;
+    const std::ptrdiff_t from = direction == PassDirection::kRight ? -1 : 1;
     for (std::size_t i = 1; i < width; ++i) {
-        const auto x = static_cast<std::ptrdiff_t>(walk == Walk::kRight ? i : width - 1 - i);
+        const auto x =
+            static_cast<std::ptrdiff_t>(direction == PassDirection::kRight ? i : width - 1 - i);
         if (marked(marks, x)) continue;
         if (!marked(marks, x + from) && !marked(neighbour_marks, x) &&
             !marked(neighbour_marks, x + from)) {

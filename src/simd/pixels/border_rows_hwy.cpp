@@ -1,6 +1,6 @@
 // Vector form of border_rows.h.
 //
-// Spreading along a row looks sequential: a pixel joins when its neighbour on the way has joined.
+// Propagation along a row looks sequential: a pixel joins when its neighbour on the way has joined.
 // But which pixels pass the limits (`open`) does not depend on the marks, so 64 of them are tested
 // at once, and what is left is to fill runs of open pixels from those that lie next to a mark. An
 // addition does that towards the higher bits: a seed's carry runs up through the ones of its run
@@ -151,8 +151,9 @@ HWY_INLINE bool blank(const std::uint64_t* neighbour_marks, const std::uint64_t*
     return hn::AllTrue(kMarks, hn::Eq(both, hn::Zero(kMarks)));
 }
 
-bool spread_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                  GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
+bool propagate_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
+                     GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                     std::uint64_t* marks) {
     const std::size_t words = mask_words(shape.width);
     const std::size_t lanes = hn::Lanes(kMarks);
     std::uint64_t changed = 0;
@@ -182,8 +183,9 @@ bool spread_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row
     return changed != 0;
 }
 
-bool spread_left(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                 GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
+bool propagate_left(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
+                    GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                    std::uint64_t* marks) {
     const std::size_t words = mask_words(shape.width);
     const std::size_t lanes = hn::Lanes(kMarks);
     // All pixels but the first of the walk.
@@ -216,10 +218,11 @@ bool spread_left(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
     return changed != 0;
 }
 
-bool spread_marks(Walk walk, const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                  GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
-    return (walk == Walk::kRight ? spread_right : spread_left)(shape, limits, row, neighbour,
-                                                               neighbour_marks, marks);
+bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinLimits& limits,
+                     GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                     std::uint64_t* marks) {
+    return (direction == PassDirection::kRight ? propagate_right : propagate_left)(
+        shape, limits, row, neighbour, neighbour_marks, marks);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -230,16 +233,17 @@ HWY_AFTER_NAMESPACE();
 namespace simd {
 
 HWY_EXPORT(mark_dark);
-HWY_EXPORT(spread_marks);
+HWY_EXPORT(propagate_marks);
 
 void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std::uint64_t* marks) {
     HWY_DYNAMIC_DISPATCH(mark_dark)(shape, line, darkest, marks);
 }
 
-bool spread_marks(Walk walk, const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                  GreyLine& neighbour, const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
-    return HWY_DYNAMIC_DISPATCH(spread_marks)(walk, shape, limits, row, neighbour, neighbour_marks,
-                                              marks);
+bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinLimits& limits,
+                     GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                     std::uint64_t* marks) {
+    return HWY_DYNAMIC_DISPATCH(propagate_marks)(direction, shape, limits, row, neighbour,
+                                                 neighbour_marks, marks);
 }
 
 }  // namespace simd

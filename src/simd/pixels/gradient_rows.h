@@ -4,9 +4,7 @@
 // Use: gradient_row() for rows y - 1, y and y + 1, then local_maxima_row() for row y. The forms in
 // simd::plain say what each computes; the vector forms give the same values.
 //
-// Keep true: every row has kRowPad readable and writable bytes before its first pixel and behind
-// its last one, rounded up to whole words of 64 pixels: vectors run over the ends. What stands
-// there is looked at only where it says so.
+// Keep true: rows are padded as padded_rows.h says.
 #pragma once
 
 #include <algorithm>
@@ -15,9 +13,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace simd {
+#include "simd/pixels/padded_rows.h"
 
-constexpr std::size_t kRowPad = 64;
+namespace simd {
 
 // Gradients of one row. |gx| and |gy| are the Sobel responses divided by 4, rounded towards 0, at
 // most 127.
@@ -34,13 +32,6 @@ struct EdgeThresholds {
     std::uint8_t follow;     // an edge is followed into magnitudes above this
 };
 
-// Three rows of magnitudes around the row that is looked at.
-struct MagnitudeRows {
-    const std::uint8_t* above;
-    const std::uint8_t* row;
-    const std::uint8_t* below;
-};
-
 // Beyond their ends rows go on with their first and last pixels, whatever stands there.
 void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, const GradientRow& out);
@@ -52,8 +43,8 @@ void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std:
 // `start` and `follow` receive a bit for each candidate that passes these thresholds, pixel 0 in
 // the least significant bit of the first word; ceil(width / 64) words are written. Returns whether
 // there is a candidate.
-bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradient,
-                      std::size_t width, const EdgeThresholds& thresholds, std::uint64_t* start,
+bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
+                      const EdgeThresholds& thresholds, std::uint64_t* start,
                       std::uint64_t* follow);
 
 namespace plain {
@@ -83,8 +74,7 @@ inline void gradient_row(const std::uint8_t* above, const std::uint8_t* row,
     }
 }
 
-inline bool is_local_maximum(const MagnitudeRows& m, const GradientRow& gradient,
-                             std::ptrdiff_t x) {
+inline bool is_local_maximum(const ThreeRows& m, const GradientRow& gradient, std::ptrdiff_t x) {
     const int gx = gradient.across[x] & 0x7F;
     const int gy = gradient.down[x];
     const bool opposite = gradient.across[x] >= 0x80;
@@ -102,7 +92,7 @@ inline bool is_local_maximum(const MagnitudeRows& m, const GradientRow& gradient
            here >= (longer - shorter) * behind + shorter * diagonal_behind;
 }
 
-inline bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradient,
+inline bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient,
                              std::size_t width, const EdgeThresholds& thresholds,
                              std::uint64_t* start, std::uint64_t* follow) {
     std::fill_n(start, (width + 63) / 64, 0);

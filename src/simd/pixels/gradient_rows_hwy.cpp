@@ -184,7 +184,7 @@ HWY_INLINE WordVector not_below(WordVector magnitude, WordVector longer, const W
     return hn::VecFromMask(kWords, hn::Eq(hn::Max(here, most), here));
 }
 
-HWY_INLINE Sides sides_of(const MagnitudeRows& m, ByteVector level, ByteVector opposite,
+HWY_INLINE Sides sides_of(const ThreeRows& m, ByteVector level, ByteVector opposite,
                           std::size_t x) {
     const auto is_level = hn::MaskFromVec(level);
     const auto is_opposite = hn::MaskFromVec(opposite);
@@ -200,7 +200,7 @@ HWY_INLINE Sides sides_of(const MagnitudeRows& m, ByteVector level, ByteVector o
 }
 
 // All ones where the pixel is a local maximum.
-HWY_INLINE ByteVector local_maxima(const MagnitudeRows& m, const GradientRow& gradient,
+HWY_INLINE ByteVector local_maxima(const ThreeRows& m, const GradientRow& gradient,
                                    ByteVector magnitude, std::size_t x) {
     const ByteVector packed = hn::LoadU(kBytes, gradient.across + x);
     const ByteVector sign = hn::Set(kBytes, std::uint8_t{0x80});
@@ -227,8 +227,8 @@ HWY_INLINE ByteVector at_least(ByteVector values, ByteVector limit) {
     return hn::VecFromMask(kBytes, hn::Eq(hn::Max(values, limit), values));
 }
 
-bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradient,
-                      std::size_t width, const EdgeThresholds& thresholds, std::uint64_t* start,
+bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
+                      const EdgeThresholds& thresholds, std::uint64_t* start,
                       std::uint64_t* follow) {
     const ByteVector candidate = hn::Set(kBytes, thresholds.candidate);
     const ByteVector starts = hn::Set(kBytes, thresholds.start);
@@ -272,8 +272,8 @@ void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std:
     HWY_DYNAMIC_DISPATCH(gradient_row)(above, row, below, width, out);
 }
 
-bool local_maxima_row(const MagnitudeRows& magnitudes, const GradientRow& gradient,
-                      std::size_t width, const EdgeThresholds& thresholds, std::uint64_t* start,
+bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
+                      const EdgeThresholds& thresholds, std::uint64_t* start,
                       std::uint64_t* follow) {
     return HWY_DYNAMIC_DISPATCH(local_maxima_row)(magnitudes, gradient, width, thresholds, start,
                                                   follow);

@@ -1,10 +1,10 @@
-// Rows on their way from colour to a smoothed grey page: luminance, the hold on strongly coloured
+// Rows on their way from colour to a smoothed grey page: luminance, the clamp on strongly coloured
 // light pixels, the search for contrast and the two kinds of 3 x 3 smoothing.
 //
 // Use: one call per row. The forms in simd::plain say what each computes; the vector forms give the
 // same bytes.
 //
-// Keep true: input and output rows do not overlap, except that hold_saturated() works in place.
+// Keep true: input and output rows do not overlap, except that clamp_saturated() works in place.
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@ namespace simd {
 // Which of a pixel's three bytes comes first.
 enum class ChannelOrder { kRedFirst, kBlueFirst };
 
-constexpr int kHeldGrey = 200;        // what light pixels of strong colour are held at
-constexpr int kSaturatedSpread = 84;  // difference between channels above which a colour is strong
+constexpr int kSaturatedMaximum = 200;  // lighter pixels of strong colour are clamped to this
+constexpr int kSaturatedChroma = 84;  // difference between channels above which a colour is strong
 
 // Weight of the neighbours in smooth_row(), of 1024 for all nine; 1 .. 127. The centre keeps the
 // rest.
@@ -30,8 +30,8 @@ using NeighbourWeight = std::int16_t;
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey);
 
-// Grey values above kHeldGrey become kHeldGrey where the pixel's colour is strong.
-void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey);
+// Grey values above kSaturatedMaximum become kSaturatedMaximum where the pixel's colour is strong.
+void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey);
 
 // Whether |first[x] - second[x]| > limit anywhere.
 bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
@@ -56,10 +56,11 @@ inline void luminance_row(const std::uint8_t* colour, std::size_t width, Channel
     }
 }
 
-inline void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+inline void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
     for (std::size_t x = 0; x < width; ++x, colour += 3) {
         const auto [least, most] = std::minmax({colour[0], colour[1], colour[2]});
-        if (grey[x] > kHeldGrey && most - least > kSaturatedSpread) grey[x] = kHeldGrey;
+        if (grey[x] > kSaturatedMaximum && most - least > kSaturatedChroma)
+            grey[x] = kSaturatedMaximum;
     }
 }
 

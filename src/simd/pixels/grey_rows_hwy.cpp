@@ -10,7 +10,7 @@
 // * weight) * d; |d| <= 2040 and 64 * weight <= 8128.
 //
 // A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
-// all four are functions of their input pixels alone (the hold of a held pixel changes nothing).
+// all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -129,15 +129,15 @@ void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder o
     plain::luminance_row(colour + 3 * end, read_ahead, order, grey + end);
 }
 
-HWY_INLINE void hold_vector(const std::uint8_t* colour, std::uint8_t* grey) {
+HWY_INLINE void clamp_vector(const std::uint8_t* colour, std::uint8_t* grey) {
     ByteVector first, second, third;
     hn::LoadInterleaved3(kBytes, colour, first, second, third);
-    const ByteVector spread =
+    const ByteVector chroma =
         hn::Sub(hn::Max(hn::Max(first, second), third), hn::Min(hn::Min(first, second), third));
     const ByteVector values = hn::LoadU(kBytes, grey);
-    const ByteVector held = hn::Min(values, hn::Set(kBytes, std::uint8_t{kHeldGrey}));
-    const auto strong = hn::Gt(spread, hn::Set(kBytes, std::uint8_t{kSaturatedSpread}));
-    hn::StoreU(hn::IfThenElse(strong, held, values), kBytes, grey);
+    const ByteVector clamped = hn::Min(values, hn::Set(kBytes, std::uint8_t{kSaturatedMaximum}));
+    const auto strong = hn::Gt(chroma, hn::Set(kBytes, std::uint8_t{kSaturatedChroma}));
+    hn::StoreU(hn::IfThenElse(strong, clamped, values), kBytes, grey);
 }
 
 // Not zero where the difference is above the limit.
@@ -159,18 +159,18 @@ struct SamePixel {
 };
 
 // False only when none of the pixels from `colour` on can be strongly coloured, for either of two
-// reasons: every channel is so light that no spread above the limit fits under white, as on paper;
+// reasons: every channel is so light that no chroma above the limit fits under white, as on paper;
 // or the green of every pixel differs from its red and from its blue by at most half of the limit,
-// and the spread is at most the sum of both. Reads one byte behind the pixels.
+// and the chroma is at most the sum of both. Reads one byte behind the pixels.
 HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) {
     static constexpr SamePixel kSamePixel;
     const ByteVector darkest =
         hn::Min(hn::Min(hn::LoadU(kBytes, colour), hn::LoadU(kBytes, colour + lanes)),
                 hn::LoadU(kBytes, colour + 2 * lanes));
-    const ByteVector light = hn::Set(kBytes, std::uint8_t{255 - kSaturatedSpread});
+    const ByteVector light = hn::Set(kBytes, std::uint8_t{255 - kSaturatedChroma});
     if (hn::AllTrue(kBytes, hn::Eq(hn::Min(darkest, light), light))) return false;
     const auto found = [=](std::size_t at) HWY_ATTR {
-        const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedSpread / 2});
+        const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedChroma / 2});
         return hn::And(hn::LoadU(kBytes, kSamePixel.bytes + at),
                        excess(colour + at, colour + at + 1, half));
     };
@@ -180,15 +180,15 @@ HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) 
 
 // Most of most pages is paper and ink without colour, which the test above is quick to pass over.
 // The machine does not see then that the grey row will be wanted by who comes next.
-void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
     const std::size_t lanes = hn::Lanes(kBytes);
-    if (width < lanes) return plain::hold_saturated(colour, width, grey);
+    if (width < lanes) return plain::clamp_saturated(colour, width, grey);
     for (std::size_t x = 0; x + lanes < width; x += lanes) {
         fetch_ahead(grey + x);
-        if (may_be_saturated(colour + 3 * x, lanes)) hold_vector(colour + 3 * x, grey + x);
+        if (may_be_saturated(colour + 3 * x, lanes)) clamp_vector(colour + 3 * x, grey + x);
     }
     const std::size_t last = width - lanes;
-    hold_vector(colour + 3 * last, grey + last);
+    clamp_vector(colour + 3 * last, grey + last);
 }
 
 bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
@@ -208,8 +208,8 @@ bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::s
 HWY_INLINE WordVector drawn_to_neighbours(WordVector sum, WordVector centre,
                                           hn::Vec<SignedWords> scale) {
     const WordVector nine = hn::Add(hn::ShiftLeft<3>(centre), centre);
-    const auto pull = hn::BitCast(kSignedWords, hn::Sub(sum, nine));
-    return hn::Add(centre, hn::BitCast(kWords, hn::MulHigh(pull, scale)));
+    const auto difference = hn::BitCast(kSignedWords, hn::Sub(sum, nine));
+    return hn::Add(centre, hn::BitCast(kWords, hn::MulHigh(difference, scale)));
 }
 
 // Lanes pixels from `row` on. With `left` the three rows one pixel to the left and `right` one
@@ -294,7 +294,7 @@ HWY_AFTER_NAMESPACE();
 namespace simd {
 
 HWY_EXPORT(luminance_row);
-HWY_EXPORT(hold_saturated);
+HWY_EXPORT(clamp_saturated);
 HWY_EXPORT(differs_above);
 HWY_EXPORT(smooth_row);
 HWY_EXPORT(gaussian_row);
@@ -304,8 +304,8 @@ void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder o
     HWY_DYNAMIC_DISPATCH(luminance_row)(colour, width, order, grey);
 }
 
-void hold_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
-    HWY_DYNAMIC_DISPATCH(hold_saturated)(colour, width, grey);
+void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
+    HWY_DYNAMIC_DISPATCH(clamp_saturated)(colour, width, grey);
 }
 
 bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,

@@ -1,9 +1,9 @@
 // Rows of the step from edges to thresholds: the grey midway across each edge pixel, and the pixels
 // near edges that are darker than it.
 //
-// Use: midpoint_row() for rows y - 1, y and y + 1, then mark_row() for row y.
+// Use: midpoint_row() for rows y - 1, y and y + 1, then mark_below_midpoints() for row y.
 //
-// Keep true: byte rows are padded as for gradient_rows.h; bit rows are whole words of 64 pixels,
+// Keep true: byte rows are padded as padded_rows.h says; bit rows are whole words of 64 pixels,
 // pixel 0 in the least significant bit of the first. The first and the last pixel of a row are no
 // edges, and bits behind the last pixel are 0.
 #pragma once
@@ -12,13 +12,9 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace simd {
+#include "simd/pixels/padded_rows.h"
 
-struct ThreeRows {
-    const std::uint8_t* above;
-    const std::uint8_t* row;
-    const std::uint8_t* below;
-};
+namespace simd {
 
 // Edge bits of the same three rows.
 struct ThreeBitRows {
@@ -37,8 +33,8 @@ bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t
 // Bit x of `marks` is set where grey[x] is below the threshold of pixel x: its midpoint, or where
 // that is 0 the mean, rounded down, of those of its 8 neighbours that are not 0. Pixels 1 .. width
 // - 2; whole words are written. Pixels without an edge have the midpoint 0.
-void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
-              std::size_t width, std::uint64_t* marks);
+void mark_below_midpoints(const ThreeRows& midpoints, const ThreeBitRows& edges,
+                          const std::uint8_t* grey, std::size_t width, std::uint64_t* marks);
 
 namespace plain {
 
@@ -77,8 +73,9 @@ inline int mean_of_neighbours(const ThreeRows& rows, std::ptrdiff_t x) {
     return count == 0 ? 0 : sum / count;
 }
 
-inline void mark_row(const ThreeRows& midpoints, const ThreeBitRows&, const std::uint8_t* grey,
-                     std::size_t width, std::uint64_t* marks) {
+inline void mark_below_midpoints(const ThreeRows& midpoints, const ThreeBitRows&,
+                                 const std::uint8_t* grey, std::size_t width,
+                                 std::uint64_t* marks) {
     std::fill_n(marks, (width + 63) / 64, 0);
     for (std::size_t x = 1; x + 1 < width; ++x) {
         const int own = midpoints.row[x];

@@ -98,8 +98,8 @@ HWY_INLINE bool near_edges(const ThreeBitRows& edges, std::size_t i, std::size_t
     return found != 0;
 }
 
-void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
-              std::size_t width, std::uint64_t* marks) {
+void mark_below_midpoints(const ThreeRows& midpoints, const ThreeBitRows& edges,
+                          const std::uint8_t* grey, std::size_t width, std::uint64_t* marks) {
     const std::size_t words = (width + 63) / 64;
     for (std::size_t i = 0; i < words; ++i) {
         std::uint64_t word = 0;
@@ -119,16 +119,16 @@ HWY_AFTER_NAMESPACE();
 namespace simd {
 
 HWY_EXPORT(midpoint_row);
-HWY_EXPORT(mark_row);
+HWY_EXPORT(mark_below_midpoints);
 
 bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t words,
                   std::uint8_t* midpoint, std::uint8_t* contrast) {
     return HWY_DYNAMIC_DISPATCH(midpoint_row)(grey, edges, words, midpoint, contrast);
 }
 
-void mark_row(const ThreeRows& midpoints, const ThreeBitRows& edges, const std::uint8_t* grey,
-              std::size_t width, std::uint64_t* marks) {
-    HWY_DYNAMIC_DISPATCH(mark_row)(midpoints, edges, grey, width, marks);
+void mark_below_midpoints(const ThreeRows& midpoints, const ThreeBitRows& edges,
+                          const std::uint8_t* grey, std::size_t width, std::uint64_t* marks) {
+    HWY_DYNAMIC_DISPATCH(mark_below_midpoints)(midpoints, edges, grey, width, marks);
 }
 
 }  // namespace simd

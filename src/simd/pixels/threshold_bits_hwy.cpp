@@ -51,12 +51,12 @@ HWY_INLINE std::size_t pack_block_vectors(Tag bytes, const std::uint8_t* grey, s
     const hn::Repartition<std::uint32_t, Tag> blocks;
     const hn::Rebind<std::uint8_t, decltype(blocks)> block_bytes;
     const auto reversed = hn::LoadDup128(bytes, kReversedEights);
-    const auto spread = hn::LoadDup128(bytes, kReversedBlocks);
+    const auto repeated = hn::LoadDup128(bytes, kReversedBlocks);
     const std::size_t lanes = hn::Lanes(bytes);
     for (; x + lanes <= width; x += lanes) {
         const auto pixels = hn::TableLookupBytes(hn::LoadU(bytes, grey + x), reversed);
         const auto per_block = hn::PromoteTo(blocks, hn::LoadU(block_bytes, thresholds + x / 4));
-        const auto limits = hn::TableLookupBytes(hn::BitCast(bytes, per_block), spread);
+        const auto limits = hn::TableLookupBytes(hn::BitCast(bytes, per_block), repeated);
         hn::StoreMaskBits(bytes, hn::Lt(pixels, limits), bits + x / 8);
     }
     return x;

@@ -2,7 +2,7 @@
 //
 // Exchange of rows and columns: a 16-byte block of n pixels of 16 / n bytes, from n neighbouring
 // rows, is exchanged by log2(n) rounds of interleaving. A vector holds blocks of rows n apart, so
-// that a result vector is one piece of a destination row. Pixels of three bytes are spread to four
+// that a result vector is one piece of a destination row. Pixels of three bytes become four
 // on the way in and packed on the way out. The image is walked in tiles whose source and
 // destination lines stay in the first cache.
 //
@@ -126,9 +126,9 @@ struct ThreeBytes {
     static HWY_INLINE void Run(const Exchange& exchange, std::size_t x, std::size_t y) {
         const D d;
         const hn::Repartition<std::uint32_t, D> d32;
-        alignas(16) static constexpr std::uint8_t kSpread[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
+        alignas(16) static constexpr std::uint8_t kToFour[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
                                                                  6, 7, 8, 0x80, 9, 10, 11, 0x80};
-        alignas(16) static constexpr std::uint8_t kSpreadLate[16] = {
+        alignas(16) static constexpr std::uint8_t kToFourLate[16] = {
             4, 5, 6, 0x80, 7, 8, 9, 0x80, 10, 11, 12, 0x80, 13, 14, 15, 0x80};
         alignas(16) static constexpr std::uint8_t kPack[16] = {
             0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
@@ -136,7 +136,7 @@ struct ThreeBytes {
                                                                 10, 12, 13, 14, 3, 7, 11, 15};
         alignas(64) static constexpr std::uint32_t kJoinTwo[8] = {0, 1, 2, 4, 5, 6, 3, 7};
         const bool late = (exchange.columns - x) * kPixelBytes < kBlockBytes;
-        const auto spread = hn::LoadDup128(d, late ? kSpreadLate : kSpread);
+        const auto to_four = hn::LoadDup128(d, late ? kToFourLate : kToFour);
         const auto pack = hn::LoadDup128(d, kPack);
         const std::uint8_t* from = exchange.from(x, y, kPixelBytes) - (late ? 4 : 0);
         const std::ptrdiff_t stride = exchange.src_stride;
@@ -144,7 +144,7 @@ struct ThreeBytes {
         for (std::size_t i = 0; i < kColumns; ++i) {
             const auto blocks = LoadBlocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
                                            static_cast<std::ptrdiff_t>(kColumns) * stride);
-            v[i] = hn::TableLookupBytes(blocks, spread);
+            v[i] = hn::TableLookupBytes(blocks, to_four);
         }
         ExchangeSquares<std::uint32_t>(d, v);
         std::uint8_t* to = exchange.to(x, y, kPixelBytes);

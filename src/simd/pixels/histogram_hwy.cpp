@@ -9,10 +9,10 @@
 // Narrow vectors would do this for too few pixels at once: there, and for what is left of the last
 // block, pixels are counted one by one, in four tables in turn so that neighbours of one level need
 // not wait for each other.
-#include "simd/pixels/level_counts.h"
+#include "simd/pixels/histogram.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "simd/pixels/level_counts_hwy.cpp"
+#define HWY_TARGET_INCLUDE "simd/pixels/histogram_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -21,16 +21,16 @@ namespace simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
     constexpr std::size_t kTables = 4;
-    LevelCounts tables[kTables] = {};
+    Histogram tables[kTables] = {};
     std::size_t i = 0;
     for (; i + kTables <= count; i += kTables) {
         for (std::size_t table = 0; table < kTables; ++table) ++tables[table][pixels[i + table]];
     }
     for (; i < count; ++i) ++tables[0][pixels[i]];
     for (std::size_t level = 0; level < counts.size(); ++level) {
-        for (const LevelCounts& table : tables) counts[level] += table[level];
+        for (const Histogram& table : tables) counts[level] += table[level];
     }
 }
 
@@ -97,7 +97,7 @@ void count_block(const std::uint8_t* pixels, std::uint64_t (&sums)[256][8]) {
     }
 }
 
-void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
     std::size_t done = 0;
     if (count >= kBlockBytes) {
         std::uint64_t sums[256][8] = {};
@@ -111,7 +111,7 @@ void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& co
 
 #else
 
-void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
     count_one_by_one(pixels, count, counts);
 }
 
@@ -124,10 +124,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(count_levels);
+HWY_EXPORT(add_to_histogram);
 
-void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
-    HWY_DYNAMIC_DISPATCH(count_levels)(pixels, count, counts);
+void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
+    HWY_DYNAMIC_DISPATCH(add_to_histogram)(pixels, count, counts);
 }
 
 }  // namespace simd

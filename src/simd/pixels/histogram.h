@@ -1,6 +1,6 @@
 // How often each of the 256 levels occurs among bytes.
 //
-// Use: LevelCounts counts{}; count_levels(pixels, count, counts) adds to it.
+// Use: Histogram counts{}; add_to_histogram(pixels, count, counts) adds to it.
 #pragma once
 
 #include <array>
@@ -9,14 +9,14 @@
 
 namespace simd {
 
-using LevelCounts = std::array<std::uint64_t, 256>;
+using Histogram = std::array<std::uint64_t, 256>;
 
 // counts[v] += number of the `count` bytes that equal v.
-void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts);
+void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts);
 
 namespace plain {
 
-inline void count_levels(const std::uint8_t* pixels, std::size_t count, LevelCounts& counts) {
+inline void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
     for (std::size_t i = 0; i < count; ++i) ++counts[pixels[i]];
 }
 
