@@ -10,6 +10,9 @@ namespace binarization {
 struct Dropout {
     common::DropoutFunction function = nullptr;
     void* context = nullptr;
+
+    // A caller switches it off by leaving out either.
+    bool asked_for() const { return function != nullptr && context != nullptr; }
 };
 
 // Asks the function about the source colour of every black pixel, row by row from the left, and

@@ -10,6 +10,25 @@ void Settings::raise_smooth() {
     if (smooth != 0) smooth = static_cast<std::uint8_t>(std::min(smooth + kRaise, 255));
 }
 
+Settings one_shot_settings(int mode, common::RowReader reader, const Dropout& dropout) {
+    constexpr std::uint8_t kOneShotSmooth = 248;
+    Settings settings;
+    settings.reader = reader;
+    settings.smooth = mode == 0 ? 0 : kOneShotSmooth;
+    settings.undithering = mode != 0 && mode != 1;
+    settings.dropout = dropout;
+    return settings;
+}
+
+Settings one_shot_gradient_settings(int mode, common::RowReader reader, const Dropout& dropout) {
+    Settings settings = one_shot_settings(mode, reader, dropout);
+    settings.delta1 = 40;
+    settings.delta2 = 32;
+    settings.black1 = 128;
+    settings.black2 = 96;
+    return settings;
+}
+
 void set_contrast(Settings& settings, std::uint8_t contrast) {
     // Half the contrast continues an edge while it is small, a fixed distance below it afterwards;
     // the two agree at 15 and 16.
