@@ -28,7 +28,7 @@ WorkerPool::Threads::Threads(boost::asio::io_context& context, int n) : context_
     StopOnFailure guard(context_, threads_);
     threads_.reserve(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) {
-        threads_.emplace_back([&context] { context.run(); });
+        threads_.emplace_back([this] { run_tasks(); });
     }
     guard.disarm();
 }
@@ -41,6 +41,22 @@ WorkerPool::Threads::~Threads() {
 void WorkerPool::Threads::join() {
     for (std::thread& thread : threads_) thread.join();
     threads_.clear();
+}
+
+void WorkerPool::Threads::rethrow_failure() const {
+    if (failure_ != nullptr) std::rethrow_exception(failure_);
+}
+
+// What a task throws leaves run(), which then goes on with the next task.
+void WorkerPool::Threads::run_tasks() noexcept {
+    for (;;) {
+        try {
+            context_.run();
+            return;
+        } catch (...) {
+            if (!failed_.test_and_set()) failure_ = std::current_exception();
+        }
+    }
 }
 
 }  // namespace threads

@@ -3,14 +3,18 @@
 // Use: WorkerPool pool(n); pool.post(task) per band; pool.join().
 // run_in_bands() below is that sequence for the usual case.
 //
-// Keep true: tasks do not throw, and write only what belongs to their own band. Nothing touches the
-// destination on the calling thread between the first post() and join(), which makes all results
-// visible.
+// A task that throws ends neither its thread nor the other tasks: join() rethrows the first
+// exception once all tasks have run.
+//
+// Keep true: tasks write only what belongs to their own band. Nothing touches the destination on
+// the calling thread between the first post() and join(), which makes all results visible.
 #pragma once
 
+#include <atomic>
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <exception>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -37,24 +41,31 @@ class WorkerPool {
         boost::asio::post(context_, std::forward<Task>(task));
     }
 
-    // Waits until every posted task has run and ends the threads. No post() afterwards.
+    // Waits until every posted task has run, ends the threads and throws what the first failing
+    // task threw. No post() afterwards.
     void join() {
         work_.reset();
         threads_.join();
+        threads_.rethrow_failure();
     }
 
   private:
     // Tasks still queued when the pool is destroyed without join() are dropped; running ones are
-    // waited for.
+    // waited for, and what they throw is dropped, too.
     class Threads {
       public:
         Threads(boost::asio::io_context& context, int n);
         ~Threads();
         void join();
+        void rethrow_failure() const;
 
       private:
+        void run_tasks() noexcept;
+
         boost::asio::io_context& context_;
         std::vector<std::thread> threads_;
+        std::atomic_flag failed_;
+        std::exception_ptr failure_;  // of the task that set the flag; read after join()
     };
 
     boost::asio::io_context context_;
@@ -62,7 +73,8 @@ class WorkerPool {
     Threads threads_;
 };
 
-// Calls task(band) for every band, on n threads when n > 1 and inline otherwise.
+// Calls task(band) for every band, on n threads when n > 1 and inline otherwise. Throws what the
+// first failing task throws; inline, the bands after it are left out.
 template <class Task>
 void run_in_bands(const std::vector<Band>& bands, int n, const Task& task) {
     if (n < 2) {

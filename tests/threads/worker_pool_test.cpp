@@ -6,6 +6,7 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "support/allocation_limit.h"
 
@@ -34,6 +35,43 @@ TEST(WorkerPool, RunsEveryTaskOnceAndShowsItsResults) {
         for (int y = band.first; y < band.last; ++y) ++rows[static_cast<std::size_t>(y)];
     });
     EXPECT_EQ(rows, std::vector<int>(1000, 1));
+}
+
+// What a task throws arrives where the call waits, and the other tasks run all the same.
+TEST(WorkerPool, HandsTheFirstExceptionToWhoeverWaits) {
+    const auto bands = threads::closed_bands(400, 4);
+    for (const int threads : {1, 2, 4}) {
+        std::atomic<int> done{0};
+        const auto fail_at_300 = [&](threads::Band band) {
+            if (band.first == 300) throw std::string("band 300");
+            ++done;
+        };
+        EXPECT_THROW(threads::run_in_bands(bands, threads, fail_at_300), std::string) << threads;
+        EXPECT_EQ(done, 3) << threads;
+    }
+
+    threads::WorkerPool pool(1);
+    std::atomic<int> done{0};
+    for (const int number : {1, 2}) pool.post([number] { throw number; });
+    pool.post([&done] { ++done; });
+    try {
+        pool.join();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (int number) {
+        EXPECT_EQ(number, 1);
+    }
+    EXPECT_EQ(done, 1);
+}
+
+// A pool that is left by an exception of its owner's drops what its tasks throw.
+TEST(WorkerPool, DropsExceptionsWhenNobodyWaits) {
+    std::atomic<bool> thrown{false};
+    threads::WorkerPool pool(2);
+    pool.post([&thrown] {
+        thrown = true;
+        throw std::string("nobody waits");
+    });
+    while (!thrown) std::this_thread::yield();
 }
 
 // A pool whose n-th allocation fails must neither hang nor leave a thread behind nor leak.
