@@ -1,8 +1,9 @@
-# Headers, library, CMake package and pkg-config file.
+# Headers, library, CMake package, pkg-config file and licence.
 
 install(TARGETS vemoprepro16 EXPORT vemoprepro16-targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/vemoprepro DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/vemoprepro16)
 install(EXPORT vemoprepro16-targets NAMESPACE vemoprepro16:: DESTINATION ${package_folder})
