@@ -103,8 +103,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Page from{input.size(), input.size(), 0};
     from.stride = (from.width + 31) / 32 * 4 + input.byte() % 8 - 1;
     Page to{from.height, from.width, 0};
-    const bool sized =
-        skrotbmp_dim(skew, scale, from.height, from.width, &to.height, &to.width) == 0;
+    const auto measure = which % 2 == 0 ? skrotbmp_dim : skrotdim;
+    const bool sized = measure(skew, scale, from.height, from.width, &to.height, &to.width) == 0;
     to.height += static_cast<std::int8_t>(input.byte()) / 4;
     to.width += static_cast<std::int8_t>(input.byte()) / 4;
     if (to.height > 2000 || to.width > 2000) return 0;

@@ -110,6 +110,15 @@ int rotate_aligned(const Rotation& rotation) {
     return api::kSuccess;
 }
 
+template <class Size>
+int store_size(const Size& size, int* height, int* width) {
+    constexpr std::int64_t kMaxInt = std::numeric_limits<int>::max();
+    if (size.height > kMaxInt || size.width > kMaxInt) return api::kFailure;
+    *height = static_cast<int>(size.height);
+    *width = static_cast<int>(size.width);
+    return api::kSuccess;
+}
+
 // Complements a page for as long as it lives, whatever ends the call.
 class Complemented {
   public:
@@ -141,14 +150,20 @@ int rotate_complement(const Rotation& rotation, unsigned char* src, Rotate rotat
 }  // namespace
 
 int skrotbmp_dim(int skew, int scale, int height, int width, int* out_height, int* out_width) {
+    if (out_height == nullptr || out_width == nullptr) return api::kFailure;
     const std::optional<int> yskew = skew_unit(skew, scale);
-    if (!yskew || out_height == nullptr || out_width == nullptr) return api::kFailure;
-    const deskew::Size size = deskew::deskewed_size(height, width, *yskew);
-    constexpr std::int64_t kMaxInt = std::numeric_limits<int>::max();
-    if (size.height > kMaxInt || size.width > kMaxInt) return api::kFailure;
-    *out_height = static_cast<int>(size.height);
-    *out_width = static_cast<int>(size.width);
-    return api::kSuccess;
+    if (!yskew) return api::kFailure;
+    return store_size(deskew::deskewed_size(height, width, *yskew), out_height, out_width);
+}
+
+int skrotdim(int skew, int scale, int height, int width, int* out_height, int* out_width) {
+    if (out_height == nullptr || out_width == nullptr) return api::kFailure;
+    *out_height = 0;
+    *out_width = 0;
+    const std::optional<int> yskew = skew_unit(skew, scale);
+    if (!yskew) return api::kFailure;
+    return store_size(deskew::sheared_size(deskew::shear_plan(*yskew), height, width), out_height,
+                      out_width);
 }
 
 int skrotbmp_mem(int skew, int scale, const unsigned char* src, int height, int width,

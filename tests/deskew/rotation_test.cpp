@@ -86,11 +86,14 @@ struct Target {
 
 Target target_for(const Kind& kind, const Page& page, int yskew, Extra extra = {}) {
     Target target;
+    const auto measure = kind.aligned ? skrotdim : skrotbmp_dim;
+    EXPECT_EQ(measure(yskew, 512, page.height, page.width, &target.height, &target.width), 0);
     if (kind.aligned) {
-        model::AlignedShears(yskew).measure(page.height, page.width, target.height, target.width);
-    } else {
-        EXPECT_EQ(skrotbmp_dim(yskew, 512, page.height, page.width, &target.height, &target.width),
-                  0);
+        Target expected;
+        model::AlignedShears(yskew).measure(page.height, page.width, expected.height,
+                                            expected.width);
+        EXPECT_EQ(target.height, expected.height);
+        EXPECT_EQ(target.width, expected.width);
     }
     target.height += extra.rows;
     target.width += extra.columns;
@@ -280,11 +283,17 @@ TEST(RotationSize, KnownSizesAndRefusals) {
                   test.status);
         EXPECT_EQ(height, test.out_height);
         EXPECT_EQ(width, test.out_width);
+        // The size of the aligned rotation is refused for the same reasons, and stored then, too.
+        EXPECT_EQ(skrotdim(test.skew, test.scale, test.height, test.width, &height, &width),
+                  test.status);
+        EXPECT_EQ(height == 0 && width == 0, test.status != 0);
     }
-    int size = 7;
-    EXPECT_EQ(skrotbmp_dim(10, 512, 10, 10, nullptr, &size), -1);
-    EXPECT_EQ(skrotbmp_dim(10, 512, 10, 10, &size, nullptr), -1);
-    EXPECT_EQ(size, 7);
+    for (const auto measure : {skrotbmp_dim, skrotdim}) {
+        int size = 7;
+        EXPECT_EQ(measure(10, 512, 10, 10, nullptr, &size), -1);
+        EXPECT_EQ(measure(10, 512, 10, 10, &size, nullptr), -1);
+        EXPECT_EQ(size, 7);
+    }
 }
 
 TEST(RotationChecks, RefusalsInOrderAndWithoutATrace) {
