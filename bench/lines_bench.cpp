@@ -11,8 +11,8 @@
 
 namespace {
 
-// The page of text with a form drawn over it: rules all over its width every 150 rows, 3 pixels
-// thick, and its height every 400 columns.
+// The page of text with a form drawn over it: ruled lines all over its width every 150 rows, 3
+// pixels thick, and its height every 400 columns.
 const bench::Page& ruled_page() {
     static const bench::Page ruled = [] {
         bench::Page page = bench::bitonal_page();

@@ -92,8 +92,8 @@ def draw_letter(folder):
     sheet.text(25, 33.5, "Keepers of Paper and Print", "serif-italic", 12, teal)
     for i, line in enumerate(("14 Millrace Lane", "Stony Ford", "Telephone 555 0142")):
         sheet.text(186, 22 + 5.2 * i, line, "sans", 9.5, teal, "r")
-    sheet.rule(25, 38, 186, 38, 0.7, teal)
-    sheet.rule(25, 39.3, 186, 39.3, 0.2, teal)
+    sheet.line(25, 38, 186, 38, 0.7, teal)
+    sheet.line(25, 39.3, 186, 39.3, 0.2, teal)
     for i, line in enumerate(("", "Mrs E. Ashdown", "The Old Schoolhouse", "Weir House Road", "")):
         sheet.text(25, 48 + 5.4 * i, line, "sans", 11)
     sheet.text(25, 81, "17 March", "sans", 11)
@@ -127,14 +127,14 @@ def draw_book(folder):
     sheet = Sheet(dpi)
     sheet.text(37, 30, "48", "book", 10.5, ink)
     sheet.text(108, 30, "THE VATMAN'S SHAKE", "book", 10.5, ink, "m", spacing=0.8)
-    sheet.rule(37, 33, 179, 33, 0.25, ink)
+    sheet.line(37, 33, 179, 33, 0.25, ink)
     sheet.lines.append("")
     sheet.text(108, 51, "CHAPTER IV", "book-bold", 13, ink, "m", spacing=1.0)
     sheet.text(108, 60, "Of Water and Rags", "book-italic", 14, ink, "m")
-    sheet.rule(94, 66, 122, 66, 0.4, ink)
+    sheet.line(94, 66, 122, 66, 0.4, ink)
     sheet.lines.append("")
     sheet.flow([(37, 77, 142, 180)], words.BOOK, "book", 11.5, 6.2, ink, indent=6)
-    sheet.rule(37, 254, 75, 254, 0.2, ink)
+    sheet.line(37, 254, 75, 254, 0.2, ink)
     sheet.flow([(37, 260, 142, 20)], words.BOOK_NOTE, "book", 8.5, 4.6, ink)
 
     page = soften(starve_ink(to_array(sheet.finish()), rng, 0.30, 14), 0.5)
@@ -153,27 +153,27 @@ def draw_form(folder):
     sheet = Sheet(dpi)
     sheet.text(20, 27, "DELIVERY NOTE", "sans-bold", 22, green, spacing=0.3)
     sheet.text(190, 27, "No. 20817", "mono-bold", 16, (186, 40, 44), "r")
-    sheet.rule(20, 32, 190, 32, 1.0, green)
+    sheet.line(20, 32, 190, 32, 1.0, green)
     sheet.lines.append("")
     fields = (("Delivered to", "Workshop E. Lindqvist, bookbinder"), ("Street", "3 Bridge End, second yard"),
               ("Date", "9 October"), ("Carrier", "by hand"))
     for i, (name, value) in enumerate(fields):
         sheet.text(20, 43 + 9 * i, name, "sans", 9, green, keep=False)
         sheet.text(52, 43 + 9 * i, value, "mono", 12, keep=False)
-        sheet.rule(50, 44.8 + 9 * i, 150, 44.8 + 9 * i, 0.2, green)
+        sheet.line(50, 44.8 + 9 * i, 150, 44.8 + 9 * i, 0.2, green)
         sheet.lines.append(name + " " + value)
     sheet.lines.append("")
-    bottom = sheet.table(20, 82, (18, 74, 24, 24, 30), words.FORM_ROWS, 10, "sans", 11, "llrrr", rule_ink=green,
+    bottom = sheet.table(20, 82, (18, 74, 24, 24, 30), words.FORM_ROWS, 10, "sans", 11, "llrrr", line_ink=green,
                          head_fill=(212, 233, 216))
     for i, (name, value) in enumerate((("Total of goods", "277.20"), ("Carriage", "6.80"), ("To pay", "284.00"))):
         face = "sans-bold" if i == 2 else "sans"
         sheet.text(158, bottom + 9 + 9 * i, name, face, 11, align="r", keep=False)
         sheet.text(188, bottom + 9 + 9 * i, value, face, 11, align="r", keep=False)
         sheet.lines.append(name + " " + value)
-    sheet.rule(160, bottom + 29.5, 190, bottom + 29.5, 0.6)
+    sheet.line(160, bottom + 29.5, 190, bottom + 29.5, 0.6)
     sheet.lines.append("")
     sheet.flow([(20, 216, 170, 30)], words.FORM_NOTE, "sans", 9.5, 5, justify=False)
-    sheet.rule(20, 262, 88, 262, 0.25, green)
+    sheet.line(20, 262, 88, 262, 0.25, green)
     sheet.text(20, 267, "Received in good order", "sans", 9, green)
     signature(sheet, rng, 26, 259, 40, BLUE_INK)
     pen_ring(sheet, rng, 180, bottom + 25.5, 27, 11, RED_INK)
@@ -239,7 +239,7 @@ def to_photo(scene):
 
 
 def draw_ledger(folder):
-    """A grey scan of a typed list with rules and punch holes; the ribbon was nearly dry."""
+    """A grey scan of a typed list with ruled lines and punch holes; the ribbon was nearly dry."""
     rng, dpi, ink, pale = np.random.default_rng(67), 200, (84, 84, 84), (150, 150, 150)
     sheet = Sheet(dpi)
     sheet.text(110, 30, "STOCK BOOK OF THE PAPER ROOM", "mono-bold", 15, ink, "m")
@@ -275,12 +275,12 @@ def fax_sheet(dpi, number):
 def fax_first(dpi):
     sheet = fax_sheet(dpi, 1)
     sheet.text(24, 40, "TELEFAX", "sans-bold", 34)
-    sheet.rule(24, 45, 186, 45, 1.0)
+    sheet.line(24, 45, 186, 45, 1.0)
     for i, (name, value) in enumerate((("To", "Print shop, Weir House"), ("From", "Mill office, Stony Ford"),
                                        ("Subject", "Trial of the fine setting"), ("Pages", "3"))):
         sheet.text(24, 56 + 8 * i, name, "sans-bold", 12, keep=False)
         sheet.text(54, 56 + 8 * i, value, "sans", 12, keep=False)
-        sheet.rule(52, 57.6 + 8 * i, 186, 57.6 + 8 * i, 0.3)
+        sheet.line(52, 57.6 + 8 * i, 186, 57.6 + 8 * i, 0.3)
         sheet.lines.append(name + " " + value)
     sheet.lines.append("")
     last = sheet.flow([(24, 100, 162, 160)], words.FAX_FIRST, "sans", 12.5, 6.6, justify=False, gap=3)

@@ -106,37 +106,37 @@ def coloured(seed, sheet):
     return to_image(scan(page, rng)), {}
 
 
-def ruled(seed, sheet, draw_rules, angle):
-    """Text typed on a form without heed to its lines: rules run under, along and through the letters."""
+def ruled(seed, sheet, draw_lines, angle):
+    """Text typed on a form without heed to its lines: ruled lines run under, along and through the letters."""
     rng = np.random.default_rng(seed)
-    draw_rules(sheet)
+    draw_lines(sheet)
     return grey(scan(paper_of(sheet, rng), rng, angle)), {}
 
 
-def form_rules(sheet):
+def form_lines(sheet):
     """Lines of another distance than the text's, columns, and a frame."""
     for y in np.arange(24, 276, 7.3):
-        sheet.rule(16, y, 194, y, 0.32)
+        sheet.line(16, y, 194, y, 0.32)
     for x in (16, 42, 99, 156, 194):
-        sheet.rule(x, 24, x, 272.2, 0.36)
+        sheet.line(x, 24, x, 272.2, 0.36)
     sheet.box(14.5, 22.5, 181, 251.2, None, BLACK, 0.6)
 
 
-def writing_rules(sheet, above, width, pitch=6.0):
-    """A rule for every line of text, so far above its base line (negative: below)."""
+def writing_lines(sheet, above, width, pitch=6.0):
+    """A ruled line for every line of text, so far above its base line (negative: below)."""
     for y in np.arange(32 - above, 262, pitch):
-        sheet.rule(18, y, 192, y, width)
+        sheet.line(18, y, 192, y, width)
 
 
-def graph_rules(sheet):
-    """Squared paper: thin rules every five millimetres both ways, a stronger one every fifty."""
+def graph_lines(sheet):
+    """Squared paper: thin lines every five millimetres both ways, a stronger one every fifty."""
     for i in range(51):
-        sheet.rule(15, 22 + 5 * i, 195, 22 + 5 * i, 0.45 if i % 10 == 0 else 0.15)
+        sheet.line(15, 22 + 5 * i, 195, 22 + 5 * i, 0.45 if i % 10 == 0 else 0.15)
     for i in range(37):
-        sheet.rule(15 + 5 * i, 22, 15 + 5 * i, 272, 0.45 if i % 10 == 0 else 0.15)
+        sheet.line(15 + 5 * i, 22, 15 + 5 * i, 272, 0.45 if i % 10 == 0 else 0.15)
 
 
-def box_rules(sheet):
+def box_lines(sheet):
     """Boxes of thick and of thin lines, which cut the text."""
     for i, y in enumerate(np.arange(27, 235, 26)):
         sheet.box(20 + 3 * (i % 3), y, 90, 19.5, None, BLACK, (0.2, 0.4, 0.8)[i % 3])
@@ -208,14 +208,14 @@ PAGES = {
         (coloured, 205, functools.partial(coloured_sheet, words.MAGAZINE, "serif", 11.5, LIGHT_INKS)),
         (coloured, 305, functools.partial(coloured_sheet, words.LETTER, "book", 10.5, MIXED_INKS)),
     ],
-    "rules through the text": [
-        (ruled, 106, sheet_of(ADVICE, "mono", 10.5), form_rules, 0.35),
-        (ruled, 206, sheet_of(words.BOOK, "serif", 12), functools.partial(writing_rules, above=-0.6, width=0.2), -0.2),
-        (ruled, 306, sheet_of(words.LETTER, "sans", 11), functools.partial(writing_rules, above=1.0, width=0.25), 0.15),
-        (ruled, 406, sheet_of(MILL, "book", 10.5), box_rules, -0.3),
-        (ruled, 506, sheet_of(ESSAY, "serif", 11.5), graph_rules, 0.25),
+    "ruled lines through the text": [
+        (ruled, 106, sheet_of(ADVICE, "mono", 10.5), form_lines, 0.35),
+        (ruled, 206, sheet_of(words.BOOK, "serif", 12), functools.partial(writing_lines, above=-0.6, width=0.2), -0.2),
+        (ruled, 306, sheet_of(words.LETTER, "sans", 11), functools.partial(writing_lines, above=1.0, width=0.25), 0.15),
+        (ruled, 406, sheet_of(MILL, "book", 10.5), box_lines, -0.3),
+        (ruled, 506, sheet_of(ESSAY, "serif", 11.5), graph_lines, 0.25),
         (ruled, 606, sheet_of(words.BOOK, "sans", 11),
-         functools.partial(writing_rules, above=0.0, width=0.5, pitch=8.5), 0.0),
+         functools.partial(writing_lines, above=0.0, width=0.5, pitch=8.5), 0.0),
     ],
     "black and white specks": [
         (specked, 107, sheet_of(first_sentences(words.MAGAZINE, 2200), "serif", 12)),

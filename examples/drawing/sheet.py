@@ -97,7 +97,7 @@ class Sheet:
         if keep:
             self.lines.append(words)
 
-    def rule(self, x0, y0, x1, y1, width=0.25, ink=BLACK):
+    def line(self, x0, y0, x1, y1, width=0.25, ink=BLACK):
         self.pen.line([self.px(x0), self.px(y0), self.px(x1), self.px(y1)], ink, max(1, round(self.px(width))))
 
     def box(self, x, y, width, height, fill=None, outline=None, line=0.25):
@@ -163,8 +163,8 @@ class Sheet:
         for i, (word, _) in enumerate(words):
             self.pen.text((lefts[i], y), word, ink, fonts[i], anchor="ls")
 
-    def table(self, x, y, widths, rows, row_height, face, points, aligns, ink=BLACK, rule_ink=BLACK, head_fill=None):
-        """Rows of cells between rules; returns the lower edge.  The first row is the heading."""
+    def table(self, x, y, widths, rows, row_height, face, points, aligns, ink=BLACK, line_ink=BLACK, head_fill=None):
+        """Rows of cells between ruled lines; returns the lower edge.  The first row is the heading."""
         right, bottom = x + sum(widths), y + row_height * len(rows)
         if head_fill:
             self.box(x, y, sum(widths), row_height, head_fill)
@@ -176,9 +176,9 @@ class Sheet:
                 left += width
             self.lines.append(" ".join(cell for cell in row if cell))
         for i in range(len(rows) + 1):
-            self.rule(x, y + i * row_height, right, y + i * row_height, 0.5 if i < 2 else 0.2, rule_ink)
+            self.line(x, y + i * row_height, right, y + i * row_height, 0.5 if i < 2 else 0.2, line_ink)
         for edge in np.cumsum([0.0] + list(widths)):
-            self.rule(x + edge, y, x + edge, bottom, 0.25, rule_ink)
+            self.line(x + edge, y, x + edge, bottom, 0.25, line_ink)
         return bottom
 
     def stamp(self, rng, x, y, words, points, ink, angle):

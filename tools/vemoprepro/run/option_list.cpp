@@ -121,8 +121,9 @@ CLI::Option* add_skew(CLI::App& command, RawOptions& raw) {
 
 void add_cleaning_steps(CLI::App& command, Options& options, RawOptions& raw) {
     command
-        .add_option("--for", raw.purpose,
-                    "Preset; ocr: what recognition reads best, without rules, specks and borders")
+        .add_option(
+            "--for", raw.purpose,
+            "Preset; ocr: what recognition reads best, without ruled lines, specks and borders")
         ->check(CLI::IsMember({"ocr"}));
     auto* area = add_pixels(command, "--despeckle", raw.max_area,
                             "Remove specks of up to this many pixels; 0: none (default: very small "
