@@ -2,14 +2,48 @@
 // correlation r(shift) of a window is 1 without a shift and, over dots that stand on a lattice,
 // comes near 1 again at every shift of the lattice.
 //
-// Print and pictures have such peaks too: strokes at a regular distance, rules, the lines of a
-// hatching. They are told apart by how r falls from the origin: halfway to the nearest peak a
+// Print and pictures have such peaks too: strokes at a regular distance, ruled lines, the lines of
+// a hatching. They are told apart by how r falls from the origin: halfway to the nearest peak a
 // lattice of dots is unlike itself in every direction, while strokes and lines stay alike along
 // themselves. The windows that pass speak together: r is averaged over them, which leaves the peaks
 // that they share, and these have to lie in two directions.
 //
 // Limits: screens whose dots are farther apart than a third of the window are not seen, nor are
 // those that do not repeat, such as error diffusion.
+//
+// To the bit, with all real numbers as double and all expressions evaluated from the left:
+//
+// 1. Windows are squares of S pixels a side: S is 65 from 300 dots per inch on, 33 from 150 on, 17
+//    below. A page that is lower or narrower than S has no screen. The upper left corners of the
+//    windows stand at every row and column that is a multiple of max(S, t), where t is sqrt(height
+//    * width / 512) truncated, as long as the whole window is on the page. Windows are taken row by
+//    row from the top, in a row from the left.
+// 2. v is a pixel's value less the window's mean, the mean truncated to an integer. A window is
+//    textured where the sum of |v| over it is at least 8 * S * S.
+// 3. The reach R is S / 3, truncated. For a shift (x, y), |x| <= R and 0 <= y <= R, the core of
+//    the window is its rows 0 .. S - R - 1 in the columns R .. S - R - 1. With p the sum over the
+//    core of v(i, j) * v(i + x, j + y), a the sum over the core of v(i, j)^2 and b that of
+//    v(i + x, j + y)^2, r(x, y) is p / sqrt(a * b), or 0 where a * b is 0. Opposite shifts have the
+//    same r, and r(0, 0) is 1.
+// 4. Of two opposite shifts the one counts that has y > 0, or y = 0 and x > 0. "In order" means by
+//    ascending y, and by ascending x where y is the same.
+// 5. A shift is a peak of height m when r >= m, x^2 + y^2 >= 2, and none of its eight neighbours
+//    with |x| <= R and |y| <= R has a greater r.
+// 6. A screen is read from r at the height m like this. There are at least three peaks of height m.
+//    `first` is the shortest of them, the first in order among equals. `second` is the shortest,
+//    the first in order among equals, of the peaks for which cross^2 > 0.09 * |first|^2 * |peak|^2,
+//    cross being first.x * peak.y - first.y * peak.x: there has to be one. With `most` the largest
+//    r of the shifts whose length differs by at most 0.5 from half the length of `first`, or -1
+//    where that is larger, r(first) - most >= 0.5. Then there is a screen, and its count is the
+//    number of peaks; otherwise there is none.
+// 7. With least = 0.5 + 0.25 * parameter / 251 and `best` the largest r of the peaks of height
+//    least, the heights max(least, best - 0.1), max(least, best - 0.2) and max(least, best - 0.3)
+//    are tried in turn, and the first that gives a screen decides. Without a peak of height least
+//    there is no screen.
+// 8. A textured window passes when 7 finds a screen in its r. Without a screen is a page where the
+//    number of windows that pass, times 64, does not exceed the number of textured ones. Otherwise
+//    r of the page is the sum of r of the windows that pass, added up in their order, divided by
+//    their number; and what 7 finds in that is the page's screen.
 #include "grey/screen_analysis.h"
 
 #include <algorithm>
@@ -25,9 +59,9 @@ constexpr int kLeastDeviation = 8;    // mean distance from the mean that makes 
 constexpr int kTexturedPerPass = 64;  // more than one in so many textured windows has to pass
 constexpr double kLeastFall = 0.5;    // of r between a peak and halfway to it
 
-// How far below the best a peak may be and still count as a repeat. Tried one after the other:
-// exact repeats first, which tells the cell of an ordered dither from its parts, then repeats that
-// whole pixels only come near to.
+// How far below the best a peak may be and still count as a repeat. Exact repeats are tried first,
+// which tells the cell of an ordered dither from its parts, and then repeats that no whole number
+// of pixels meets exactly.
 constexpr double kAsGood[] = {0.1, 0.2, 0.3};
 
 int window_size(int resolution) {

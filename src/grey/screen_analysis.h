@@ -12,13 +12,14 @@ struct Shift {
     int y = 0;
 };
 
+// Without a screen all members are 0, and so is cell().
 struct Screen {
     // Shifts, opposite ones counted once, by which the screen repeats itself. Dots on a lattice
     // have at least three within reach, whereas lines and chance have two at most: a screen is
     // there when the count is greater than 2.
     int count = 0;
     Shift first;   // the shortest of them
-    Shift second;  // the shortest in another direction
+    Shift second;  // the shortest of them in another direction
 
     bool found() const { return count > 2; }
 

@@ -1,11 +1,43 @@
 // The dots of a screen average out over one cell of it: the tone that they stand for is the mean
-// over a square of that size, taken once, or twice where the screen is beyond doubt, which leaves
-// nothing of the dots at angles where one square does not match them exactly.
+// over a square of that size. Where the screen is beyond doubt the mean is taken twice, which
+// leaves nothing of the dots at angles where one square does not match them exactly.
 //
-// A page is rarely all screen. It is judged tile by tile whether the screen is there: pixels far
-// from the mean of their cell, yet like the pixels one lattice shift away. Print on plain paper,
-// rules and continuous tones fail one of the two and keep their bytes. The weight of the tone runs
-// linearly from the middle of one tile to the middle of the next, so that no tile shows.
+// A page is rarely all screen, so it is judged tile by tile whether the screen is there: the pixels
+// are far from the mean of their cell, yet like the pixels one lattice shift away. Print on plain
+// paper, ruled lines and continuous tones fail one of the two and keep their bytes. The weight of
+// the tone runs linearly from the middle of one tile to the middle of the next, so that no tile
+// shows.
+//
+// To the bit:
+//
+// 1. The page's screen is what screen_analysis.cpp finds. Without one the page stays as it is.
+// 2. Let c be |first.x| + |first.y|. Averaging a page once gives every pixel the mean of c pixels
+//    of its row, and then, from these means, the mean of c pixels of its column. Each is the mean
+//    of a sum s of weights that add up to 2 * c. For an odd c the pixels up to (c - 1) / 2 away on
+//    either side weigh 2; for an even c those less than c / 2 away weigh 2, and the two that are c
+//    / 2 away weigh 1. Beyond the page's edge its last pixel goes on. The mean is
+//    ((s + c) * q) >> 16 with q = (65536 + 2 * c - 1) / (2 * c), truncated: s / (2 * c) rounded,
+//    from c = 13 on for some s by 1 too much; where all pixels are equal it is their value. It is a
+//    byte again.
+// 3. The tones are the page averaged once where the screen's count is 3, and the result averaged
+//    once more where it is above 3.
+// 4. The page is cut from the upper left corner into tiles of 16 x 16 pixels; at the right and at
+//    the lower edge they are what is left. With n the pixels of a tile and D the sum of |pixel -
+//    tone| over it, its deviation is 256 * D / n, truncated.
+// 5. A tile has four quarters of 8 x 8 pixels, as far as they lie on the page: rows 0 .. 7 and
+//    8 .. 15, each with columns 0 .. 7 and 8 .. 15. It is even when 3 * d * n >= D * k for each of
+//    them, d being the sum of |pixel - tone| over the quarter and k the number of its pixels.
+// 6. The mismatch of a tile for a shift is taken over its k pixels whose counterpart, the pixel one
+//    shift away, is on the page: 256 times the sum of |pixel - counterpart|, divided by k and
+//    truncated, or 256 * 255 where k is 0. Of a shift and its opposite the smaller mismatch counts.
+// 7. A tile is screened when its deviation is at least 6 * 256, it is even, and 10 times the sum of
+//    its mismatches for `first` and for `second` is at most 14 times its deviation.
+// 8. A tile with eight neighbours of which at least six are screened by 7 is screened, too.
+// 9. Let u be 2 * y + 1 - 16 for a pixel's row y, t = floor(u / 32) and b = u - 32 * t: tile row t
+//    has the weight 32 - b and tile row t + 1 the weight b, each replaced by the nearest tile row
+//    that there is. The same holds for columns. The weight w of a pixel's tone is the sum over the
+//    four tiles of the product of both weights, tiles that are not screened left out. The pixel
+//    becomes pixel + (((tone - pixel) * w + 512) >> 10), the shift rounding down.
 #include "grey/undithering.h"
 
 #include <algorithm>
@@ -14,6 +46,7 @@
 #include <cstring>
 #include <vector>
 
+#include "common/page.h"
 #include "frame/buffer.h"
 #include "grey/screen_analysis.h"
 
@@ -25,12 +58,11 @@ using common::MutableGreyView;
 
 constexpr int kTile = 16;           // pixels
 constexpr int kLeastDeviation = 6;  // mean distance from the cell's mean where a screen is
-constexpr int kFillFrom = 6;        // of 8 neighbours that make a tile between them theirs
-
-constexpr int kMostMismatch = 14;  // tenths of the deviation, over both lattice shifts
+constexpr int kFillFrom = 6;        // screened neighbours, of 8, that make a tile screened
+constexpr int kMostMismatch = 14;   // of a screened tile, for both shifts, in tenths of deviation
 constexpr std::int64_t kNoCounterpart = 255 * kTile * kTile;
 
-// The division of a sum of weights 2 * cell, rounded, by multiplication; exact for even tones.
+// The mean of a sum of weights 2 * cell.
 class CellMean {
   public:
     explicit CellMean(int cell)
@@ -47,55 +79,53 @@ class CellMean {
     std::uint16_t reciprocal_;
 };
 
-// Averages of a page over squares of `cell` pixels around each pixel. Even cells take half of the
-// pixel at either end; beyond the page's edge its last pixel goes on.
+// The averages of a page over squares of `cell` pixels around each pixel.
+//
+// Use: CellAverage average(page, cell) copies the page; average.apply() as often as wanted averages
+// what view() shows.
 class CellAverage {
   public:
     CellAverage(const GreyView& page, int cell)
         : radius_(cell / 2),
           end_weight_(cell % 2 == 0 ? 1 : 2),
           mean_(cell),
-          view_{nullptr, page.height, page.width, page.width},
-          pixels_(size_of(page)),
-          rows_(size_of(page)),
-          line_(static_cast<std::size_t>(page.width + 2 * radius_)),
+          pixels_(page.height, page.width),
+          rows_(page.height, page.width),
+          padded_row_(static_cast<std::size_t>(page.width + 2 * radius_)),
           columns_(static_cast<std::size_t>(page.width)) {
-        std::memcpy(pixels_.data(), page.data, pixels_.size());
+        for (int y = 0; y < page.height; ++y) {
+            std::memcpy(pixels_.view().row(y), page.row(y), columns_.size());
+        }
     }
 
     void apply() {
-        for (int y = 0; y < view_.height; ++y) average_row(y);
+        for (int y = 0; y < view().height; ++y) average_row(y);
         average_columns();
     }
 
-    GreyView view() const { return {pixels_.data(), view_.height, view_.width, view_.stride}; }
+    GreyView view() const { return pixels_.view(); }
 
   private:
-    static std::size_t size_of(const GreyView& page) {
-        return static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.width);
-    }
-
     void average_row(int y) {
-        const auto width = static_cast<std::size_t>(view_.width);
+        const std::size_t width = columns_.size();
         const auto radius = static_cast<std::size_t>(radius_);
-        const std::uint8_t* from = pixels_.data() + static_cast<std::size_t>(y) * width;
-        std::uint8_t* to = rows_.data() + static_cast<std::size_t>(y) * width;
-        std::memset(line_.data(), from[0], radius);
-        std::memcpy(line_.data() + radius, from, width);
-        std::memset(line_.data() + radius + width, from[width - 1], radius);
+        const std::uint8_t* from = pixels_.view().row(y);
+        std::uint8_t* to = rows_.view().row(y);
+        std::memset(padded_row_.data(), from[0], radius);
+        std::memcpy(padded_row_.data() + radius, from, width);
+        std::memset(padded_row_.data() + radius + width, from[width - 1], radius);
         int inner = 0;
-        for (std::size_t i = 1; i < 2 * radius; ++i) inner += line_[i];
+        for (std::size_t i = 1; i < 2 * radius; ++i) inner += padded_row_[i];
         for (std::size_t x = 0; x < width; ++x) {
-            const int first = line_[x];
-            const int last = line_[x + 2 * radius];
+            const int first = padded_row_[x];
+            const int last = padded_row_[x + 2 * radius];
             to[x] = mean_(2 * inner + end_weight_ * (first + last));
-            inner += last - line_[x + 1];
+            inner += last - padded_row_[x + 1];
         }
     }
 
     const std::uint8_t* averaged_row(int y) const {
-        return rows_.data() + static_cast<std::size_t>(std::clamp(y, 0, view_.height - 1)) *
-                                  static_cast<std::size_t>(view_.width);
+        return rows_.view().row(std::clamp(y, 0, view().height - 1));
     }
 
     void average_columns() {
@@ -108,10 +138,10 @@ class CellAverage {
         };
         const frame::Buffer<std::uint8_t> nothing = frame::Buffer<std::uint8_t>::zeroed(width);
         for (int y = 1 - radius_; y < radius_; ++y) add(averaged_row(y), nothing.data());
-        for (int y = 0; y < view_.height; ++y) {
+        for (int y = 0; y < view().height; ++y) {
             const std::uint8_t* first = averaged_row(y - radius_);
             const std::uint8_t* last = averaged_row(y + radius_);
-            std::uint8_t* to = pixels_.data() + static_cast<std::size_t>(y) * width;
+            std::uint8_t* to = pixels_.view().row(y);
             for (std::size_t x = 0; x < width; ++x) {
                 to[x] = mean_(2 * columns_[x] + end_weight_ * (first[x] + last[x]));
             }
@@ -122,11 +152,10 @@ class CellAverage {
     int radius_;
     int end_weight_;  // the pixels between the ends weigh 2
     CellMean mean_;
-    GreyView view_;
-    frame::Buffer<std::uint8_t> pixels_;
-    frame::Buffer<std::uint8_t> rows_;  // averaged along the rows
-    frame::Buffer<std::uint8_t> line_;
-    frame::Buffer<std::uint16_t> columns_;
+    common::GreyPage pixels_;
+    common::GreyPage rows_;  // averaged along the rows
+    frame::Buffer<std::uint8_t> padded_row_;
+    frame::Buffer<std::uint16_t> columns_;  // sums of the pixels between the ends
 };
 
 // Where on a page a screen is, tile by tile.
@@ -138,13 +167,13 @@ class TileMap {
           screened_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)) {
         for (int row = 0; row < rows_; ++row) {
             for (int column = 0; column < columns_; ++column) {
-                at(row, column) = holds_screen(grey, tones, screen, row, column) ? 1 : 0;
+                at(row, column) = is_screened(grey, tones, screen, row, column) ? 1 : 0;
             }
         }
         fill_holes();
     }
 
-    // Of 32 * 32: how far the pixel is inside screened tiles.
+    // How far the pixel is inside screened tiles: 0 .. 32 * 32.
     int weight(int y, int x) const {
         const Place vertical = place(y, rows_);
         const Place horizontal = place(x, columns_);
@@ -155,7 +184,7 @@ class TileMap {
         return (32 - vertical.part) * upper + vertical.part * lower;
     }
 
-    // Whether all tiles that the rows y and x of that tile row look at are without a screen.
+    // Whether weight(y, x) is 0 for every x.
     bool row_is_plain(int y) const {
         const Place vertical = place(y, rows_);
         for (int column = 0; column < columns_; ++column) {
@@ -166,9 +195,9 @@ class TileMap {
 
   private:
     struct Place {
-        int tile;  // whose middle is at or before the position
-        int next;
-        int part;  // of 32: the way from the one middle to the other
+        int tile;  // the last one whose middle is at or before the position
+        int next;  // the tile behind that one
+        int part;  // how far the position is from the one middle to the other: 0 .. 31 of 32
     };
 
     static Place place(int position, int tiles) {
@@ -187,11 +216,11 @@ class TileMap {
                          static_cast<std::size_t>(column)];
     }
 
-    static bool holds_screen(const GreyView& grey, const GreyView& tones, const Screen& screen,
-                             int row, int column);
+    static bool is_screened(const GreyView& grey, const GreyView& tones, const Screen& screen,
+                            int row, int column);
 
-    // A tile that its neighbours surround is one that print or an edge in the picture kept from
-    // being recognised.
+    // Print over a screen, or an edge in the picture, keeps a tile from being recognised. Its
+    // neighbours tell that it is one of them.
     void fill_holes() {
         const std::vector<std::uint8_t> before = screened_;
         for (int row = 1; row + 1 < rows_; ++row) {
@@ -214,8 +243,8 @@ class TileMap {
     std::vector<std::uint8_t> screened_;
 };
 
-// How unlike the pixels of a tile are to those `shift` away on one side, for a whole tile; pixels
-// whose counterpart would be outside the page do not count.
+// How much the pixels of a tile differ from those one shift away, in total, scaled up from the
+// pixels whose counterpart is on the page to a tile of full size.
 std::int64_t mismatch(const GreyView& grey, int row, int column, Shift shift) {
     const int top = std::max(row * kTile, -shift.y);
     const int bottom = std::min({grey.height, (row + 1) * kTile, grey.height - shift.y});
@@ -231,16 +260,16 @@ std::int64_t mismatch(const GreyView& grey, int row, int column, Shift shift) {
     return std::int64_t{sum} * kTile * kTile / ((bottom - top) * (right - left));
 }
 
-// The side that is more alike decides, so that the tiles along the edge of a screened picture are
-// judged by what is inside.
+// Of the two sides the one that is more alike decides: a tile at the edge of a screened picture is
+// judged by the inside of the picture.
 std::int64_t least_mismatch(const GreyView& grey, int row, int column, Shift shift) {
     return std::min(mismatch(grey, row, column, shift),
                     mismatch(grey, row, column, {-shift.x, -shift.y}));
 }
 
-// How far the pixels of a tile are from their cells' means, and whether they are so all over it.
+// How far the pixels of a tile are from their tones, and whether they are so all over it.
 struct Deviation {
-    std::int64_t total = 0;  // for a whole tile
+    std::int64_t total = 0;  // scaled up to a tile of full size
     bool even = false;       // no quarter has less than a third of its share
 };
 
@@ -266,17 +295,18 @@ Deviation deviation_of(const GreyView& grey, const GreyView& tones, int row, int
     return deviation;
 }
 
-bool TileMap::holds_screen(const GreyView& grey, const GreyView& tones, const Screen& screen,
-                           int row, int column) {
+bool TileMap::is_screened(const GreyView& grey, const GreyView& tones, const Screen& screen,
+                          int row, int column) {
     const Deviation deviation = deviation_of(grey, tones, row, column);
     if (deviation.total < kLeastDeviation * kTile * kTile || !deviation.even) return false;
-    // Noise has 2.8 times its deviation here, an edge 2 to 4 times, a lattice well below once.
+    // The sum of both mismatches is 2.8 times the deviation for noise, 2 to 4 times for an edge,
+    // and well below once for the dots of a screen.
     return 10 * (least_mismatch(grey, row, column, screen.first) +
                  least_mismatch(grey, row, column, screen.second)) <=
            kMostMismatch * deviation.total;
 }
 
-// `grey` goes over to `tones` where the map says so.
+// Every pixel moves towards its tone by the share that the map gives.
 void blend(const MutableGreyView& grey, const GreyView& tones, const TileMap& map) {
     for (int y = 0; y < grey.height; ++y) {
         if (map.row_is_plain(y)) continue;

@@ -1,11 +1,14 @@
+#include "grey/undithering.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "models/pixels.h"
+#include "models/undithering_model.h"
 #include "support/allocation_limit.h"
 #include "support/random_page.h"
 #include "support/row_reader.h"
@@ -134,6 +137,73 @@ TEST(Undithering, LeavesEverythingElseAlone) {
             }
         }
     }
+}
+
+// Pages of every size, in views whose rows are wider than the page: the model's bytes, and not one
+// beside them.
+TEST(Undithering, GivesTheModelsBytes) {
+    support::Random random(3);
+    const auto screens = [&](double period, double degrees) {
+        return [=](int x, int y) {
+            return tone(x, y) > dot_threshold(x, y, period, degrees) ? 255 : 0;
+        };
+    };
+    const auto bayer = [&](int size) {
+        return [=](int x, int y) { return tone(x, y) > bayer_threshold(x, y, size) ? 240 : 10; };
+    };
+    const Bytes ink = support::random_text(400, 400, 50, 5);
+    const auto print = [&](int x, int y) {
+        return model::get_bit(ink.data(), 50, x, y) ? 20 : 235;
+    };
+    const std::function<int(int, int)> kinds[] = {
+        bayer(4),
+        bayer(8),
+        screens(6, 45),
+        screens(5.3, 15),
+        screens(11, 45),  // more than one pass of a large cell
+        screens(14.2, 30),
+        print,
+        tone,
+        [&](int, int) { return random.byte(); },
+        [&](int x, int y) { return y < 70 ? screens(4, 45)(x, y) : print(x, y); },
+        [&](int x, int y) { return (x / 40 + y / 30) % 3 == 0 ? print(x, y) : bayer(4)(x, y); },
+        [&](int x, int y) { return (bayer(4)(x, y) + random.byte()) / 2; },
+        [](int x, int y) { return x % 4 < 2 || y % 60 == 0 ? 0 : 255; },
+    };
+    const struct {
+        int width, height, resolution;
+    } sizes[] = {{150, 140, 300}, {65, 65, 600}, {64, 65, 300}, {33, 120, 299},
+                 {131, 97, 150},  {17, 17, 149}, {17, 16, 72},  {100, 31, 72},
+                 {209, 90, 72},   {1, 1, 72},    {40, 33, -1}};
+    int changed = 0;
+    for (const auto& kind : kinds) {
+        for (const auto& [width, height, resolution] : sizes) {
+            for (const int parameter : {1, 251}) {
+                const int stride = width + random.between(0, 1) * random.between(1, 40);
+                const int left = random.between(0, 50);
+                Bytes page;
+                Bytes view = support::random_bytes(model::offset(height, stride, 0), 9);
+                for (int y = 0; y < height; ++y) {
+                    for (int x = 0; x < width; ++x) {
+                        page.push_back(static_cast<std::uint8_t>(kind(left + x, y)));
+                        view[model::offset(y, stride, x)] = page.back();
+                    }
+                }
+                const Bytes undone = model::undithered(page, height, width, parameter, resolution);
+                changed += undone != page;
+                Bytes expected = view;
+                for (int y = 0; y < height; ++y) {
+                    std::copy_n(&undone[model::offset(y, width, 0)], width,
+                                &expected[model::offset(y, stride, 0)]);
+                }
+                grey::undither({view.data(), height, width, stride}, parameter, resolution);
+                ASSERT_EQ(view, expected)
+                    << "kind " << &kind - kinds << ", " << width << " x " << height << ", stride "
+                    << stride << ", parameter " << parameter << ", resolution " << resolution;
+            }
+        }
+    }
+    EXPECT_GT(changed, 60);
 }
 
 // A screened picture on a page with print: the picture changes, the print does not.
