@@ -68,15 +68,13 @@ void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, 
 }  // namespace
 
 void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
-    if (max_area < 1) return;
     if (max_area <= kMaxSpeckArea) return erase_specks(page, max_area);
     ink::stream_components(page, AreaRule(max_area));
 }
 
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
                              std::int32_t distance) {
-    if (distance < 1) return despeckle(page, max_area);
-    if (max_area < 1) return;
+    if (distance < 1 || max_area < 1) return despeckle(page, max_area);
     if (max_area > kMaxSpeckArea) {
         return run_protected_pass(page, distance, AreaRule(max_area));
     }

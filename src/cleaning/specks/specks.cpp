@@ -8,10 +8,9 @@
 #include "cleaning/specks/specks.h"
 
 #include <bit>
-#include <cstddef>
-#include <cstring>
 
 #include "common/byte_order.h"
+#include "frame/buffer.h"
 
 namespace cleaning {
 namespace {
@@ -79,6 +78,9 @@ class Words {
 // The ink that is connected to a pixel, in a window of words: rows first() .. last() of the window.
 class Speck {
   public:
+    // Throws std::bad_alloc.
+    Speck() = default;
+
     // Whether the pixel at (x, y) begins a component of at most `max_area` pixels.
     bool grow(const Words& page, std::int32_t x, std::int32_t y, std::int32_t max_area) {
         move_to(page, x, y);
@@ -180,8 +182,9 @@ class Speck {
     std::int32_t first_ = 0;
     std::int32_t last_ = 0;
     std::int32_t area_ = 0;
-    std::uint64_t ink_[kRows];
-    std::uint64_t found_[kRows];
+    frame::Buffer<std::uint64_t> window_{2 * kRows};
+    std::uint64_t* const ink_ = window_.data();
+    std::uint64_t* const found_ = ink_ + kRows;
 };
 
 // Calls change(byte of the row, bits of the speck in it) for the bytes of a row of a speck.
@@ -224,8 +227,10 @@ void for_each_one(std::uint64_t word, std::int32_t x, Visit visit) {
 }  // namespace
 
 void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
-    const Words words(page);
+    // Also where nothing can be erased: whether there is memory does not depend on the area.
     Speck speck;
+    if (max_area < 1) return;
+    const Words words(page);
     for (std::int32_t y = 0; y < page.height; ++y) {
         const std::uint8_t* const row = page.row(y);
         const std::uint8_t* const above = y > 0 ? page.row(y - 1) : nullptr;

@@ -1,7 +1,7 @@
 // Components of a few pixels, found without labelling the page: nearly all ink of a page belongs to
 // larger ones and is passed over by the word.
 //
-// Keep true: max_area <= kMaxSpeckArea.
+// Keep true: max_area <= kMaxSpeckArea. Both throw std::bad_alloc before they change a page.
 #pragma once
 
 #include <cstdint>
