@@ -21,7 +21,7 @@ extern "C" {
 /* Despeckle: removes small 8-connected components of black pixels, in place. On a failure the image
  * may be partly despeckled.
  *
- * Height, width and stride count modulo 65,536. */
+ * Height, width and stride count modulo 65,536. (pre_tva() takes them otherwise.) */
 
 /* Decides about a finished component: 1 erases it, anything else keeps it. height and width are
  * those of its bounding box, area its number of pixels. Called on the caller's thread, in the order
@@ -58,7 +58,8 @@ VEMOPREPRO_API int despeckl_selective(unsigned char* image, int height, int widt
 
 /* Erases, in place, what is not text: components higher than max_height or with fewer than
  * min_density pixels per pixel of their longer side. Parts of a character with one white pixel
- * between them are judged together. An image of no bytes is refused. */
+ * between them are judged together. The gaps are looked for in the size as it is given, components
+ * in the size modulo 65,536. An image of no bytes is refused. */
 VEMOPREPRO_API int pre_tva(unsigned char* image, int height, int width, int stride,
                            short max_height, short min_density);
 
@@ -131,7 +132,8 @@ VEMOPREPRO_API int extract_underline(int ink_value, int vertical, int min_extent
                                      int thickness, int dilate, const unsigned char* source,
                                      unsigned char* target, int height, int stride, int x0, int x1);
 
-/* Border cropping. */
+/* Border cropping. Where there are pixels, a null pointer or a stride that does not hold the width
+ * is refused with -1, and nothing is written. */
 
 /* Copies a bitonal page without the black ink that is reachable from its edges, going down and then
  * up. Target has the geometry of the source and does not overlap it. With an ink_value other than 0
@@ -153,23 +155,23 @@ enum {
  * than `light` that differ by less than `step` from their neighbours; it is then widened by 8
  * pixels. A page of fewer than 24 rows or columns is left as it is and gets 0, width, 0, height. A
  * page that is all border gets one pixel in its centre (x1 = x0 + 1, y1 = y0 + 1). Stride in bytes.
- * -1 for an unknown type or without memory, with nothing changed. */
+ * -1 also for an unknown type or without memory, with nothing changed. */
 VEMOPREPRO_API int cropimg(unsigned char* image, int type, int height, int width, int stride,
                            int dark, int light, int step, int* x0, int* x1, int* y0, int* y1);
 
 /* The mean of the pixels that are met first on the way in from the edges past white (255): the
  * colour of the page just inside a border that cropimg() painted white. 255, or black for
- * cropcolor_get(), where there is none. Returns 0. row_pixels: pixels from one row to the next. */
+ * cropcolor_get(), where there is none. row_pixels: pixels from one row to the next. */
 VEMOPREPRO_API int cropgrey_get(unsigned char* value, const unsigned char* grey, int height,
                                 int width, int stride);
 VEMOPREPRO_API int cropcolor_get(unsigned char* value, const unsigned char* colour, int height,
                                  int width, int row_pixels);
 
-/* Repaints the pixels that equal the low byte of `from`. Returns 0. */
+/* Repaints the pixels that equal the low byte of `from`. */
 VEMOPREPRO_API int cropgrey_replace(int from, int to, unsigned char* grey, int height, int width,
                                     int stride);
 /* Repaints in every column the pixels that equal that column's triple of `from` with its triple of
- * `to`: both have `width` triples. Returns 0. */
+ * `to`: both have `width` triples. */
 VEMOPREPRO_API int cropcolor_replace(const unsigned char* from, const unsigned char* to,
                                      unsigned char* colour, int height, int width, int row_pixels);
 

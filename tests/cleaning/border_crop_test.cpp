@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "models/crop_model.h"
@@ -70,16 +72,6 @@ TEST(CropBitmap, EqualsTheModel) {
         model::cropbmp(ink_value, page.data(), height, width, stride, expected.data());
         ASSERT_EQ(contents_of(target), expected)
             << "seed " << seed << ": " << height << " x " << width << ", stride " << stride;
-    }
-}
-
-TEST(CropBitmap, PagesWithoutPixels) {
-    const Bytes page = support::random_bytes(40, 1);
-    for (const auto& [height, width, copied] :
-         {std::tuple{0, 30, false}, {-4, 30, false}, {10, 0, true}, {10, -1, true}}) {
-        GuardedBuffer target(page.size());
-        EXPECT_EQ(cropbmp(0, page.data(), height, width, 4, target.data()), 0);
-        EXPECT_EQ(contents_of(target), copied ? page : Bytes(page.size(), 0x5C));
     }
 }
 
@@ -192,29 +184,6 @@ TEST(CropImage, EqualsTheModel) {
     }
 }
 
-TEST(CropImage, OrderOfChecksAndSmallPages) {
-    Bytes image(100 * 100, 0);
-    const Bytes before = image;
-    for (const int type : {-1, 0, 5, INT_MIN, INT_MAX}) {
-        Box box;
-        EXPECT_EQ(cropimg(image.data(), type, 10, 10, 100, 99, 200, 50, &box.x0, &box.x1, &box.y0,
-                          &box.y1),
-                  -1);
-        EXPECT_EQ(box, Box{});
-    }
-    for (const auto& [height, width] :
-         {std::pair{23, 100}, {100, 23}, {20, 20}, {0, 50}, {50, 0}, {-3, 40}, {-1, -1}}) {
-        for (const int type : {1, 3, 4}) {
-            Box box;
-            EXPECT_EQ(cropimg(image.data(), type, height, width, 100, 99, 200, 50, &box.x0, &box.x1,
-                              &box.y0, &box.y1),
-                      0);
-            EXPECT_EQ(box, (Box{0, width, 0, height}));
-        }
-    }
-    EXPECT_EQ(image, before);
-}
-
 TEST(CropImage, FindsABandAndLeavesADiscAlone) {
     TonePage page(200, 300, 1, 0, 1);
     Random random(1);
@@ -298,6 +267,106 @@ TEST(CropColour, RepaintsLikeTheModel) {
         });
         if (HasFatalFailure()) return;
     }
+}
+
+// ---- what cannot be worked on, and pages without anything to do
+
+// All that the functions read and write.
+struct Buffers {
+    Bytes page = Bytes(30 * 160, 9);
+    Bytes target = Bytes(30 * 160, 0x5C);
+    Bytes from = Bytes(120, 9);
+    Bytes to = Bytes(120, 8);
+    Bytes value = Bytes(3, 7);
+    Box box;
+    bool operator==(const Buffers&) const = default;
+};
+
+struct Function {
+    const char* name;
+    int row;  // the least stride for 40 pixels
+    std::function<int(Buffers& b, std::uint8_t* image, int height, int width, int stride)> call;
+};
+
+std::vector<Function> functions() {
+    std::vector<Function> all{
+        {"cropbmp", 5,
+         [](Buffers& b, auto... page) { return cropbmp(0, page..., b.target.data()); }},
+        {"cropgrey_get", 40,
+         [](Buffers& b, auto... page) { return cropgrey_get(b.value.data(), page...); }},
+        {"cropgrey_replace", 40,
+         [](Buffers&, auto... page) { return cropgrey_replace(9, 8, page...); }},
+        {"cropcolor_get", 40,
+         [](Buffers& b, auto... page) { return cropcolor_get(b.value.data(), page...); }},
+        {"cropcolor_replace", 40, [](Buffers& b, auto... page) {
+             return cropcolor_replace(b.from.data(), b.to.data(), page...);
+         }}};
+    for (const int type : {1, 2, 3, 4}) {
+        all.push_back({"cropimg", 40 * model::crop_pixel_size(type),
+                       [type](Buffers& b, std::uint8_t* image, int height, int width, int stride) {
+                           return cropimg(image, type, height, width, stride, 99, 200, 50,
+                                          &b.box.x0, &b.box.x1, &b.box.y0, &b.box.y1);
+                       }});
+    }
+    return all;
+}
+
+TEST(Cropping, RefusesWhatCannotBeWorkedOn) {
+    Buffers b;
+    for (const Function& f : functions()) {
+        SCOPED_TRACE(testing::Message() << f.name << ", row " << f.row);
+        EXPECT_EQ(f.call(b, nullptr, 30, 40, f.row), -1);
+        EXPECT_EQ(f.call(b, nullptr, 20, 40, f.row), -1);
+        for (const auto& [width, stride] : {std::pair{40, f.row - 1},
+                                            {40, 0},
+                                            {40, INT_MIN},
+                                            {INT_MAX, f.row},
+                                            {INT_MAX, INT_MAX / 9}})
+            EXPECT_EQ(f.call(b, b.page.data(), 30, width, stride), -1) << width << ' ' << stride;
+    }
+    std::uint8_t* const page = b.page.data();
+    EXPECT_EQ(cropbmp(0, page, 30, 40, 5, nullptr), -1);
+    EXPECT_EQ(cropgrey_get(nullptr, page, 30, 40, 40), -1);
+    EXPECT_EQ(cropcolor_get(nullptr, page, 30, 40, 40), -1);
+    EXPECT_EQ(cropcolor_replace(nullptr, b.to.data(), page, 30, 40, 40), -1);
+    EXPECT_EQ(cropcolor_replace(b.from.data(), nullptr, page, 30, 40, 40), -1);
+    for (int missing = 0; missing < 4; ++missing) {
+        int* to[] = {&b.box.x0, &b.box.x1, &b.box.y0, &b.box.y1};
+        to[missing] = nullptr;
+        EXPECT_EQ(cropimg(page, 1, 30, 40, 40, 99, 200, 50, to[0], to[1], to[2], to[3]), -1);
+    }
+    for (const int type : {0, 5, INT_MIN, INT_MAX}) {
+        EXPECT_EQ(
+            cropimg(nullptr, type, 30, 40, 4, 99, 200, 50, &b.box.x0, nullptr, nullptr, nullptr),
+            -1);
+    }
+    EXPECT_EQ(b, Buffers{});
+}
+
+TEST(Cropping, LeavesPagesWithoutPixelsAndSmallOnesAlone) {
+    for (const Function& f : functions()) {
+        SCOPED_TRACE(testing::Message() << f.name << ", row " << f.row);
+        for (const auto& [height, width] : {std::pair{0, 40}, {-4, 40}, {30, 0}, {-1, -1}}) {
+            Buffers expected;
+            if (f.name == std::string("cropimg")) expected.box = {0, width, 0, height};
+            if (f.name == std::string("cropgrey_get")) expected.value[0] = 255;
+            if (f.name == std::string("cropcolor_get")) expected.value = {0, 0, 0};
+            Buffers b;
+            EXPECT_EQ(f.call(b, nullptr, height, width, 0), 0);
+            EXPECT_EQ(b, expected);
+        }
+    }
+    for (const auto& [height, width] : {std::pair{23, 40}, {30, 23}}) {
+        Buffers b;
+        Buffers expected;
+        expected.box = {0, width, 0, height};
+        EXPECT_EQ(functions().back().call(b, b.page.data(), height, width, 160), 0);
+        EXPECT_EQ(b, expected);
+    }
+    Buffers b;  // without columns, rows are copied
+    EXPECT_EQ(cropbmp(0, b.page.data(), 10, -1, 4, b.target.data()), 0);
+    EXPECT_TRUE(std::equal(b.target.begin(), b.target.begin() + 40, b.page.begin()));
+    EXPECT_EQ(b.target[40], 0x5C);
 }
 
 }  // namespace
