@@ -58,7 +58,7 @@ int printed(int paper, int x, int y) {
 }
 
 TEST(EvenLight, MakesAllPaperOneGrey) {
-    for (const auto& [width, height] : {std::array{4, 1}, {16, 17}, {250, 33}}) {
+    for (const auto& [width, height] : {std::array{4, 1}, {1, 1}, {16, 17}, {17, 33}, {250, 33}}) {
         for (const int paper : {250, 60, 16}) {
             Page grey = tool::grey_page(width, height, [=](int, int) { return paper; });
             reading::even_light(grey);

@@ -55,7 +55,7 @@ int upper_quartile(const Page& grey, int x0, int x1, int y0, int y1) {
     for (int y = y0; y < y1; ++y) {
         for (int x = x0; x < x1; ++x) ++counts[grey.row(y)[x]];
     }
-    const int wanted = (x1 - x0) * (y1 - y0) / 4;
+    const int wanted = std::max(1, (x1 - x0) * (y1 - y0) / 4);  // a corner may be one pixel
     int level = 255;
     for (int seen = counts[255]; level > 0 && seen < wanted;) {
         seen += counts[static_cast<std::size_t>(--level)];
