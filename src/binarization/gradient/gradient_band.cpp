@@ -31,7 +31,7 @@ EdgeOptions edge_options(const GradientParameters& parameters) {
 constexpr std::size_t kRingRows = 8;
 
 simd::ThreeRows around(const PaddedRows& rows, std::size_t y) {
-    return {rows.row(y + kRingRows - 1), rows.row(y), rows.row(y + 1)};
+    return {rows.row(y - 1), rows.row(y), rows.row(y + 1)};
 }
 
 }  // namespace
@@ -55,10 +55,9 @@ void GradientBand::binarize(const common::GreyView& grey, const common::MutableB
         mark_edges(grey, page);
     }
     if (edges_.found_candidates()) {
-        complete(maps_, edges_.start_threshold(), parameters_.fill_mean);
+        find_thresholds(maps_, edges_.start_threshold(), parameters_.fill_mean);
     } else {
-        by_rows(maps_.result,
-                [](std::uint8_t* row, std::size_t width) { std::memset(row, 0, width); });
+        maps_.threshold.clear();
     }
     apply_thresholds(grey, page);
 }
@@ -119,9 +118,9 @@ void GradientBand::close_block_row(const common::GreyView& grey, std::size_t at)
             bits_[word] |= edges_.edges(y)[word];
         }
     }
-    simd::edge_means(midpoints, contrasts, bits_.data(), edges_.words(), maps_.threshold.row(at),
+    simd::edge_means(midpoints, contrasts, bits_.data(), edges_.words(), maps_.midpoint.row(at),
                      maps_.contrast.row(at));
-    simd::grey_means(greys, edges_.words(), maps_.average.row(at));
+    simd::grey_means(greys, edges_.words(), maps_.grey.row(at));
     average_partial_blocks(grey, at, rows);
     // Bit 0 stands for the row below the blocks.
     if ((hidden_ >> 1 & 0xF) != 0) count_hidden_midpoints(at, rows);
@@ -131,7 +130,7 @@ void GradientBand::close_block_row(const common::GreyView& grey, std::size_t at)
 void GradientBand::average_partial_blocks(const common::GreyView& grey, std::size_t at,
                                           std::size_t rows) {
     std::size_t block = rows < kBlockPixels ? 0 : width_ / kBlockPixels;
-    for (; block < maps_.average.width(); ++block) {
+    for (; block < maps_.grey.width(); ++block) {
         const std::size_t x0 = block * kBlockPixels;
         const std::size_t columns = std::min(kBlockPixels, width_ - x0);
         std::size_t sum = 0;
@@ -139,7 +138,7 @@ void GradientBand::average_partial_blocks(const common::GreyView& grey, std::siz
             const std::uint8_t* row = grey.row(static_cast<std::ptrdiff_t>(at * kBlockPixels + i));
             for (std::size_t x = x0; x < x0 + columns; ++x) sum += row[x];
         }
-        maps_.average.row(at)[block] = static_cast<std::uint8_t>(sum / (rows * columns));
+        maps_.grey.row(at)[block] = static_cast<std::uint8_t>(sum / (rows * columns));
     }
 }
 
@@ -147,7 +146,7 @@ void GradientBand::average_partial_blocks(const common::GreyView& grey, std::siz
 // pixel without a midpoint. Only greys of 0 and 1 have such midpoints.
 void GradientBand::count_hidden_midpoints(std::size_t at, std::size_t rows) {
     const std::size_t top = at * kBlockPixels;
-    for (std::size_t block = 0; block < maps_.threshold.width(); ++block) {
+    for (std::size_t block = 0; block < maps_.midpoint.width(); ++block) {
         unsigned sum = 0;
         unsigned pixels = 0;
         for (std::size_t i = 0; i < rows; ++i) {
@@ -161,16 +160,16 @@ void GradientBand::count_hidden_midpoints(std::size_t at, std::size_t rows) {
                 ++pixels;
             }
         }
-        maps_.threshold.row(at)[block] = static_cast<std::uint8_t>(sum / std::max(pixels, 1U));
+        maps_.midpoint.row(at)[block] = static_cast<std::uint8_t>(sum / std::max(pixels, 1U));
     }
 }
 
 void GradientBand::apply_thresholds(const common::GreyView& grey,
                                     const common::MutableBitonalView& page) {
     for (std::size_t y = 0; y < height_; ++y) {
-        std::uint8_t* thresholds = maps_.result.row(y / kBlockPixels);
+        std::uint8_t* thresholds = maps_.threshold.row(y / kBlockPixels);
         if (y % kBlockPixels == 0) {
-            for (std::size_t i = 0; i < maps_.result.width(); ++i) {
+            for (std::size_t i = 0; i < maps_.threshold.width(); ++i) {
                 thresholds[i] = std::max(thresholds[i], parameters_.black2);
             }
         }

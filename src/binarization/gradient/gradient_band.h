@@ -10,7 +10,8 @@
 #include "binarization/gradient/gradient.h"
 #include "binarization/gradient/gradient_edges.h"
 #include "binarization/gradient/gradient_map.h"
-#include "binarization/gradient/padded_rows.h"
+#include "binarization/gradient/readable_rows.h"
+#include "binarization/row_ring.h"
 #include "common/views.h"
 #include "frame/buffer.h"
 

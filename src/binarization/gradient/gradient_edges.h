@@ -8,35 +8,15 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
-#include "binarization/gradient/padded_rows.h"
+#include "binarization/gradient/readable_rows.h"
+#include "binarization/row_ring.h"
 #include "common/views.h"
-#include "frame/buffer.h"
 #include "simd/pixels/gradient_rows.h"
 
 namespace binarization {
-
-// A ring of rows of one bit a pixel, pixel 0 of a row in the least significant bit of its first
-// word.
-class BitRows {
-  public:
-    // At least `rows` rows, not initialised. Throws std::bad_alloc.
-    BitRows(std::size_t rows, std::size_t width)
-        : last_(std::bit_ceil(rows) - 1), words_(whole_words(width)), bits_((last_ + 1) * words_) {}
-
-    std::size_t rows() const { return last_ + 1; }
-    std::size_t words() const { return words_; }
-    std::uint64_t* row(std::size_t y) { return bits_.data() + (y & last_) * words_; }
-    const std::uint64_t* row(std::size_t y) const { return bits_.data() + (y & last_) * words_; }
-
-  private:
-    std::size_t last_;
-    std::size_t words_;
-    frame::Buffer<std::uint64_t> bits_;
-};
 
 // The most rows that a trace gets away from where it starts (gradient_hysteresis.cpp).
 constexpr std::size_t kTraceReach = 65;

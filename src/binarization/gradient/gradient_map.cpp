@@ -1,7 +1,7 @@
 // Blocks with edges give a first map. From it and from the strongest of its edges alone two maps
-// are spread and filled over the paper; where there are no strong edges the greys of neighbouring
-// blocks give a third. The highest of the three counts, so that the thresholds of weak edges, dirt
-// and show-through, which are low where they are wrong, do not take ink away from text. Two further
+// are filled over the paper; where there are no strong edges the greys of neighbouring blocks give
+// a third. The highest of the three counts, so that the thresholds of weak edges, dirt and
+// show-through, which are low where they are wrong, do not take ink away from text. Two further
 // passes add the strong edges that have a contrast of their own within ever narrower limits.
 //
 // Choices: the grey of a partial block at the right or bottom edge is the mean of the pixels that
@@ -10,7 +10,6 @@
 #include "binarization/gradient/gradient_map.h"
 
 #include <cstring>
-#include <utility>
 
 #include "simd/blocks/block_rows.h"
 
@@ -20,14 +19,24 @@ namespace {
 using Row = std::uint8_t*;
 using ConstRow = const std::uint8_t*;
 
+// How much contrast an edge needs to count as strong, on the scale of the edge strength.
+struct StrongFrom {
+    int numerator;
+    int denominator;
+};
+constexpr StrongFrom kStrong{17, 12};
+constexpr StrongFrom kStronger{5, 3};
+constexpr StrongFrom kStrongest{2, 1};
+
 // Selection without a branch, for loops over cells.
 std::uint8_t all_ones_if(bool condition) {
     return condition ? 0xFF : 0;
 }
 
-// A threshold survives among at least two others. Border blocks have no full neighbourhood and
-// lose theirs; in a map of a single row or column all are border blocks, and all are kept.
-void clean(BlockGrid& map, PaddedRows& saved) {
+// A threshold survives among at least two others, and becomes their mean. Border blocks have no
+// full neighbourhood and lose theirs; in a map of a single row or column all are border blocks, and
+// all are kept.
+void average_supported(BlockMap& map, PaddedRows& saved) {
     if (!map.two_dimensional()) return;
     by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
         simd::average_filled_row(around, map.width(), row);
@@ -36,86 +45,87 @@ void clean(BlockGrid& map, PaddedRows& saved) {
     std::memset(map.row(map.height() - 1), 0, map.width());
 }
 
-// Cells of `map` whose contrast is above a multiple of the edge strength: contrast * own > start *
-// of.
-void keep_contrast(const BlockGrid& map, const BlockGrid& contrast, int own, int of, int start,
-                   BlockGrid& out) {
-    const auto limit = static_cast<std::uint8_t>(std::min(start * of / own, 255));
+// The cells of `map` whose contrast is above the limit, into `out`; the others are empty there.
+void select_strong(const BlockMap& map, const BlockMap& contrast, StrongFrom limit, int start,
+                   BlockMap& out) {
+    const int above = std::min(start * limit.numerator / limit.denominator, 255);
     by_rows(
         out,
         [=](Row to, ConstRow from, ConstRow contrasts, std::size_t width) {
-            for (std::size_t x = 0; x < width; ++x) {
-                to[x] = from[x] & all_ones_if(contrasts[x] > limit);
+            const auto most = static_cast<std::uint8_t>(above);
+            for (std::size_t j = 0; j < width; ++j) {
+                to[j] = from[j] & all_ones_if(contrasts[j] > most);
             }
         },
         map, contrast);
 }
 
-// Midway between the lightest and the darkest of the blocks around a block, where they differ
-// enough and the block has no strong edge. Into `filled`.
-void take_levels(ThresholdMaps& maps, int start) {
-    BlockGrid& greys = maps.average;
-    const std::size_t last = greys.height() - 1;
-    const std::size_t width = greys.width();
+void repeat_ends(BlockMap& map) {
+    for (std::size_t i = 0; i < map.height(); ++i) {
+        map.row(i)[-1] = map.row(i)[0];
+        map.row(i)[map.width()] = map.row(i)[map.width() - 1];
+    }
+}
+
+// `edges`, and in blocks that have neither a threshold there nor a strong edge the grey midway
+// between the lightest and the darkest block around them, where these differ enough. Into `out`.
+void add_midranges(BlockMap& grey, const BlockMap& edges, const BlockMap& strong, int start,
+                   PaddedRows& scratch, BlockMap& out) {
+    const std::size_t last = grey.height() - 1;
+    const std::size_t width = grey.width();
     const auto limit = static_cast<std::uint8_t>(2 * start / 3);
-    for (std::size_t y = 0; y <= last; ++y) {
-        greys.row(y)[-1] = greys.row(y)[0];
-        greys.row(y)[width] = greys.row(y)[width - 1];
-    }
-    for (std::size_t y = 0; y <= last; ++y) {
-        const simd::ThreeRows around{greys.row(y > 0 ? y - 1 : 0), greys.row(y),
-                                     greys.row(std::min(y + 1, last))};
-        simd::midrange_row(around, width, limit, maps.filled.row(y));
+    std::uint8_t* midranges = scratch.row(0);
+    repeat_ends(grey);
+    for (std::size_t i = 0; i <= last; ++i) {
+        simd::midrange_row(
+            {grey.row(i > 0 ? i - 1 : 0), grey.row(i), grey.row(std::min(i + 1, last))}, width,
+            limit, midranges);
+        ConstRow own = edges.row(i);
+        ConstRow strongs = strong.row(i);
+        Row to = out.row(i);
+        for (std::size_t j = 0; j < width; ++j) {
+            to[j] = own[j] | (midranges[j] & all_ones_if((strongs[j] | own[j]) == 0));
+        }
     }
 }
 
-// Blocks without a threshold take the level between the blocks around them; those with a strong
-// edge of their own take none. Into `out`, which is used no more otherwise.
-void put_levels_between(const BlockGrid& thresholds, const BlockGrid& strong,
-                        const BlockGrid& levels, BlockGrid& out) {
-    by_rows(
-        out,
-        [](Row to, ConstRow own, ConstRow strongs, ConstRow between, std::size_t width) {
-            for (std::size_t x = 0; x < width; ++x) {
-                // One of the two is 0.
-                to[x] = own[x] | (between[x] & all_ones_if((strongs[x] | own[x]) == 0));
-            }
-        },
-        thresholds, strong, levels);
-}
-
-void raise_to(BlockGrid& map, const BlockGrid& other) {
+void raise_to(BlockMap& map, const BlockMap& other) {
     by_rows(
         map,
         [](Row to, ConstRow from, std::size_t width) {
-            for (std::size_t x = 0; x < width; ++x) to[x] = std::max(to[x], from[x]);
+            for (std::size_t j = 0; j < width; ++j) to[j] = std::max(to[j], from[j]);
         },
         other);
 }
 
 }  // namespace
 
-void complete(ThresholdMaps& maps, int start, bool by_mean) {
-    BlockGrid& levels = maps.average;
-    const auto fill_and_raise = [&](const BlockGrid& map) {
-        fill(map, by_mean, maps.scratch, maps.filled);
-        raise_to(maps.result, maps.filled);
-    };
-    clean(maps.threshold, maps.scratch.rows);
-    keep_contrast(maps.threshold, maps.contrast, 12, 17, start, maps.strong);
-    take_levels(maps, start);
-    spread(maps.threshold, maps.scratch.rows);
-    put_levels_between(maps.threshold, maps.strong, maps.filled, levels);
-    spread(maps.strong, maps.scratch.rows);
+// A map that is done with gives its memory to one that begins later; the names say what it holds.
+void find_thresholds(ThresholdMaps& maps, int start, bool by_mean) {
+    BlockMap& edges = maps.midpoint;
+    BlockMap& strong = maps.working[0];
+    PaddedRows& rows = maps.space.rows;
+    average_supported(edges, rows);
+    select_strong(edges, maps.contrast, kStrong, start, strong);
+    fill_from_neighbours(edges, rows);
 
-    fill(maps.threshold, by_mean, maps.scratch, maps.result);
-    fill_and_raise(maps.strong);
-    fill_and_raise(levels);
-    BlockGrid& stronger = maps.threshold;
-    for (const auto& [own, of] : {std::pair{3, 5}, std::pair{1, 2}}) {
-        keep_contrast(maps.strong, maps.contrast, own, of, start, stronger);
-        spread(stronger, maps.scratch.rows);
-        fill_and_raise(stronger);
+    BlockMap& edges_and_midranges = maps.working[1];
+    add_midranges(maps.grey, edges, strong, start, rows, edges_and_midranges);
+    fill(edges_and_midranges, by_mean, maps.space, maps.threshold);
+
+    BlockMap& filled = edges_and_midranges;
+    const auto raise_to_filled = [&](const BlockMap& map) {
+        fill(map, by_mean, maps.space, filled);
+        raise_to(maps.threshold, filled);
+    };
+    fill_from_neighbours(strong, rows);
+    raise_to_filled(edges);
+    raise_to_filled(strong);
+    BlockMap& stronger = maps.grey;
+    for (const StrongFrom limit : {kStronger, kStrongest}) {
+        select_strong(strong, maps.contrast, limit, start, stronger);
+        fill_from_neighbours(stronger, rows);
+        raise_to_filled(stronger);
     }
 }
 

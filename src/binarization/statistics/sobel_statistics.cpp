@@ -2,21 +2,21 @@
 // the mean and the deviation of ink and of paper there; the threshold lies between the two.
 //
 // Two maps are made: one of the thresholds at edges only, one that also holds the level black1 in
-// dark areas without edges. Both are completed, so that every block has a threshold, and the higher
-// of the two counts.
+// dark areas without edges. Both are filled, so that every block has a threshold, and the higher of
+// the two counts.
 //
 // Only whole blocks have sums, and only blocks whose eight neighbours are whole blocks of the page
 // get a threshold of their own; the blocks at the page's edges take theirs from these when the maps
-// are completed.
+// are filled.
 #include "binarization/statistics/sobel_statistics.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 
-#include "binarization/statistics/block_map.h"
+#include "binarization/block_map.h"
+#include "binarization/row_ring.h"
 #include "binarization/threshold.h"
-#include "frame/buffer.h"
 #include "simd/blocks/block_fill.h"
 #include "simd/blocks/edge_block_sums.h"
 #include "simd/pixels/threshold_bits.h"
@@ -27,22 +27,20 @@ namespace {
 constexpr int kSmallestSide = 13;
 constexpr int kFewestEdgePixels = 9;  // around a block that gets a threshold
 
-// The sums of the last three rows of blocks.
+// The sums of the last rows of blocks.
 class SumsRing {
   public:
-    explicit SumsRing(std::size_t blocks) : blocks_(blocks), numbers_(kRows * kSums * blocks) {}
+    explicit SumsRing(std::size_t blocks) : blocks_(blocks), sums_(3, kSums * blocks) {}
 
     simd::EdgeBlockSums row(std::size_t i) {
-        std::int32_t* first = numbers_.data() + i % kRows * kSums * blocks_;
-        const auto sum = [&](std::size_t k) { return first + k * blocks_; };
+        const auto sum = [&](std::size_t k) { return sums_.row(i) + k * blocks_; };
         return {sum(0), sum(1), sum(2), sum(3), sum(4), sum(5)};
     }
 
   private:
-    static constexpr std::size_t kRows = 3;
     static constexpr std::size_t kSums = 6;
     std::size_t blocks_;
-    frame::Buffer<std::int32_t> numbers_;
+    RowRing<std::int32_t> sums_;
 };
 
 // The sums over a block and its eight neighbours: at most 144 pixels, so count * squares and
@@ -97,11 +95,23 @@ simd::BlockRows rows_of_block(const common::GreyView& grey, std::size_t i) {
     return rows;
 }
 
-struct Maps {
+class Maps {
+    BlockMaps maps_;
+
+  public:
+    // The first two start empty. Throws std::bad_alloc.
+    Maps(std::size_t height, std::size_t width)
+        : maps_(3, height, width), edges(maps_[0]), edges_and_dark(maps_[1]), dilated(maps_[2]) {
+        edges.clear();
+        edges_and_dark.clear();
+    }
+
     BlockMap edges;
     BlockMap edges_and_dark;
+    BlockMap dilated;  // working space
+
     // What the cells hold: without dark cells the maps are the same, and the second one need not be
-    // completed.
+    // filled.
     bool any_edge = false;
     bool any_dark = false;
 };
@@ -133,9 +143,8 @@ void set_thresholds(SumsRing& ring, std::size_t i, std::size_t whole_blocks,
     }
 }
 
-Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& parameters) {
-    Maps maps{BlockMap::of_page(grey.height, grey.width),
-              BlockMap::of_page(grey.height, grey.width), false, false};
+void find_block_thresholds(const common::GreyView& grey, const SobelStatistics& parameters,
+                           Maps& maps) {
     const auto whole_rows = static_cast<std::size_t>(grey.height) / kBlockPixels;
     const auto whole_blocks = static_cast<std::size_t>(grey.width) / kBlockPixels;
     const int gradient = 3 * parameters.delta1 + 20;
@@ -145,45 +154,34 @@ Maps block_thresholds(const common::GreyView& grey, const SobelStatistics& param
         simd::sum_edge_blocks(rows_of_block(grey, i), limits, ring.row(i));
         if (i >= 2) set_thresholds(ring, i - 1, whole_blocks, parameters, maps);
     }
-    return maps;
 }
 
 // Every empty inner cell takes the largest value beside it, all from before the pass.
-void widen_into_empty_cells(const BlockMap& map, BlockMap& widened) {
-    const std::size_t last = map.height - 1;
-    std::memcpy(widened.row(0), map.row(0), map.width);
+void dilate_into_empty_cells(const BlockMap& map, BlockMap& dilated) {
+    const std::size_t last = map.height() - 1;
+    std::memcpy(dilated.row(0), map.row(0), map.width());
     for (std::size_t i = 1; i < last; ++i) {
-        simd::dilate_into_empty(map.row(i - 1), map.row(i), map.row(i + 1), map.width,
-                                widened.row(i));
+        simd::dilate_into_empty(map.row(i - 1), map.row(i), map.row(i + 1), map.width(),
+                                dilated.row(i));
     }
-    std::memcpy(widened.row(last), map.row(last), map.width);
+    std::memcpy(dilated.row(last), map.row(last), map.width());
 }
 
-// Cells that stay empty are filled from above and the left in one pass, from below and the right in
-// a second one, each with the least of what it finds. Rows beyond the map add nothing.
-void complete(BlockMap& map, BlockMap& widened) {
-    widen_into_empty_cells(map, widened);
-    const std::size_t last = map.height - 1;
-    std::memset(map.row(last), 255, map.width);
-    const std::uint8_t* above = map.row(last);
-    for (std::size_t i = 0; i <= last; ++i) {
-        simd::propagate_forward(widened.row(i), above, map.width, map.row(i));
-        above = map.row(i);
-    }
-    for (std::size_t i = map.height; i-- > 0;) {
-        simd::propagate_backward(widened.row(i), map.row(std::min(i + 1, last)), map.width,
-                                 map.row(i));
-    }
-}
-
-// The higher of the completed maps and `lowest`, in the first map.
-void merge(Maps& maps, std::uint8_t lowest, BlockMap& scratch) {
-    if (maps.any_edge) complete(maps.edges, scratch);
-    if (maps.any_dark) complete(maps.edges_and_dark, scratch);
-    for (std::size_t cell = 0; cell < maps.edges.cells.size(); ++cell) {
-        std::uint8_t& threshold = maps.edges.cells[cell];
-        threshold = std::max({threshold, maps.edges_and_dark.cells[cell], lowest});
-    }
+// The higher of the two maps, when each block has a threshold, and of `lowest`: in the first one.
+void fill_and_merge(Maps& maps, std::uint8_t lowest) {
+    PaddedRows scratch(1, maps.edges.width());
+    const auto fill = [&](BlockMap& map) {
+        dilate_into_empty_cells(map, maps.dilated);
+        propagate_lowest(maps.dilated, scratch, map);
+    };
+    if (maps.any_edge) fill(maps.edges);
+    if (maps.any_dark) fill(maps.edges_and_dark);
+    by_rows(
+        maps.edges,
+        [=](std::uint8_t* row, const std::uint8_t* other, std::size_t width) {
+            for (std::size_t j = 0; j < width; ++j) row[j] = std::max({row[j], other[j], lowest});
+        },
+        maps.edges_and_dark);
 }
 
 }  // namespace
@@ -195,9 +193,10 @@ void binarize_by_sobel_statistics(const common::GreyView& grey, const SobelStati
     if (grey.height < kSmallestSide || grey.width < kSmallestSide) {
         return binarize_by_threshold(grey, kAutomaticThreshold, page);
     }
-    Maps maps = block_thresholds(grey, parameters);
-    BlockMap scratch = BlockMap::of_page(grey.height, grey.width);
-    merge(maps, parameters.black2, scratch);
+    Maps maps(blocks_along(static_cast<std::size_t>(grey.height)),
+              blocks_along(static_cast<std::size_t>(grey.width)));
+    find_block_thresholds(grey, parameters, maps);
+    fill_and_merge(maps, parameters.black2);
     for (int y = 0; y < page.height; ++y) {
         simd::pack_below_blocks(grey.row(y), static_cast<std::size_t>(page.width),
                                 maps.edges.row(static_cast<std::size_t>(y) / kBlockPixels),

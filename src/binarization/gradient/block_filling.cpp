@@ -1,16 +1,15 @@
-#include "binarization/gradient/block_grid.h"
+#include "binarization/gradient/block_filling.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include "simd/blocks/block_fill.h"
 #include "simd/blocks/block_rows.h"
 
 namespace binarization {
 namespace {
 
-void copy(const BlockGrid& map, BlockGrid& out) {
+void copy(const BlockMap& map, BlockMap& out) {
     by_rows(
         out,
         [](std::uint8_t* to, const std::uint8_t* from, std::size_t width) {
@@ -19,7 +18,7 @@ void copy(const BlockGrid& map, BlockGrid& out) {
         map);
 }
 
-bool has_threshold(const BlockGrid& map) {
+bool has_threshold(const BlockMap& map) {
     for (std::size_t y = 0; y < map.height(); ++y) {
         const std::uint8_t* row = map.row(y);
         unsigned found = 0;
@@ -27,20 +26,6 @@ bool has_threshold(const BlockGrid& map) {
         if (found != 0) return true;
     }
     return false;
-}
-
-void fill_by_lowest(const BlockGrid& map, PaddedRows& scratch, BlockGrid& out) {
-    const std::size_t width = map.width();
-    const std::size_t last = map.height() - 1;
-    std::uint8_t* above = scratch.row(0);
-    std::memset(above, 255, width);
-    for (std::size_t y = 0; y <= last; ++y) {
-        simd::propagate_forward(map.row(y), above, width, out.row(y));
-        above = out.row(y);
-    }
-    for (std::size_t y = map.height(); y-- > 0;) {
-        simd::propagate_backward(map.row(y), out.row(std::min(y + 1, last)), width, out.row(y));
-    }
 }
 
 // 2^20 / count, rounded up or 1 above. With sums of at most 255 * count the product is below 2^32,
@@ -65,7 +50,8 @@ std::uint32_t counted(std::uint8_t cell) {
 // around them that are not 0. columns[x] has those of five rows counted, the cells of this row in
 // their middle; there are two more on either side. Cells filled count for the next.
 template <std::ptrdiff_t kStep>
-void fill_row(std::uint8_t* row, std::ptrdiff_t x, std::size_t cells, std::uint32_t* columns) {
+void fill_row_by_means(std::uint8_t* row, std::ptrdiff_t x, std::size_t cells,
+                       std::uint32_t* columns) {
     std::uint32_t two_before = 0;
     std::uint32_t before = 0;
     for (; cells > 0; --cells, x += kStep) {
@@ -92,54 +78,54 @@ void take_row(const std::uint8_t* row, std::size_t width, std::uint32_t* columns
 }
 
 // In raster order, or in the reverse of it.
-void fill_means(BlockGrid& map, bool forward, frame::Buffer<std::uint32_t>& space) {
+void fill_means(BlockMap& map, bool forward, frame::Buffer<std::uint32_t>& space) {
     const std::size_t height = map.height();
     const std::size_t width = map.width();
     std::fill(space.begin(), space.end(), 0);
-    std::uint32_t* columns = space.data() + GridScratch::kReach;
+    std::uint32_t* columns = space.data() + FillingSpace::kReach;
     const auto row = [&](std::size_t i) { return map.row(forward ? i : height - 1 - i); };
-    constexpr std::size_t kReach = GridScratch::kReach;
+    constexpr std::size_t kReach = FillingSpace::kReach;
     for (std::size_t i = 0; i < std::min(kReach, height); ++i) add_row(row(i), width, columns);
     for (std::size_t i = 0; i < height; ++i) {
         if (i + kReach < height) add_row(row(i + kReach), width, columns);
         if (i > kReach) take_row(row(i - kReach - 1), width, columns);
         if (forward) {
-            fill_row<1>(row(i), 0, width, columns);
+            fill_row_by_means<1>(row(i), 0, width, columns);
         } else {
-            fill_row<-1>(row(i), static_cast<std::ptrdiff_t>(width) - 1, width, columns);
+            fill_row_by_means<-1>(row(i), static_cast<std::ptrdiff_t>(width) - 1, width, columns);
         }
     }
 }
 
-bool has_empty(const BlockGrid& map) {
+bool has_empty(const BlockMap& map) {
     for (std::size_t y = 0; y < map.height(); ++y) {
         if (std::memchr(map.row(y), 0, map.width()) != nullptr) return true;
     }
     return false;
 }
 
-void fill_by_mean(const BlockGrid& map, GridScratch& scratch, BlockGrid& out) {
-    constexpr int kSpreads = 8;
+void fill_by_mean(const BlockMap& map, FillingSpace& space, BlockMap& out) {
+    constexpr int kTimes = 8;
     copy(map, out);
-    for (int i = 0; i < kSpreads; ++i) spread(out, scratch.rows);
+    for (int i = 0; i < kTimes; ++i) fill_from_neighbours(out, space.rows);
     for (const bool forward : {true, false}) {
-        if (has_empty(out)) fill_means(out, forward, scratch.columns);
+        if (has_empty(out)) fill_means(out, forward, space.columns);
     }
 }
 
 }  // namespace
 
-void spread(BlockGrid& map, PaddedRows& saved) {
+void fill_from_neighbours(BlockMap& map, PaddedRows& saved) {
     by_inner_rows(map, saved, [&](const simd::ThreeRows& around, std::uint8_t* row) {
         simd::fill_empty_row(around, map.width(), row);
     });
 }
 
-void fill(const BlockGrid& map, bool by_mean, GridScratch& scratch, BlockGrid& out) {
+void fill(const BlockMap& map, bool by_mean, FillingSpace& space, BlockMap& out) {
     if (by_mean) {
-        fill_by_mean(map, scratch, out);
+        fill_by_mean(map, space, out);
     } else if (has_threshold(map)) {
-        fill_by_lowest(map, scratch.rows, out);
+        propagate_lowest(map, space.rows, out);
     } else {
         copy(map, out);
     }
