@@ -8,17 +8,16 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Words = hn::CappedTag<std::uint64_t, kWindowWords>;
+using U64 = hn::CappedTag<std::uint64_t, kWindowWords>;
 
-bool SwapWordBytes(std::uint64_t* words, std::size_t count) {
-    const Words d;
-    const hn::Repartition<std::uint8_t, Words> d8;
+bool swap_word_bytes(std::uint64_t* words, std::size_t count) {
+    const U64 d;
+    const hn::Repartition<std::uint8_t, U64> d8;
     alignas(16) static constexpr std::uint8_t kReversed[16] = {7,  6,  5,  4,  3,  2,  1, 0,
                                                                15, 14, 13, 12, 11, 10, 9, 8};
     const auto reversed = hn::LoadDup128(d8, kReversed);
@@ -34,8 +33,8 @@ bool SwapWordBytes(std::uint64_t* words, std::size_t count) {
 
 // Combines every vector at i with what load_moved(i) gives.
 template <bool kAnd, bool kFollowing, class LoadMoved>
-HWY_INLINE bool CombineMoved(std::uint64_t* words, std::size_t count, LoadMoved load_moved) {
-    const Words d;
+HWY_INLINE bool combine_moved(std::uint64_t* words, std::size_t count, LoadMoved load_moved) {
+    const U64 d;
     const std::size_t lanes = hn::Lanes(d);
     auto any = hn::Zero(d);
     for (std::size_t done = 0; done < count; done += lanes) {
@@ -50,18 +49,18 @@ HWY_INLINE bool CombineMoved(std::uint64_t* words, std::size_t count, LoadMoved 
 }
 
 template <bool kAnd, bool kFollowing>
-bool CombineWithMoved(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    const Words d;
-    const auto whole = static_cast<std::ptrdiff_t>(pixels / 64);
-    const std::ptrdiff_t near = kFollowing ? whole : -whole;
+bool combine_with_moved(std::uint64_t* words, std::size_t count, std::size_t pixels) {
+    const U64 d;
+    const auto words_apart = static_cast<std::ptrdiff_t>(pixels / 64);
+    const std::ptrdiff_t near = kFollowing ? words_apart : -words_apart;
     const std::ptrdiff_t far = kFollowing ? near + 1 : near - 1;
     const int rest = static_cast<int>(pixels % 64);
     if (rest == 0) {
-        return CombineMoved<kAnd, kFollowing>(words, count, [=](const std::uint64_t* at) HWY_ATTR {
+        return combine_moved<kAnd, kFollowing>(words, count, [=](const std::uint64_t* at) HWY_ATTR {
             return hn::LoadU(d, at + near);
         });
     }
-    return CombineMoved<kAnd, kFollowing>(words, count, [=](const std::uint64_t* at) HWY_ATTR {
+    return combine_moved<kAnd, kFollowing>(words, count, [=](const std::uint64_t* at) HWY_ATTR {
         const auto a = hn::LoadU(d, at + near);
         const auto b = hn::LoadU(d, at + far);
         return kFollowing ? hn::Or(hn::ShiftLeftSame(a, rest), hn::ShiftRightSame(b, 64 - rest))
@@ -69,48 +68,47 @@ bool CombineWithMoved(std::uint64_t* words, std::size_t count, std::size_t pixel
     });
 }
 
-bool AndFollowing(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return CombineWithMoved<true, true>(words, count, pixels);
+bool and_following(std::uint64_t* words, std::size_t count, std::size_t pixels) {
+    return combine_with_moved<true, true>(words, count, pixels);
 }
-bool AndPreceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return CombineWithMoved<true, false>(words, count, pixels);
+bool and_preceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
+    return combine_with_moved<true, false>(words, count, pixels);
 }
-bool OrFollowing(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return CombineWithMoved<false, true>(words, count, pixels);
+bool or_following(std::uint64_t* words, std::size_t count, std::size_t pixels) {
+    return combine_with_moved<false, true>(words, count, pixels);
 }
-bool OrPreceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return CombineWithMoved<false, false>(words, count, pixels);
+bool or_preceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
+    return combine_with_moved<false, false>(words, count, pixels);
 }
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(SwapWordBytes);
-HWY_EXPORT(AndFollowing);
-HWY_EXPORT(AndPreceding);
-HWY_EXPORT(OrFollowing);
-HWY_EXPORT(OrPreceding);
+HWY_EXPORT(swap_word_bytes);
+HWY_EXPORT(and_following);
+HWY_EXPORT(and_preceding);
+HWY_EXPORT(or_following);
+HWY_EXPORT(or_preceding);
 
 bool swap_word_bytes(std::uint64_t* words, std::size_t count) {
-    return HWY_DYNAMIC_DISPATCH(SwapWordBytes)(words, count);
+    return HWY_DYNAMIC_DISPATCH(swap_word_bytes)(words, count);
 }
 bool and_following(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return HWY_DYNAMIC_DISPATCH(AndFollowing)(words, count, pixels);
+    return HWY_DYNAMIC_DISPATCH(and_following)(words, count, pixels);
 }
 bool and_preceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return HWY_DYNAMIC_DISPATCH(AndPreceding)(words, count, pixels);
+    return HWY_DYNAMIC_DISPATCH(and_preceding)(words, count, pixels);
 }
 bool or_following(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return HWY_DYNAMIC_DISPATCH(OrFollowing)(words, count, pixels);
+    return HWY_DYNAMIC_DISPATCH(or_following)(words, count, pixels);
 }
 bool or_preceding(std::uint64_t* words, std::size_t count, std::size_t pixels) {
-    return HWY_DYNAMIC_DISPATCH(OrPreceding)(words, count, pixels);
+    return HWY_DYNAMIC_DISPATCH(or_preceding)(words, count, pixels);
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

@@ -20,13 +20,13 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::CappedTag<std::uint8_t, kCountBlock>;
-using Cells = hn::Repartition<std::uint16_t, Bytes>;
+using U8 = hn::CappedTag<std::uint8_t, kCountBlock>;
+using U16 = hn::Repartition<std::uint16_t, U8>;
 
 // Ink of 2 rows x 16 pixels per 16-bit lane.
-HWY_INLINE hn::Vec<Cells> wide_cells(const std::uint8_t* upper, const std::uint8_t* lower) {
-    const Bytes d8;
-    const Cells d16;
+HWY_INLINE hn::Vec<U16> wide_cells(const std::uint8_t* upper, const std::uint8_t* lower) {
+    const U8 d8;
+    const U16 d16;
     const auto bytes = hn::BitCast(d16, hn::Add(hn::PopulationCount(hn::LoadU(d8, upper)),
                                                 hn::PopulationCount(hn::LoadU(d8, lower))));
     return hn::Add(hn::And(bytes, hn::Set(d16, 0xFF)), hn::ShiftRight<8>(bytes));
@@ -36,13 +36,13 @@ HWY_INLINE hn::Vec<Cells> wide_cells(const std::uint8_t* upper, const std::uint8
 // (row, column) into (column, row) in every 128-bit block.
 HWY_INLINE void store_transposed(const std::uint16_t* rows, std::uint8_t* out, std::size_t pitch,
                                  std::size_t columns) {
-    const Cells d;
-    const hn::RebindToSigned<Cells> signed_d;
-    const hn::Rebind<std::uint8_t, Cells> d8;
-    using V = hn::Vec<Cells>;
+    const U16 d;
+    const hn::RebindToSigned<U16> signed_d;
+    const hn::Rebind<std::uint8_t, U16> d8;
+    using V = hn::Vec<U16>;
     const std::size_t lanes = hn::Lanes(d);
-    const auto low = [](V a, V b) HWY_ATTR { return hn::InterleaveLower(Cells(), a, b); };
-    const auto high = [](V a, V b) HWY_ATTR { return hn::InterleaveUpper(Cells(), a, b); };
+    const auto low = [](V a, V b) HWY_ATTR { return hn::InterleaveLower(U16(), a, b); };
+    const auto high = [](V a, V b) HWY_ATTR { return hn::InterleaveUpper(U16(), a, b); };
     const auto row = [&](std::size_t i) HWY_ATTR { return hn::LoadU(d, rows + i * lanes); };
     const V a0 = low(row(0), row(4)), a1 = high(row(0), row(4));
     const V a2 = low(row(1), row(5)), a3 = high(row(1), row(5));
@@ -69,7 +69,7 @@ HWY_INLINE void store_transposed(const std::uint16_t* rows, std::uint8_t* out, s
 
 // Ink of 16 rows x 2 pixels, four cells per byte.
 HWY_INLINE void store_tall_cells(const std::uint8_t* const (&from)[kBandRows], std::uint8_t* out) {
-    const Bytes d8;
+    const U8 d8;
     const auto even_bits = hn::Set(d8, 0x55);
     const auto even_pairs = hn::Set(d8, 0x33);
     const auto low_nibbles = hn::Set(d8, 0x0F);
@@ -95,7 +95,7 @@ HWY_INLINE void store_tall_cells(const std::uint8_t* const (&from)[kBandRows], s
 // One vector of bytes of every row, which starts at byte `byte` of the band.
 HWY_INLINE void count_block(const CountBand& band, const std::uint8_t* const (&from)[kBandRows],
                             std::size_t byte) {
-    const Cells d16;
+    const U16 d16;
     const std::size_t lanes = hn::Lanes(d16);
     store_tall_cells(from, band.tall_cells + 4 * byte);
 
@@ -113,8 +113,8 @@ HWY_INLINE void count_block(const CountBand& band, const std::uint8_t* const (&f
                          std::min(lanes, band.columns - column));
 }
 
-void CountBandRows(const CountBand& band) {
-    const std::size_t step = hn::Lanes(Bytes());
+void count_band(const CountBand& band) {
+    const std::size_t step = hn::Lanes(U8());
     const std::uint8_t* from[kBandRows];
     std::size_t byte = 0;
     for (; byte + step <= band.bytes; byte += step) {
@@ -130,8 +130,8 @@ void CountBandRows(const CountBand& band) {
     count_block(band, from, byte);
 }
 
-void AdjacentDifferences(const std::uint8_t* values, std::size_t count, std::uint8_t* out) {
-    const Bytes d8;
+void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint8_t* out) {
+    const U8 d8;
     const std::size_t lanes = hn::Lanes(d8);
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
@@ -151,16 +151,16 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(CountBandRows);
-HWY_EXPORT(AdjacentDifferences);
+HWY_EXPORT(count_band);
+HWY_EXPORT(adjacent_differences);
 
 void count_band(const CountBand& band) {
-    HWY_DYNAMIC_DISPATCH(CountBandRows)(band);
+    HWY_DYNAMIC_DISPATCH(count_band)(band);
 }
 
 void adjacent_differences(const std::uint8_t* values, std::size_t count, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(AdjacentDifferences)(values, count, out);
+    HWY_DYNAMIC_DISPATCH(adjacent_differences)(values, count, out);
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

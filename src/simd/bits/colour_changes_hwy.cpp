@@ -5,7 +5,6 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/colour_changes_hwy.cpp"
 #include <hwy/foreach_target.h>
-// Highway's own order: foreach_target before highway.
 #include <hwy/highway.h>
 
 #include <cstring>
@@ -18,16 +17,16 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using D8 = hn::ScalableTag<std::uint8_t>;
-using V8 = hn::Vec<D8>;
+using U8 = hn::ScalableTag<std::uint8_t>;
+using VecU8 = hn::Vec<U8>;
 
 // Every byte shifted; there is no shift of bytes.
-HWY_INLINE V8 doubled(V8 bytes) {
+HWY_INLINE VecU8 doubled(VecU8 bytes) {
     return hn::Add(bytes, bytes);
 }
-HWY_INLINE V8 first_pixel(V8 bytes) {
-    const D8 d;
-    const hn::Repartition<std::uint16_t, D8> d16;
+HWY_INLINE VecU8 first_pixel(VecU8 bytes) {
+    const U8 d;
+    const hn::Repartition<std::uint16_t, U8> d16;
     const auto moved = hn::BitCast(d, hn::ShiftRight<7>(hn::BitCast(d16, bytes)));
     return hn::And(moved, hn::Set(d, 1));
 }
@@ -35,13 +34,13 @@ HWY_INLINE V8 first_pixel(V8 bytes) {
 // One block of columns. load(y, moved) gives its bytes in row y, or those `moved` bytes further
 // right; `pixels` and `pairs` mask what counts.
 template <class Load>
-HWY_INLINE void count_block(int row_count, bool row_below, V8 pixels, V8 pairs, Load load,
+HWY_INLINE void count_block(int row_count, bool row_below, VecU8 pixels, VecU8 pairs, Load load,
                             const ChangeCounts& to, std::size_t at) {
-    const D8 d;
+    const U8 d;
     auto across = hn::Zero(d);
     auto down = hn::Zero(d);
     auto left = hn::Zero(d);
-    V8 row = load(0, 0);
+    VecU8 row = load(0, 0);
     for (int y = 0; y < row_count; ++y) {
         const auto moved = hn::Or(doubled(row), first_pixel(load(y, 1)));
         across = hn::Add(across, hn::PopulationCount(hn::And(hn::Xor(row, moved), pairs)));
@@ -61,7 +60,7 @@ HWY_INLINE void count_block(int row_count, bool row_below, V8 pixels, V8 pairs, 
 // The last columns, fewer than would fill a block and its neighbour to the right.
 void count_tail(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
                 std::size_t bytes, int last_pixels, const ChangeCounts& to, std::size_t at) {
-    const D8 d;
+    const U8 d;
     constexpr std::size_t kMost = HWY_MAX_BYTES;
     std::uint8_t lines[kMaxChangeRows + 1][kMost + 1] = {};
     std::uint8_t pixels[kMost] = {};
@@ -85,7 +84,7 @@ void count_tail(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, 
 
 void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
                    std::int32_t width, const ChangeCounts& counts) {
-    const D8 d;
+    const U8 d;
     const std::size_t lanes = hn::Lanes(d);
     const std::size_t bytes = (static_cast<std::size_t>(width) + 7) / 8;
     const auto all = hn::Set(d, 0xFF);
@@ -142,4 +141,4 @@ void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_coun
 }  // namespace plain
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

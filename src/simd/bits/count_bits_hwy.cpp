@@ -3,7 +3,6 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/count_bits_hwy.cpp"
 #include <hwy/foreach_target.h>
-// Highway's own order: foreach_target before highway.
 #include <hwy/highway.h>
 
 #include <bit>
@@ -63,4 +62,4 @@ std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
 }  // namespace plain
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

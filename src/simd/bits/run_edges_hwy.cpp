@@ -10,7 +10,6 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/run_edges_hwy.cpp"
 #include <hwy/foreach_target.h>
-// Highway's own order: foreach_target before highway.
 #include <hwy/highway.h>
 
 #include <algorithm>
@@ -220,4 +219,4 @@ std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::in
 }  // namespace plain
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

@@ -12,14 +12,14 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
 // dst[i] = src[i] << left | src[i + 1] >> (8 - left) for i < count; reads src[0] .. src[count].
 // left is 1 .. 7.
-void JoinNeighbours(const std::uint8_t* src, std::size_t count, unsigned left, std::uint8_t* dst) {
+void join_neighbours(const std::uint8_t* src, std::size_t count, unsigned left, std::uint8_t* dst) {
     const hn::ScalableTag<std::uint8_t> d;
     const hn::Repartition<std::uint16_t, decltype(d)> d16;
     const std::size_t lanes = hn::Lanes(d);
@@ -45,14 +45,14 @@ void JoinNeighbours(const std::uint8_t* src, std::size_t count, unsigned left, s
     }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(JoinNeighbours);
+HWY_EXPORT(join_neighbours);
 
 namespace {
 
@@ -83,7 +83,7 @@ void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, 
     }
     dst[0] = static_cast<std::uint8_t>(src[0] >> rest);
     const std::size_t joined = std::min(src_bytes, dst_bytes) - 1;
-    HWY_DYNAMIC_DISPATCH(JoinNeighbours)(src, joined, 8 - rest, dst + 1);
+    HWY_DYNAMIC_DISPATCH(join_neighbours)(src, joined, 8 - rest, dst + 1);
     if (dst_bytes > src_bytes) {
         dst[src_bytes] = static_cast<std::uint8_t>(src[src_bytes - 1] << (8 - rest));
         clear(dst + src_bytes + 1, dst_bytes - src_bytes - 1);
@@ -101,7 +101,7 @@ void shift_left(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, s
         return;
     }
     const std::size_t joined = std::min(src_bytes - 1, dst_bytes);
-    HWY_DYNAMIC_DISPATCH(JoinNeighbours)(src, joined, rest, dst);
+    HWY_DYNAMIC_DISPATCH(join_neighbours)(src, joined, rest, dst);
     if (dst_bytes >= src_bytes) {
         dst[src_bytes - 1] = static_cast<std::uint8_t>(src[src_bytes - 1] << rest);
         clear(dst + src_bytes, dst_bytes - src_bytes);
@@ -109,4 +109,4 @@ void shift_left(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, s
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

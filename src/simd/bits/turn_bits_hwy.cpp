@@ -5,8 +5,8 @@
 // Delight, 7-3). A vector holds the words of one row in several neighbouring blocks, so no step
 // ever moves anything between lanes. The six sizes are done in two passes of three over eight
 // registers each. Tiles of 512 rows are collected before they are written, so that the destination
-// is written in whole cache lines; tiles at the right and lower edge are padded with zeros in a
-// copy.
+// is written in padded_bytes cache lines; tiles at the right and lower edge are padded with zeros
+// in a copy.
 //
 // Half turn: rows from last to first, each shifted right until its last pixel is the last bit of a
 // byte, then reversed bytewise and bitwise, all in one pass.
@@ -21,23 +21,23 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Words = hn::CappedTag<std::uint64_t, 8>;
-using WordVector = hn::Vec<Words>;
+using U64 = hn::CappedTag<std::uint64_t, 8>;
+using VecU64 = hn::Vec<U64>;
 
-constexpr std::size_t kLanes = hn::MaxLanes(Words());  // blocks side by side
+constexpr std::size_t kLanes = hn::MaxLanes(U64());  // blocks side by side
 constexpr std::size_t kVectorBytes = kLanes * 8;
 constexpr std::size_t kStripRows = 64;
 constexpr std::size_t kStrips = 8;  // of a tile: their words make up a cache line
 
 // Exchanges the high half of every group of 2 * kBits bits of `upper` with the low half of `lower`.
 template <int kBits>
-HWY_INLINE void SwapHalves(std::uint64_t low_halves, WordVector& upper, WordVector& lower) {
-    const auto low = hn::Set(Words(), low_halves);
+HWY_INLINE void swap_halves(std::uint64_t low_halves, VecU64& upper, VecU64& lower) {
+    const auto low = hn::Set(U64(), low_halves);
     const auto changed = hn::And(hn::Xor(hn::ShiftRight<kBits>(upper), lower), low);
     lower = hn::Xor(lower, changed);
     upper = hn::Xor(upper, hn::ShiftLeft<kBits>(changed));
@@ -45,45 +45,46 @@ HWY_INLINE void SwapHalves(std::uint64_t low_halves, WordVector& upper, WordVect
 
 // The columns of a byte run from its high bit to its low one, the bytes of a word from low to high:
 // bytes and larger squares are swapped towards the high end, parts of bytes towards the low end.
-HWY_INLINE void SwapSquaresOfBytes(WordVector (&v)[8]) {
-    for (std::size_t i = 0; i < 4; ++i) SwapHalves<32>(0x00000000FFFFFFFF, v[i], v[i + 4]);
-    for (const std::size_t i : {0U, 1U, 4U, 5U}) SwapHalves<16>(0x0000FFFF0000FFFF, v[i], v[i + 2]);
-    for (const std::size_t i : {0U, 2U, 4U, 6U}) SwapHalves<8>(0x00FF00FF00FF00FF, v[i], v[i + 1]);
+HWY_INLINE void swap_squares_of_bytes(VecU64 (&v)[8]) {
+    for (std::size_t i = 0; i < 4; ++i) swap_halves<32>(0x00000000FFFFFFFF, v[i], v[i + 4]);
+    for (const std::size_t i : {0U, 1U, 4U, 5U})
+        swap_halves<16>(0x0000FFFF0000FFFF, v[i], v[i + 2]);
+    for (const std::size_t i : {0U, 2U, 4U, 6U}) swap_halves<8>(0x00FF00FF00FF00FF, v[i], v[i + 1]);
 }
 
-HWY_INLINE void SwapSquaresOfBits(WordVector (&v)[8]) {
-    for (std::size_t i = 0; i < 4; ++i) SwapHalves<4>(0x0F0F0F0F0F0F0F0F, v[i + 4], v[i]);
-    for (const std::size_t i : {0U, 1U, 4U, 5U}) SwapHalves<2>(0x3333333333333333, v[i + 2], v[i]);
-    for (const std::size_t i : {0U, 2U, 4U, 6U}) SwapHalves<1>(0x5555555555555555, v[i + 1], v[i]);
+HWY_INLINE void swap_squares_of_bits(VecU64 (&v)[8]) {
+    for (std::size_t i = 0; i < 4; ++i) swap_halves<4>(0x0F0F0F0F0F0F0F0F, v[i + 4], v[i]);
+    for (const std::size_t i : {0U, 1U, 4U, 5U}) swap_halves<2>(0x3333333333333333, v[i + 2], v[i]);
+    for (const std::size_t i : {0U, 2U, 4U, 6U}) swap_halves<1>(0x5555555555555555, v[i + 1], v[i]);
 }
 
 // Column i of every block of a strip goes to turned[i * kStrips * kLanes + block].
-HWY_INLINE void TurnStrip(const std::uint8_t* src, std::ptrdiff_t stride, std::uint64_t* turned) {
-    const Words d;
-    const hn::Repartition<std::uint8_t, Words> d8;
+HWY_INLINE void turn_strip(const std::uint8_t* src, std::ptrdiff_t stride, std::uint64_t* turned) {
+    const U64 d;
+    const hn::Repartition<std::uint8_t, U64> d8;
     HWY_ALIGN std::uint64_t between[kStripRows * kLanes];
-    WordVector v[8];
+    VecU64 v[8];
     for (std::size_t first = 0; first < 8; ++first) {
         for (std::size_t i = 0; i < 8; ++i) {
             const auto row = static_cast<std::ptrdiff_t>(first + 8 * i);
             v[i] = hn::BitCast(d, hn::LoadU(d8, src + row * stride));
         }
-        SwapSquaresOfBytes(v);
+        swap_squares_of_bytes(v);
         for (std::size_t i = 0; i < 8; ++i) {
             hn::Store(v[i], d, between + (first + 8 * i) * kLanes);
         }
     }
     for (std::size_t first = 0; first < kStripRows; first += 8) {
         for (std::size_t i = 0; i < 8; ++i) v[i] = hn::Load(d, between + (first + i) * kLanes);
-        SwapSquaresOfBits(v);
+        swap_squares_of_bits(v);
         for (std::size_t i = 0; i < 8; ++i) {
             hn::Store(v[i], d, turned + (first + i) * kStrips * kLanes);
         }
     }
 }
 
-void TransposeBits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
-                   std::size_t columns, std::uint8_t* dst, std::ptrdiff_t dst_stride) {
+void transpose_bits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
+                    std::size_t columns, std::uint8_t* dst, std::ptrdiff_t dst_stride) {
     HWY_ALIGN std::uint64_t turned[kStripRows * kStrips * kLanes];
     HWY_ALIGN std::uint8_t padded[kStripRows * kVectorBytes];
     const std::size_t row_bytes = (columns + 7) / 8;
@@ -107,7 +108,7 @@ void TransposeBits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size
                     from = padded;
                     from_stride = kVectorBytes;
                 }
-                TurnStrip(from, from_stride, turned + strip * kLanes);
+                turn_strip(from, from_stride, turned + strip * kLanes);
             }
             const std::size_t out_rows = std::min(kVectorBytes * 8, columns - x_byte * 8);
             for (std::size_t i = 0; i < std::min(out_rows, kStripRows); ++i) {
@@ -129,14 +130,14 @@ void TransposeBits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size
     }
 }
 
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using ByteVector = hn::Vec<Bytes>;
-constexpr std::size_t kByteLanes = hn::MaxLanes(Bytes());
+using U8 = hn::CappedTag<std::uint8_t, 64>;
+using VecU8 = hn::Vec<U8>;
+constexpr std::size_t kByteLanes = hn::MaxLanes(U8());
 
-// Bytes from last to first, and the bits of each.
-HWY_INLINE ByteVector ReverseBits(ByteVector v) {
-    const Bytes d;
-    const hn::Repartition<std::uint16_t, Bytes> d16;
+// U8 from last to first, and the bits of each.
+HWY_INLINE VecU8 reversed_bits(VecU8 v) {
+    const U8 d;
+    const hn::Repartition<std::uint16_t, U8> d16;
     alignas(16) static constexpr std::uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
                                                                 7,  6,  5,  4,  3,  2,  1, 0};
     alignas(16) static constexpr std::uint8_t kLowNibble[16] = {0x00, 0x80, 0x40, 0xC0, 0x20, 0xA0,
@@ -152,15 +153,15 @@ HWY_INLINE ByteVector ReverseBits(ByteVector v) {
                   hn::TableLookupBytes(hn::LoadDup128(d, kHighNibble), hn::And(high, nibble)));
 }
 
-void HalfTurnBits(const std::uint8_t* src, std::size_t rows, std::size_t columns,
-                  std::size_t stride, std::uint8_t* dst) {
-    const Bytes d;
-    const hn::Repartition<std::uint16_t, Bytes> d16;
+void half_turn_bits(const std::uint8_t* src, std::size_t rows, std::size_t columns,
+                    std::size_t stride, std::uint8_t* dst) {
+    const U8 d;
+    const hn::Repartition<std::uint16_t, U8> d16;
     const std::size_t row_bytes = (columns + 7) / 8;
     const int shift = static_cast<int>(row_bytes * 8 - columns);
     const std::size_t body = (row_bytes - 1) / kByteLanes * kByteLanes;
     const std::size_t tail = row_bytes - body;  // 1 .. kByteLanes
-    const std::size_t whole = body + kByteLanes;
+    const std::size_t padded_bytes = body + kByteLanes;
     HWY_ALIGN std::uint8_t tail_bits[kByteLanes] = {};
     std::memset(tail_bits, 0xFF, tail - 1);
     tail_bits[tail - 1] = static_cast<std::uint8_t>(0xFF << shift);
@@ -173,22 +174,22 @@ void HalfTurnBits(const std::uint8_t* src, std::size_t rows, std::size_t columns
         const auto before = hn::BitCast(d16, hn::LoadU(d, at - 1));
         const auto low = hn::BitCast(d, hn::ShiftRightSame(here, shift));
         const auto high = hn::BitCast(d, hn::ShiftLeftSame(before, 8 - shift));
-        return ReverseBits(hn::OrAnd(hn::AndNot(here_mask, high), here_mask, low));
+        return reversed_bits(hn::OrAnd(hn::AndNot(here_mask, high), here_mask, low));
     };
 
     for (std::size_t y = rows; y-- > 0; dst += stride) {
         const std::uint8_t* row = src + y * stride;
         // The last vector of a row reads into the row before and writes into the row behind, which
         // is written next. The rows at the edge of the image have none.
-        const bool spare = y * stride > kByteLanes && (y + 1) * stride >= whole;
+        const bool spare = y * stride > kByteLanes && (y + 1) * stride >= padded_bytes;
         std::size_t done = 0;
         for (; done < body; done += kByteLanes) {
             hn::StoreU(turned(row + (row_bytes - kByteLanes - done)), d, dst + done);
         }
         if (spare) {
-            const auto last = turned(row - (whole - row_bytes));
+            const auto last = turned(row - (padded_bytes - row_bytes));
             hn::StoreU(hn::And(last, tail_mask), d, dst + body);
-            if (whole < stride) std::memset(dst + whole, 0, stride - whole);
+            if (padded_bytes < stride) std::memset(dst + padded_bytes, 0, stride - padded_bytes);
             continue;
         }
         HWY_ALIGN std::uint8_t edge[kByteLanes + 1] = {};
@@ -200,25 +201,25 @@ void HalfTurnBits(const std::uint8_t* src, std::size_t rows, std::size_t columns
     }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(TransposeBits);
-HWY_EXPORT(HalfTurnBits);
+HWY_EXPORT(transpose_bits);
+HWY_EXPORT(half_turn_bits);
 
 void transpose_bits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
                     std::size_t columns, std::uint8_t* dst, std::ptrdiff_t dst_stride) {
-    HWY_DYNAMIC_DISPATCH(TransposeBits)(src, src_stride, rows, columns, dst, dst_stride);
+    HWY_DYNAMIC_DISPATCH(transpose_bits)(src, src_stride, rows, columns, dst, dst_stride);
 }
 
 void half_turn_bits(const std::uint8_t* src, std::size_t rows, std::size_t columns,
                     std::size_t stride, std::uint8_t* dst) {
-    HWY_DYNAMIC_DISPATCH(HalfTurnBits)(src, rows, columns, stride, dst);
+    HWY_DYNAMIC_DISPATCH(half_turn_bits)(src, rows, columns, stride, dst);
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

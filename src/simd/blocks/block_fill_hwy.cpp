@@ -13,26 +13,25 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/bits/word_vectors.h"
+#include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
-HWY_INLINE ByteVector most_of_three(const std::uint8_t* row) {
-    return hn::Max(hn::Max(hn::LoadU(kBytes, row - 1), hn::LoadU(kBytes, row + 1)),
-                   hn::LoadU(kBytes, row));
+HWY_INLINE VecU8 most_of_three(const std::uint8_t* row) {
+    return hn::Max(hn::Max(hn::LoadU(kU8, row - 1), hn::LoadU(kU8, row + 1)), hn::LoadU(kU8, row));
 }
 
 void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
                        const std::uint8_t* below, std::size_t width, std::uint8_t* out) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width < lanes + 2) return plain::dilate_into_empty(above, row, below, width, out);
     const auto dilate = [=](std::size_t x) HWY_ATTR {
-        const ByteVector cells = hn::LoadU(kBytes, row + x);
-        const ByteVector around = hn::Max(hn::Max(most_of_three(above + x), most_of_three(row + x)),
-                                          most_of_three(below + x));
-        hn::StoreU(hn::IfThenElse(hn::Eq(cells, hn::Zero(kBytes)), around, cells), kBytes, out + x);
+        const VecU8 cells = hn::LoadU(kU8, row + x);
+        const VecU8 around = hn::Max(hn::Max(most_of_three(above + x), most_of_three(row + x)),
+                                     most_of_three(below + x));
+        hn::StoreU(hn::IfThenElse(hn::Eq(cells, hn::Zero(kU8)), around, cells), kU8, out + x);
     };
     out[0] = row[0];
     const std::size_t last = width - 1 - lanes;
@@ -43,10 +42,10 @@ void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
 
 // A block is what byte shifts and table lookups work on, whatever the size of the vector.
 constexpr int kBlockCells = 16;
-constexpr int kBlocks = static_cast<int>(hn::MaxLanes(kBytes)) / kBlockCells;
+constexpr int kBlocks = static_cast<int>(hn::MaxLanes(kU8)) / kBlockCells;
 
-using Quads = hn::Repartition<std::uint32_t, Bytes>;
-constexpr Quads kQuads;
+using U32 = hn::Repartition<std::uint32_t, U8>;
+constexpr U32 kU32;
 
 struct BlockMove {
     static constexpr int kQuadsOfBlock = 4;
@@ -70,8 +69,8 @@ struct BlockMove {
 // The direction: where cells move to, and which one is the last of a block.
 struct Forward {
     template <int kCells>
-    static HWY_INLINE ByteVector move(ByteVector v) {
-        return hn::ShiftLeftBytes<kCells>(kBytes, v);
+    static HWY_INLINE VecU8 move(VecU8 v) {
+        return hn::ShiftLeftBytes<kCells>(kU8, v);
     }
     template <int kDistance>
     static constexpr BlockMove kMove{-kDistance};
@@ -81,8 +80,8 @@ struct Forward {
 
 struct Backward {
     template <int kCells>
-    static HWY_INLINE ByteVector move(ByteVector v) {
-        return hn::ShiftRightBytes<kCells>(kBytes, v);
+    static HWY_INLINE VecU8 move(VecU8 v) {
+        return hn::ShiftRightBytes<kCells>(kU8, v);
     }
     template <int kDistance>
     static constexpr BlockMove kMove{kDistance};
@@ -90,28 +89,28 @@ struct Backward {
     static constexpr std::uint8_t kLastCell = 0;
 };
 
-HWY_INLINE ByteVector outside_of(const BlockMove& move) {
-    return hn::BitCast(kBytes, hn::LoadU(kQuads, move.outside));
+HWY_INLINE VecU8 outside_of(const BlockMove& move) {
+    return hn::BitCast(kU8, hn::LoadU(kU32, move.outside));
 }
 
-HWY_INLINE ByteVector moved(ByteVector v, const BlockMove& move) {
-    return hn::BitCast(kBytes, hn::TableLookupLanes(hn::BitCast(kQuads, v),
-                                                    hn::SetTableIndices(kQuads, move.from)));
+HWY_INLINE VecU8 moved(VecU8 v, const BlockMove& move) {
+    return hn::BitCast(
+        kU8, hn::TableLookupLanes(hn::BitCast(kU32, v), hn::SetTableIndices(kU32, move.from)));
 }
 
 // Each cell takes the cell kDistance before it unless that is blocked; `blocked` becomes what is
 // blocked over twice the distance.
 template <class Direction, int kDistance>
-HWY_INLINE void step(ByteVector& cells, ByteVector& blocked) {
+HWY_INLINE void step(VecU8& cells, VecU8& blocked) {
     cells = hn::Min(cells, hn::Or(Direction::template move<kDistance>(cells), blocked));
     blocked = hn::Or(blocked, Direction::template move<kDistance>(blocked));
 }
 
 // The same for values of whole blocks. Nothing comes in from outside of the vector.
 template <class Direction, int kDistance>
-HWY_INLINE void block_step(ByteVector& cells, ByteVector& blocked) {
+HWY_INLINE void block_step(VecU8& cells, VecU8& blocked) {
     constexpr const BlockMove& kMove = Direction::template kMove<kDistance>;
-    const ByteVector outside = outside_of(kMove);
+    const VecU8 outside = outside_of(kMove);
     cells = hn::Min(cells, hn::Or(hn::Or(moved(cells, kMove), outside), blocked));
     blocked = hn::Or(blocked, hn::AndNot(outside, moved(blocked, kMove)));
 }
@@ -119,10 +118,10 @@ HWY_INLINE void block_step(ByteVector& cells, ByteVector& blocked) {
 // `cells` with the minimum propagated along the row; `before` holds in all lanes the cell before
 // the first one, and the last one afterwards.
 template <class Direction>
-HWY_INLINE ByteVector propagate_vector(ByteVector cells, ByteVector filled, ByteVector& before) {
+HWY_INLINE VecU8 propagate_vector(VecU8 cells, VecU8 filled, VecU8& before) {
     // Nothing moves into the first cells of a block, where a moved vector has zeros.
-    const ByteVector all = hn::Set(kBytes, std::uint8_t{0xFF});
-    ByteVector blocked = hn::Or(filled, hn::Not(Direction::template move<1>(all)));
+    const VecU8 all = hn::Set(kU8, std::uint8_t{0xFF});
+    VecU8 blocked = hn::Or(filled, hn::Not(Direction::template move<1>(all)));
     step<Direction, 1>(cells, blocked);
     step<Direction, 2>(cells, blocked);
     step<Direction, 4>(cells, blocked);
@@ -133,19 +132,18 @@ HWY_INLINE ByteVector propagate_vector(ByteVector cells, ByteVector filled, Byte
     filled = hn::Or(filled, Direction::template move<4>(filled));
     filled = hn::Or(filled, Direction::template move<8>(filled));
 
-    const ByteVector last_cell = hn::Set(kBytes, Direction::kLastCell);
-    ByteVector ends = hn::TableLookupBytes(cells, last_cell);
-    ByteVector closed = hn::TableLookupBytes(filled, last_cell);
+    const VecU8 last_cell = hn::Set(kU8, Direction::kLastCell);
+    VecU8 ends = hn::TableLookupBytes(cells, last_cell);
+    VecU8 closed = hn::TableLookupBytes(filled, last_cell);
     if constexpr (kBlocks > 1) block_step<Direction, 1>(ends, closed);
     if constexpr (kBlocks > 2) block_step<Direction, 2>(ends, closed);
 
     if constexpr (kBlocks > 1) {
         constexpr const BlockMove& kNext = Direction::template kMove<1>;
         constexpr const BlockMove& kAll = Direction::kRepeatLast;
-        const ByteVector outside = outside_of(kNext);
-        const ByteVector entering =
-            hn::Min(hn::Or(moved(ends, kNext), outside),
-                    hn::Or(before, hn::AndNot(outside, moved(closed, kNext))));
+        const VecU8 outside = outside_of(kNext);
+        const VecU8 entering = hn::Min(hn::Or(moved(ends, kNext), outside),
+                                       hn::Or(before, hn::AndNot(outside, moved(closed, kNext))));
         cells = hn::Min(cells, hn::Or(entering, filled));
         before = hn::Min(moved(ends, kAll), hn::Or(before, moved(closed, kAll)));
     } else {
@@ -157,57 +155,57 @@ HWY_INLINE ByteVector propagate_vector(ByteVector cells, ByteVector filled, Byte
 
 // A vector of cells, as they are now, after propagation from the next row and along their own.
 template <class Direction>
-HWY_INLINE ByteVector propagated(ByteVector now, ByteVector filled, const std::uint8_t* near,
-                                 const std::uint8_t* diagonal, ByteVector& before) {
-    const ByteVector beside = hn::Min(hn::LoadU(kBytes, near), hn::LoadU(kBytes, diagonal));
+HWY_INLINE VecU8 propagated(VecU8 now, VecU8 filled, const std::uint8_t* near,
+                            const std::uint8_t* diagonal, VecU8& before) {
+    const VecU8 beside = hn::Min(hn::LoadU(kU8, near), hn::LoadU(kU8, diagonal));
     return propagate_vector<Direction>(hn::Min(now, hn::Or(beside, filled)), filled, before);
 }
 
-HWY_INLINE ByteVector empty_among(ByteVector cells) {
-    return hn::VecFromMask(kBytes, hn::Eq(cells, hn::Zero(kBytes)));
+HWY_INLINE VecU8 empty_among(VecU8 cells) {
+    return hn::VecFromMask(kU8, hn::Eq(cells, hn::Zero(kU8)));
 }
 
 void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
                        std::uint8_t* out) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width <= lanes) return plain::propagate_forward(cells, above, 0, width, out);
     plain::propagate_forward(cells, above, 0, 1, out);
-    const auto propagate = [=](std::size_t x, ByteVector& before) HWY_ATTR {
-        const ByteVector own = hn::LoadU(kBytes, cells + x);
-        const ByteVector empty = empty_among(own);
+    const auto propagate = [=](std::size_t x, VecU8& before) HWY_ATTR {
+        const VecU8 own = hn::LoadU(kU8, cells + x);
+        const VecU8 empty = empty_among(own);
         hn::StoreU(propagated<Forward>(hn::Or(own, empty), hn::Not(empty), above + x, above + x - 1,
                                        before),
-                   kBytes, out + x);
+                   kU8, out + x);
     };
-    ByteVector before = hn::Set(kBytes, out[0]);
+    VecU8 before = hn::Set(kU8, out[0]);
     std::size_t x = 1;
     for (; x + lanes <= width; x += lanes) propagate(x, before);
     if (x == width) return;
-    before = hn::Set(kBytes, out[width - lanes - 1]);
+    before = hn::Set(kU8, out[width - lanes - 1]);
     propagate(width - lanes, before);
 }
 
 void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
                         std::uint8_t* out) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width <= lanes) return plain::propagate_backward(cells, below, 0, width, width, out);
     plain::propagate_backward(cells, below, width - 1, width, width, out);
-    const auto propagate = [=](std::size_t x, ByteVector& before) HWY_ATTR {
-        const ByteVector filled = hn::Not(empty_among(hn::LoadU(kBytes, cells + x)));
-        hn::StoreU(propagated<Backward>(hn::LoadU(kBytes, out + x), filled, below + x,
-                                        below + x + 1, before),
-                   kBytes, out + x);
+    const auto propagate = [=](std::size_t x, VecU8& before) HWY_ATTR {
+        const VecU8 filled = hn::Not(empty_among(hn::LoadU(kU8, cells + x)));
+        hn::StoreU(
+            propagated<Backward>(hn::LoadU(kU8, out + x), filled, below + x, below + x + 1, before),
+            kU8, out + x);
     };
-    ByteVector before = hn::Set(kBytes, out[width - 1]);
+    VecU8 before = hn::Set(kU8, out[width - 1]);
     std::size_t end = width - 1;
     for (; end >= lanes; end -= lanes) propagate(end - lanes, before);
     if (end == 0) return;
-    before = hn::Set(kBytes, out[lanes]);
+    before = hn::Set(kU8, out[lanes]);
     propagate(0, before);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

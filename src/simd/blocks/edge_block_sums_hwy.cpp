@@ -19,21 +19,22 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::size_t kMaxLanes = 64;
-using Bytes = hn::CappedTag<std::uint8_t, kMaxLanes>;
-using Halves = hn::Repartition<std::uint16_t, Bytes>;
-using Words = hn::Repartition<std::uint32_t, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using HalfVector = hn::Vec<Halves>;
-using WordVector = hn::Vec<Words>;
+using U8 = hn::CappedTag<std::uint8_t, kMaxLanes>;
+using U16 = hn::Repartition<std::uint16_t, U8>;
+using U32 = hn::Repartition<std::uint32_t, U8>;
+using VecU8 = hn::Vec<U8>;
+using VecU16 = hn::Vec<U16>;
+using VecU32 = hn::Vec<U32>;
 
-constexpr Bytes kBytes;
-constexpr Halves kHalves;
-constexpr Words kWords;
+constexpr U8 kU8;
+constexpr U16 kU16;
+constexpr U32 kU32;
 
 // Where one strip is read, columns -1 .. lanes of each row, and which of its pixels are inside the
 // page (all bits set) rather than at its edge.
@@ -42,98 +43,97 @@ struct Strip {
     const std::uint8_t* inside;
 };
 
-HWY_INLINE HalfVector even(ByteVector v) {
-    return hn::And(hn::BitCast(kHalves, v), hn::Set(kHalves, std::uint16_t{0x00FF}));
+HWY_INLINE VecU16 even(VecU8 v) {
+    return hn::And(hn::BitCast(kU16, v), hn::Set(kU16, std::uint16_t{0x00FF}));
 }
 
-HWY_INLINE HalfVector odd(ByteVector v) {
-    return hn::ShiftRight<8>(hn::BitCast(kHalves, v));
+HWY_INLINE VecU16 odd(VecU8 v) {
+    return hn::ShiftRight<8>(hn::BitCast(kU16, v));
 }
 
-HWY_INLINE HalfVector sum_of_pairs(ByteVector v) {
+HWY_INLINE VecU16 sum_of_pairs(VecU8 v) {
     return hn::Add(even(v), odd(v));
 }
 
-HWY_INLINE WordVector sum_of_pairs(HalfVector v) {
-    const WordVector pairs = hn::BitCast(kWords, v);
-    return hn::Add(hn::And(pairs, hn::Set(kWords, 0xFFFFU)), hn::ShiftRight<16>(pairs));
+HWY_INLINE VecU32 sum_of_pairs(VecU16 v) {
+    const VecU32 pairs = hn::BitCast(kU32, v);
+    return hn::Add(hn::And(pairs, hn::Set(kU32, 0xFFFFU)), hn::ShiftRight<16>(pairs));
 }
 
-HWY_INLINE WordVector sum_of_squares(ByteVector v) {
-    const HalfVector e = even(v);
-    const HalfVector o = odd(v);
+HWY_INLINE VecU32 sum_of_squares(VecU8 v) {
+    const VecU16 e = even(v);
+    const VecU16 o = odd(v);
     return hn::Add(sum_of_pairs(hn::Mul(e, e)), sum_of_pairs(hn::Mul(o, o)));
 }
 
 // Three neighbouring columns of one pixel in 16 bits: left, middle, right of the even pixels are
 // the first three members, those of the odd pixels the last three.
 struct Columns {
-    HalfVector left_of_even;
-    HalfVector even;
-    HalfVector odd;
-    HalfVector right_of_odd;
+    VecU16 left_of_even;
+    VecU16 even;
+    VecU16 odd;
+    VecU16 right_of_odd;
 };
 
 HWY_INLINE Columns load_columns(const std::uint8_t* row) {
-    const ByteVector middle = hn::LoadU(kBytes, row);
-    return {even(hn::LoadU(kBytes, row - 1)), even(middle), odd(middle),
-            odd(hn::LoadU(kBytes, row + 1))};
+    const VecU8 middle = hn::LoadU(kU8, row);
+    return {even(hn::LoadU(kU8, row - 1)), even(middle), odd(middle), odd(hn::LoadU(kU8, row + 1))};
 }
 
-HWY_INLINE HalfVector weighted(HalfVector a, HalfVector b, HalfVector c) {
+HWY_INLINE VecU16 weighted(VecU16 a, VecU16 b, VecU16 c) {
     return hn::Add(hn::Add(a, c), hn::Add(b, b));
 }
 
-HWY_INLINE HalfVector magnitude(HalfVector a, HalfVector b) {
+HWY_INLINE VecU16 magnitude(VecU16 a, VecU16 b) {
     return hn::Sub(hn::Max(a, b), hn::Min(a, b));
 }
 
 // All bits of a lane where gx * gx + gy * gy >= limit, from |gx| and |gy| below 1024: the squares
 // are added in two halves of 16 bits.
-HWY_INLINE HalfVector is_steep(HalfVector gx, HalfVector gy, std::uint32_t limit) {
-    const HalfVector low_x = hn::Mul(gx, gx);
-    const HalfVector low = hn::Add(low_x, hn::Mul(gy, gy));
+HWY_INLINE VecU16 is_steep(VecU16 gx, VecU16 gy, std::uint32_t limit) {
+    const VecU16 low_x = hn::Mul(gx, gx);
+    const VecU16 low = hn::Add(low_x, hn::Mul(gy, gy));
     // A comparison that holds is -1: subtracted, it is the carry.
-    const HalfVector carry = hn::VecFromMask(kHalves, hn::Lt(low, low_x));
-    const HalfVector high = hn::Sub(hn::Add(hn::MulHigh(gx, gx), hn::MulHigh(gy, gy)), carry);
-    const HalfVector limit_low = hn::Set(kHalves, static_cast<std::uint16_t>(limit));
-    const HalfVector limit_high = hn::Set(kHalves, static_cast<std::uint16_t>(limit >> 16));
+    const VecU16 carry = hn::VecFromMask(kU16, hn::Lt(low, low_x));
+    const VecU16 high = hn::Sub(hn::Add(hn::MulHigh(gx, gx), hn::MulHigh(gy, gy)), carry);
+    const VecU16 limit_low = hn::Set(kU16, static_cast<std::uint16_t>(limit));
+    const VecU16 limit_high = hn::Set(kU16, static_cast<std::uint16_t>(limit >> 16));
     const auto below =
         hn::Or(hn::Lt(high, limit_high), hn::And(hn::Eq(high, limit_high), hn::Lt(low, limit_low)));
-    return hn::Not(hn::VecFromMask(kHalves, below));
+    return hn::Not(hn::VecFromMask(kU16, below));
 }
 
 // The same for the pixels of a row, in bytes.
-HWY_INLINE ByteVector is_steep(const std::uint8_t* above, const std::uint8_t* row,
-                               const std::uint8_t* below, std::uint32_t limit) {
+HWY_INLINE VecU8 is_steep(const std::uint8_t* above, const std::uint8_t* row,
+                          const std::uint8_t* below, std::uint32_t limit) {
     const Columns a = load_columns(above);
     const Columns b = load_columns(row);
     const Columns c = load_columns(below);
     const auto down = [&](auto column) { return weighted(a.*column, b.*column, c.*column); };
-    const HalfVector even_gx = magnitude(down(&Columns::odd), down(&Columns::left_of_even));
-    const HalfVector odd_gx = magnitude(down(&Columns::right_of_odd), down(&Columns::even));
-    const HalfVector even_gy =
+    const VecU16 even_gx = magnitude(down(&Columns::odd), down(&Columns::left_of_even));
+    const VecU16 odd_gx = magnitude(down(&Columns::right_of_odd), down(&Columns::even));
+    const VecU16 even_gy =
         magnitude(weighted(c.left_of_even, c.even, c.odd), weighted(a.left_of_even, a.even, a.odd));
-    const HalfVector odd_gy =
+    const VecU16 odd_gy =
         magnitude(weighted(c.even, c.odd, c.right_of_odd), weighted(a.even, a.odd, a.right_of_odd));
-    const HalfVector even_steep = is_steep(even_gx, even_gy, limit);
-    const HalfVector odd_steep = is_steep(odd_gx, odd_gy, limit);
-    return hn::BitCast(kBytes, hn::Or(hn::ShiftRight<8>(even_steep), hn::ShiftLeft<8>(odd_steep)));
+    const VecU16 even_steep = is_steep(even_gx, even_gy, limit);
+    const VecU16 odd_steep = is_steep(odd_gx, odd_gy, limit);
+    return hn::BitCast(kU8, hn::Or(hn::ShiftRight<8>(even_steep), hn::ShiftLeft<8>(odd_steep)));
 }
 
 // The sums of a strip's blocks while rows are added. The halves hold sums of two columns: at most
 // 4 rows of 2 * 255.
 struct StripSums {
-    HalfVector count;
-    HalfVector minima;
-    HalfVector maxima;
-    WordVector squared_minima;
-    WordVector squared_maxima;
+    VecU16 count;
+    VecU16 minima;
+    VecU16 maxima;
+    VecU32 squared_minima;
+    VecU32 squared_maxima;
 
-    HWY_INLINE void add(ByteVector edges, ByteVector least, ByteVector most) {
+    HWY_INLINE void add(VecU8 edges, VecU8 least, VecU8 most) {
         least = hn::And(edges, least);
         most = hn::And(edges, most);
-        count = hn::Add(count, sum_of_pairs(hn::And(edges, hn::Set(kBytes, std::uint8_t{1}))));
+        count = hn::Add(count, sum_of_pairs(hn::And(edges, hn::Set(kU8, std::uint8_t{1}))));
         minima = hn::Add(minima, sum_of_pairs(least));
         maxima = hn::Add(maxima, sum_of_pairs(most));
         squared_minima = hn::Add(squared_minima, sum_of_squares(least));
@@ -141,8 +141,8 @@ struct StripSums {
     }
 };
 
-HWY_INLINE void store(WordVector v, std::int32_t* to) {
-    const hn::RebindToSigned<Words> words;
+HWY_INLINE void store(VecU32 v, std::int32_t* to) {
+    const hn::RebindToSigned<U32> words;
     hn::StoreU(hn::BitCast(words, v), words, to);
 }
 
@@ -153,29 +153,29 @@ struct Limits {
 
 HWY_INLINE void sum_strip(const Strip& strip, std::size_t from, std::size_t to,
                           const Limits& limits, const EdgeBlockSums& sums) {
-    HalfVector grey = hn::Zero(kHalves);
-    ByteVector least[6];
-    ByteVector most[6];
+    VecU16 grey = hn::Zero(kU16);
+    VecU8 least[6];
+    VecU8 most[6];
     for (std::size_t k = 0; k < 6; ++k) {
-        const ByteVector left = hn::LoadU(kBytes, strip.row[k] - 1);
-        const ByteVector middle = hn::LoadU(kBytes, strip.row[k]);
-        const ByteVector right = hn::LoadU(kBytes, strip.row[k] + 1);
+        const VecU8 left = hn::LoadU(kU8, strip.row[k] - 1);
+        const VecU8 middle = hn::LoadU(kU8, strip.row[k]);
+        const VecU8 right = hn::LoadU(kU8, strip.row[k] + 1);
         least[k] = hn::Min(hn::Min(left, right), middle);
         most[k] = hn::Max(hn::Max(left, right), middle);
         if (k >= 1 && k <= 4) grey = hn::Add(grey, sum_of_pairs(middle));
     }
-    const HalfVector none = hn::Zero(kHalves);
-    StripSums found{none, none, none, hn::Zero(kWords), hn::Zero(kWords)};
-    const ByteVector contrast = hn::Set(kBytes, limits.contrast);
+    const VecU16 none = hn::Zero(kU16);
+    StripSums found{none, none, none, hn::Zero(kU32), hn::Zero(kU32)};
+    const VecU8 contrast = hn::Set(kU8, limits.contrast);
     for (std::size_t y = 0; y < 4; ++y) {
-        const ByteVector low = hn::Min(hn::Min(least[y], least[y + 1]), least[y + 2]);
-        const ByteVector high = hn::Max(hn::Max(most[y], most[y + 1]), most[y + 2]);
+        const VecU8 low = hn::Min(hn::Min(least[y], least[y + 1]), least[y + 2]);
+        const VecU8 high = hn::Max(hn::Max(most[y], most[y + 1]), most[y + 2]);
         const auto possible = hn::Gt(hn::Sub(high, low), contrast);
-        if (hn::AllFalse(kBytes, possible) || y < from || y >= to) continue;
-        const ByteVector steep =
+        if (hn::AllFalse(kU8, possible) || y < from || y >= to) continue;
+        const VecU8 steep =
             is_steep(strip.row[y], strip.row[y + 1], strip.row[y + 2], limits.squared_gradient);
-        const ByteVector inside = hn::LoadU(kBytes, strip.inside);
-        found.add(hn::And(hn::And(hn::VecFromMask(kBytes, possible), inside), steep), low, high);
+        const VecU8 inside = hn::LoadU(kU8, strip.inside);
+        found.add(hn::And(hn::And(hn::VecFromMask(kU8, possible), inside), steep), low, high);
     }
     store(sum_of_pairs(grey), sums.grey);
     store(sum_of_pairs(found.count), sums.count);
@@ -193,7 +193,7 @@ EdgeBlockSums from_block(const EdgeBlockSums& sums, std::size_t block) {
 // A strip that reaches over the left or the right end of the page, by way of copies.
 void sum_end_strip(const BlockRows& rows, std::size_t x, std::size_t blocks, const Limits& limits,
                    const EdgeBlockSums& sums) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     std::uint8_t copies[7][kMaxLanes + 2] = {};  // columns x - 1 .. x + lanes
     const std::size_t from = x == 0 ? 1 : 0;
     const std::size_t count = std::min(lanes + 2 - from, rows.width - (x + from - 1));
@@ -222,7 +222,7 @@ void sum_edge_blocks(const BlockRows& rows, const EdgeLimits& limits, const Edge
     Limits own{static_cast<std::uint32_t>(limits.squared_gradient), limits.contrast};
     while (20 * own.contrast * own.contrast < limits.squared_gradient) ++own.contrast;
     --own.contrast;
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     const std::size_t width = rows.width / 4 * 4;
     for (std::size_t x = 0; x < width; x += lanes) {
         const EdgeBlockSums here = from_block(sums, x / 4);
@@ -237,8 +237,8 @@ void sum_edge_blocks(const BlockRows& rows, const EdgeLimits& limits, const Edge
     }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -163,15 +163,15 @@ HWY_INLINE void sum_sheared(const CellLines<Cell>& image, int slope, double* sum
     }
 }
 
-void SumShearedBytes(const CellLines<std::uint8_t>& image, int slope, double* sums) {
+void sum_sheared_bytes(const CellLines<std::uint8_t>& image, int slope, double* sums) {
     sum_sheared(image, slope, sums);
 }
 
-void SumShearedWords(const CellLines<std::uint16_t>& image, int slope, double* sums) {
+void sum_sheared_words(const CellLines<std::uint16_t>& image, int slope, double* sums) {
     sum_sheared(image, slope, sums);
 }
 
-double SumOfSquares(const double* values, std::size_t count) {
+double sum_of_squares(const double* values, std::size_t count) {
     const hn::ScalableTag<double> d;
     const std::size_t lanes = hn::Lanes(d);
     auto sum0 = hn::Zero(d), sum1 = sum0;
@@ -204,13 +204,13 @@ HWY_INLINE void add_2x2(const Cell* upper, const Cell* lower, std::size_t out_co
             static_cast<Cell>(upper[2 * i] + upper[2 * i + 1] + lower[2 * i] + lower[2 * i + 1]);
 }
 
-void AddBytes2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t out_count,
-                 std::uint8_t* out) {
+void add_bytes_2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t out_count,
+                   std::uint8_t* out) {
     add_2x2(upper, lower, out_count, out);
 }
 
-void AddWords2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
-                 std::uint16_t* out) {
+void add_words_2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
+                   std::uint16_t* out) {
     add_2x2(upper, lower, out_count, out);
 }
 
@@ -221,33 +221,33 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(SumShearedBytes);
-HWY_EXPORT(SumShearedWords);
-HWY_EXPORT(SumOfSquares);
-HWY_EXPORT(AddBytes2x2);
-HWY_EXPORT(AddWords2x2);
+HWY_EXPORT(sum_sheared_bytes);
+HWY_EXPORT(sum_sheared_words);
+HWY_EXPORT(sum_of_squares);
+HWY_EXPORT(add_bytes_2x2);
+HWY_EXPORT(add_words_2x2);
 
 void sum_sheared_lines(const CellLines<std::uint8_t>& image, int slope, double* sums) {
-    HWY_DYNAMIC_DISPATCH(SumShearedBytes)(image, slope, sums);
+    HWY_DYNAMIC_DISPATCH(sum_sheared_bytes)(image, slope, sums);
 }
 
 void sum_sheared_lines(const CellLines<std::uint16_t>& image, int slope, double* sums) {
-    HWY_DYNAMIC_DISPATCH(SumShearedWords)(image, slope, sums);
+    HWY_DYNAMIC_DISPATCH(sum_sheared_words)(image, slope, sums);
 }
 
 double sum_of_squares(const double* values, std::size_t count) {
-    return HWY_DYNAMIC_DISPATCH(SumOfSquares)(values, count);
+    return HWY_DYNAMIC_DISPATCH(sum_of_squares)(values, count);
 }
 
 void add_cells_2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t out_count,
                    std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(AddBytes2x2)(upper, lower, out_count, out);
+    HWY_DYNAMIC_DISPATCH(add_bytes_2x2)(upper, lower, out_count, out);
 }
 
 void add_cells_2x2(const std::uint16_t* upper, const std::uint16_t* lower, std::size_t out_count,
                    std::uint16_t* out) {
-    HWY_DYNAMIC_DISPATCH(AddWords2x2)(upper, lower, out_count, out);
+    HWY_DYNAMIC_DISPATCH(add_words_2x2)(upper, lower, out_count, out);
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

@@ -18,43 +18,42 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/bits/word_vectors.h"
+#include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace simd::HWY_NAMESPACE {
+namespace {
 
 static_assert(kMaskBlock == 64);  // whole vectors of word_vectors.h
 constexpr hn::CappedTag<std::uint64_t, 8> kMarks;
 
-HWY_INLINE WordVector word(std::uint16_t value) {
-    return hn::Set(kWords, value);
+HWY_INLINE VecU16 u16(std::uint16_t value) {
+    return hn::Set(kU16, value);
 }
 
-HWY_INLINE WordVector weighted(WordVector red, WordVector green, WordVector blue) {
-    const WordVector both = hn::Add(red, green);
-    const WordVector low = hn::Add(hn::Add(both, hn::Add(both, both)), hn::Add(blue, blue));
-    const WordVector high =
-        hn::Add(hn::Add(hn::Mul(red, word(37)), hn::Mul(green, word(73))), hn::Mul(blue, word(14)));
-    const WordVector eighth = hn::Add(high, hn::ShiftRight<3>(low));
-    return hn::ShiftRight<6>(hn::MulHigh(eighth, word(33555)));
+HWY_INLINE VecU16 weighted(VecU16 red, VecU16 green, VecU16 blue) {
+    const VecU16 both = hn::Add(red, green);
+    const VecU16 low = hn::Add(hn::Add(both, hn::Add(both, both)), hn::Add(blue, blue));
+    const VecU16 high =
+        hn::Add(hn::Add(hn::Mul(red, u16(37)), hn::Mul(green, u16(73))), hn::Mul(blue, u16(14)));
+    const VecU16 eighth = hn::Add(high, hn::ShiftRight<3>(low));
+    return hn::ShiftRight<6>(hn::MulHigh(eighth, u16(33555)));
 }
 
-HWY_INLINE ByteVector grey_vector(ByteVector red, ByteVector green, ByteVector blue) {
-    const WordVector even = weighted(even_bytes(red), even_bytes(green), even_bytes(blue));
-    const WordVector odd = weighted(odd_bytes(red), odd_bytes(green), odd_bytes(blue));
+HWY_INLINE VecU8 grey_vector(VecU8 red, VecU8 green, VecU8 blue) {
+    const VecU16 even = weighted(even_bytes(red), even_bytes(green), even_bytes(blue));
+    const VecU16 odd = weighted(odd_bytes(red), odd_bytes(green), odd_bytes(blue));
     return interleave(even, odd);
 }
 
-HWY_INLINE ByteVector load_grey(PixelLayout layout, const std::uint8_t* pixels) {
-    if (layout == PixelLayout::kGrey) return hn::LoadU(kBytes, pixels);
-    ByteVector a, b, c, d;
+HWY_INLINE VecU8 load_grey(PixelLayout layout, const std::uint8_t* pixels) {
+    if (layout == PixelLayout::kGrey) return hn::LoadU(kU8, pixels);
+    VecU8 a, b, c, d;
     if (layout == PixelLayout::kXrgb) {
-        hn::LoadInterleaved4(kBytes, pixels, d, a, b, c);
+        hn::LoadInterleaved4(kU8, pixels, d, a, b, c);
         return grey_vector(a, b, c);
     }
-    hn::LoadInterleaved3(kBytes, pixels, a, b, c);
+    hn::LoadInterleaved3(kU8, pixels, a, b, c);
     return layout == PixelLayout::kRgb ? grey_vector(a, b, c) : grey_vector(c, b, a);
 }
 
@@ -69,9 +68,9 @@ void make_block(const RowShape& shape, GreyLine& line, std::size_t block) {
         for (std::size_t x = 0; x < shape.width; ++x) make_plain(x);
     } else {
         const std::size_t start = std::min(begin, shape.width - kMaskBlock);
-        for (std::size_t i = 0; i < kMaskBlock; i += hn::Lanes(kBytes)) {
+        for (std::size_t i = 0; i < kMaskBlock; i += hn::Lanes(kU8)) {
             const std::size_t x = start + i;
-            hn::StoreU(load_grey(shape.layout, line.pixels + x * bytes), kBytes, line.grey + x);
+            hn::StoreU(load_grey(shape.layout, line.pixels + x * bytes), kU8, line.grey + x);
         }
         if (begin > 0) make_plain(begin - 1);
         if (begin + kMaskBlock < shape.width) make_plain(begin + kMaskBlock);
@@ -88,19 +87,19 @@ HWY_INLINE const std::uint8_t* block_of(const RowShape& shape, GreyLine& line, s
 template <class Test>
 HWY_INLINE std::uint64_t pixel_bits(const Test& test) {
     std::uint8_t stored[8 + 8];  // StoreMaskBits may write up to a word
-    for (std::size_t i = 0; i < kMaskBlock; i += hn::Lanes(kBytes)) {
-        hn::StoreMaskBits(kBytes, test(i), stored + i / 8);
+    for (std::size_t i = 0; i < kMaskBlock; i += hn::Lanes(kU8)) {
+        hn::StoreMaskBits(kU8, test(i), stored + i / 8);
     }
     std::uint64_t bits = 0;
     std::memcpy(&bits, stored, 8);
     return bits;
 }
 
-HWY_INLINE ByteVector difference(ByteVector a, ByteVector b) {
+HWY_INLINE VecU8 difference(VecU8 a, VecU8 b) {
     return hn::Sub(hn::Max(a, b), hn::Min(a, b));
 }
 
-HWY_INLINE hn::Mask<Bytes> at_most(ByteVector values, ByteVector limit) {
+HWY_INLINE hn::Mask<U8> at_most(VecU8 values, VecU8 limit) {
     return hn::Eq(hn::Min(values, limit), values);
 }
 
@@ -109,25 +108,24 @@ HWY_INLINE hn::Mask<Bytes> at_most(ByteVector values, ByteVector limit) {
 template <std::ptrdiff_t kFrom>
 HWY_INLINE std::uint64_t open_pixels(const std::uint8_t* row, const std::uint8_t* neighbour,
                                      const JoinLimits& limits) {
-    const ByteVector lightest = hn::Set(kBytes, limits.lightest);
-    const ByteVector steepest = hn::Set(kBytes, limits.steepest);
+    const VecU8 lightest = hn::Set(kU8, limits.lightest);
+    const VecU8 steepest = hn::Set(kU8, limits.steepest);
     return pixel_bits([&](std::size_t i) HWY_ATTR {
-        const ByteVector here = hn::LoadU(kBytes, row + i);
-        const ByteVector largest =
-            hn::Max(hn::Max(difference(here, hn::LoadU(kBytes, row + i + kFrom)),
-                            difference(here, hn::LoadU(kBytes, neighbour + i))),
-                    difference(here, hn::LoadU(kBytes, neighbour + i + kFrom)));
+        const VecU8 here = hn::LoadU(kU8, row + i);
+        const VecU8 largest = hn::Max(hn::Max(difference(here, hn::LoadU(kU8, row + i + kFrom)),
+                                              difference(here, hn::LoadU(kU8, neighbour + i))),
+                                      difference(here, hn::LoadU(kU8, neighbour + i + kFrom)));
         return hn::And(at_most(here, lightest), at_most(largest, steepest));
     });
 }
 
 void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std::uint64_t* marks) {
-    const ByteVector limit = hn::Set(kBytes, darkest);
+    const VecU8 limit = hn::Set(kU8, darkest);
     const std::size_t words = mask_words(shape.width);
     for (std::size_t b = 0; b < words; ++b) {
         const std::uint8_t* const grey = block_of(shape, line, b);
         const std::uint64_t dark = pixel_bits(
-            [&](std::size_t i) HWY_ATTR { return at_most(hn::LoadU(kBytes, grey + i), limit); });
+            [&](std::size_t i) HWY_ATTR { return at_most(hn::LoadU(kU8, grey + i), limit); });
         marks[b] |= dark & (b + 1 == words ? last_word_pixels(shape.width) : ~std::uint64_t{0});
     }
 }
@@ -225,8 +223,8 @@ bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinL
         shape, limits, row, neighbour, neighbour_marks, marks);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

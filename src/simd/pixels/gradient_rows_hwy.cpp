@@ -11,83 +11,83 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/bits/word_vectors.h"
 #include "simd/fetch_ahead.h"
+#include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
-using SignedWords = hn::Repartition<std::int16_t, Bytes>;
-using Integers = hn::Repartition<std::int32_t, Bytes>;
-using Floats = hn::Repartition<float, Bytes>;
-using SignedVector = hn::Vec<SignedWords>;
+using I16 = hn::Repartition<std::int16_t, U8>;
+using I32 = hn::Repartition<std::int32_t, U8>;
+using F32 = hn::Repartition<float, U8>;
+using VecI16 = hn::Vec<I16>;
 
-constexpr SignedWords kSignedWords;
-constexpr Integers kIntegers;
-constexpr Floats kFloats;
+constexpr I16 kI16;
+constexpr I32 kI32;
+constexpr F32 kF32;
 
-HWY_INLINE SignedVector as_signed(WordVector words) {
-    return hn::BitCast(kSignedWords, words);
+HWY_INLINE VecI16 as_i16(VecU16 words) {
+    return hn::BitCast(kI16, words);
 }
 
-HWY_INLINE WordVector as_words(SignedVector words) {
-    return hn::BitCast(kWords, words);
+HWY_INLINE VecU16 as_u16(VecI16 words) {
+    return hn::BitCast(kU16, words);
 }
 
 // The two halves of each lane of 32 bits: the even and the odd ones of the numbers.
-HWY_INLINE hn::Vec<Integers> low_halves(WordVector words) {
-    return hn::And(hn::BitCast(kIntegers, words), hn::Set(kIntegers, 0xFFFF));
+HWY_INLINE hn::Vec<I32> low_halves(VecU16 words) {
+    return hn::And(hn::BitCast(kI32, words), hn::Set(kI32, 0xFFFF));
 }
 
-HWY_INLINE hn::Vec<Integers> high_halves(WordVector words) {
-    return hn::ShiftRight<16>(hn::BitCast(kIntegers, words));
+HWY_INLINE hn::Vec<I32> high_halves(VecU16 words) {
+    return hn::ShiftRight<16>(hn::BitCast(kI32, words));
 }
 
 // In the low 16 bits, at most 1 from the nearest root of a square above 0, on any machine: a
 // relative error of 1 / 256 would do. A number that is added to 2^23 is rounded to a whole one, and
 // stands in the lowest bits of the sum.
-HWY_INLINE WordVector approximate_root(hn::Vec<Integers> squares) {
-    const auto x = hn::ConvertTo(kFloats, squares);
+HWY_INLINE VecU16 approximate_root(hn::Vec<I32> squares) {
+    const auto x = hn::ConvertTo(kF32, squares);
     const auto root = hn::Mul(x, hn::ApproximateReciprocalSqrt(x));
-    return hn::BitCast(kWords, hn::Add(root, hn::Set(kFloats, 8388608.0F)));
+    return hn::BitCast(kU16, hn::Add(root, hn::Set(kF32, 8388608.0F)));
 }
 
 // The low halves of `low` and, above them, those of `high`.
-HWY_INLINE WordVector halves(WordVector low, WordVector high) {
-    const auto low_half = hn::And(hn::BitCast(kIntegers, low), hn::Set(kIntegers, 0xFFFF));
-    return hn::BitCast(kWords, hn::Or(low_half, hn::ShiftLeft<16>(hn::BitCast(kIntegers, high))));
+HWY_INLINE VecU16 halves(VecU16 low, VecU16 high) {
+    const auto low_half = hn::And(hn::BitCast(kI32, low), hn::Set(kI32, 0xFFFF));
+    return hn::BitCast(kU16, hn::Or(low_half, hn::ShiftLeft<16>(hn::BitCast(kI32, high))));
 }
 
 // Of squares below 2^15. A root r is the nearest one for squares r * r - r + 1 .. r * r + r.
-HWY_INLINE WordVector rounded_roots(WordVector squares) {
-    const WordVector one = hn::Set(kWords, std::uint16_t{1});
-    const WordVector positive = hn::Max(squares, one);
-    const WordVector root =
+HWY_INLINE VecU16 rounded_roots(VecU16 squares) {
+    const VecU16 one = hn::Set(kU16, std::uint16_t{1});
+    const VecU16 positive = hn::Max(squares, one);
+    const VecU16 root =
         halves(approximate_root(low_halves(positive)), approximate_root(high_halves(positive)));
-    const WordVector product = hn::Mul(root, root);
-    const WordVector too_small = hn::SaturatedSub(squares, hn::Add(product, root));
-    const WordVector too_large = hn::SaturatedSub(hn::Add(product, one), hn::Add(squares, root));
+    const VecU16 product = hn::Mul(root, root);
+    const VecU16 too_small = hn::SaturatedSub(squares, hn::Add(product, root));
+    const VecU16 too_large = hn::SaturatedSub(hn::Add(product, one), hn::Add(squares, root));
     return hn::Sub(hn::Add(root, hn::Min(too_small, one)), hn::Min(too_large, one));
 }
 
 // A quarter of a response, at most 127.
-HWY_INLINE WordVector component(SignedVector response) {
-    const WordVector size = as_words(hn::Abs(response));
-    return hn::Min(hn::ShiftRight<2>(size), hn::Set(kWords, std::uint16_t{127}));
+HWY_INLINE VecU16 component(VecI16 response) {
+    const VecU16 size = as_u16(hn::Abs(response));
+    return hn::Min(hn::ShiftRight<2>(size), hn::Set(kU16, std::uint16_t{127}));
 }
 
 // Of squares up to 15: the table has their rounded roots.
-HWY_INLINE ByteVector small_roots(WordVector even, WordVector odd) {
+HWY_INLINE VecU8 small_roots(VecU16 even, VecU16 odd) {
     alignas(16) constexpr std::uint8_t kRoots[16] = {0, 1, 1, 2, 2, 2, 2, 3,
                                                      3, 3, 3, 3, 3, 4, 4, 4};
-    return hn::TableLookupBytes(hn::LoadDup128(kBytes, kRoots), interleave(even, odd));
+    return hn::TableLookupBytes(hn::LoadDup128(kU8, kRoots), interleave(even, odd));
 }
 
 // On most of the paper of a page all gradients of a vector are small.
-HWY_INLINE ByteVector magnitudes(WordVector even, WordVector odd) {
-    const WordVector small = hn::Set(kWords, std::uint16_t{15});
-    if (hn::AllTrue(kWords, hn::Eq(hn::Max(hn::Max(even, odd), small), small))) {
+HWY_INLINE VecU8 magnitudes(VecU16 even, VecU16 odd) {
+    const VecU16 small = hn::Set(kU16, std::uint16_t{15});
+    if (hn::AllTrue(kU16, hn::Eq(hn::Max(hn::Max(even, odd), small), small))) {
         return small_roots(even, odd);
     }
     return interleave(rounded_roots(even), rounded_roots(odd));
@@ -95,23 +95,22 @@ HWY_INLINE ByteVector magnitudes(WordVector even, WordVector odd) {
 
 // What the two responses of a pixel become.
 struct Gradient {
-    WordVector squares;  // of the magnitude
-    WordVector across;
-    WordVector down;
+    VecU16 squares;  // of the magnitude
+    VecU16 across;
+    VecU16 down;
 };
 
 // `right`, `left`: sums of three pixels of the columns beside, weighted 1 2 1; `lower`, `upper`:
 // likewise of the rows.
-HWY_INLINE Gradient gradient(WordVector left, WordVector right, WordVector upper,
-                             WordVector lower) {
-    const SignedVector gx = as_signed(hn::Sub(right, left));
-    const SignedVector gy = as_signed(hn::Sub(lower, upper));
-    const WordVector across = component(gx);
-    const WordVector down = component(gy);
-    const WordVector squares = hn::Add(hn::Mul(across, across), hn::Mul(down, down));
+HWY_INLINE Gradient gradient(VecU16 left, VecU16 right, VecU16 upper, VecU16 lower) {
+    const VecI16 gx = as_i16(hn::Sub(right, left));
+    const VecI16 gy = as_i16(hn::Sub(lower, upper));
+    const VecU16 across = component(gx);
+    const VecU16 down = component(gy);
+    const VecU16 squares = hn::Add(hn::Mul(across, across), hn::Mul(down, down));
     // The sign of a zero counts for nothing: its component has no weight.
-    const WordVector opposite =
-        hn::And(hn::ShiftRight<8>(as_words(hn::Xor(gx, gy))), hn::Set(kWords, std::uint16_t{0x80}));
+    const VecU16 opposite =
+        hn::And(hn::ShiftRight<8>(as_u16(hn::Xor(gx, gy))), hn::Set(kU16, std::uint16_t{0x80}));
     return {squares, hn::Or(across, opposite), down};
 }
 
@@ -120,33 +119,33 @@ HWY_INLINE Gradient gradient(WordVector left, WordVector right, WordVector upper
 // those of `behind`: the four columns that the two pixels need.
 HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* row,
                                 const std::uint8_t* below, const GradientRow& out, std::size_t x) {
-    const ByteVector above_before = hn::LoadU(kBytes, above - 1);
-    const ByteVector above_behind = hn::LoadU(kBytes, above + 1);
-    const ByteVector before = hn::LoadU(kBytes, row - 1);
-    const ByteVector behind = hn::LoadU(kBytes, row + 1);
-    const ByteVector below_before = hn::LoadU(kBytes, below - 1);
-    const ByteVector below_behind = hn::LoadU(kBytes, below + 1);
-    const WordVector a0 = even_bytes(above_before), a1 = odd_bytes(above_before);
-    const WordVector a2 = even_bytes(above_behind), a3 = odd_bytes(above_behind);
-    const WordVector b0 = even_bytes(below_before), b1 = odd_bytes(below_before);
-    const WordVector b2 = even_bytes(below_behind), b3 = odd_bytes(below_behind);
-    const WordVector column0 = one_two_one(a0, even_bytes(before), b0);
-    const WordVector column1 = one_two_one(a1, odd_bytes(before), b1);
-    const WordVector column2 = one_two_one(a2, even_bytes(behind), b2);
-    const WordVector column3 = one_two_one(a3, odd_bytes(behind), b3);
+    const VecU8 above_before = hn::LoadU(kU8, above - 1);
+    const VecU8 above_behind = hn::LoadU(kU8, above + 1);
+    const VecU8 before = hn::LoadU(kU8, row - 1);
+    const VecU8 behind = hn::LoadU(kU8, row + 1);
+    const VecU8 below_before = hn::LoadU(kU8, below - 1);
+    const VecU8 below_behind = hn::LoadU(kU8, below + 1);
+    const VecU16 a0 = even_bytes(above_before), a1 = odd_bytes(above_before);
+    const VecU16 a2 = even_bytes(above_behind), a3 = odd_bytes(above_behind);
+    const VecU16 b0 = even_bytes(below_before), b1 = odd_bytes(below_before);
+    const VecU16 b2 = even_bytes(below_behind), b3 = odd_bytes(below_behind);
+    const VecU16 column0 = one_two_one(a0, even_bytes(before), b0);
+    const VecU16 column1 = one_two_one(a1, odd_bytes(before), b1);
+    const VecU16 column2 = one_two_one(a2, even_bytes(behind), b2);
+    const VecU16 column3 = one_two_one(a3, odd_bytes(behind), b3);
     const Gradient even =
         gradient(column0, column2, one_two_one(a0, a1, a2), one_two_one(b0, b1, b2));
     const Gradient odd =
         gradient(column1, column3, one_two_one(a1, a2, a3), one_two_one(b1, b2, b3));
-    hn::StoreU(magnitudes(even.squares, odd.squares), kBytes, out.magnitude + x);
-    hn::StoreU(interleave(even.across, odd.across), kBytes, out.across + x);
-    hn::StoreU(interleave(even.down, odd.down), kBytes, out.down + x);
+    hn::StoreU(magnitudes(even.squares, odd.squares), kU8, out.magnitude + x);
+    hn::StoreU(interleave(even.across, odd.across), kU8, out.across + x);
+    hn::StoreU(interleave(even.down, odd.down), kU8, out.down + x);
 }
 
 void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, const GradientRow& out) {
     // The row after `below` most often follows it in memory.
-    for (std::size_t x = 0; x < width; x += hn::Lanes(kBytes)) {
+    for (std::size_t x = 0; x < width; x += hn::Lanes(kU8)) {
         fetch_ahead(below + x);
         gradient_vector(above + x, row + x, below + x, out, x);
     }
@@ -158,92 +157,90 @@ void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std:
 
 // (longer - shorter) * straight + shorter * diagonal: at most 127 * 181.
 struct Weights {
-    WordVector straight;
-    WordVector diagonal;
+    VecU16 straight;
+    VecU16 diagonal;
 
-    HWY_INLINE WordVector mean(WordVector at_straight, WordVector at_diagonal) const {
+    HWY_INLINE VecU16 mean(VecU16 at_straight, VecU16 at_diagonal) const {
         return hn::Add(hn::Mul(straight, at_straight), hn::Mul(diagonal, at_diagonal));
     }
 };
 
 // Neighbours on the two sides of a pixel along its gradient.
 struct Sides {
-    ByteVector straight_ahead;
-    ByteVector diagonal_ahead;
-    ByteVector straight_behind;
-    ByteVector diagonal_behind;
+    VecU8 straight_ahead;
+    VecU8 diagonal_ahead;
+    VecU8 straight_behind;
+    VecU8 diagonal_behind;
 };
 
 // All ones where the pixel is not below the means on either side.
-HWY_INLINE WordVector not_below(WordVector magnitude, WordVector longer, const Weights& weights,
-                                WordVector straight_ahead, WordVector diagonal_ahead,
-                                WordVector straight_behind, WordVector diagonal_behind) {
-    const WordVector here = hn::Mul(magnitude, longer);
-    const WordVector most = hn::Max(weights.mean(straight_ahead, diagonal_ahead),
-                                    weights.mean(straight_behind, diagonal_behind));
-    return hn::VecFromMask(kWords, hn::Eq(hn::Max(here, most), here));
+HWY_INLINE VecU16 not_below(VecU16 magnitude, VecU16 longer, const Weights& weights,
+                            VecU16 straight_ahead, VecU16 diagonal_ahead, VecU16 straight_behind,
+                            VecU16 diagonal_behind) {
+    const VecU16 here = hn::Mul(magnitude, longer);
+    const VecU16 most = hn::Max(weights.mean(straight_ahead, diagonal_ahead),
+                                weights.mean(straight_behind, diagonal_behind));
+    return hn::VecFromMask(kU16, hn::Eq(hn::Max(here, most), here));
 }
 
-HWY_INLINE Sides sides_of(const ThreeRows& m, ByteVector level, ByteVector opposite,
-                          std::size_t x) {
+HWY_INLINE Sides sides_of(const ThreeRows& m, VecU8 level, VecU8 opposite, std::size_t x) {
     const auto is_level = hn::MaskFromVec(level);
     const auto is_opposite = hn::MaskFromVec(opposite);
-    const ByteVector above_right = hn::LoadU(kBytes, m.above + x + 1);
-    const ByteVector below_left = hn::LoadU(kBytes, m.below + x - 1);
-    const ByteVector above_left = hn::LoadU(kBytes, m.above + x - 1);
-    const ByteVector below_right = hn::LoadU(kBytes, m.below + x + 1);
+    const VecU8 above_right = hn::LoadU(kU8, m.above + x + 1);
+    const VecU8 below_left = hn::LoadU(kU8, m.below + x - 1);
+    const VecU8 above_left = hn::LoadU(kU8, m.above + x - 1);
+    const VecU8 below_right = hn::LoadU(kU8, m.below + x + 1);
     return {
-        hn::IfThenElse(is_level, hn::LoadU(kBytes, m.row + x + 1), hn::LoadU(kBytes, m.below + x)),
+        hn::IfThenElse(is_level, hn::LoadU(kU8, m.row + x + 1), hn::LoadU(kU8, m.below + x)),
         hn::IfThenElse(is_opposite, hn::IfThenElse(is_level, above_right, below_left), below_right),
-        hn::IfThenElse(is_level, hn::LoadU(kBytes, m.row + x - 1), hn::LoadU(kBytes, m.above + x)),
+        hn::IfThenElse(is_level, hn::LoadU(kU8, m.row + x - 1), hn::LoadU(kU8, m.above + x)),
         hn::IfThenElse(is_opposite, hn::IfThenElse(is_level, below_left, above_right), above_left)};
 }
 
 // All ones where the pixel is a local maximum.
-HWY_INLINE ByteVector local_maxima(const ThreeRows& m, const GradientRow& gradient,
-                                   ByteVector magnitude, std::size_t x) {
-    const ByteVector packed = hn::LoadU(kBytes, gradient.across + x);
-    const ByteVector sign = hn::Set(kBytes, std::uint8_t{0x80});
-    const ByteVector across = hn::AndNot(sign, packed);
-    const ByteVector down = hn::LoadU(kBytes, gradient.down + x);
-    const ByteVector longer = hn::Max(across, down);
-    const ByteVector shorter = hn::Min(across, down);
-    const ByteVector rest = hn::Sub(longer, shorter);
-    const ByteVector level = hn::VecFromMask(kBytes, hn::Eq(longer, across));
-    const ByteVector opposite = hn::VecFromMask(kBytes, hn::Eq(hn::And(packed, sign), sign));
+HWY_INLINE VecU8 local_maxima(const ThreeRows& m, const GradientRow& gradient, VecU8 magnitude,
+                              std::size_t x) {
+    const VecU8 packed = hn::LoadU(kU8, gradient.across + x);
+    const VecU8 sign = hn::Set(kU8, std::uint8_t{0x80});
+    const VecU8 across = hn::AndNot(sign, packed);
+    const VecU8 down = hn::LoadU(kU8, gradient.down + x);
+    const VecU8 longer = hn::Max(across, down);
+    const VecU8 shorter = hn::Min(across, down);
+    const VecU8 rest = hn::Sub(longer, shorter);
+    const VecU8 level = hn::VecFromMask(kU8, hn::Eq(longer, across));
+    const VecU8 opposite = hn::VecFromMask(kU8, hn::Eq(hn::And(packed, sign), sign));
     const Sides sides = sides_of(m, level, opposite, x);
-    const WordVector even = not_below(
+    const VecU16 even = not_below(
         even_bytes(magnitude), even_bytes(longer), {even_bytes(rest), even_bytes(shorter)},
         even_bytes(sides.straight_ahead), even_bytes(sides.diagonal_ahead),
         even_bytes(sides.straight_behind), even_bytes(sides.diagonal_behind));
-    const WordVector odd =
+    const VecU16 odd =
         not_below(odd_bytes(magnitude), odd_bytes(longer), {odd_bytes(rest), odd_bytes(shorter)},
                   odd_bytes(sides.straight_ahead), odd_bytes(sides.diagonal_ahead),
                   odd_bytes(sides.straight_behind), odd_bytes(sides.diagonal_behind));
-    return interleave(hn::And(even, hn::Set(kWords, std::uint16_t{0xFF})), odd);
+    return interleave(hn::And(even, hn::Set(kU16, std::uint16_t{0xFF})), odd);
 }
 
-HWY_INLINE ByteVector at_least(ByteVector values, ByteVector limit) {
-    return hn::VecFromMask(kBytes, hn::Eq(hn::Max(values, limit), values));
+HWY_INLINE VecU8 at_least(VecU8 values, VecU8 limit) {
+    return hn::VecFromMask(kU8, hn::Eq(hn::Max(values, limit), values));
 }
 
 bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
                       const EdgeThresholds& thresholds, std::uint64_t* start,
                       std::uint64_t* follow) {
-    const ByteVector candidate = hn::Set(kBytes, thresholds.candidate);
-    const ByteVector starts = hn::Set(kBytes, thresholds.start);
-    const ByteVector follows = hn::Set(kBytes, thresholds.follow);
+    const VecU8 candidate = hn::Set(kU8, thresholds.candidate);
+    const VecU8 starts = hn::Set(kU8, thresholds.start);
+    const VecU8 follows = hn::Set(kU8, thresholds.follow);
     const std::size_t words = (width + 63) / 64;
     std::uint64_t found = 0;
     for (std::size_t i = 0; i < words; ++i) {
         std::uint64_t word[3] = {};
-        for (std::size_t at = 0; at < 64; at += hn::Lanes(kBytes)) {
+        for (std::size_t at = 0; at < 64; at += hn::Lanes(kU8)) {
             const std::size_t x = 64 * i + at;
-            const ByteVector magnitude = hn::LoadU(kBytes, magnitudes.row + x);
-            const ByteVector strong = at_least(magnitude, candidate);
-            if (hn::AllTrue(kBytes, hn::Eq(strong, hn::Zero(kBytes)))) continue;
-            const ByteVector kept =
-                hn::And(strong, local_maxima(magnitudes, gradient, magnitude, x));
+            const VecU8 magnitude = hn::LoadU(kU8, magnitudes.row + x);
+            const VecU8 strong = at_least(magnitude, candidate);
+            if (hn::AllTrue(kU8, hn::Eq(strong, hn::Zero(kU8)))) continue;
+            const VecU8 kept = hn::And(strong, local_maxima(magnitudes, gradient, magnitude, x));
             word[0] |= bits_of(hn::MaskFromVec(kept)) << at;
             word[1] |= bits_of(hn::MaskFromVec(hn::And(kept, at_least(magnitude, starts)))) << at;
             word[2] |= bits_of(hn::MaskFromVec(hn::AndNot(at_least(follows, magnitude), kept)))
@@ -257,8 +254,8 @@ bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, 
     return found != 0;
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

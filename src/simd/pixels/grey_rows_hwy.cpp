@@ -18,32 +18,31 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/bits/word_vectors.h"
 #include "simd/fetch_ahead.h"
+#include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace simd::HWY_NAMESPACE {
+namespace {
 
-using SignedWords = hn::Repartition<std::int16_t, Bytes>;
-constexpr SignedWords kSignedWords;
+using I16 = hn::Repartition<std::int16_t, U8>;
+constexpr I16 kI16;
 
-using Quads = hn::Repartition<std::uint32_t, Bytes>;
-using SignedQuads = hn::Repartition<std::int32_t, Bytes>;
-constexpr Quads kQuads;
-constexpr SignedQuads kSignedQuads;
+using U32 = hn::Repartition<std::uint32_t, U8>;
+using I32 = hn::Repartition<std::int32_t, U8>;
+constexpr U32 kU32;
+constexpr I32 kI32;
 
 // Where the bytes of pixels come to stand for the sums of products. A vector takes as many pixels
 // as it has lanes of 32 bits: first every block of 16 bytes gets four of them, as three lanes of
 // their bytes and one of no use, then each lane its pixel's channels as pairs of 16 bits.
-struct PixelLayout {
-    static constexpr int kLanes = static_cast<int>(hn::MaxLanes(kQuads));
+struct ChannelShuffle {
+    static constexpr int kLanes = static_cast<int>(hn::MaxLanes(kU32));
     std::int32_t quads[kLanes] = {};
     alignas(16) std::uint8_t first_and_green[16] = {};
     alignas(16) std::uint8_t last_and_green[16] = {};
 
-    constexpr PixelLayout() {
+    constexpr ChannelShuffle() {
         for (int i = 0; i < kLanes; ++i) quads[i] = i / 4 * 3 + std::min(i % 4, 2);
         for (int i = 0; i < 4; ++i) {
             const auto first = static_cast<std::uint8_t>(3 * i);
@@ -69,13 +68,12 @@ struct PixelLayout {
 static_assert(common::kGreenWeight % 2 == 0);
 
 struct LuminanceWeights {
-    hn::Vec<SignedWords> first_and_green;
-    hn::Vec<SignedWords> last_and_green;
+    hn::Vec<I16> first_and_green;
+    hn::Vec<I16> last_and_green;
 
     HWY_INLINE explicit LuminanceWeights(ChannelOrder order) {
         const auto pair = [](std::uint32_t channel) HWY_ATTR {
-            return hn::BitCast(kSignedWords,
-                               hn::Set(kQuads, (common::kGreenWeight / 2) << 16 | channel));
+            return hn::BitCast(kI16, hn::Set(kU32, (common::kGreenWeight / 2) << 16 | channel));
         };
         const bool red_first = order == ChannelOrder::kRedFirst;
         first_and_green = pair(red_first ? common::kRedWeight : common::kBlueWeight);
@@ -85,38 +83,36 @@ struct LuminanceWeights {
 
 // The sums of products of as many pixels as there are lanes: the luminance is the third byte. Reads
 // a whole vector.
-HWY_INLINE WordVector weighted_sums(const std::uint8_t* colour, const LuminanceWeights& weights) {
-    static constexpr PixelLayout kLayout;
+HWY_INLINE VecU16 weighted_sums(const std::uint8_t* colour, const LuminanceWeights& weights) {
+    static constexpr ChannelShuffle kShuffle;
     const auto pixels =
-        hn::BitCast(kBytes, hn::TableLookupLanes(hn::BitCast(kQuads, hn::LoadU(kBytes, colour)),
-                                                 hn::SetTableIndices(kQuads, kLayout.quads)));
+        hn::BitCast(kU8, hn::TableLookupLanes(hn::BitCast(kU32, hn::LoadU(kU8, colour)),
+                                              hn::SetTableIndices(kU32, kShuffle.quads)));
     const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
-        return hn::BitCast(kSignedWords,
-                           hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kBytes, table)));
+        return hn::BitCast(kI16, hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kU8, table)));
     };
-    auto other = hn::Zero(kSignedQuads);
-    auto sums =
-        hn::ReorderWidenMulAccumulate(kSignedQuads, pairs(kLayout.first_and_green),
-                                      weights.first_and_green, hn::Zero(kSignedQuads), other);
-    sums = hn::ReorderWidenMulAccumulate(kSignedQuads, pairs(kLayout.last_and_green),
+    auto other = hn::Zero(kI32);
+    auto sums = hn::ReorderWidenMulAccumulate(kI32, pairs(kShuffle.first_and_green),
+                                              weights.first_and_green, hn::Zero(kI32), other);
+    sums = hn::ReorderWidenMulAccumulate(kI32, pairs(kShuffle.last_and_green),
                                          weights.last_and_green, sums, other);
-    return hn::BitCast(kWords, hn::RearrangeToOddPlusEven(sums, other));
+    return hn::BitCast(kU16, hn::RearrangeToOddPlusEven(sums, other));
 }
 
 // A vector of pixels. Reads a quarter of a vector behind them.
 HWY_INLINE void luminance_vector(const std::uint8_t* colour, const LuminanceWeights& weights,
                                  std::uint8_t* grey) {
-    const std::size_t part = 3 * hn::Lanes(kQuads);
+    const std::size_t part = 3 * hn::Lanes(kU32);
     const auto sums = [&](std::size_t i)
                           HWY_ATTR { return weighted_sums(colour + i * part, weights); };
-    const ByteVector low = hn::BitCast(kBytes, hn::ConcatOdd(kWords, sums(1), sums(0)));
-    const ByteVector high = hn::BitCast(kBytes, hn::ConcatOdd(kWords, sums(3), sums(2)));
-    hn::StoreU(hn::ConcatEven(kBytes, high, low), kBytes, grey);
+    const VecU8 low = hn::BitCast(kU8, hn::ConcatOdd(kU16, sums(1), sums(0)));
+    const VecU8 high = hn::BitCast(kU8, hn::ConcatOdd(kU16, sums(3), sums(2)));
+    hn::StoreU(hn::ConcatEven(kU8, high, low), kU8, grey);
 }
 
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     const std::size_t read_ahead = (lanes / 4 + 2) / 3;
     if (width < lanes + read_ahead) return plain::luminance_row(colour, width, order, grey);
     const LuminanceWeights weights(order);
@@ -130,22 +126,21 @@ void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder o
 }
 
 HWY_INLINE void clamp_vector(const std::uint8_t* colour, std::uint8_t* grey) {
-    ByteVector first, second, third;
-    hn::LoadInterleaved3(kBytes, colour, first, second, third);
-    const ByteVector chroma =
+    VecU8 first, second, third;
+    hn::LoadInterleaved3(kU8, colour, first, second, third);
+    const VecU8 chroma =
         hn::Sub(hn::Max(hn::Max(first, second), third), hn::Min(hn::Min(first, second), third));
-    const ByteVector values = hn::LoadU(kBytes, grey);
-    const ByteVector clamped = hn::Min(values, hn::Set(kBytes, std::uint8_t{kSaturatedMaximum}));
-    const auto strong = hn::Gt(chroma, hn::Set(kBytes, std::uint8_t{kSaturatedChroma}));
-    hn::StoreU(hn::IfThenElse(strong, clamped, values), kBytes, grey);
+    const VecU8 values = hn::LoadU(kU8, grey);
+    const VecU8 clamped = hn::Min(values, hn::Set(kU8, std::uint8_t{kSaturatedMaximum}));
+    const auto strong = hn::Gt(chroma, hn::Set(kU8, std::uint8_t{kSaturatedChroma}));
+    hn::StoreU(hn::IfThenElse(strong, clamped, values), kU8, grey);
 }
 
 // Not zero where the difference is above the limit.
-HWY_INLINE ByteVector excess(const std::uint8_t* first, const std::uint8_t* second,
-                             ByteVector limit) {
-    const ByteVector a = hn::LoadU(kBytes, first);
-    const ByteVector b = hn::LoadU(kBytes, second);
-    const ByteVector difference = hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
+HWY_INLINE VecU8 excess(const std::uint8_t* first, const std::uint8_t* second, VecU8 limit) {
+    const VecU8 a = hn::LoadU(kU8, first);
+    const VecU8 b = hn::LoadU(kU8, second);
+    const VecU8 difference = hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
     return hn::SaturatedSub(difference, limit);
 }
 
@@ -164,24 +159,23 @@ struct SamePixel {
 // and the chroma is at most the sum of both. Reads one byte behind the pixels.
 HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) {
     static constexpr SamePixel kSamePixel;
-    const ByteVector darkest =
-        hn::Min(hn::Min(hn::LoadU(kBytes, colour), hn::LoadU(kBytes, colour + lanes)),
-                hn::LoadU(kBytes, colour + 2 * lanes));
-    const ByteVector light = hn::Set(kBytes, std::uint8_t{255 - kSaturatedChroma});
-    if (hn::AllTrue(kBytes, hn::Eq(hn::Min(darkest, light), light))) return false;
+    const VecU8 darkest = hn::Min(hn::Min(hn::LoadU(kU8, colour), hn::LoadU(kU8, colour + lanes)),
+                                  hn::LoadU(kU8, colour + 2 * lanes));
+    const VecU8 light = hn::Set(kU8, std::uint8_t{255 - kSaturatedChroma});
+    if (hn::AllTrue(kU8, hn::Eq(hn::Min(darkest, light), light))) return false;
     const auto found = [=](std::size_t at) HWY_ATTR {
-        const ByteVector half = hn::Set(kBytes, std::uint8_t{kSaturatedChroma / 2});
-        return hn::And(hn::LoadU(kBytes, kSamePixel.bytes + at),
+        const VecU8 half = hn::Set(kU8, std::uint8_t{kSaturatedChroma / 2});
+        return hn::And(hn::LoadU(kU8, kSamePixel.bytes + at),
                        excess(colour + at, colour + at + 1, half));
     };
-    const ByteVector any = hn::Or(hn::Or(found(0), found(lanes)), found(2 * lanes));
-    return !hn::AllTrue(kBytes, hn::Eq(any, hn::Zero(kBytes)));
+    const VecU8 any = hn::Or(hn::Or(found(0), found(lanes)), found(2 * lanes));
+    return !hn::AllTrue(kU8, hn::Eq(any, hn::Zero(kU8)));
 }
 
 // Most of most pages is paper and ink without colour, which the test above is quick to pass over.
 // The machine does not see then that the grey row will be wanted by who comes next.
 void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width < lanes) return plain::clamp_saturated(colour, width, grey);
     for (std::size_t x = 0; x + lanes < width; x += lanes) {
         fetch_ahead(grey + x);
@@ -193,58 +187,56 @@ void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t
 
 bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
                    std::uint8_t limit) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (count < lanes) return plain::differs_above(first, second, count, limit);
-    const ByteVector limits = hn::Set(kBytes, limit);
+    const VecU8 limits = hn::Set(kU8, limit);
     const std::size_t last = count - lanes;
-    ByteVector found = excess(first + last, second + last, limits);
+    VecU8 found = excess(first + last, second + last, limits);
     for (std::size_t x = 0; x < last; x += lanes) {
         found = hn::Or(found, excess(first + x, second + x, limits));
     }
-    return !hn::AllTrue(kBytes, hn::Eq(found, hn::Zero(kBytes)));
+    return !hn::AllTrue(kU8, hn::Eq(found, hn::Zero(kU8)));
 }
 
 // `sum` of the nine pixels around and at `centre`.
-HWY_INLINE WordVector drawn_to_neighbours(WordVector sum, WordVector centre,
-                                          hn::Vec<SignedWords> scale) {
-    const WordVector nine = hn::Add(hn::ShiftLeft<3>(centre), centre);
-    const auto difference = hn::BitCast(kSignedWords, hn::Sub(sum, nine));
-    return hn::Add(centre, hn::BitCast(kWords, hn::MulHigh(difference, scale)));
+HWY_INLINE VecU16 drawn_to_neighbours(VecU16 sum, VecU16 centre, hn::Vec<I16> scale) {
+    const VecU16 nine = hn::Add(hn::ShiftLeft<3>(centre), centre);
+    const auto difference = hn::BitCast(kI16, hn::Sub(sum, nine));
+    return hn::Add(centre, hn::BitCast(kU16, hn::MulHigh(difference, scale)));
 }
 
 // Lanes pixels from `row` on. With `left` the three rows one pixel to the left and `right` one
 // pixel to the right, the even lane x has x - 1 and x in the bytes of `left`, x + 1 and x + 2 in
 // those of `right`: the columns that the even and the odd pixel need, two of them in common.
 HWY_INLINE void smooth_vector(const std::uint8_t* above, const std::uint8_t* row,
-                              const std::uint8_t* below, hn::Vec<SignedWords> scale,
-                              std::uint8_t* out) {
-    const ByteVector above_left = hn::LoadU(kBytes, above - 1);
-    const ByteVector above_right = hn::LoadU(kBytes, above + 1);
-    const ByteVector below_left = hn::LoadU(kBytes, below - 1);
-    const ByteVector below_right = hn::LoadU(kBytes, below + 1);
-    const ByteVector left = hn::LoadU(kBytes, row - 1);
-    const ByteVector right = hn::LoadU(kBytes, row + 1);
-    const WordVector even_centre = odd_bytes(left);
-    const WordVector odd_centre = even_bytes(right);
-    const WordVector column0 =
+                              const std::uint8_t* below, hn::Vec<I16> scale, std::uint8_t* out) {
+    const VecU8 above_left = hn::LoadU(kU8, above - 1);
+    const VecU8 above_right = hn::LoadU(kU8, above + 1);
+    const VecU8 below_left = hn::LoadU(kU8, below - 1);
+    const VecU8 below_right = hn::LoadU(kU8, below + 1);
+    const VecU8 left = hn::LoadU(kU8, row - 1);
+    const VecU8 right = hn::LoadU(kU8, row + 1);
+    const VecU16 even_centre = odd_bytes(left);
+    const VecU16 odd_centre = even_bytes(right);
+    const VecU16 column0 =
         hn::Add(hn::Add(even_bytes(above_left), even_bytes(below_left)), even_bytes(left));
-    const WordVector column1 =
+    const VecU16 column1 =
         hn::Add(hn::Add(odd_bytes(above_left), odd_bytes(below_left)), even_centre);
-    const WordVector column2 =
+    const VecU16 column2 =
         hn::Add(hn::Add(even_bytes(above_right), even_bytes(below_right)), odd_centre);
-    const WordVector column3 =
+    const VecU16 column3 =
         hn::Add(hn::Add(odd_bytes(above_right), odd_bytes(below_right)), odd_bytes(right));
-    const WordVector shared = hn::Add(column1, column2);
-    const WordVector even = drawn_to_neighbours(hn::Add(column0, shared), even_centre, scale);
-    const WordVector odd = drawn_to_neighbours(hn::Add(shared, column3), odd_centre, scale);
-    hn::StoreU(interleave(even, odd), kBytes, out);
+    const VecU16 shared = hn::Add(column1, column2);
+    const VecU16 even = drawn_to_neighbours(hn::Add(column0, shared), even_centre, scale);
+    const VecU16 odd = drawn_to_neighbours(hn::Add(shared, column3), odd_centre, scale);
+    hn::StoreU(interleave(even, odd), kU8, out);
 }
 
 void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                 std::size_t width, NeighbourWeight weight, std::uint8_t* out) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width < lanes + 2) return plain::smooth_row(above, row, below, width, weight, out);
-    const auto scale = hn::Set(kSignedWords, static_cast<std::int16_t>(weight * 64));
+    const auto scale = hn::Set(kI16, static_cast<std::int16_t>(weight * 64));
     out[0] = row[0];
     const std::size_t last = width - 1 - lanes;
     for (std::size_t x = 1; x < last; x += lanes) {
@@ -257,27 +249,27 @@ void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::u
 // Lanes pixels from `row` on; the columns are those of smooth_vector().
 HWY_INLINE void gaussian_vector(const std::uint8_t* above, const std::uint8_t* row,
                                 const std::uint8_t* below, std::uint8_t* out) {
-    const auto columns = [=](std::ptrdiff_t from, WordVector& even, WordVector& odd) HWY_ATTR {
-        const ByteVector a = hn::LoadU(kBytes, above + from);
-        const ByteVector b = hn::LoadU(kBytes, row + from);
-        const ByteVector c = hn::LoadU(kBytes, below + from);
+    const auto columns = [=](std::ptrdiff_t from, VecU16& even, VecU16& odd) HWY_ATTR {
+        const VecU8 a = hn::LoadU(kU8, above + from);
+        const VecU8 b = hn::LoadU(kU8, row + from);
+        const VecU8 c = hn::LoadU(kU8, below + from);
         even = one_two_one(even_bytes(a), even_bytes(b), even_bytes(c));
         odd = one_two_one(odd_bytes(a), odd_bytes(b), odd_bytes(c));
     };
-    WordVector column0, column1, column2, column3;
+    VecU16 column0, column1, column2, column3;
     columns(-1, column0, column1);
     columns(1, column2, column3);
-    const auto mean = [](WordVector sum) HWY_ATTR {
-        return hn::ShiftRight<4>(hn::Add(sum, hn::Set(kWords, std::uint16_t{8})));
+    const auto mean = [](VecU16 sum) HWY_ATTR {
+        return hn::ShiftRight<4>(hn::Add(sum, hn::Set(kU16, std::uint16_t{8})));
     };
     hn::StoreU(interleave(mean(one_two_one(column0, column1, column2)),
                           mean(one_two_one(column1, column2, column3))),
-               kBytes, out);
+               kU8, out);
 }
 
 void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, std::uint8_t* out) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     if (width < lanes + 2) return plain::gaussian_row(above, row, below, width, out);
     const std::size_t last = width - 1 - lanes;
     for (std::size_t x = 1; x < last; x += lanes) {
@@ -286,8 +278,8 @@ void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std:
     gaussian_vector(above + last, row + last, below + last, out + last);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -17,8 +17,9 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
 inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
@@ -36,26 +37,26 @@ inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, Hist
 
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
 
-using Words = hn::FixedTag<std::uint64_t, 8>;
-using WordVector = hn::Vec<Words>;
+using U64 = hn::FixedTag<std::uint64_t, 8>;
+using VecU64 = hn::Vec<U64>;
 
-constexpr Words kWords;
+constexpr U64 kU64;
 constexpr std::size_t kVectorBytes = 64;
 constexpr std::size_t kBlockBytes = 8 * kVectorBytes;
 
 // Exchanges, in every byte, the bits of `a` above `mask` with the bits of `b` under it.
 template <int kShift>
-HWY_INLINE void exchange(WordVector& a, WordVector& b, std::uint64_t mask) {
-    const WordVector moved = hn::And(hn::Xor(hn::ShiftRight<kShift>(a), b), hn::Set(kWords, mask));
+HWY_INLINE void exchange(VecU64& a, VecU64& b, std::uint64_t mask) {
+    const VecU64 moved = hn::And(hn::Xor(hn::ShiftRight<kShift>(a), b), hn::Set(kU64, mask));
     b = hn::Xor(b, moved);
     a = hn::Xor(a, hn::ShiftLeft<kShift>(moved));
 }
 
 // planes[b], bit i of each byte = bit b of that byte of vector i.
-HWY_INLINE void load_planes(const std::uint8_t* pixels, WordVector (&planes)[8]) {
-    const hn::Repartition<std::uint8_t, Words> bytes;
+HWY_INLINE void load_planes(const std::uint8_t* pixels, VecU64 (&planes)[8]) {
+    const hn::Repartition<std::uint8_t, U64> bytes;
     for (std::size_t i = 0; i < 8; ++i) {
-        planes[i] = hn::BitCast(kWords, hn::LoadU(bytes, pixels + i * kVectorBytes));
+        planes[i] = hn::BitCast(kU64, hn::LoadU(bytes, pixels + i * kVectorBytes));
     }
     for (int i = 0; i < 4; ++i) exchange<4>(planes[i], planes[i + 4], 0x0F0F0F0F0F0F0F0FU);
     for (int i : {0, 1, 4, 5}) exchange<2>(planes[i], planes[i + 2], 0x3333333333333333U);
@@ -64,26 +65,26 @@ HWY_INLINE void load_planes(const std::uint8_t* pixels, WordVector (&planes)[8])
 
 // sets[i] of the first `count` becomes two: those without and those with a bit in the plane.
 template <std::size_t kCount, std::size_t kSize>
-HWY_INLINE void split(WordVector (&sets)[kSize], WordVector plane) {
+HWY_INLINE void split(VecU64 (&sets)[kSize], VecU64 plane) {
     for (std::size_t i = kCount; i-- > 0;) {
-        const WordVector set = sets[i];
+        const VecU64 set = sets[i];
         sets[2 * i + 1] = hn::And(plane, set);
         sets[2 * i] = hn::AndNot(plane, set);
     }
 }
 
 void count_block(const std::uint8_t* pixels, std::uint64_t (&sums)[256][8]) {
-    WordVector planes[8];
+    VecU64 planes[8];
     load_planes(pixels, planes);
-    WordVector upper[16];
-    upper[0] = hn::Set(kWords, ~std::uint64_t{0});
+    VecU64 upper[16];
+    upper[0] = hn::Set(kU64, ~std::uint64_t{0});
     split<1>(upper, planes[7]);
     split<2>(upper, planes[6]);
     split<4>(upper, planes[5]);
     split<8>(upper, planes[4]);
     for (std::size_t half = 0; half < 16; ++half) {
-        if (hn::AllTrue(kWords, hn::Eq(upper[half], hn::Zero(kWords)))) continue;
-        WordVector levels[16];
+        if (hn::AllTrue(kU64, hn::Eq(upper[half], hn::Zero(kU64)))) continue;
+        VecU64 levels[16];
         levels[0] = upper[half];
         split<1>(levels, planes[3]);
         split<2>(levels, planes[2]);
@@ -91,8 +92,7 @@ void count_block(const std::uint8_t* pixels, std::uint64_t (&sums)[256][8]) {
         split<8>(levels, planes[0]);
         for (std::size_t i = 0; i < 16; ++i) {
             std::uint64_t* sum = sums[half * 16 + i];
-            hn::StoreU(hn::Add(hn::LoadU(kWords, sum), hn::PopulationCount(levels[i])), kWords,
-                       sum);
+            hn::StoreU(hn::Add(hn::LoadU(kU64, sum), hn::PopulationCount(levels[i])), kU64, sum);
         }
     }
 }
@@ -117,8 +117,8 @@ void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& 
 
 #endif
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
@@ -131,4 +131,4 @@ void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& 
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

@@ -11,33 +11,34 @@
 #include "simd/fetch_ahead.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using ByteVector = hn::Vec<Bytes>;
-constexpr Bytes kBytes;
+using U8 = hn::CappedTag<std::uint8_t, 64>;
+using VecU8 = hn::Vec<U8>;
+constexpr U8 kU8;
 
-HWY_INLINE ByteVector reaches(ByteVector pixels, ByteVector level) {
-    return hn::VecFromMask(kBytes, hn::Eq(hn::Max(pixels, level), pixels));
+HWY_INLINE VecU8 reaches(VecU8 pixels, VecU8 level) {
+    return hn::VecFromMask(kU8, hn::Eq(hn::Max(pixels, level), pixels));
 }
 
-HWY_INLINE std::uint64_t sum_of(ByteVector bytes) {
-    const hn::Repartition<std::uint64_t, Bytes> sums;
+HWY_INLINE std::uint64_t sum_of(VecU8 bytes) {
+    const hn::Repartition<std::uint64_t, U8> sums;
     return hn::GetLane(hn::SumOfLanes(sums, hn::SumsOf8(bytes)));
 }
 
 // Counts of one level each, for as many vectors as bytes can count.
 struct Counters {
-    ByteVector n0, n1, n2, n3, n4, n5, n6, n7;
+    VecU8 n0, n1, n2, n3, n4, n5, n6, n7;
 
-    HWY_INLINE void clear() { n0 = n1 = n2 = n3 = n4 = n5 = n6 = n7 = hn::Zero(kBytes); }
+    HWY_INLINE void clear() { n0 = n1 = n2 = n3 = n4 = n5 = n6 = n7 = hn::Zero(kU8); }
 
-    HWY_INLINE void add(ByteVector pixels, ByteVector first_level) {
-        const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
-        ByteVector level = first_level;
-        for (ByteVector* n : {&n0, &n1, &n2, &n3, &n4, &n5, &n6, &n7}) {
+    HWY_INLINE void add(VecU8 pixels, VecU8 first_level) {
+        const VecU8 one = hn::Set(kU8, std::uint8_t{1});
+        VecU8 level = first_level;
+        for (VecU8* n : {&n0, &n1, &n2, &n3, &n4, &n5, &n6, &n7}) {
             *n = hn::Sub(*n, reaches(pixels, level));
             level = hn::Add(level, one);
         }
@@ -45,7 +46,7 @@ struct Counters {
 
     HWY_INLINE void flush(LightCounts& counts) {
         std::size_t k = 0;
-        for (const ByteVector n : {n0, n1, n2, n3, n4, n5, n6, n7}) {
+        for (const VecU8 n : {n0, n1, n2, n3, n4, n5, n6, n7}) {
             counts.at_least[k++] += sum_of(n);
         }
         clear();
@@ -54,13 +55,13 @@ struct Counters {
 
 void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCounts& counts) {
     constexpr int kMostVectors = 255;
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     const auto width = static_cast<std::size_t>(grey.width);
     if (width < lanes) return plain::count_light(grey, first_level, counts);
-    const ByteVector levels = hn::Set(kBytes, first_level);
-    const ByteVector white = hn::Set(kBytes, std::uint8_t{255});
+    const VecU8 levels = hn::Set(kU8, first_level);
+    const VecU8 white = hn::Set(kU8, std::uint8_t{255});
     const std::size_t last = width - lanes;
-    ByteVector least = hn::Set(kBytes, counts.least);
+    VecU8 least = hn::Set(kU8, counts.least);
     Counters counters;
     counters.clear();
     int vectors = 0;
@@ -73,12 +74,12 @@ void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCo
                 vectors = 1;
             }
             if (x <= last) {
-                const ByteVector pixels = hn::LoadU(kBytes, row + x);
+                const VecU8 pixels = hn::LoadU(kU8, row + x);
                 least = hn::Min(least, pixels);
                 counters.add(pixels, levels);
             } else {
-                const auto counted = hn::FirstN(kBytes, x - last);
-                const ByteVector pixels = hn::LoadU(kBytes, row + last);
+                const auto counted = hn::FirstN(kU8, x - last);
+                const VecU8 pixels = hn::LoadU(kU8, row + last);
                 least = hn::Min(least, hn::IfThenElse(counted, white, pixels));
                 counters.add(hn::IfThenZeroElse(counted, pixels), levels);
             }
@@ -86,12 +87,12 @@ void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCo
     }
     counters.flush(counts);
     alignas(64) std::uint8_t values[HWY_MAX_BYTES];
-    hn::Store(least, kBytes, values);
+    hn::Store(least, kU8, values);
     counts.least = *std::min_element(values, values + lanes);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -6,58 +6,57 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/bits/word_vectors.h"
+#include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
 struct Extremes {
-    ByteVector least;
-    ByteVector most;
+    VecU8 least;
+    VecU8 most;
 
-    HWY_INLINE void add(ByteVector bytes) {
+    HWY_INLINE void add(VecU8 bytes) {
         least = hn::Min(least, bytes);
         most = hn::Max(most, bytes);
     }
 };
 
 HWY_INLINE Extremes extremes_around(const ThreeRows& rows, std::size_t x) {
-    const ByteVector here = hn::LoadU(kBytes, rows.row + x);
+    const VecU8 here = hn::LoadU(kU8, rows.row + x);
     Extremes extremes{here, here};
     for (const std::uint8_t* row : {rows.above, rows.row, rows.below}) {
-        extremes.add(hn::LoadU(kBytes, row + x - 1));
-        extremes.add(hn::LoadU(kBytes, row + x));
-        extremes.add(hn::LoadU(kBytes, row + x + 1));
+        extremes.add(hn::LoadU(kU8, row + x - 1));
+        extremes.add(hn::LoadU(kU8, row + x));
+        extremes.add(hn::LoadU(kU8, row + x + 1));
     }
     return extremes;
 }
 
 bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t words,
                   std::uint8_t* midpoint, std::uint8_t* contrast) {
-    const ByteVector zero = hn::Zero(kBytes);
-    const ByteVector one = hn::Set(kBytes, std::uint8_t{1});
+    const VecU8 zero = hn::Zero(kU8);
+    const VecU8 one = hn::Set(kU8, std::uint8_t{1});
     bool hidden = false;
     for (std::size_t i = 0; i < words; ++i) {
         by_vectors([&](std::size_t at) HWY_ATTR {
             const std::size_t x = 64 * i + at;
             if (edges[i] == 0) {
-                hn::StoreU(zero, kBytes, midpoint + x);
-                hn::StoreU(zero, kBytes, contrast + x);
+                hn::StoreU(zero, kU8, midpoint + x);
+                hn::StoreU(zero, kU8, contrast + x);
                 return;
             }
             const auto edge = mask_of(edges[i], at);
             const Extremes around = extremes_around(grey, x);
             // The mean that is rounded up, less the half that was added.
-            const ByteVector rounded = hn::And(hn::Xor(around.least, around.most), one);
-            const ByteVector mean = hn::Sub(hn::AverageRound(around.least, around.most), rounded);
-            const ByteVector midpoints = hn::IfThenElseZero(edge, mean);
-            const ByteVector contrasts =
-                hn::IfThenElseZero(edge, hn::Sub(around.most, around.least));
-            hn::StoreU(midpoints, kBytes, midpoint + x);
-            hn::StoreU(contrasts, kBytes, contrast + x);
-            hidden |= !hn::AllTrue(kBytes, hn::Eq(hn::Min(contrasts, one),
-                                                  hn::Min(hn::Min(contrasts, one), midpoints)));
+            const VecU8 rounded = hn::And(hn::Xor(around.least, around.most), one);
+            const VecU8 mean = hn::Sub(hn::AverageRound(around.least, around.most), rounded);
+            const VecU8 midpoints = hn::IfThenElseZero(edge, mean);
+            const VecU8 contrasts = hn::IfThenElseZero(edge, hn::Sub(around.most, around.least));
+            hn::StoreU(midpoints, kU8, midpoint + x);
+            hn::StoreU(contrasts, kU8, contrast + x);
+            hidden |= !hn::AllTrue(
+                kU8, hn::Eq(hn::Min(contrasts, one), hn::Min(hn::Min(contrasts, one), midpoints)));
         });
     }
     return hidden;
@@ -65,26 +64,25 @@ bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t
 
 // The mean of `count` bytes of which `sum` is made up is above a grey exactly when the sum is at
 // least count * (grey + 1), so that nothing has to be divided; without any byte the sum is 0.
-HWY_INLINE hn::Vec<Words> above_grey(WordVector sums_and_counts, WordVector grey) {
-    const WordVector one = hn::Set(kWords, std::uint16_t{1});
-    const WordVector sums = sums_of(sums_and_counts);
-    const WordVector least = hn::Max(hn::Mul(counts_of(sums_and_counts), hn::Add(grey, one)), one);
-    return hn::VecFromMask(kWords, hn::Eq(hn::Max(sums, least), sums));
+HWY_INLINE hn::Vec<U16> above_grey(VecU16 sums_and_counts, VecU16 grey) {
+    const VecU16 one = hn::Set(kU16, std::uint16_t{1});
+    const VecU16 sums = sums_of(sums_and_counts);
+    const VecU16 least = hn::Max(hn::Mul(counts_of(sums_and_counts), hn::Add(grey, one)), one);
+    return hn::VecFromMask(kU16, hn::Eq(hn::Max(sums, least), sums));
 }
 
 HWY_INLINE std::uint64_t marks_of(const ThreeRows& midpoints, const std::uint8_t* grey,
                                   std::size_t x) {
-    const ByteVector greys = hn::LoadU(kBytes, grey + x);
-    const ByteVector own = hn::LoadU(kBytes, midpoints.row + x);
+    const VecU8 greys = hn::LoadU(kU8, grey + x);
+    const VecU8 own = hn::LoadU(kU8, midpoints.row + x);
     const SumsAndCounts around =
         sums_around(midpoints.above + x, midpoints.row + x, midpoints.below + x);
-    const WordVector even = above_grey(around.even, even_bytes(greys));
-    const WordVector odd = above_grey(around.odd, odd_bytes(greys));
+    const VecU16 even = above_grey(around.even, even_bytes(greys));
+    const VecU16 odd = above_grey(around.odd, odd_bytes(greys));
     // Only for pixels without a midpoint, which add nothing to the sums around themselves.
-    const ByteVector by_neighbours =
-        interleave(hn::And(even, hn::Set(kWords, std::uint16_t{0xFF})), odd);
-    const auto none = hn::Eq(own, hn::Zero(kBytes));
-    const ByteVector by_own = hn::VecFromMask(kBytes, hn::Lt(greys, own));
+    const VecU8 by_neighbours = interleave(hn::And(even, hn::Set(kU16, std::uint16_t{0xFF})), odd);
+    const auto none = hn::Eq(own, hn::Zero(kU8));
+    const VecU8 by_own = hn::VecFromMask(kU8, hn::Lt(greys, own));
     return bits_of(hn::MaskFromVec(hn::IfThenElse(none, by_neighbours, by_own)));
 }
 
@@ -111,8 +109,8 @@ void mark_below_midpoints(const ThreeRows& midpoints, const ThreeBitRows& edges,
     }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -9,8 +9,9 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Whole vectors from pixel `x` on; returns where they end.
@@ -71,8 +72,8 @@ void pack_below_blocks(const std::uint8_t* grey, std::size_t width, const std::u
     plain::pack_below_blocks(grey + x, width - x, thresholds + x / 4, bits + x / 8);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

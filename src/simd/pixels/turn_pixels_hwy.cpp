@@ -42,11 +42,11 @@ struct Exchange {
 
 }  // namespace
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -61,20 +61,20 @@ constexpr std::size_t kBlocks = hn::MaxLanes(D()) / kBlockBytes;
 
 // Blocks that start `step` bytes apart, the first in the lowest lanes.
 template <class D>
-HWY_INLINE hn::Vec<D> LoadBlocks(D d, const std::uint8_t* from, std::ptrdiff_t step) {
+HWY_INLINE hn::Vec<D> load_blocks(D d, const std::uint8_t* from, std::ptrdiff_t step) {
     if constexpr (hn::MaxLanes(D()) == kBlockBytes) {
         return hn::LoadU(d, from);
     } else {
         const hn::Half<D> half;
         const auto upper = static_cast<std::ptrdiff_t>(hn::MaxLanes(half) / kBlockBytes) * step;
-        return hn::Combine(d, LoadBlocks(half, from + upper, step), LoadBlocks(half, from, step));
+        return hn::Combine(d, load_blocks(half, from + upper, step), load_blocks(half, from, step));
     }
 }
 
 // Exchanges rows and columns of the square of lanes T that each block column of v holds: each round
 // is a perfect shuffle of the square's elements, all rounds together rotate their index by half.
 template <class T, class D>
-HWY_INLINE void ExchangeSquares(D d8, hn::Vec<D> (&v)[kBlockBytes / sizeof(T)]) {
+HWY_INLINE void exchange_squares(D d8, hn::Vec<D> (&v)[kBlockBytes / sizeof(T)]) {
     constexpr std::size_t kSide = kBlockBytes / sizeof(T);
     const hn::Repartition<T, D> d;
     for (std::size_t round = 1; round < kSide; round *= 2) {
@@ -92,21 +92,21 @@ HWY_INLINE void ExchangeSquares(D d8, hn::Vec<D> (&v)[kBlockBytes / sizeof(T)]) 
 // A kernel has kRows x kColumns pixels and run(exchange, x, y), which does those from (x, y) on.
 
 template <class T, class D>
-struct WholeLanes {
+struct LanePixels {
     static constexpr std::size_t kColumns = kBlockBytes / sizeof(T);
     static constexpr std::size_t kRows = kBlocks<D> * kColumns;
     static constexpr std::size_t kPixelBytes = sizeof(T);
 
-    static HWY_INLINE void Run(const Exchange& exchange, std::size_t x, std::size_t y) {
+    static HWY_INLINE void run(const Exchange& exchange, std::size_t x, std::size_t y) {
         const D d;
         const std::uint8_t* from = exchange.from(x, y, kPixelBytes);
         const std::ptrdiff_t stride = exchange.src_stride;
         hn::Vec<D> v[kColumns];
         for (std::size_t i = 0; i < kColumns; ++i) {
-            v[i] = LoadBlocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
-                              static_cast<std::ptrdiff_t>(kColumns) * stride);
+            v[i] = load_blocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
+                               static_cast<std::ptrdiff_t>(kColumns) * stride);
         }
-        ExchangeSquares<T>(d, v);
+        exchange_squares<T>(d, v);
         std::uint8_t* to = exchange.to(x, y, kPixelBytes);
         for (std::size_t i = 0; i < kColumns; ++i) {
             hn::StoreU(v[i], d, to + static_cast<std::ptrdiff_t>(i) * exchange.dst_stride);
@@ -117,13 +117,13 @@ struct WholeLanes {
 // Four columns of three bytes. A load of a block takes one pixel and a third too much: behind the
 // four pixels, or before them at the right edge of the image.
 template <class D>
-struct ThreeBytes {
+struct ThreeBytePixels {
     static constexpr std::size_t kColumns = 4;
     static constexpr std::size_t kRows = kBlocks<D> * kColumns;
     static constexpr std::size_t kPixelBytes = 3;
     static constexpr std::size_t kOutBytes = kRows * kPixelBytes;
 
-    static HWY_INLINE void Run(const Exchange& exchange, std::size_t x, std::size_t y) {
+    static HWY_INLINE void run(const Exchange& exchange, std::size_t x, std::size_t y) {
         const D d;
         const hn::Repartition<std::uint32_t, D> d32;
         alignas(16) static constexpr std::uint8_t kToFour[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
@@ -142,11 +142,11 @@ struct ThreeBytes {
         const std::ptrdiff_t stride = exchange.src_stride;
         hn::Vec<D> v[kColumns];
         for (std::size_t i = 0; i < kColumns; ++i) {
-            const auto blocks = LoadBlocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
-                                           static_cast<std::ptrdiff_t>(kColumns) * stride);
+            const auto blocks = load_blocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
+                                            static_cast<std::ptrdiff_t>(kColumns) * stride);
             v[i] = hn::TableLookupBytes(blocks, to_four);
         }
-        ExchangeSquares<std::uint32_t>(d, v);
+        exchange_squares<std::uint32_t>(d, v);
         std::uint8_t* to = exchange.to(x, y, kPixelBytes);
         // What a store writes too much is overwritten by the next one of the same row.
         const bool last = (exchange.rows - y) * kPixelBytes < hn::MaxLanes(d);
@@ -169,7 +169,7 @@ struct ThreeBytes {
 };
 
 template <class Kernel>
-HWY_INLINE void CopySingly(const Exchange& exchange) {
+HWY_INLINE void copy_singly(const Exchange& exchange) {
     for (std::size_t y = 0; y < exchange.rows; ++y) {
         for (std::size_t x = 0; x < exchange.columns; ++x) {
             std::memcpy(exchange.to(x, y, Kernel::kPixelBytes),
@@ -179,8 +179,8 @@ HWY_INLINE void CopySingly(const Exchange& exchange) {
 }
 
 template <class Kernel>
-HWY_INLINE void RunTiles(const Exchange& exchange, std::size_t tile_rows,
-                         std::size_t tile_columns) {
+HWY_INLINE void run_tiles(const Exchange& exchange, std::size_t tile_rows,
+                          std::size_t tile_columns) {
     const std::size_t last_y = exchange.rows - Kernel::kRows;
     const std::size_t last_x = exchange.columns - Kernel::kColumns;
     for (std::size_t top = 0; top < exchange.rows; top += tile_rows) {
@@ -189,7 +189,7 @@ HWY_INLINE void RunTiles(const Exchange& exchange, std::size_t tile_rows,
             const std::size_t right = std::min(exchange.columns, left + tile_columns);
             for (std::size_t y = top; y < bottom; y += Kernel::kRows) {
                 for (std::size_t x = left; x < right; x += Kernel::kColumns) {
-                    Kernel::Run(exchange, std::min(x, last_x), std::min(y, last_y));
+                    Kernel::run(exchange, std::min(x, last_x), std::min(y, last_y));
                 }
             }
         }
@@ -201,41 +201,41 @@ constexpr std::size_t kTileRows = 256;
 constexpr std::size_t kTileColumns = 128;
 
 template <class Kernel>
-HWY_INLINE bool Fits(const Exchange& exchange) {
+HWY_INLINE bool fits(const Exchange& exchange) {
     // Pixels of three bytes at the right edge are loaded with the bytes before them.
     return exchange.rows >= Kernel::kRows && exchange.columns >= Kernel::kColumns + 2;
 }
 
 template <class Wide, class Narrow>
-void Transpose(const Exchange& exchange) {
-    if (Fits<Wide>(exchange)) {
-        RunTiles<Wide>(exchange, kTileRows, kTileColumns);
-    } else if (Fits<Narrow>(exchange)) {
-        RunTiles<Narrow>(exchange, kTileRows, kTileColumns);
+void transpose(const Exchange& exchange) {
+    if (fits<Wide>(exchange)) {
+        run_tiles<Wide>(exchange, kTileRows, kTileColumns);
+    } else if (fits<Narrow>(exchange)) {
+        run_tiles<Narrow>(exchange, kTileRows, kTileColumns);
     } else {
-        CopySingly<Narrow>(exchange);
+        copy_singly<Narrow>(exchange);
     }
 }
 
-void TransposePixels(const Exchange& exchange, std::size_t pixel_bytes) {
+void transpose_pixels(const Exchange& exchange, std::size_t pixel_bytes) {
     switch (pixel_bytes) {
         case 1:
-            return Transpose<WholeLanes<std::uint8_t, WideBytes>,
-                             WholeLanes<std::uint8_t, BlockBytes>>(exchange);
+            return transpose<LanePixels<std::uint8_t, WideBytes>,
+                             LanePixels<std::uint8_t, BlockBytes>>(exchange);
         case 2:
-            return Transpose<WholeLanes<std::uint16_t, WideBytes>,
-                             WholeLanes<std::uint16_t, BlockBytes>>(exchange);
+            return transpose<LanePixels<std::uint16_t, WideBytes>,
+                             LanePixels<std::uint16_t, BlockBytes>>(exchange);
         case 3:
-            return Transpose<ThreeBytes<WideBytes>, ThreeBytes<BlockBytes>>(exchange);
+            return transpose<ThreeBytePixels<WideBytes>, ThreeBytePixels<BlockBytes>>(exchange);
         default:
-            return Transpose<WholeLanes<std::uint32_t, WideBytes>,
-                             WholeLanes<std::uint32_t, BlockBytes>>(exchange);
+            return transpose<LanePixels<std::uint32_t, WideBytes>,
+                             LanePixels<std::uint32_t, BlockBytes>>(exchange);
     }
 }
 
 // Whole pixels of a block of 16 bytes, last pixel first; the bytes behind them are unspecified.
 template <std::size_t kPixelBytes>
-HWY_INLINE hn::Vec<hn::Full128<std::uint8_t>> ReverseBlock(hn::Vec<hn::Full128<std::uint8_t>> v) {
+HWY_INLINE hn::Vec<hn::Full128<std::uint8_t>> reverse_block(hn::Vec<hn::Full128<std::uint8_t>> v) {
     const hn::Full128<std::uint8_t> d;
     alignas(16) static constexpr std::uint8_t kBackwards[4][16] = {
         {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0},
@@ -246,49 +246,49 @@ HWY_INLINE hn::Vec<hn::Full128<std::uint8_t>> ReverseBlock(hn::Vec<hn::Full128<s
 }
 
 template <std::size_t kPixelBytes>
-void Reverse(const std::uint8_t* src, std::size_t count, std::uint8_t* dst) {
+void reverse(const std::uint8_t* src, std::size_t count, std::uint8_t* dst) {
     const hn::Full128<std::uint8_t> d;
     constexpr std::size_t kPixels = kBlockBytes / kPixelBytes;
     constexpr std::size_t kStep = kPixels * kPixelBytes;
     std::size_t left = count * kPixelBytes;  // bytes not yet moved, the first ones of src
     for (; left >= kBlockBytes; left -= kStep, dst += kStep) {
-        hn::StoreU(ReverseBlock<kPixelBytes>(hn::LoadU(d, src + left - kBlockBytes)), d, dst);
+        hn::StoreU(reverse_block<kPixelBytes>(hn::LoadU(d, src + left - kBlockBytes)), d, dst);
     }
     for (; left != 0; left -= kPixelBytes, dst += kPixelBytes) {
         std::memcpy(dst, src + left - kPixelBytes, kPixelBytes);
     }
 }
 
-void ReversePixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
-                   std::uint8_t* dst) {
+void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
+                    std::uint8_t* dst) {
     switch (pixel_bytes) {
         case 1:
-            return Reverse<1>(src, count, dst);
+            return reverse<1>(src, count, dst);
         case 2:
-            return Reverse<2>(src, count, dst);
+            return reverse<2>(src, count, dst);
         case 3:
-            return Reverse<3>(src, count, dst);
+            return reverse<3>(src, count, dst);
         default:
-            return Reverse<4>(src, count, dst);
+            return reverse<4>(src, count, dst);
     }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace simd {
 
-HWY_EXPORT(TransposePixels);
-HWY_EXPORT(ReversePixels);
+HWY_EXPORT(transpose_pixels);
+HWY_EXPORT(reverse_pixels);
 
 void transpose_pixels(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
                       std::size_t columns, std::size_t pixel_bytes, std::uint8_t* dst,
                       std::ptrdiff_t dst_stride) {
     const Exchange exchange{src, src_stride, rows, columns, dst, dst_stride};
     if (pixel_bytes <= 4) {
-        HWY_DYNAMIC_DISPATCH(TransposePixels)(exchange, pixel_bytes);
+        HWY_DYNAMIC_DISPATCH(transpose_pixels)(exchange, pixel_bytes);
         return;
     }
     // Runs of a few rows, so that the lines of the destination are still there for the next row.
@@ -307,7 +307,7 @@ void transpose_pixels(const std::uint8_t* src, std::ptrdiff_t src_stride, std::s
 void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
                     std::uint8_t* dst) {
     if (pixel_bytes <= 4) {
-        HWY_DYNAMIC_DISPATCH(ReversePixels)(src, count, pixel_bytes, dst);
+        HWY_DYNAMIC_DISPATCH(reverse_pixels)(src, count, pixel_bytes, dst);
         return;
     }
     const std::uint8_t* from = src + count * pixel_bytes;
@@ -318,4 +318,4 @@ void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixe
 }
 
 }  // namespace simd
-#endif
+#endif  // HWY_ONCE

@@ -10,32 +10,33 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+namespace {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using ByteVector = hn::Vec<Bytes>;
+using U8 = hn::CappedTag<std::uint8_t, 64>;
+using VecU8 = hn::Vec<U8>;
 
-constexpr Bytes kBytes;
+constexpr U8 kU8;
 
-HWY_INLINE ByteVector white() {
-    return hn::Set(kBytes, std::uint8_t{255});
+HWY_INLINE VecU8 white() {
+    return hn::Set(kU8, std::uint8_t{255});
 }
 
 HWY_INLINE bool all_white(const std::uint8_t* bytes) {
-    return hn::AllTrue(kBytes, hn::Eq(hn::LoadU(kBytes, bytes), white()));
+    return hn::AllTrue(kU8, hn::Eq(hn::LoadU(kU8, bytes), white()));
 }
 
 std::size_t first_not_white(const std::uint8_t* bytes, std::size_t count) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     std::size_t i = 0;
     while (i + lanes <= count && all_white(bytes + i)) i += lanes;
     return i + plain::first_not_white(bytes + i, count - i);
 }
 
 std::size_t last_not_white(const std::uint8_t* bytes, std::size_t count) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     std::size_t end = count;
     while (end >= lanes && all_white(bytes + end - lanes)) end -= lanes;
     const std::size_t found = plain::last_not_white(bytes, end);
@@ -45,16 +46,16 @@ std::size_t last_not_white(const std::uint8_t* bytes, std::size_t count) {
 // Bits of the pixels among 64 that are not white.
 HWY_INLINE std::uint64_t not_white_bits(const std::uint8_t* pixels, std::size_t pixel_bytes) {
     std::uint8_t stored[8 + 8] = {};  // StoreMaskBits may write a whole vector's worth
-    for (std::size_t i = 0; i < 64; i += hn::Lanes(kBytes)) {
-        ByteVector least;
+    for (std::size_t i = 0; i < 64; i += hn::Lanes(kU8)) {
+        VecU8 least;
         if (pixel_bytes == 1) {
-            least = hn::LoadU(kBytes, pixels + i);
+            least = hn::LoadU(kU8, pixels + i);
         } else {
-            ByteVector second, third;
-            hn::LoadInterleaved3(kBytes, pixels + 3 * i, least, second, third);
+            VecU8 second, third;
+            hn::LoadInterleaved3(kU8, pixels + 3 * i, least, second, third);
             least = hn::And(hn::And(least, second), third);
         }
-        hn::StoreMaskBits(kBytes, hn::Eq(least, white()), stored + i / 8);
+        hn::StoreMaskBits(kU8, hn::Eq(least, white()), stored + i / 8);
     }
     std::uint64_t bits = 0;
     for (unsigned i = 0; i < 8; ++i) bits |= std::uint64_t{stored[i]} << (8 * i);
@@ -82,41 +83,41 @@ bool take_not_white(const std::uint8_t* row, std::size_t width, std::size_t pixe
 }
 
 void replace_bytes(std::uint8_t* bytes, std::size_t count, std::uint8_t from, std::uint8_t to) {
-    const std::size_t lanes = hn::Lanes(kBytes);
-    const ByteVector wanted = hn::Set(kBytes, from);
-    const ByteVector painted = hn::Set(kBytes, to);
+    const std::size_t lanes = hn::Lanes(kU8);
+    const VecU8 wanted = hn::Set(kU8, from);
+    const VecU8 painted = hn::Set(kU8, to);
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
-        const ByteVector values = hn::LoadU(kBytes, bytes + i);
+        const VecU8 values = hn::LoadU(kU8, bytes + i);
         const auto equal = hn::Eq(values, wanted);
-        if (hn::AllFalse(kBytes, equal)) continue;
-        hn::StoreU(hn::IfThenElse(equal, painted, values), kBytes, bytes + i);
+        if (hn::AllFalse(kU8, equal)) continue;
+        hn::StoreU(hn::IfThenElse(equal, painted, values), kU8, bytes + i);
     }
     plain::replace_bytes(bytes + i, count - i, from, to);
 }
 
 void replace_triples(std::uint8_t* triples, std::size_t count, const std::uint8_t* from,
                      const std::uint8_t* to) {
-    const std::size_t lanes = hn::Lanes(kBytes);
+    const std::size_t lanes = hn::Lanes(kU8);
     std::size_t x = 0;
     for (; x + lanes <= count; x += lanes) {
         const std::size_t i = 3 * x;
-        ByteVector a, b, c, from_a, from_b, from_c;
-        hn::LoadInterleaved3(kBytes, triples + i, a, b, c);
-        hn::LoadInterleaved3(kBytes, from + i, from_a, from_b, from_c);
+        VecU8 a, b, c, from_a, from_b, from_c;
+        hn::LoadInterleaved3(kU8, triples + i, a, b, c);
+        hn::LoadInterleaved3(kU8, from + i, from_a, from_b, from_c);
         const auto equal =
             hn::And(hn::And(hn::Eq(a, from_a), hn::Eq(b, from_b)), hn::Eq(c, from_c));
-        if (hn::AllFalse(kBytes, equal)) continue;
-        ByteVector to_a, to_b, to_c;
-        hn::LoadInterleaved3(kBytes, to + i, to_a, to_b, to_c);
+        if (hn::AllFalse(kU8, equal)) continue;
+        VecU8 to_a, to_b, to_c;
+        hn::LoadInterleaved3(kU8, to + i, to_a, to_b, to_c);
         hn::StoreInterleaved3(hn::IfThenElse(equal, to_a, a), hn::IfThenElse(equal, to_b, b),
-                              hn::IfThenElse(equal, to_c, c), kBytes, triples + i);
+                              hn::IfThenElse(equal, to_c, c), kU8, triples + i);
     }
     plain::replace_triples(triples + 3 * x, count - x, from + 3 * x, to + 3 * x);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -1,10 +1,11 @@
-// What vector kernels share that work on words of 64 pixels, or on pixels as halves of 16-bit
-// lanes. Included by their sources only, once per instruction set.
-#if defined(VEMOPREPRO_SIMD_WORD_VECTORS_H_) == defined(HWY_TARGET_TOGGLE)
-#ifdef VEMOPREPRO_SIMD_WORD_VECTORS_H_
-#undef VEMOPREPRO_SIMD_WORD_VECTORS_H_
+// What vector kernels share: names for vectors by the type of their lanes, pixels as bytes in lanes
+// of 16 bits, and masks of 64 pixels. Included only by the sources of kernels, once per instruction
+// set.
+#if defined(VEMOPREPRO_SIMD_VECTORS_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef VEMOPREPRO_SIMD_VECTORS_H_
+#undef VEMOPREPRO_SIMD_VECTORS_H_
 #else
-#define VEMOPREPRO_SIMD_WORD_VECTORS_H_
+#define VEMOPREPRO_SIMD_VECTORS_H_
 #endif
 
 #include <hwy/highway.h>
@@ -14,35 +15,35 @@
 #include <cstring>
 
 HWY_BEFORE_NAMESPACE();
-namespace simd {
-namespace HWY_NAMESPACE {
+namespace simd::HWY_NAMESPACE {
+
 namespace hn = hwy::HWY_NAMESPACE;
 
-// At most a word of pixels; every vector is a whole number of times in a word.
-using Bytes = hn::CappedTag<std::uint8_t, 64>;
-using Words = hn::Repartition<std::uint16_t, Bytes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
+// At most 64 bytes, so that the 64 pixels of a mask are always a number of full vectors.
+using U8 = hn::CappedTag<std::uint8_t, 64>;
+using U16 = hn::Repartition<std::uint16_t, U8>;
+using VecU8 = hn::Vec<U8>;
+using VecU16 = hn::Vec<U16>;
 
-constexpr Bytes kBytes;
-constexpr Words kWords;
+constexpr U8 kU8;
+constexpr U16 kU16;
 
-// Bytes as numbers of 16 bits, without anything to widen or to pack: those at even places and those
+// U8 as numbers of 16 bits, without anything to widen or to pack: those at even places and those
 // at odd ones.
-HWY_INLINE WordVector even_bytes(ByteVector bytes) {
-    return hn::And(hn::BitCast(kWords, bytes), hn::Set(kWords, std::uint16_t{0xFF}));
+HWY_INLINE VecU16 even_bytes(VecU8 bytes) {
+    return hn::And(hn::BitCast(kU16, bytes), hn::Set(kU16, std::uint16_t{0xFF}));
 }
 
-HWY_INLINE WordVector odd_bytes(ByteVector bytes) {
-    return hn::ShiftRight<8>(hn::BitCast(kWords, bytes));
+HWY_INLINE VecU16 odd_bytes(VecU8 bytes) {
+    return hn::ShiftRight<8>(hn::BitCast(kU16, bytes));
 }
 
 // The reverse, for numbers below 256.
-HWY_INLINE ByteVector interleave(WordVector even, WordVector odd) {
-    return hn::BitCast(kBytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
+HWY_INLINE VecU8 interleave(VecU16 even, VecU16 odd) {
+    return hn::BitCast(kU8, hn::Or(even, hn::ShiftLeft<8>(odd)));
 }
 
-HWY_INLINE WordVector one_two_one(WordVector first, WordVector middle, WordVector last) {
+HWY_INLINE VecU16 one_two_one(VecU16 first, VecU16 middle, VecU16 last) {
     return hn::Add(hn::Add(first, last), hn::Add(middle, middle));
 }
 
@@ -50,18 +51,18 @@ HWY_INLINE WordVector one_two_one(WordVector first, WordVector middle, WordVecto
 template <class Mask>
 HWY_INLINE std::uint64_t bits_of(Mask mask) {
     std::uint8_t bytes[8] = {};
-    hn::StoreMaskBits(kBytes, mask, bytes);
+    hn::StoreMaskBits(kU8, mask, bytes);
     std::uint64_t bits;
     std::memcpy(&bits, bytes, sizeof bits);
     return bits;
 }
 
 // Lanes of a word from pixel `at` of the word on.
-HWY_INLINE hn::Mask<Bytes> mask_of(std::uint64_t word, std::size_t at) {
+HWY_INLINE hn::Mask<U8> mask_of(std::uint64_t word, std::size_t at) {
     const std::uint64_t bits = word >> at;
     std::uint8_t bytes[8];
     std::memcpy(bytes, &bits, sizeof bits);
-    return hn::LoadMaskBits(kBytes, bytes);
+    return hn::LoadMaskBits(kU8, bytes);
 }
 
 // The pixels of word i that are neither the first nor the last of a row, nor behind it.
@@ -77,18 +78,18 @@ HWY_INLINE std::uint64_t inner_pixels(std::size_t i, std::size_t width) {
 // Calls visit(at) for each vector of a word, `at` its first pixel.
 template <class Visit>
 HWY_INLINE void by_vectors(const Visit& visit) {
-    for (std::size_t at = 0; at < 64; at += hn::Lanes(kBytes)) visit(at);
+    for (std::size_t at = 0; at < 64; at += hn::Lanes(kU8)) visit(at);
 }
 
 // For every place the bytes of the 3 x 3 around it that are not 0: their sum in the low 12 bits,
 // which nine bytes do not fill, and how many they are in the high 4.
 struct SumsAndCounts {
-    WordVector even;
-    WordVector odd;
+    VecU16 even;
+    VecU16 odd;
 };
 
-HWY_INLINE SumsAndCounts counted(ByteVector bytes) {
-    const ByteVector ones = hn::Min(bytes, hn::Set(kBytes, std::uint8_t{1}));
+HWY_INLINE SumsAndCounts counted(VecU8 bytes) {
+    const VecU8 ones = hn::Min(bytes, hn::Set(kU8, std::uint8_t{1}));
     return {hn::Or(even_bytes(bytes), hn::ShiftLeft<12>(even_bytes(ones))),
             hn::Or(odd_bytes(bytes), hn::ShiftLeft<12>(odd_bytes(ones)))};
 }
@@ -99,28 +100,27 @@ HWY_INLINE SumsAndCounts counted(ByteVector bytes) {
 HWY_INLINE SumsAndCounts sums_around(const std::uint8_t* above, const std::uint8_t* row,
                                      const std::uint8_t* below) {
     const auto column_sums = [&](std::ptrdiff_t from) HWY_ATTR {
-        const SumsAndCounts a = counted(hn::LoadU(kBytes, above + from));
-        const SumsAndCounts b = counted(hn::LoadU(kBytes, row + from));
-        const SumsAndCounts c = counted(hn::LoadU(kBytes, below + from));
+        const SumsAndCounts a = counted(hn::LoadU(kU8, above + from));
+        const SumsAndCounts b = counted(hn::LoadU(kU8, row + from));
+        const SumsAndCounts c = counted(hn::LoadU(kU8, below + from));
         return SumsAndCounts{hn::Add(hn::Add(a.even, b.even), c.even),
                              hn::Add(hn::Add(a.odd, b.odd), c.odd)};
     };
     const SumsAndCounts left = column_sums(-1);
     const SumsAndCounts right = column_sums(1);
-    const WordVector shared = hn::Add(left.odd, right.even);
+    const VecU16 shared = hn::Add(left.odd, right.even);
     return {hn::Add(left.even, shared), hn::Add(shared, right.odd)};
 }
 
-HWY_INLINE WordVector sums_of(WordVector sums_and_counts) {
-    return hn::And(sums_and_counts, hn::Set(kWords, std::uint16_t{0xFFF}));
+HWY_INLINE VecU16 sums_of(VecU16 sums_and_counts) {
+    return hn::And(sums_and_counts, hn::Set(kU16, std::uint16_t{0xFFF}));
 }
 
-HWY_INLINE WordVector counts_of(WordVector sums_and_counts) {
+HWY_INLINE VecU16 counts_of(VecU16 sums_and_counts) {
     return hn::ShiftRight<12>(sums_and_counts);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace simd
+}  // namespace simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#endif  // VEMOPREPRO_SIMD_WORD_VECTORS_H_
+#endif  // VEMOPREPRO_SIMD_VECTORS_H_
