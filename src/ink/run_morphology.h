@@ -1,59 +1,57 @@
-// Morphology on runs of ink: gaps filled, short runs removed, runs widened or narrowed, along the
+// Morphology on runs of ink: gaps filled, short runs removed, runs dilated or eroded, along the
 // rows or the columns of a zone of a bitonal image.
 //
-// All eight change the columns x0 <= x < x1 and the rows y0 <= y < y1 of `image` in place; ink is
-// the 1-bits, a run a maximal stretch of ink inside the zone. Pixels outside the zone are neither
-// used nor changed, also those that share a byte with it. They return 0, or -1 with the image
-// unchanged and a record in the error log when there is no memory. They do not throw.
+// Use: dilate(Along::kRows, 3, page, common::whole(page));
 //
-// A zone without columns or rows and an `n` below 1 change nothing.
+// All operations change the zone's pixels in place; ink is the 1-bits, a run a maximal stretch of
+// ink inside the zone. Pixels outside the zone are neither used nor changed, also those that share
+// a byte with it. A zone without columns or rows and an `n` below 1 change nothing.
 //
 // Keep true: the zone lies inside the image.
 #pragma once
 
 #include <cstdint>
-#include <new>
 
+#include "common/rectangle.h"
+#include "common/views.h"
 #include "diag/logger.h"
 
 namespace ink {
 
+enum class Along { kRows, kColumns };
+
+// The four throw std::bad_alloc, with the image unchanged.
+
 // Fills the gaps of fewer than `n` pixels between two runs. The white before the first and after
 // the last run is no gap.
-std::int32_t h_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                         std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                         std::int32_t y1);
-std::int32_t v_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                         std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                         std::int32_t y1);
+void fill_gaps(Along along, std::int32_t n, common::MutableBitonalView page,
+               const common::Rectangle& zone);
 
 // Clears the runs of fewer than `n` pixels.
-std::int32_t h_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                            std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                            std::int32_t y1);
-std::int32_t v_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                            std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                            std::int32_t y1);
+void remove_short(Along along, std::int32_t n, common::MutableBitonalView page,
+                  const common::Rectangle& zone);
 
 // Widens every run by `n` pixels at both ends, up to the border of the zone.
-std::int32_t h_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                      std::int32_t y1);
-std::int32_t v_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                      std::int32_t y1);
+void dilate(Along along, std::int32_t n, common::MutableBitonalView page,
+            const common::Rectangle& zone);
 
 // Takes `n` pixels from both ends of every run of more than 2 n pixels and clears the others.
-std::int32_t h_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                     std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                     std::int32_t y1);
-std::int32_t v_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                     std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                     std::int32_t y1);
+void erode(Along along, std::int32_t n, common::MutableBitonalView page,
+           const common::Rectangle& zone);
 
-// Throws std::bad_alloc for the result of an operation that had no memory.
-inline void require_memory(std::int32_t result) {
-    if (result < 0) throw std::bad_alloc();
-}
+// The same along rows (h) and along columns (v) of the zone x0 <= x < x1, y0 <= y < y1, for callers
+// with an error log: these return 0, or -1 with the image unchanged and a record in the log when
+// there is no memory, and do not throw. Nothing calls them yet: the families have no log.
+using LoggedRunOperation = std::int32_t(diag::LoggerSlot logger, std::int32_t n,
+                                        std::uint8_t* image, std::int32_t stride, std::int32_t x0,
+                                        std::int32_t x1, std::int32_t y0, std::int32_t y1);
+LoggedRunOperation h_fill_gaps;
+LoggedRunOperation v_fill_gaps;
+LoggedRunOperation h_remove_short;
+LoggedRunOperation v_remove_short;
+LoggedRunOperation h_dilate;
+LoggedRunOperation v_dilate;
+LoggedRunOperation h_erode;
+LoggedRunOperation v_erode;
 
 }  // namespace ink

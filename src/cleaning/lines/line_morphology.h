@@ -4,8 +4,8 @@
 // Use: const LineMorphology morphology(direction, stride, zone); morphology.dilate_across(1,
 // image);
 //
-// Keep true: all images have the geometry of the page. Throws std::bad_alloc where run_morphology.h
-// reports a failure.
+// Keep true: all images have the geometry of the page. Throws std::bad_alloc where there is no
+// memory.
 #pragma once
 
 #include <cstdint>
@@ -18,43 +18,42 @@ namespace cleaning {
 class LineMorphology {
   public:
     LineMorphology(LineDirection direction, std::int32_t stride, const LineZone& zone)
-        : along_(direction == LineDirection::kHorizontal ? kRows : kColumns),
-          across_(direction == LineDirection::kHorizontal ? kColumns : kRows),
+        : along_(direction == LineDirection::kHorizontal ? ink::Along::kRows
+                                                         : ink::Along::kColumns),
+          across_(direction == LineDirection::kHorizontal ? ink::Along::kColumns
+                                                          : ink::Along::kRows),
           stride_(stride),
           zone_(zone) {}
 
     void fill_gaps_along(std::int32_t n, std::uint8_t* image) const {
-        run(along_.fill_gaps, n, image);
+        run(ink::fill_gaps, along_, n, image);
     }
     void fill_gaps_across(std::int32_t n, std::uint8_t* image) const {
-        run(across_.fill_gaps, n, image);
+        run(ink::fill_gaps, across_, n, image);
     }
     void remove_short_along(std::int32_t n, std::uint8_t* image) const {
-        run(along_.remove_short, n, image);
+        run(ink::remove_short, along_, n, image);
     }
     void remove_short_across(std::int32_t n, std::uint8_t* image) const {
-        run(across_.remove_short, n, image);
+        run(ink::remove_short, across_, n, image);
     }
-    void dilate_along(std::int32_t n, std::uint8_t* image) const { run(along_.dilate, n, image); }
-    void dilate_across(std::int32_t n, std::uint8_t* image) const { run(across_.dilate, n, image); }
+    void dilate_along(std::int32_t n, std::uint8_t* image) const {
+        run(ink::dilate, along_, n, image);
+    }
+    void dilate_across(std::int32_t n, std::uint8_t* image) const {
+        run(ink::dilate, across_, n, image);
+    }
 
   private:
-    using Operation = decltype(&ink::h_dilate);
-    struct Operations {
-        Operation fill_gaps;
-        Operation remove_short;
-        Operation dilate;
-    };
-    static constexpr Operations kRows{ink::h_fill_gaps, ink::h_remove_short, ink::h_dilate};
-    static constexpr Operations kColumns{ink::v_fill_gaps, ink::v_remove_short, ink::v_dilate};
+    using Operation = decltype(ink::dilate);
 
-    void run(Operation operation, std::int32_t n, std::uint8_t* image) const {
-        ink::require_memory(
-            operation(nullptr, n, image, stride_, zone_.x0, zone_.x1, zone_.y0, zone_.y1));
+    void run(Operation operation, ink::Along along, std::int32_t n, std::uint8_t* image) const {
+        operation(along, n, {image, zone_.y1, zone_.x1, stride_},
+                  {zone_.x0, zone_.x1, zone_.y0, zone_.y1});
     }
 
-    const Operations& along_;
-    const Operations& across_;
+    ink::Along along_;
+    ink::Along across_;
     std::int32_t stride_;
     LineZone zone_;
 };

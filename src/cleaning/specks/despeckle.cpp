@@ -48,11 +48,8 @@ class JudgedRule {
 };
 
 void widen(common::MutableBitonalView page, std::int32_t distance) {
-    const auto stride = static_cast<std::int32_t>(page.stride);
-    ink::require_memory(
-        ink::h_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
-    ink::require_memory(
-        ink::v_dilate(nullptr, distance, page.data, stride, 0, page.width, 0, page.height));
+    ink::dilate(ink::Along::kRows, distance, page, common::whole(page));
+    ink::dilate(ink::Along::kColumns, distance, page, common::whole(page));
 }
 
 template <class Rule>

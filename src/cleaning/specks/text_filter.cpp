@@ -59,8 +59,7 @@ void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t*
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
     const auto stride = static_cast<std::int32_t>(page.stride);
     ink::PageCopy copy(page);
-    ink::require_memory(
-        ink::h_fill_gaps(nullptr, 2, page.data, stride, 0, page.width, 0, page.height));
+    ink::fill_gaps(ink::Along::kRows, 2, page, common::whole(page));
     ink::stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
                            TextRule(shape));
     ink::and_page(page, copy.view());
