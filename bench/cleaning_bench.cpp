@@ -20,7 +20,7 @@ std::size_t page_bytes() {
 }
 
 struct KeepingRule {
-    std::int32_t finished(ink::ComponentEngine&, std::int32_t) { return 0; }
+    bool finished(ink::ComponentEngine&, std::int32_t) { return true; }
     bool settled(const ink::component&) const { return false; }
 };
 

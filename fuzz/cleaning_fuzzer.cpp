@@ -37,11 +37,11 @@ struct ErasingRule {
     std::int64_t area = 0;
     std::int32_t count = 0;
 
-    std::int32_t finished(ink::ComponentEngine& engine, std::int32_t slot) {
+    bool finished(ink::ComponentEngine& engine, std::int32_t slot) {
         area += engine.components[slot].area;
         ++count;
         engine.erase_ink(slot, ink_value, image, stride);
-        return 0;
+        return true;
     }
     bool settled(const ink::component& open) const { return open.area > settled_above; }
 };
@@ -59,7 +59,7 @@ void check_components(const Bytes& page, int height, int width, int stride, int 
 
     Bytes erased = page;
     ErasingRule rule{erased.data(), stride, ink_value, settled_above};
-    check(ink::scan_components(view, 0, width, ink_value, nullptr, rule) == 0);
+    ink::scan_components(view, 0, width, ink_value, nullptr, rule);
     check(rule.area == area && rule.count == found.count);
     if (settled_above != UINT32_MAX) return;
     // Without early release every run was there to be erased.

@@ -31,7 +31,7 @@ struct Placement {
     bool whole;           // as one; otherwise sheared, and the other members mean nothing
 };
 
-bool moves_whole(const ink::LabelledComponent& box, int yskew) {
+bool moves_whole(const ink::ComponentBox& box, int yskew) {
     const std::int64_t steepness = std::abs(yskew);
     return (box.y1 - box.y0) * steepness < kSkewScale && (box.x1 - box.x0) * steepness < kSkewScale;
 }
@@ -97,7 +97,7 @@ class ComponentShear {
     }
 
   private:
-    Placement placement(const ink::LabelledComponent& box) const {
+    Placement placement(const ink::ComponentBox& box) const {
         if (!moves_whole(box, page_.yskew())) return {};
         const std::int64_t right = page_.row_shift((box.y0 + box.y1) / 2);
         const std::int64_t down = page_.column_shift((box.x0 + box.x1) / 2 + right);

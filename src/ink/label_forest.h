@@ -1,7 +1,7 @@
-// The forest of provisional labels of a page labelling, with what each label has collected.
+// The labels of a page labelling (row_labels.h), with the box that each label has collected.
 //
-// Use: add() for a run that touches nothing above it; root() and unite() where labels meet;
-// extend() for every further run; resolve() once at the end, then number() and take_components().
+// Use: label_row(above, row, y, forest) for every row, then resolve(), then number() and
+// take_components().
 //
 // Keep true: labels are given in raster order. Roots are the smallest of their trees, so a label is
 // never below its parent, one ascending pass resolves the forest, and the numbering follows the
@@ -13,8 +13,10 @@
 #include <cstdint>
 #include <utility>
 
+#include "common/views.h"
 #include "frame/buffer.h"
-#include "ink/run_labels.h"
+#include "ink/component_box.h"
+#include "ink/row_labels.h"
 
 namespace ink {
 
@@ -26,56 +28,41 @@ class LabelForest {
                                                       kPixelsPerLabel,
                                                   64, kMaxFirstCapacity)) {}
 
-    std::int32_t add(std::int32_t x0, std::int32_t x1, std::int32_t y) {
+    // What label_row() calls.
+    std::int32_t start(const PixelRun& run, std::int32_t y) {
         if (static_cast<std::size_t>(size_) == parents_.size()) grow();
         const std::int32_t label = size_++;
         parent(label) = label;
-        node(label) = LabelledComponent{x0, x1, y, y + 1, std::int64_t{x1} - x0, 1};
+        box(label) = ComponentBox::of(run, y);
         return label;
     }
-
-    void extend(std::int32_t label, std::int32_t x0, std::int32_t x1, std::int32_t y) {
-        LabelledComponent& grown = node(label);
-        grown.x0 = std::min(grown.x0, x0);
-        grown.x1 = std::max(grown.x1, x1);
-        grown.y1 = y + 1;
-        grown.area += std::int64_t{x1} - x0;
-        ++grown.run_count;
-    }
-
     std::int32_t root(std::int32_t label) {
-        while (parent(label) != label) {
-            parent(label) = parent(parent(label));
-            label = parent(label);
-        }
-        return label;
+        return find_root(label, [this](std::int32_t i) -> std::int32_t& { return parent(i); });
     }
-
-    // Both are roots; returns the one of the two that stays.
     std::int32_t unite(std::int32_t a, std::int32_t b) {
         if (a > b) std::swap(a, b);
         parent(b) = a;
         return a;
     }
+    std::int32_t extend(std::int32_t, std::int32_t root, const PixelRun& run, std::int32_t y) {
+        box(root).add(run, y);
+        return root;
+    }
+    void pass(std::int32_t) {}
 
-    // Turns the parents into dense numbers and the nodes into finished components at the front.
+    // Turns the parents into dense numbers and the boxes into finished components at the front.
     // Returns their number.
     std::int32_t resolve() {
         std::int32_t count = 0;
         for (std::int32_t label = 0; label < size_; ++label) {
-            const LabelledComponent part = node(label);
+            const ComponentBox part = box(label);
             if (parent(label) == label) {
-                node(count) = part;
+                box(count) = part;
                 parent(label) = count++;
                 continue;
             }
             parent(label) = parent(parent(label));
-            LabelledComponent& whole = node(parent(label));
-            whole.x0 = std::min(whole.x0, part.x0);
-            whole.x1 = std::max(whole.x1, part.x1);
-            whole.y1 = std::max(whole.y1, part.y1);
-            whole.area += part.area;
-            whole.run_count += part.run_count;
+            box(parent(label)).add(part);
         }
         return count;
     }
@@ -84,7 +71,7 @@ class LabelForest {
         return parents_[static_cast<std::size_t>(label)];
     }
 
-    frame::Buffer<LabelledComponent> take_components() { return std::move(nodes_); }
+    frame::Buffer<ComponentBox> take_components() { return std::move(boxes_); }
 
   private:
     // More labels than nearly any page of text has: memory that is not touched costs nothing,
@@ -93,22 +80,22 @@ class LabelForest {
     static constexpr std::size_t kMaxFirstCapacity = std::size_t{1} << 20;
 
     std::int32_t& parent(std::int32_t label) { return parents_[static_cast<std::size_t>(label)]; }
-    LabelledComponent& node(std::int32_t label) { return nodes_[static_cast<std::size_t>(label)]; }
+    ComponentBox& box(std::int32_t label) { return boxes_[static_cast<std::size_t>(label)]; }
 
     void grow() {
         const std::size_t used = static_cast<std::size_t>(size_);
         const std::size_t capacity = used == 0 ? first_capacity_ : 2 * used;
         frame::Buffer<std::int32_t> parents(capacity);
-        frame::Buffer<LabelledComponent> nodes(capacity);
+        frame::Buffer<ComponentBox> boxes(capacity);
         std::copy_n(parents_.begin(), used, parents.begin());
-        std::copy_n(nodes_.begin(), used, nodes.begin());
+        std::copy_n(boxes_.begin(), used, boxes.begin());
         parents_ = std::move(parents);
-        nodes_ = std::move(nodes);
+        boxes_ = std::move(boxes);
     }
 
     std::size_t first_capacity_;
     frame::Buffer<std::int32_t> parents_;
-    frame::Buffer<LabelledComponent> nodes_;
+    frame::Buffer<ComponentBox> boxes_;
     std::int32_t size_ = 0;
 };
 

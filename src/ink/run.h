@@ -1,4 +1,4 @@
-// A run of ink: the record that bitonal components are made of.
+// Runs of ink: the record that lists of bitonal components are made of, and the plain pair.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +23,15 @@ constexpr std::int32_t unsigned_coordinate(std::int16_t stored) {
 constexpr std::int16_t stored_coordinate(std::int32_t value) {
     return static_cast<std::int16_t>(value);
 }
+
+// A run of a row that is known.
+struct PixelRun {
+    std::int32_t x0;  // first ink pixel
+    std::int32_t x1;  // one past the last ink pixel
+
+    std::int32_t length() const { return x1 - x0; }
+};
+
+static_assert(sizeof(PixelRun) == 2 * sizeof(std::int32_t));  // as extract_runs() writes them
 
 }  // namespace ink

@@ -17,44 +17,10 @@
 #include <utility>
 
 #include "ink/label_forest.h"
+#include "ink/row_labels.h"
 #include "simd/bits/run_edges.h"
 
 namespace ink {
-namespace {
-
-static_assert(sizeof(PixelRun) == 2 * sizeof(std::int32_t));
-
-// The runs of a row; each has a place for its label.
-struct LabelledRow {
-    const PixelRun* runs;
-    std::int32_t* labels;
-    std::size_t count;
-};
-
-// Labels the runs of row y from those of the row above, which are labelled.
-void label_row(const LabelledRow& above, const LabelledRow& row, std::int32_t y,
-               LabelForest& forest) {
-    std::size_t a = 0;
-    for (std::size_t i = 0; i < row.count; ++i) {
-        const auto [x0, x1] = row.runs[i];
-        while (a < above.count && above.runs[a].x1 < x0) ++a;
-        if (a == above.count || above.runs[a].x0 > x1) {
-            row.labels[i] = forest.add(x0, x1, y);
-            continue;
-        }
-        std::int32_t label = forest.root(above.labels[a]);
-        // The last run above that touches this one may touch the next one too.
-        while (a + 1 < above.count && above.runs[a + 1].x0 <= x1) {
-            const std::int32_t other = forest.root(above.labels[++a]);
-            if (other != label) label = forest.unite(label, other);
-        }
-        forest.extend(label, x0, x1, y);
-        row.labels[i] = label;
-    }
-}
-
-}  // namespace
-
 RunLabels label_runs(common::BitonalView page, int ink_value) {
     const bool invert = ink_value != 0;
     const std::int32_t height = std::max(page.height, 0);
@@ -74,10 +40,10 @@ RunLabels label_runs(common::BitonalView page, int ink_value) {
     simd::extract_rows(page.data, page.stride, height, page.width, invert, &result.runs.data()->x0);
 
     LabelForest forest(page);
-    LabelledRow above{};
+    RowRuns above;
     for (std::int32_t y = 0; y < height; ++y) {
-        const LabelledRow row{result.runs.data() + offsets[y],
-                              result.label_of_run.data() + offsets[y], offsets[y + 1] - offsets[y]};
+        const RowRuns row{result.runs.data() + offsets[y], result.label_of_run.data() + offsets[y],
+                          offsets[y + 1] - offsets[y]};
         label_row(above, row, y, forest);
         above = row;
     }
@@ -90,20 +56,13 @@ RunLabels label_runs(common::BitonalView page, int ink_value) {
 PageComponents find_components(common::BitonalView page, int ink_value) {
     PageComponents result;
     if (page.height <= 0 || page.width <= 0) return result;
-    const std::size_t most_runs = static_cast<std::size_t>(page.width) / 2 + 1;
-    frame::Buffer<PixelRun> runs[2] = {frame::Buffer<PixelRun>(most_runs + simd::kRunSlack),
-                                       frame::Buffer<PixelRun>(most_runs + simd::kRunSlack)};
-    frame::Buffer<std::int32_t> labels[2] = {frame::Buffer<std::int32_t>(most_runs),
-                                             frame::Buffer<std::int32_t>(most_runs)};
     LabelForest forest(page);
-    LabelledRow above{};
+    LabelledRuns row(page.width);
+    LabelledRuns above(page.width);
     for (std::int32_t y = 0; y < page.height; ++y) {
-        PixelRun* const row_runs = runs[y % 2].data();
-        const std::int32_t values =
-            simd::extract_runs(page.row(y), 0, page.width, ink_value != 0, &row_runs->x0);
-        const LabelledRow row{row_runs, labels[y % 2].data(), static_cast<std::size_t>(values) / 2};
-        label_row(above, row, y, forest);
-        above = row;
+        row.extract(ink_value, page.row(y), 0, page.width);
+        label_row(above.runs(), row.runs(), y, forest);
+        std::swap(row, above);
     }
     result.count = forest.resolve();
     result.components = forest.take_components();

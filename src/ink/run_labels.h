@@ -19,25 +19,13 @@
 
 #include "common/views.h"
 #include "frame/buffer.h"
+#include "ink/component_box.h"
+#include "ink/run.h"
 
 namespace ink {
 
-struct PixelRun {
-    std::int32_t x0;
-    std::int32_t x1;
-};
-
-struct LabelledComponent {
-    std::int32_t x0;
-    std::int32_t x1;
-    std::int32_t y0;
-    std::int32_t y1;
-    std::int64_t area;       // ink pixels
-    std::int32_t run_count;  // never 0
-};
-
 struct PageComponents {
-    frame::Buffer<LabelledComponent> components;  // may be larger than count
+    frame::Buffer<ComponentBox> components;  // may be larger than count
     std::int32_t count = 0;
 };
 
@@ -45,7 +33,7 @@ struct RunLabels {
     frame::Buffer<std::size_t> row_offsets;  // height + 1: the runs of row y are [y] .. [y + 1] - 1
     frame::Buffer<PixelRun> runs;            // may be larger than run_count
     frame::Buffer<std::int32_t> label_of_run;
-    frame::Buffer<LabelledComponent> components;  // may be larger than component_count
+    frame::Buffer<ComponentBox> components;  // may be larger than component_count
     std::size_t run_count = 0;
     std::int32_t component_count = 0;
 };

@@ -8,9 +8,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <new>
 
 #include "ink/column_strips.h"
+#include "ink/logged_status.h"
 #include "ink/row_batches.h"
 #include "ink/sliding_windows.h"
 
@@ -47,14 +47,9 @@ using RunOperation = decltype(dilate);
 template <RunOperation kOperation>
 std::int32_t logged(diag::LoggerSlot logger, Along along, std::int32_t n, std::uint8_t* image,
                     std::int32_t stride, const common::Rectangle& zone) {
-    try {
+    return logged_status(logger, diag::kListGrowthCode, [&] {
         kOperation(along, n, {image, zone.y1, zone.x1, stride}, zone);
-        return 0;
-    } catch (const std::bad_alloc&) {
-        diag::report(logger, diag::kOwner, diag::kErrorLevel, diag::kListGrowthCode,
-                     diag::kNoMemoryText);
-        return -1;
-    }
+    });
 }
 
 }  // namespace

@@ -24,41 +24,25 @@ struct ExtentRule {
     std::uint8_t* covered;
     std::int32_t count = 0;
 
-    static constexpr std::int32_t kFull = 1;
-
     std::int32_t extent(const ink::component& c) const {
         return horizontal ? c.width() : c.height();
     }
 
-    std::int32_t finished(ink::ComponentEngine& engine, std::int32_t slot) {
+    bool finished(ink::ComponentEngine& engine, std::int32_t slot) {
         const ink::component& found = engine.components[slot];
         const std::int32_t length = extent(found);
         if (length <= min_extent) {
             engine.erase_ink(slot, ink_value, image, stride);
-            return 0;
+            return true;
         }
-        if (count == kMaxUnderlines) return kFull;
+        if (count == kMaxUnderlines) return false;
         ++count;
-        return ink::paint_span(covered, ink::unsigned_coordinate(horizontal ? found.x0 : found.y0),
-                               length, 1);
+        ink::paint_span(covered, ink::unsigned_coordinate(horizontal ? found.x0 : found.y0), length,
+                        1);
+        return true;
     }
     bool settled(const ink::component& open) const { return extent(open) > min_extent; }
 };
-
-// A rule that is full ends the step, not the scan.
-std::int32_t scan(common::BitonalView page, const UnderlineSettings& settings, ExtentRule& rule) {
-    if (page.height > ink::kMaxRunCoordinate || settings.x1 > ink::kMaxRunCoordinate) return -1;
-    ink::ComponentEngine engine;
-    if (engine.begin(static_cast<std::int32_t>(page.stride)) < 0) return -1;
-    for (std::int32_t r = 0; r < page.height; ++r) {
-        engine.extract_row(settings.ink_value, page.row(r), settings.x0, settings.x1 - settings.x0);
-        if (engine.label_row(r) < 0) return -1;
-        engine.finish_components(r, rule);
-        engine.next_row();
-    }
-    engine.finish_components(page.height, rule);
-    return 0;
-}
 
 void extract_candidates(common::BitonalView source, std::uint8_t* target, LineDirection direction,
                         const UnderlineSettings& settings) {
@@ -90,7 +74,7 @@ std::int32_t extract_underlines(common::BitonalView source, std::uint8_t* target
     ExtentRule rule{
         target, source.stride, horizontal, settings.ink_value, settings.min_extent, covered.data()};
     const common::BitonalView page{target, source.height, source.width, source.stride};
-    if (scan(page, settings, rule) < 0) return -1;
+    ink::scan_components(page, settings.x0, settings.x1, settings.ink_value, nullptr, rule);
     return static_cast<std::int32_t>(
         ink::count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
 }

@@ -22,8 +22,9 @@ struct UnderlineSettings {
 };
 
 // Writes the lines of the source into the target, which has its geometry; the width is that of the
-// stride. Returns the number of columns, or rows when vertical, that have a line, or -1 for a page
-// that is too large (run.h). Throws std::bad_alloc, the target then holds an intermediate state.
+// stride. Returns the number of columns, or rows when vertical, that have a line. Throws
+// std::bad_alloc, and std::length_error for a page that is too large (run.h); the target is then in
+// an intermediate state.
 //
 // From line kMaxUnderlines + 1 on lines are not counted: the scan goes on, but from each row's
 // finished components only those before the first uncounted line are looked at, so that short ones

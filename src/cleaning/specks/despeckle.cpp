@@ -25,7 +25,7 @@ class AreaRule {
 
     explicit AreaRule(std::int32_t max_area) : max_area_(max_area) {}
 
-    bool stays(const ink::OpenComponent& open) const { return open.area > max_area_; }
+    bool settled(const ink::OpenComponent& open) const { return open.area > max_area_; }
     bool erases(const ink::OpenComponent&) const { return true; }
 
   private:
@@ -38,9 +38,9 @@ class JudgedRule {
 
     explicit JudgedRule(const ComponentJudge& judge) : judge_(judge) {}
 
-    bool stays(const ink::OpenComponent&) const { return false; }
+    bool settled(const ink::OpenComponent&) const { return false; }
     bool erases(const ink::OpenComponent& ended) const {
-        return judge_.erases(ended.height(), ended.width(), ended.area);
+        return judge_.erases(ended.height(), ended.width(), static_cast<std::uint32_t>(ended.area));
     }
 
   private:

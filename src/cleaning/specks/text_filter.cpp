@@ -23,7 +23,7 @@ class TextRule {
 
     explicit TextRule(const TextShape& shape) : shape_(shape) {}
 
-    bool stays(const ink::OpenComponent&) const { return false; }
+    bool settled(const ink::OpenComponent&) const { return false; }
     bool erases(const ink::OpenComponent& ended) const {
         const std::int64_t height = ended.height();
         const std::int64_t width = ended.width();
