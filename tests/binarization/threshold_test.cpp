@@ -51,9 +51,20 @@ struct Case {
     unsigned char smooth;
     int thresh;
     bool drops;
-    int out_size;  // of the grey image
+    bool undithering;
+    int resolution;  // of the grey image; the other calls take 300 dots per inch
+    int out_size;    // of the grey image
     Bytes page;
 };
+
+// An ordered dither, at a third of that in a colour page.
+void screen_rows(Bytes& page, std::size_t row_bytes) {
+    constexpr std::uint8_t kCell[2][2] = {{250, 30}, {10, 60}};
+    for (std::size_t i = 0; i < page.size(); ++i) {
+        const std::size_t x = i % row_bytes / 3, y = i / row_bytes;
+        page[i] = static_cast<std::uint8_t>(kCell[y / 2 % 2][x / 2 % 2] + page[i] % 6);
+    }
+}
 
 Case random_case(support::Random& random, std::uint32_t seed) {
     Case made{};
@@ -74,6 +85,9 @@ Case random_case(support::Random& random, std::uint32_t seed) {
     // Tones without the steps that call for smoothing, or all levels.
     made.page = random_page(row_bytes(made.type, width) * static_cast<std::size_t>(made.at.y1),
                             random.chance(0.3) ? 180 : 0, seed);
+    made.undithering = random.chance(0.5);
+    made.resolution = random.chance(0.5) ? 72 : 300;
+    if (random.chance(0.3)) screen_rows(made.page, row_bytes(made.type, width));
     return made;
 }
 
@@ -106,12 +120,14 @@ void compare_threshold(const Case& c) {
     settings.smooth = c.smooth;
     settings.thresh = static_cast<unsigned char>(c.thresh);
     settings.nb_threads = c.threads;
+    settings.undithering = c.undithering;
     settings.dropout = c.drops ? RecordingDropout::decide : nullptr;
     const SettingsHandle handle(kRead);
     bi_set_image_pointer(handle, c.page.data());
     bi_set_smooth(handle, c.smooth);
     bi_set_thresh(handle, settings.thresh);
     bi_set_nb_threads(handle, c.threads);
+    bi_set_undithering(handle, c.undithering ? 2 : 0);
     compare(
         c, bitonal_size(at),
         [&](RecordingReader* source, RecordingDropout* dropout, unsigned char* out) {
@@ -153,8 +169,8 @@ void compare_grey(const Case& c) {
         uses_image ? static_cast<const void*>(words) : reinterpret_cast<const void*>(1);
     const auto with = [&](auto call) {
         return [&, call](RecordingReader* source, RecordingDropout*, unsigned char* out) {
-            return call(c.smooth, kRead, source, record, c.type, at.width, 300, at.x0, at.x1, at.y0,
-                        at.y1, out, c.out_size, c.threads, 0);
+            return call(c.smooth, kRead, source, record, c.type, at.width, c.resolution, at.x0,
+                        at.x1, at.y0, at.y1, out, c.out_size, c.threads, c.undithering ? 9 : 0);
         };
     };
     compare(c, static_cast<std::size_t>(c.out_size), with(model::bi_color2greybuf),
@@ -250,7 +266,7 @@ TEST(Threshold, AutomaticThresholdOfLargeRegions) {
             if (i % 1000 < 300) bytes[i] = 250;
             if (i % 1000 >= 300 && i % 1000 < 600) bytes[i] = i % 2 == 0 ? 40 : 60;
         }
-        compare_threshold({1, at, 1, 0, 0, false, 0, bytes});
+        compare_threshold({1, at, 1, 0, 0, false, false, 300, 0, bytes});
     }
 }
 

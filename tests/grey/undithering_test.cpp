@@ -168,6 +168,8 @@ TEST(Undithering, GivesTheModelsBytes) {
         [&](int x, int y) { return y < 70 ? screens(4, 45)(x, y) : print(x, y); },
         [&](int x, int y) { return (x / 40 + y / 30) % 3 == 0 ? print(x, y) : bayer(4)(x, y); },
         [&](int x, int y) { return (bayer(4)(x, y) + random.byte()) / 2; },
+        // Contrast that grows from nothing.
+        [&](int x, int y) { return 90 + (bayer(4)(x, y) > 128 ? x / 4 : 0); },
         [](int x, int y) { return x % 4 < 2 || y % 60 == 0 ? 0 : 255; },
     };
     const struct {
@@ -178,32 +180,31 @@ TEST(Undithering, GivesTheModelsBytes) {
     int changed = 0;
     for (const auto& kind : kinds) {
         for (const auto& [width, height, resolution] : sizes) {
-            for (const int parameter : {1, 251}) {
-                const int stride = width + random.between(0, 1) * random.between(1, 40);
-                const int left = random.between(0, 50);
-                Bytes page;
-                Bytes view = support::random_bytes(model::offset(height, stride, 0), 9);
-                for (int y = 0; y < height; ++y) {
-                    for (int x = 0; x < width; ++x) {
-                        page.push_back(static_cast<std::uint8_t>(kind(left + x, y)));
-                        view[model::offset(y, stride, x)] = page.back();
-                    }
+            const int parameter = random.between(1, 251);
+            const int stride = width + (random.chance(0.5) ? random.between(1, 40) : 0);
+            const int left = random.between(0, 50);
+            Bytes page;
+            Bytes view = support::random_bytes(model::offset(height, stride, 0), 9);
+            for (int y = 0; y < height; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    page.push_back(static_cast<std::uint8_t>(kind(left + x, y)));
+                    view[model::offset(y, stride, x)] = page.back();
                 }
-                const Bytes undone = model::undithered(page, height, width, parameter, resolution);
-                changed += undone != page;
-                Bytes expected = view;
-                for (int y = 0; y < height; ++y) {
-                    std::copy_n(&undone[model::offset(y, width, 0)], width,
-                                &expected[model::offset(y, stride, 0)]);
-                }
-                grey::undither({view.data(), height, width, stride}, parameter, resolution);
-                ASSERT_EQ(view, expected)
-                    << "kind " << &kind - kinds << ", " << width << " x " << height << ", stride "
-                    << stride << ", parameter " << parameter << ", resolution " << resolution;
             }
+            const Bytes undone = model::undithered(page, height, width, parameter, resolution);
+            changed += undone != page;
+            Bytes expected = view;
+            for (int y = 0; y < height; ++y) {
+                std::copy_n(&undone[model::offset(y, width, 0)], width,
+                            &expected[model::offset(y, stride, 0)]);
+            }
+            grey::undither({view.data(), height, width, stride}, parameter, resolution);
+            ASSERT_EQ(view, expected)
+                << "kind " << &kind - kinds << ", " << width << " x " << height << ", stride "
+                << stride << ", parameter " << parameter << ", resolution " << resolution;
         }
     }
-    EXPECT_GT(changed, 60);
+    EXPECT_GT(changed, 40);
 }
 
 // A screened picture on a page with print: the picture changes, the print does not.

@@ -2,8 +2,7 @@
 //
 // The source is delivered by the caller's reader (mode 0: top row, mode 1: next row) exactly as
 // often and in the same order as by the library, so a reader that records its calls can compare the
-// two. The undithering stage is taken as one that finds nothing to undo. The caller keeps the
-// region inside the source.
+// two. The caller keeps the region inside the source.
 #pragma once
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "pixels.h"
+#include "undithering_model.h"
 
 namespace model {
 
@@ -58,8 +58,6 @@ struct Rows {
     }
 };
 
-using Grey = std::vector<unsigned char>;
-
 // Calls visit(grey, pixel) for every pixel of the region; `row_of(k)` is row y0 + k of the source.
 template <typename RowOf, typename Visit>
 void for_each_pixel(const Region& at, int bytes, Grey& grey, RowOf row_of, Visit visit) {
@@ -70,7 +68,7 @@ void for_each_pixel(const Region& at, int bytes, Grey& grey, RowOf row_of, Visit
     }
 }
 
-// The conversion and the hold on strong light colours, each by a pass of its own where a reader
+// The conversion and the clamping of strong light colours, each by a pass of its own where a reader
 // delivers the rows; start() begins a pass and gives its row_of.
 template <typename Start>
 void grey_of_source(Start start, int type, const Region& at, Grey& grey) {
@@ -111,7 +109,8 @@ inline Grey smoothed(const Grey& grey, int h, int w, int p) {
 
 // `image_record` points at four words, of which the fourth is the address of the whole source.
 inline int prepare_grey(int smooth, RowReader reader, void* ctx, const void* image_record, int type,
-                        const Region& at, int nb_threads, Grey& grey) {
+                        const Region& at, int resolution, int nb_threads, bool undithering,
+                        Grey& grey) {
     if (!at.valid() || type < 1 || type > 3) return -1;
     grey.assign(offset(at.h(), at.w(), 0), 0);
     if (type == 3 && std::min(nb_threads, at.h() / 50) >= 2) {
@@ -122,18 +121,21 @@ inline int prepare_grey(int smooth, RowReader reader, void* ctx, const void* ima
     } else {
         grey_of_source([&] { return Rows(reader, ctx, type == 1 ? 1 : 3, at); }, type, at, grey);
     }
-    if (at.h() > 1 && at.w() > 1 && smooth != 0 && has_steep_edge(grey, at.h(), at.w()))
-        grey = smoothed(grey, at.h(), at.w(), 256 - smooth);
+    if (at.h() == 1 || at.w() == 1 || smooth == 0 || !has_steep_edge(grey, at.h(), at.w()))
+        return 0;
+    const int p = 256 - smooth;
+    if (undithering) grey = undithered(grey, at.h(), at.w(), std::max(1, p - 4), resolution);
+    grey = smoothed(grey, at.h(), at.w(), p);
     return 0;
 }
 
 inline int bi_color2greybuf(unsigned char smooth, RowReader reader, void* ctx,
-                            const void* image_record, int type, int width, int /*resolution*/,
-                            int x0, int x1, int y0, int y1, unsigned char* out, int out_size,
-                            int nb_threads, unsigned char /*undithering*/) {
+                            const void* image_record, int type, int width, int resolution, int x0,
+                            int x1, int y0, int y1, unsigned char* out, int out_size,
+                            int nb_threads, unsigned char undithering) {
     Grey grey;
-    if (prepare_grey(smooth, reader, ctx, image_record, type, {width, x0, x1, y0, y1}, nb_threads,
-                     grey) != 0)
+    if (prepare_grey(smooth, reader, ctx, image_record, type, {width, x0, x1, y0, y1}, resolution,
+                     nb_threads, undithering != 0, grey) != 0)
         return -1;
     if (out_size > 0) std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
     return 0;
@@ -188,6 +190,7 @@ struct BiSettings {
     const unsigned char* image_record[4] = {};  // the fourth is the image pointer
     unsigned char smooth = 0;
     unsigned char thresh = 128;  // 0: automatic
+    bool undithering = false;
     int nb_threads = 1;
     Dropout dropout = nullptr;
     void* dropout_context = nullptr;
@@ -199,8 +202,8 @@ inline int bi_thresh_do(BiSettings& settings, void* ctx, int type, int width, in
         settings.smooth = static_cast<unsigned char>(std::min(settings.smooth + 2, 255));
     const Region at{width, x0, x1, y0, y1};
     Grey grey;
-    if (prepare_grey(settings.smooth, settings.reader, ctx, settings.image_record, type, at,
-                     settings.nb_threads, grey) != 0)
+    if (prepare_grey(settings.smooth, settings.reader, ctx, settings.image_record, type, at, 300,
+                     settings.nb_threads, settings.undithering, grey) != 0)
         return -1;
     const int stride = word_stride(at.w());
     const int threshold = settings.thresh == 0 ? otsu_threshold(grey) : settings.thresh;
@@ -218,6 +221,7 @@ inline int bi_thresh_dropout(int mode, int thresh, RowReader reader, void* ctx, 
     BiSettings settings;
     settings.reader = reader;
     settings.smooth = mode == 0 ? 0 : 248;
+    settings.undithering = mode != 0 && mode != 1;
     settings.thresh = static_cast<unsigned char>(thresh & 255);
     settings.dropout = dropout;
     settings.dropout_context = dropout_context;
