@@ -58,11 +58,12 @@ int cropimg(unsigned char* image, int type, int height, int width, int stride, i
     if (!has_rows(image, height, width, pixel_bytes * width, stride)) return kFailure;
     return guarded([&] {
         const cleaning::BorderPage page{image, height, width, stride, layout};
-        const cleaning::ContentBox content = cleaning::crop_border(page, {dark, light, step});
-        *x0 = content.x0;
-        *x1 = content.x1;
-        *y0 = content.y0;
-        *y1 = content.y1;
+        const auto content = cleaning::crop_border(page, {dark, light, step});
+        // The last column and row of the content, but the size of a page that is left as it is.
+        *x0 = content ? content->x0 : 0;
+        *x1 = content ? content->x1 - 1 : width;
+        *y0 = content ? content->y0 : 0;
+        *y1 = content ? content->y1 - 1 : height;
         return kSuccess;
     });
 }

@@ -1,11 +1,11 @@
-// Region growing in three passes: down the page and along its rows to the right, up and to the
-// left, and down again. A border is begun by dark pixels of the first row and column of a pass; any
-// other pixel joins a marked neighbour behind it where the page is not too light and changes
-// little.
+// Region growing in three passes: down the page and along its rows to the right, then up and to the
+// left, then down again. Dark pixels in the first row and the first column of a pass begin a
+// border. Every other pixel joins it when a neighbour on the side that the pass comes from is
+// marked, when it is not too light, and when it differs little from its neighbours on that side.
 //
-// What has been grown in one direction is complete for that direction: whatever the second
-// downward pass adds hangs on what the upward pass has added, and rows without any of that, in
-// them or above them, are passed over.
+// A pass leaves nothing to do for another one in the same direction. So the second downward pass
+// can mark pixels only where they hang on some that the upward pass has marked: it passes over the
+// rows in which, and above which, nothing has changed since the first one.
 #include "cleaning/borders/border_growth.h"
 
 #include <algorithm>
@@ -40,8 +40,8 @@ class Growth {
     }
 
   private:
-    // Visits the rows that are due or come after one that is due or changes. Leaves those due that
-    // it changed.
+    // Visits the rows that are due, and each row that follows one that was due or has changed.
+    // Afterwards the rows that this pass has changed are due, for the next one.
     void pass(PassDirection direction) {
         const std::ptrdiff_t step = direction == PassDirection::kRight ? 1 : -1;
         const std::ptrdiff_t first = direction == PassDirection::kRight ? 0 : page_.height - 1;
@@ -57,14 +57,14 @@ class Growth {
         }
     }
 
-    // The first row of a pass: any dark pixel is marked, and no row lies behind. Its change counts
-    // as one in any case.
+    // In the first row of a pass every dark pixel is marked, and there is no row to come from. The
+    // row counts as changed in any case.
     bool visit_first(PassDirection direction, std::ptrdiff_t y) {
         simd::GreyLine& line = lines_.row(y);
         if (limits_.dark > 0) {
             simd::mark_dark(shape_, line, below_as_at_most(limits_.dark), mask_.row(y));
         }
-        if (spreads()) {
+        if (propagates()) {
             const std::uint64_t* const blank =
                 mask_.row(direction == PassDirection::kRight ? -1 : page_.height);
             simd::propagate_marks(direction, shape_, joins_, line, line, blank, mask_.row(y));
@@ -75,7 +75,7 @@ class Growth {
     bool visit(PassDirection direction, std::ptrdiff_t y, std::ptrdiff_t neighbour) {
         bool changed =
             mark_edge_pixel(y, neighbour, direction == PassDirection::kRight ? 0 : page_.width - 1);
-        if (spreads()) {
+        if (propagates()) {
             changed |=
                 simd::propagate_marks(direction, shape_, joins_, lines_.row(y),
                                       lines_.row(neighbour), mask_.row(neighbour), mask_.row(y));
@@ -83,7 +83,7 @@ class Growth {
         return changed;
     }
 
-    // The first pixel of a walk, whose only neighbour is in the row behind.
+    // The first pixel of a row has a neighbour in the row that the pass comes from only.
     bool mark_edge_pixel(std::ptrdiff_t y, std::ptrdiff_t neighbour, std::ptrdiff_t x) {
         if (mask_.marked(y, x)) return false;
         const std::int32_t here = grey_at(y, x);
@@ -99,7 +99,7 @@ class Growth {
         return simd::plain::grey_value(page_.layout, page_.row(y) + x * bytes);
     }
 
-    bool spreads() const { return limits_.light > 0 && limits_.step > 0; }
+    bool propagates() const { return limits_.light > 0 && limits_.step > 0; }
 
     const BorderPage& page_;
     const BorderLimits& limits_;
@@ -112,7 +112,7 @@ class Growth {
 
 }  // namespace
 
-// A line has a block of room on either side of its grey values for the kernels' neighbours.
+// A line has room for a block of grey values on either side, where the kernels read neighbours.
 GreyLines::GreyLines(const BorderPage& page)
     : page_(page),
       room_((simd::mask_words(static_cast<std::size_t>(page.width)) + 2) * simd::kMaskBlock),

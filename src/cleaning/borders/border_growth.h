@@ -11,7 +11,7 @@
 
 namespace cleaning {
 
-// A grey or colour page of somebody else's. Stride in bytes.
+// A view of a grey or colour page whose pixel layout is known at run time only. Stride in bytes.
 struct BorderPage {
     std::uint8_t* data;
     std::int32_t height;
@@ -22,19 +22,20 @@ struct BorderPage {
     std::uint8_t* row(std::ptrdiff_t y) const { return data + y * stride; }
 };
 
-// Grey values, 0 black; any values.
+// Grey values, 0 for black; any number will do.
 struct BorderLimits {
-    std::int32_t dark;   // what is darker begins a border at the page's edge
-    std::int32_t light;  // what is darker continues one
-    std::int32_t step;   // where it differs by less from its neighbours
+    std::int32_t dark;   // darker pixels on the page's edge begin a border
+    std::int32_t light;  // darker pixels continue it ...
+    std::int32_t step;   // ... where they differ by less than this from their neighbours
 };
 
-// Makes the grey values that grow_border() needs: two rows of them. Throws std::bad_alloc.
+// The grey values of two neighbouring rows of a page.
 class GreyLines {
   public:
+    // Throws std::bad_alloc.
     explicit GreyLines(const BorderPage& page);
 
-    // Row y. The same as long as no other row of the same parity has been asked for.
+    // Row y, which stays valid until another row of the same parity is asked for.
     simd::GreyLine& row(std::ptrdiff_t y);
 
   private:

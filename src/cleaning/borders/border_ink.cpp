@@ -1,10 +1,12 @@
 // A run of ink is reachable when it begins or ends a row, when it lies in the row that a pass
 // begins with, or when it touches a reachable run of the row that the pass comes from, corners
-// included. Two passes, down and up, follow most borders; ink that turns back again is not pursued.
+// included. Two passes, down and up, follow most borders; ink that turns back a third time is not
+// followed.
 //
-// The target is a copy of the page from which reachable runs are erased, so the reachable ink of a
-// row is what the page has and the target has not. Only runs that touch reachable ones are looked
-// for: a row costs what hangs on the edge there.
+// The target is a copy of the page from which the reachable runs are erased, so that the reachable
+// ink of a row is what the page has there and the target has not. A row is searched only where it
+// may touch a reachable run: its cost grows with the ink on the edge, not with the width of the
+// page.
 #include "cleaning/borders/border_ink.h"
 
 #include <algorithm>
@@ -25,8 +27,8 @@ struct Span {
     std::int32_t end;  // one past the last pixel
 };
 
-// The bytes of 64 pixels of a row from byte 8 * i on, as they lie in memory; 0 beyond the width's
-// last byte.
+// The 64 pixels of a row from byte 8 * i on, as they lie in memory, and zeros beyond the last byte
+// that the width has.
 std::uint64_t raw_word(const std::uint8_t* row, std::int32_t i, std::int32_t width) {
     const std::size_t first = static_cast<std::size_t>(i) * 8;
     const std::size_t bytes = static_cast<std::size_t>(common::bitonal_bytes(width)) - first;
@@ -39,7 +41,7 @@ std::uint64_t raw_word(const std::uint8_t* row, std::int32_t i, std::int32_t wid
     return word;
 }
 
-// The leftmost pixel in the most significant bit; pixels beyond the width are 0.
+// The same with the leftmost pixel in the most significant bit and zeros beyond the width.
 std::uint64_t pixel_word(std::uint64_t raw, std::int32_t i, std::int32_t width) {
     raw = common::swap_bytes(raw);
     const std::int64_t pixels = width - std::int64_t{i} * 64;
@@ -81,7 +83,7 @@ std::int32_t find(const Row& row, std::int32_t x, std::int32_t end) {
     return end;
 }
 
-// Where the run begins that holds the pixel x.
+// The first pixel of the run that has the pixel x.
 std::int32_t run_begin(const InkRow& row, std::int32_t x) {
     std::int32_t i = x / 64;
     std::uint64_t paper = ~row.word(i) & ~(kAll >> 1 >> (x % 64));
@@ -95,7 +97,7 @@ class RowEraser {
     RowEraser(std::uint8_t* row, std::int32_t width, Span* erased)
         : row_(row), ink_{row, width}, erased_(erased) {}
 
-    // The runs that have a pixel among begin <= x < end.
+    // Erases the runs that have a pixel in begin <= x < end.
     void erase_touching(std::int32_t begin, std::int32_t end) {
         for (std::int32_t x = std::max(begin, next_); (x = find<1>(ink_, x, end)) < end;
              x = next_) {
@@ -113,11 +115,12 @@ class RowEraser {
     InkRow ink_;
     Span* erased_;
     std::size_t count_ = 0;
-    std::int32_t next_ = 0;  // nothing is left before
+    std::int32_t next_ = 0;  // everything before this pixel has been looked at
 };
 
-// The runs of a row that touch the spans of the row that the pass comes from; in the first pass
-// also those at the ends of the row. Returns the number erased.
+// Erases the runs of a row that touch `spans`, the reachable runs of the row that the pass comes
+// from, and with `ends` those that begin or end the row. Lists them in `erased` and returns how
+// many they are.
 std::size_t erase_reachable(std::uint8_t* row, std::int32_t width, const Span* spans,
                             std::size_t count, bool ends, Span* erased) {
     RowEraser eraser(row, width, erased);
@@ -151,7 +154,8 @@ void erase_downwards(const common::MutableBitonalView& result, frame::Buffer<Spa
     }
 }
 
-// Reachable below is what either pass has erased there. The ends of the rows are done.
+// In the row below, the runs that either pass has erased are reachable. The runs at the ends of the
+// rows are gone already.
 void erase_upwards(const common::BitonalView& page, const common::MutableBitonalView& result,
                    Span* spans, Span* erased) {
     const auto row_bytes = static_cast<std::size_t>(common::bitonal_bytes(page.width));

@@ -10,10 +10,9 @@ namespace cleaning {
 
 enum class EdgeInk { kErased, kKept };
 
-// Copies the page, height * stride bytes of it, to `target`; with kErased without the runs of ink
-// that are reachable from its edges: going down the page, then going up. A page without columns is
-// copied. Throws std::bad_alloc before it writes, whichever is asked for. Target does not overlap
-// the page.
+// Copies the height * stride bytes of the page to `target`, which does not overlap it. With kErased
+// the copy lacks the runs of ink that can be reached from the page's edges by going down the page
+// and then up. Throws std::bad_alloc before it writes, also when no ink is to be erased.
 void copy_without_edge_ink(common::BitonalView page, EdgeInk ink, std::uint8_t* target);
 
 }  // namespace cleaning

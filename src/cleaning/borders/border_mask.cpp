@@ -1,13 +1,15 @@
-// Widening takes the square of 2 * kBorderMargin + 1 pixels around every mark, columns first.
+// Dilation marks the square of 2 * kBorderMargin + 1 pixels around every mark, first along the
+// columns, then along the rows.
 //
-// Along columns, rows are combined downwards in place, by doubling: after steps of 1, 2, 4, 8 and 1
-// row y is the OR of rows y .. y + 16. That is what belongs eight rows further down, and since the
-// rows are stored with eight blank ones above, the result is read from where it lies: row 0 of the
-// mask has become the first stored row. The steps follow one another down the page, each as far
-// behind as it must be: the rows stay in the nearest cache.
+// Along the columns, rows are combined downwards in place, by doubling: after steps of 1, 2, 4, 8
+// and 1, row y is the OR of rows y .. y + 16. That is the result for the row eight rows further
+// down, and since the rows are stored with eight blank ones above, it is read from where it lies:
+// row 0 of the mask has become the first stored row. The steps follow one another down the page as
+// closely as they can, so that the rows stay in the nearest cache.
 //
-// Along rows, each word is spread inside itself by doubling; of its neighbours only the outermost
-// mark matters, since what it covers reaches from its end of the word without a gap.
+// Along the rows, each word is dilated inside itself by doubling. Of the words beside it only the
+// outermost mark matters, since the pixels that it covers reach in from the end of the word without
+// a gap.
 #include "cleaning/borders/border_mask.h"
 
 #include <algorithm>
@@ -27,12 +29,12 @@ std::size_t stored_words(std::int32_t height, std::size_t words) {
     return rows * words;
 }
 
-void merge_row(std::uint64_t* row, const std::uint64_t* other, std::size_t words) {
+void or_row(std::uint64_t* row, const std::uint64_t* other, std::size_t words) {
     for (std::size_t i = 0; i < words; ++i) row[i] |= other[i];
 }
 
 // Every bit within kBorderMargin of a bit of the word.
-std::uint64_t spread(std::uint64_t word) {
+std::uint64_t dilated(std::uint64_t word) {
     std::uint64_t up = word | word << 1;
     std::uint64_t down = word | word >> 1;
     up |= up << 2;
@@ -42,13 +44,13 @@ std::uint64_t spread(std::uint64_t word) {
     return up | down;
 }
 
-void widen_row(std::uint64_t* row, std::size_t words) {
+void dilate_row(std::uint64_t* row, std::size_t words) {
     std::uint64_t before = 0;
     for (std::size_t i = 0; i < words; ++i) {
         const std::uint64_t here = row[i];
         const std::uint64_t after = i + 1 < words ? row[i + 1] : 0;
         if ((before | here | after) == 0) continue;
-        std::uint64_t wide = here == 0 ? 0 : spread(here);
+        std::uint64_t wide = here == 0 ? 0 : dilated(here);
         // The last mark of the word before, at bit 56 + i of it, covers bits 0 .. i.
         if (const std::uint64_t spilt = before >> (64 - kBorderMargin); spilt != 0) {
             wide |= (std::uint64_t{1} << std::bit_width(spilt)) - 1;
@@ -61,16 +63,16 @@ void widen_row(std::uint64_t* row, std::size_t words) {
     }
 }
 
-// Marks the pixels begin <= x < end.
-void mark_span(std::uint64_t* row, std::size_t begin, std::size_t end) {
-    for (std::size_t x = begin; x < end;) {
-        const std::size_t count = std::min(end - x, 64 - x % 64);
+// Marks the pixels begin <= x < end of a row.
+void mark_span(std::uint64_t* row, std::int32_t begin, std::int32_t end) {
+    for (std::int32_t x = begin; x < end;) {
+        const std::int32_t count = std::min(end - x, 64 - x % 64);
         row[x / 64] |= kAll >> (64 - count) << (x % 64);
         x += count;
     }
 }
 
-// Whether one of the row's whole bytes is 0. Padding counts as border.
+// Whether one of the row's bytes is 0. Padding counts as border.
 bool has_clear_byte(const std::uint64_t* row, std::size_t words, std::uint64_t padding) {
     constexpr std::uint64_t kLow = 0x0101010101010101;
     for (std::size_t i = 0; i < words; ++i) {
@@ -89,7 +91,19 @@ BorderMask::BorderMask(std::int32_t height, std::int32_t width)
       bits_(frame::Buffer<std::uint64_t>::zeroed(
           std::max<std::size_t>(stored_words(height_, words_), 1))) {}
 
-void BorderMask::widen() {
+std::int32_t BorderMask::next(std::ptrdiff_t y, std::int32_t x, bool marked) const {
+    const std::uint64_t* const words = row(y);
+    std::uint64_t from_x = kAll << (x % 64);
+    for (auto i = static_cast<std::size_t>(x / 64); i < words_; ++i, from_x = kAll) {
+        const std::uint64_t word = (marked ? words[i] : ~words[i]) & from_x;
+        if (word == 0) continue;
+        const std::size_t found = 64 * i + static_cast<std::size_t>(std::countr_zero(word));
+        return static_cast<std::int32_t>(std::min(found, static_cast<std::size_t>(width_)));
+    }
+    return width_;
+}
+
+void BorderMask::dilate() {
     struct Step {
         std::ptrdiff_t rows;
         std::ptrdiff_t lag;  // to where the rows below have taken the steps before
@@ -101,27 +115,26 @@ void BorderMask::widen() {
     for (std::ptrdiff_t y = top; y <= height_ + kLastLag; ++y) {
         for (const auto [rows, lag] : kSteps) {
             const std::ptrdiff_t to = y - lag;
-            if (to >= top && to + rows <= height_) merge_row(row(to), row(to + rows), words_);
+            if (to >= top && to + rows <= height_) or_row(row(to), row(to + rows), words_);
         }
         if (y - kLastLag < top) continue;
-        widen_row(row(y - kLastLag), words_);
+        dilate_row(row(y - kLastLag), words_);
         row(y - kLastLag)[words_ - 1] &= pixels;
     }
     first_row_ -= kBorderMargin;
 }
 
-void BorderMask::frame() {
-    const auto right = static_cast<std::size_t>(width_);
-    const auto mark_row = [&](std::ptrdiff_t y) { mark_span(row(y), 0, right); };
+void BorderMask::mark_frame() {
+    const auto mark_row = [&](std::ptrdiff_t y) { mark_span(row(y), 0, width_); };
     for (std::ptrdiff_t y = 0; y < kBorderMargin; ++y) mark_row(y);
     for (std::ptrdiff_t y = height_ - kBorderMargin - 1; y < height_ - 1; ++y) mark_row(y);
     for (std::ptrdiff_t y = 0; y < height_; ++y) {
         mark_span(row(y), 0, kBorderMargin);
-        mark_span(row(y), right - kBorderMargin - 1, right);
+        mark_span(row(y), width_ - kBorderMargin - 1, width_);
     }
 }
 
-ContentBox content_of(const BorderMask& mask) {
+common::Rectangle content_of(const BorderMask& mask) {
     const std::size_t words = mask.words();
     const std::uint64_t pixels = simd::last_word_pixels(static_cast<std::size_t>(mask.width()));
     std::int32_t y0 = 0;
@@ -130,7 +143,7 @@ ContentBox content_of(const BorderMask& mask) {
     if (y0 > y1) {
         const std::int32_t x = mask.width() / 2;
         const std::int32_t y = mask.height() / 2;
-        return {x, x + 1, y, y + 1};
+        return {x, x + 2, y, y + 2};
     }
     while (!has_clear_byte(mask.row(y1), words, ~pixels)) --y1;
 
@@ -146,7 +159,7 @@ ContentBox content_of(const BorderMask& mask) {
     std::size_t last = words - 1;
     while (always[last] == kAll) --last;
     return {static_cast<std::int32_t>(64 * first) + std::countr_one(always[first]),
-            static_cast<std::int32_t>(64 * last) + 63 - std::countl_one(always[last]), y0, y1};
+            static_cast<std::int32_t>(64 * last) + 64 - std::countl_one(always[last]), y0, y1 + 1};
 }
 
 }  // namespace cleaning

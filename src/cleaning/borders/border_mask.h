@@ -1,17 +1,18 @@
 // The mask of a page's dark border: one bit per pixel, 1 = border.
 //
-// Use: BorderMask mask(height, width); grow_border(page, limits, mask); mask.widen(); mask.frame();
-// then read it by content_of() and through row().
+// Use: BorderMask mask(height, width); grow_border(page, limits, mask); mask.dilate();
+// mask.mark_frame(); then content_of(mask) and mask.next() read it.
 //
-// Rows are words of 64 pixels as simd/border_rows.h has them; bits beyond the width are 0. Blank
-// rows lie above and below, so that every row has a neighbour.
+// Rows are words of 64 pixels in the bit order of simd/pixels/border_rows.h; bits beyond the width
+// are 0. Blank rows lie above and below, so that every row has a neighbour.
 //
-// Keep true: widen() and frame() only on pages of at least kSmallestCropped rows and columns.
+// Keep true: dilate() and mark_frame() only on pages of at least kSmallestCropped rows and columns.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+#include "common/rectangle.h"
 #include "frame/buffer.h"
 #include "simd/pixels/border_rows.h"
 
@@ -20,7 +21,7 @@ namespace cleaning {
 // Pages of fewer rows or columns are not cropped.
 constexpr std::int32_t kSmallestCropped = 24;
 
-// How far the border is widened, and how wide the frame is that counts as border in any case.
+// How far the border is dilated, and how wide the frame is that counts as border in any case.
 constexpr std::int32_t kBorderMargin = 8;
 
 class BorderMask {
@@ -43,12 +44,16 @@ class BorderMask {
         row(y)[x / 64] |= std::uint64_t{1} << (x % 64);
     }
 
-    // Marks what is within kBorderMargin rows and columns of a mark. Once only.
-    void widen();
+    // The first pixel of row y, from x on, that is marked, or that is not; width() if none is.
+    std::int32_t next(std::ptrdiff_t y, std::int32_t x, bool marked) const;
 
-    // Marks the frame: the kBorderMargin columns on the left and one more on the right, the
-    // kBorderMargin rows at the top, and as many and one more at the bottom without the last row.
-    void frame();
+    // Marks all pixels within kBorderMargin rows and columns of a mark. May be called once only.
+    void dilate();
+
+    // Marks the frame of the page: kBorderMargin columns on the left and one more than that on the
+    // right, kBorderMargin rows at the top, and the kBorderMargin rows above the last one, which
+    // stays as it is.
+    void mark_frame();
 
   private:
     std::ptrdiff_t offset(std::ptrdiff_t y) const {
@@ -62,17 +67,9 @@ class BorderMask {
     frame::Buffer<std::uint64_t> bits_;
 };
 
-// The rectangle of the content; last column and row inclusive.
-struct ContentBox {
-    std::int32_t x0;
-    std::int32_t x1;
-    std::int32_t y0;
-    std::int32_t y1;
-};
-
-// Rows count as content from the first to the last one with eight border-free pixels side by side
-// in a byte of a bitonal row; columns, with a border-free pixel. Without such a row: a pixel in
-// the centre.
-ContentBox content_of(const BorderMask& mask);
+// The rectangle of the content. It begins and ends with a row that has eight pixels side by side
+// without border, which would share a byte of a bitonal row, and with a column that has one pixel
+// without border. A mask without such a row has two rows and columns in its centre for content.
+common::Rectangle content_of(const BorderMask& mask);
 
 }  // namespace cleaning
