@@ -44,7 +44,8 @@ inline std::vector<Shift> shifts_that_count(const Correlation& r) {
 inline std::vector<Shift> peaks(const Correlation& r, double height) {
     std::vector<Shift> found;
     for (const Shift& s : shifts_that_count(r)) {
-        bool peak = r.at(s) >= height && squared_length(s) >= 2;
+        if (r.at(s) < height || squared_length(s) < 2) continue;
+        bool peak = true;
         for (int dy = -1; dy <= 1; ++dy)
             for (int dx = -1; dx <= 1; ++dx) {
                 const auto near = r.find({s.first + dy, s.second + dx});
