@@ -133,13 +133,7 @@ int bi_color2greybuf(unsigned char smooth, prepro_row_reader reader, void* ctx,
                             static_cast<SourceType>(type), width};
         const GreyOptions options{smooth, undithering != 0, resolution, nb_threads};
         if (!grey::reachable(source, region, nb_threads)) return kFailure;
-        if (out_size == grey_size && grey::only_converts(source, region, options)) {
-            grey::convert_rows(source, region,
-                               {out, region.height(), region.width(), region.width()});
-            return kSuccess;
-        }
-        const auto grey = grey::prepare_grey(source, region, options);
-        if (out_size > 0) std::memcpy(out, grey.data(), static_cast<std::size_t>(out_size));
+        grey::write_grey(source, region, options, out, static_cast<std::size_t>(out_size));
         return kSuccess;
     });
 }

@@ -1,11 +1,13 @@
-// Rows are converted while they are hot from the reader, and searched for contrast and smoothed in
-// the same visit. The reader is run once for the conversion and, for colour, a second time for the
-// hold on strongly coloured pixels: a caller sees the same calls whatever the page holds.
+// Rows are converted while they are in the cache, fresh from the reader, and searched for contrast
+// and smoothed in the same visit. The reader is run once for the conversion and, for colour, a
+// second time to clamp strongly coloured pixels: a caller sees the same calls whatever the page
+// shows.
 //
 // A page in memory needs no reader, so its rows can be converted by several threads, each on its
 // own band.
 #include "grey/grey_preparation.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 
@@ -29,8 +31,11 @@ bool may_smooth(const Region& region, const GreyOptions& options) {
     return options.smooth != 0 && region.height() > 1 && region.width() > 1;
 }
 
-// Follows the rows of a grey page as they become final: looks for contrast, and smooths the page
-// where it has any. Undithering needs the whole page first; without it rows are smoothed at once.
+// What follows the conversion: looks for contrast in the rows of a grey page as they become final,
+// and smooths the page where it has any. Undithering needs the whole page first; without it rows
+// are smoothed at once.
+//
+// Use: (visit)* undither_and_smooth, with visit() for every row from the top.
 class Finish {
   public:
     // Throws std::bad_alloc.
@@ -39,16 +44,14 @@ class Finish {
         if (may_smooth(region, options)) smoothing_.emplace(options.smooth, region.width());
     }
 
-    // Without anything to do.
+    // One that has nothing to do.
     Finish() : contrast_(false) {}
 
-    // Rows 0, 1, ... once each.
     void visit(const MutableGreyView& grey, int y) {
         contrast_.visit(grey, y);
         if (contrast_.found() && !options_.undithering) smoothing_->advance(grey, y + 1);
     }
 
-    // After the last row.
     void undither_and_smooth(const MutableGreyView& grey) {
         if (!contrast_.found() || !options_.undithering) return;
         undither(grey, undithering_parameter(options_.smooth), options_.resolution);
@@ -146,13 +149,18 @@ frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& reg
     return pixels;
 }
 
-bool only_converts(const Source& source, const Region& region, const GreyOptions& options) {
-    return !reads_image(source.type, region, options.threads) && !may_smooth(region, options);
-}
-
-void convert_rows(const Source& source, const Region& region, const MutableGreyView& grey) {
-    Finish nothing;
-    read_rows(source, region, grey, nothing);
+void write_grey(const Source& source, const Region& region, const GreyOptions& options,
+                std::uint8_t* out, std::size_t size) {
+    const bool only_converts =
+        !reads_image(source.type, region, options.threads) && !may_smooth(region, options);
+    const auto width = static_cast<std::size_t>(region.width());
+    if (only_converts && size == width * static_cast<std::size_t>(region.height())) {
+        Finish nothing;
+        read_rows(source, region, {out, region.height(), region.width(), region.width()}, nothing);
+        return;
+    }
+    const auto pixels = prepare_grey(source, region, options);
+    std::copy_n(pixels.data(), size, out);
 }
 
 }  // namespace grey

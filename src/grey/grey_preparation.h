@@ -1,11 +1,12 @@
 // The grey image that every binarization starts from.
 //
 // Use: check acceptable() (source.h) and reachable(), then prepare_grey(). The result is the region
-// as packed grey rows: colour turned into luminance with strongly coloured light pixels held at a
-// grey that is still visible, undithered and smoothed where the options ask for it and the page has
-// contrast.
+// as packed grey rows: colour turned into luminance, with strongly coloured light pixels clamped to
+// a grey that is still visible, undithered and smoothed where the options ask for it and the page
+// has contrast.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "common/views.h"
@@ -34,13 +35,10 @@ bool reachable(const Source& source, const Region& region, int threads);
 frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& region,
                                          const GreyOptions& options);
 
-// Whether nothing follows the conversion of the rows that the reader delivers. The grey image can
-// then be made where it is wanted, by convert_rows(), instead of being copied there.
-bool only_converts(const Source& source, const Region& region, const GreyOptions& options);
-
-// What prepare_grey() gives where only_converts() holds, straight into `grey`, the packed region.
-// Throws std::bad_alloc before anything is written. The rows that the reader delivers do not come
-// from `grey`: for colour they are read again when it is already written.
-void convert_rows(const Source& source, const Region& region, const common::MutableGreyView& grey);
+// Writes the first `size` bytes of what prepare_grey() gives, at most all of them. The rows that
+// the reader delivers do not come from `out`: for colour they are read again when it is already
+// written. Throws as prepare_grey() does, before anything is written.
+void write_grey(const Source& source, const Region& region, const GreyOptions& options,
+                std::uint8_t* out, std::size_t size);
 
 }  // namespace grey

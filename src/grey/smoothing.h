@@ -12,7 +12,8 @@ namespace grey {
 // Looks for two neighbouring pixels, one beside or one above the other, whose values differ by more
 // than 112: a page without them is not smoothed.
 //
-// Use: visit() rows 0, 1, ... once each, when the row and the one above hold their final values.
+// Use: (visit)*, for rows 0, 1, ... once each, when the row and the one above have their final
+// values; found() at any time.
 class ContrastSearch {
   public:
     // One that is switched off finds nothing.
@@ -31,8 +32,8 @@ class ContrastSearch {
 // keep their values. It works in place and down the page, so that rows can be filtered as soon as
 // the one below has its final value.
 //
-// Use: Smoothing smoothing(parameter, width) allocates all that is needed; smoothing.advance(grey,
-// rows) as often as further rows are final, at last for all of them.
+// Use: Smoothing smoothing(smooth, width) allocates all that is needed; (advance)*, with the number
+// of rows that are final by then, the last time all of them.
 class Smoothing {
   public:
     // smooth: 1 .. 255, from weak to strong. Throws std::bad_alloc.

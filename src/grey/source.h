@@ -1,7 +1,7 @@
 // Where a binarization gets its pixels from: the caller's row reader, the part of the page that is
 // wanted, and the page itself where the caller has it in memory.
 //
-// Use: check acceptable() once, then RowStream rows(source, region.y0); rows.next(buffer) delivers
+// Use: check acceptable() once, then RowStream rows(source, region.y0); (rows.next)* delivers
 // source rows y0, y0 + 1, ... A second RowStream starts again from the top.
 //
 // Keep true: the reader's buffer has room for a whole source row, row_bytes(), whatever the region;
@@ -106,8 +106,8 @@ class RowStream {
 // of a page in memory then runs through it in long stretches, which the processor fetches ahead,
 // where single rows with work in between would start anew each time.
 //
-// Use: RegionRows rows(source, region) allocates all that is needed; rows.visit(...) as often as
-// wanted, each of which reads the source from the top.
+// Use: RegionRows rows(source, region) allocates all that is needed; (rows.visit)*, each of which
+// reads the source from the top.
 class RegionRows {
   public:
     // Throws std::bad_alloc.

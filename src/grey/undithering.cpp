@@ -81,7 +81,7 @@ class CellMean {
 
 // The averages of a page over squares of `cell` pixels around each pixel.
 //
-// Use: CellAverage average(page, cell) copies the page; average.apply() as often as wanted averages
+// Use: CellAverage average(page, cell) copies the page; (average.apply)*, each of which averages
 // what view() shows.
 class CellAverage {
   public:

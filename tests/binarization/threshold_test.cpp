@@ -211,7 +211,7 @@ TEST(Threshold, RulesSeenOnSmallRows) {
         const char* what;
         int type, height, smooth;
         Bytes page, grey;
-    } pages[] = {{"strong light colours are held, neutral ones kept",
+    } pages[] = {{"strong light colours are clamped, neutral ones kept",
                   3,
                   1,
                   0,
@@ -238,9 +238,9 @@ TEST(Threshold, RulesSeenOnSmallRows) {
     }
 }
 
-// A reader whose second pass delivers other rows than the first: the conversion uses the first, the
-// hold on strong colours looks at the second.
-TEST(Threshold, HoldLooksAtTheRowsOfItsOwnPass) {
+// A reader whose second pass delivers other rows than the first: the conversion uses the first,
+// strong colours are looked for in the second.
+TEST(Threshold, ClampLooksAtTheRowsOfItsOwnPass) {
     int passes = 0;
     const prepro_row_reader fickle = [](void* ctx, int mode, unsigned char* row) {
         if (mode == 0) ++*static_cast<int*>(ctx);
