@@ -11,13 +11,11 @@ if(TARGET vemoprepro)
             TIMEOUT 300)
     endforeach()
 
-    file(GLOB room_tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*/*_test.cpp)
-    add_executable(vemoprepro_tool_tests ${room_tests} support/sanitizer_options.cpp)
-    target_link_libraries(vemoprepro_tool_tests PRIVATE vemoprepro_options vemoprepro_steps
-        vemoprepro16 GTest::gtest GTest::gtest_main)
+    file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*/*_test.cpp)
+    add_tests(tool_tests "${tests}" vemoprepro_options vemoprepro_steps vemoprepro16)
     target_include_directories(vemoprepro_tool_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR})
-    gtest_discover_tests(vemoprepro_tool_tests DISCOVERY_TIMEOUT 60)
 
-    add_test(NAME tool.rooms COMMAND ${CMAKE_COMMAND}
-        -DROOMS=${PROJECT_SOURCE_DIR}/tools/vemoprepro -P ${CMAKE_CURRENT_LIST_DIR}/check_rooms.cmake)
+    add_test(NAME tool.rooms COMMAND ${CMAKE_COMMAND} -DROOT=${PROJECT_SOURCE_DIR}/tools/vemoprepro
+        "-DFLOORS=vemoprepro | page | files reading | steps | report | run"
+        -P ${CMAKE_CURRENT_SOURCE_DIR}/check_includes.cmake)
 endif()
