@@ -5,20 +5,13 @@
 
 #include <string>
 
-#include "calls/calls.h"
+#include "calls/random_desk.h"
 #include "support/allocation_limit.h"
-#include "support/random_page.h"
 
 namespace {
 
-constexpr int kHeight = 300;
-constexpr int kWidth = 333;
-constexpr int kStride = 44;
-
 TEST(AllocationSweep, EveryAllocationOfEveryFunctionFails) {
-    constexpr std::size_t kPixels = std::size_t{kHeight} * kWidth;
-    calls::Desk desk(kHeight, kWidth, kStride, support::random_text(kHeight, kWidth, kStride, 5),
-                     support::random_bytes(kPixels, 7), support::random_bytes(3 * kPixels, 6));
+    calls::Desk desk = calls::random_desk();
     for (const calls::Call& call : calls::all_calls()) {
         SCOPED_TRACE(call.name);
         call.run(desk);  // whatever the process allocates once is there from now on
