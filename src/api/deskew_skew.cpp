@@ -1,37 +1,19 @@
 // Skew estimation of bitonal pages.
-#include <limits>
-#include <memory>
-#include <optional>
-#include <ostream>
-
 #include "api/guard.h"
+#include "api/page_size.h"
 #include "common/views.h"
 #include "deskew/bitonal_skew.h"
 #include "deskew/skew_unit.h"
-#include "diag/debug_file.h"
 #include "vemoprepro/deskew.h"
 
 namespace {
 
-constexpr char kTraceFile[] = "estimate_skew_of_binary_image.log";
 constexpr int kWordBytes = 4;
 
 bool is_page(const unsigned char* src, int height, int width, int bytes_per_line) {
     if (src == nullptr || bytes_per_line % kWordBytes != 0) return false;
     if (bytes_per_line < common::bitonal_stride(width)) return false;
     return height >= deskew::kLeastSide && width >= deskew::kLeastSide;
-}
-
-deskew::SkewEstimate estimate(const common::BitonalView& page, bool traced, const char* folder) {
-    if (!traced) return deskew::estimate_bitonal_skew(page, nullptr);
-    const std::shared_ptr<std::ostream> file = diag::open_debug_file(folder, kTraceFile);
-    deskew::SkewTrace trace(*file);
-    return deskew::estimate_bitonal_skew(page, &trace);
-}
-
-constexpr bool fits_int(const deskew::Size& size) {
-    constexpr std::int64_t kMost = std::numeric_limits<int>::max();
-    return size.height <= kMost && size.width <= kMost;
 }
 
 }  // namespace
@@ -49,14 +31,14 @@ int estimate_skew_of_binary_image(int debug, const char* debug_folder, const uns
         out_width == nullptr || !is_page(src, height, width, bytes_per_line))
         return api::kFailure;
     return api::guarded([&] {
+        const common::BitonalView page{src, height, width, bytes_per_line};
         const bool traced = (debug & 0xFF) != 0;
-        const auto found = estimate({src, height, width, bytes_per_line}, traced, debug_folder);
+        const deskew::SkewEstimate found = traced ? deskew::trace_bitonal_skew(page, debug_folder)
+                                                  : deskew::estimate_bitonal_skew(page);
         const deskew::Size size = deskew::deskewed_size(height, width, found.yskew);
-        if (!fits_int(size)) return api::kFailure;
+        if (api::store_size(size, out_height, out_width) != api::kSuccess) return api::kFailure;
         *yskew = found.yskew;
         *confidence = found.confidence;
-        *out_height = static_cast<int>(size.height);
-        *out_width = static_cast<int>(size.width);
         return api::kSuccess;
     });
 }

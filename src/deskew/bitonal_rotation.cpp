@@ -1,10 +1,42 @@
+// What the bitonal rotations have in common: refusals, pages without a skew, complements, the log.
 #include "deskew/bitonal_rotation.h"
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <string>
+
+#include "deskew/bitonal_shears.h"
+#include "deskew/shear_angles.h"
 
 namespace deskew {
+namespace {
 
+// Steepest skew for which small pieces of ink move as a whole.
+constexpr int kMaxComponentSkew = 32;
+
+template <class Size>
+bool holds(common::BitonalView page, const Size& size) {
+    return page.height >= size.height && page.width >= size.width;
+}
+
+bool same_geometry(common::BitonalView a, common::BitonalView b) {
+    return a.height == b.height && a.width == b.width && a.stride == b.stride;
+}
+
+std::size_t page_bytes(common::BitonalView page) {
+    return static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.stride);
+}
+
+void copy_block(common::BitonalView source, common::MutableBitonalView destination,
+                const Progress& progress) {
+    progress(0, 1);
+    std::memcpy(destination.data, source.data, page_bytes(source));
+    progress(1, 1);
+}
+
+// Copies the bytes that hold the page, its last byte's padding included, and clears the rest of the
+// destination.
 void copy_page(common::BitonalView source, common::MutableBitonalView destination,
                const Progress& progress) {
     progress(0, 1);
@@ -19,16 +51,86 @@ void copy_page(common::BitonalView source, common::MutableBitonalView destinatio
     progress(1, 1);
 }
 
-void straighten(common::BitonalView source, int yskew, common::MutableBitonalView destination,
-                const Progress& progress, diag::LoggerSlot logger) {
-    std::memset(destination.data, 0,
-                static_cast<std::size_t>(destination.height) *
-                    static_cast<std::size_t>(destination.stride));
-    if (std::abs(yskew) <= kMaxComponentSkew) {
-        component_shear(source, yskew, destination, progress, logger);
-    } else {
-        plain_shear(source, yskew, destination, progress);
+void log_failed_allocation(diag::LoggerSlot logger) {
+    diag::report(logger, diag::kOwner, diag::kErrorLevel, diag::kNoMemoryCode, diag::kNoMemoryText);
+    diag::report(logger, diag::kOwner, diag::kErrorLevel, diag::kGaveUpCode);
+}
+
+// Caught here, since the record is the rotation's; the failure goes on to the C boundary.
+template <class Work>
+void logged(diag::LoggerSlot logger, Work&& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        log_failed_allocation(logger);
+        throw;
+    } catch (const std::string&) {  // a BasicImage without memory
+        log_failed_allocation(logger);
+        throw;
     }
+}
+
+// Complements a page for as long as it lives, whatever ends the call.
+class Complemented {
+  public:
+    explicit Complemented(common::MutableBitonalView page) : page_(page) { complement(); }
+    ~Complemented() { complement(); }
+    Complemented(const Complemented&) = delete;
+    Complemented& operator=(const Complemented&) = delete;
+
+  private:
+    void complement() const {
+        const std::size_t bytes = page_bytes(page_);
+        for (std::size_t i = 0; i < bytes; ++i)
+            page_.data[i] = static_cast<std::uint8_t>(~page_.data[i]);
+    }
+
+    common::MutableBitonalView page_;
+};
+
+}  // namespace
+
+bool straighten(common::BitonalView source, Skew skew, common::MutableBitonalView destination,
+                const Progress& progress, diag::LoggerSlot logger) {
+    const int yskew = skew_units(skew);
+    if (!holds(destination, deskewed_size(source.height, source.width, yskew))) return false;
+    if (skew.numerator == 0 && same_geometry(source, destination)) {
+        copy_block(source, destination, progress);
+    } else if (yskew == 0) {
+        copy_page(source, destination, progress);
+    } else {
+        std::memset(destination.data, 0, page_bytes(destination));
+        const auto shear = std::abs(yskew) <= kMaxComponentSkew ? component_shear : plain_shear;
+        logged(logger, [&] { shear(source, yskew, destination, progress); });
+    }
+    return true;
+}
+
+bool straighten_aligned(common::BitonalView source, Skew skew,
+                        common::MutableBitonalView destination, const Progress& progress,
+                        diag::LoggerSlot logger) {
+    const int yskew = skew_units(skew);
+    if (!holds(destination, sheared_size(shear_plan(yskew), source.height, source.width)))
+        return false;
+    if (yskew == 0) {
+        copy_page(source, destination, progress);
+    } else {
+        logged(logger, [&] { aligned_shear(source, yskew, destination.data, progress); });
+    }
+    return true;
+}
+
+bool straighten_complement(common::MutableBitonalView source, Skew skew,
+                           common::MutableBitonalView destination, const Progress& progress) {
+    const Complemented complemented(source);
+    return straighten(source, skew, destination, progress);
+}
+
+bool straighten_complement_aligned(common::MutableBitonalView source, Skew skew,
+                                   common::MutableBitonalView destination,
+                                   const Progress& progress) {
+    const Complemented complemented(source);
+    return straighten_aligned(source, skew, destination, progress);
 }
 
 }  // namespace deskew

@@ -1,47 +1,38 @@
-// The bitonal deskew rotations on views.
+// The bitonal deskew rotations.
 //
 // Use: straighten() turns a page by two shears into a destination of at least deskewed_size();
 // straighten_aligned() turns it exactly as the grey and colour deskew rotation turns its page, into
-// a destination of at least sheared_size(). A skew of 0 is copy_page().
+// a destination of at least sheared_size(). The forms for complements turn the complemented page.
+// Each returns false, with nothing written, when the destination is smaller than that.
 //
-// Keep true: 0 < |yskew| <= kMaxSkew; the destination is large enough, its stride holds its width
-// and at least the straight page's whole 32-bit words, and it does not overlap the source. An
-// allocation that fails throws.
+// Keep true: strides hold their pages' whole 32-bit words; source and destination do not overlap.
+// A skew out of range throws std::out_of_range. An allocation that fails is logged before it
+// throws; the destination may then be partly written, that of the aligned rotation is as it was.
 #pragma once
 
 #include "common/views.h"
 #include "deskew/progress.h"
+#include "deskew/skew_unit.h"
 #include "diag/logger.h"
 
 namespace deskew {
 
-// Steepest skew for which small pieces of ink move as a whole.
-constexpr int kMaxComponentSkew = 32;
-
-// Copies the bytes that hold the page, its last byte's padding included, and clears the rest of the
-// destination. Reports (0, 1) and (1, 1).
-void copy_page(common::BitonalView source, common::MutableBitonalView destination,
-               const Progress& progress);
-
-// Writes the whole destination. Up to kMaxComponentSkew connected pieces of ink keep their shape.
-void straighten(common::BitonalView source, int yskew, common::MutableBitonalView destination,
+// Writes the whole destination; of equal size and stride, without a skew, it becomes the source to
+// the byte. Up to kMaxComponentSkew connected pieces of ink keep their shape.
+bool straighten(common::BitonalView source, Skew skew, common::MutableBitonalView destination,
                 const Progress& progress, diag::LoggerSlot logger = nullptr);
 
-// Both shears on everything, bits of the source's last padding byte included as far as they stay
-// inside a destination row. Columns move by whole bytes. Writes the columns that the page can
-// reach, in a destination that was cleared. Reports every 256 rows, then every 256 byte columns.
-void plain_shear(common::BitonalView source, int yskew, common::MutableBitonalView destination,
-                 const Progress& progress);
+// Writes one block of rows of 4 * ceil(width / 32) bytes, whatever the destination's stride;
+// without a skew it copies the page row by row into the whole destination.
+bool straighten_aligned(common::BitonalView source, Skew skew,
+                        common::MutableBitonalView destination, const Progress& progress,
+                        diag::LoggerSlot logger = nullptr);
 
-// Moves each connected piece of ink that is small enough as a whole and shears the others.
-// Adds ink to a destination that was cleared. Reports every 256 rows. An allocation that fails is
-// logged before it throws.
-void component_shear(common::BitonalView source, int yskew, common::MutableBitonalView destination,
-                     const Progress& progress, diag::LoggerSlot logger);
-
-// Writes the rotated page as one block of rows of 4 * ceil(width / 32) bytes to block, of the size
-// that sheared_size() gives; nothing is written when an allocation fails. Reports (0, 3) .. (3, 3).
-void straighten_aligned(common::BitonalView source, int yskew, std::uint8_t* block,
-                        const Progress& progress);
+// The source is complemented in place and comes back whatever ends the call.
+bool straighten_complement(common::MutableBitonalView source, Skew skew,
+                           common::MutableBitonalView destination, const Progress& progress);
+bool straighten_complement_aligned(common::MutableBitonalView source, Skew skew,
+                                   common::MutableBitonalView destination,
+                                   const Progress& progress);
 
 }  // namespace deskew

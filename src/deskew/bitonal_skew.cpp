@@ -8,7 +8,10 @@
 #include "deskew/bitonal_skew.h"
 
 #include <algorithm>
+#include <memory>
+#include <ostream>
 
+#include "diag/debug_file.h"
 #include "frame/buffer.h"
 #include "simd/bits/cell_counts.h"
 
@@ -16,6 +19,7 @@ namespace deskew {
 
 namespace {
 
+constexpr char kTraceFile[] = "estimate_skew_of_binary_image.log";
 constexpr std::uint32_t kLargestEdge = 32;
 constexpr std::size_t kBlock = simd::kCountBlock;
 
@@ -75,9 +79,8 @@ void fill_edges(const common::BitonalView& page, PageEdges& edges) {
     edges.columns.close_margins();
 }
 
-}  // namespace
-
-SkewEstimate estimate_bitonal_skew(const common::BitonalView& page, SkewTrace* trace) {
+// trace: null for none.
+SkewEstimate estimate(const common::BitonalView& page, SkewTrace* trace) {
     PageEdges edges = shape_edges(page);
     // One block for all images: the C library keeps a single block of this size for the next call
     // where it would return several to the system and fault their pages in again.
@@ -95,6 +98,18 @@ SkewEstimate estimate_bitonal_skew(const common::BitonalView& page, SkewTrace* t
     const LineEstimate columns =
         estimate_along(edges.columns, half_block, Direction::kColumns, trace);
     return choose_skew(rows, columns, trace);
+}
+
+}  // namespace
+
+SkewEstimate estimate_bitonal_skew(const common::BitonalView& page) {
+    return estimate(page, nullptr);
+}
+
+SkewEstimate trace_bitonal_skew(const common::BitonalView& page, const char* folder) {
+    const std::shared_ptr<std::ostream> file = diag::open_debug_file(folder, kTraceFile);
+    SkewTrace trace(*file);
+    return estimate(page, &trace);
 }
 
 }  // namespace deskew

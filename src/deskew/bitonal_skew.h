@@ -12,7 +12,12 @@ constexpr int kLeastSide = 32;  // pixels
 // wide; its stride is a multiple of 4 and holds the width. The bits of a last byte that is not
 // whole are not looked at. Bytes of the stride beyond the width are not read, but widen the image
 // whose size decides which sums count: a stride far beyond the width can change the confidence.
-// trace: null for none. Throws std::bad_alloc.
-SkewEstimate estimate_bitonal_skew(const common::BitonalView& page, SkewTrace* trace);
+// Throws std::bad_alloc.
+SkewEstimate estimate_bitonal_skew(const common::BitonalView& page);
+
+// The same with the search traced into "estimate_skew_of_binary_image.log", made anew in the
+// folder; null is the current one. Throws when the file cannot be made, before the page is looked
+// at.
+SkewEstimate trace_bitonal_skew(const common::BitonalView& page, const char* folder);
 
 }  // namespace deskew

@@ -8,10 +8,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 
 #include "common/byte_order.h"
-#include "deskew/bitonal_rotation.h"
+#include "deskew/bitonal_shears.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
 #include "ink/bit_words.h"
@@ -28,10 +27,10 @@ constexpr std::int64_t kByteMiddle = 3;  // the pixel whose shift a byte column 
 struct Placement {
     std::ptrdiff_t down;  // bytes of the destination
     std::int32_t right;   // pixels
-    bool whole;           // as one; otherwise sheared, and the other members mean nothing
+    bool rigid;           // as one; otherwise sheared, and the other members mean nothing
 };
 
-bool moves_whole(const ink::ComponentBox& box, int yskew) {
+bool moves_rigidly(const ink::ComponentBox& box, int yskew) {
     const std::int64_t steepness = std::abs(yskew);
     return (box.y1 - box.y0) * steepness < kSkewScale && (box.x1 - box.x0) * steepness < kSkewScale;
 }
@@ -88,7 +87,7 @@ class ComponentShear {
             const auto [x0, x1] = labels_.runs[i];
             const auto label = static_cast<std::size_t>(labels_.label_of_run[i]);
             const Placement& placed = placements_[label];
-            if (placed.whole) {
+            if (placed.rigid) {
                 add_ink(row + placed.down, x0 + placed.right, x1 + placed.right);
             } else {
                 shear_run(row, x0 + row_right, x1 + row_right);
@@ -98,7 +97,7 @@ class ComponentShear {
 
   private:
     Placement placement(const ink::ComponentBox& box) const {
-        if (!moves_whole(box, page_.yskew())) return {};
+        if (!moves_rigidly(box, page_.yskew())) return {};
         const std::int64_t right = page_.row_shift((box.y0 + box.y1) / 2);
         const std::int64_t down = page_.column_shift((box.x0 + box.x1) / 2 + right);
         return {static_cast<std::ptrdiff_t>(down) * destination_.stride,
@@ -122,35 +121,11 @@ class ComponentShear {
     frame::Buffer<std::size_t> step_of_byte_;  // the step that each byte column belongs to
 };
 
-// Logs an allocation that fails while it lives, then that the page is given up.
-class FailureReport {
-  public:
-    explicit FailureReport(diag::LoggerSlot logger) : logger_(logger) {}
-    ~FailureReport() {
-        if (std::uncaught_exceptions() == before_) return;
-        diag::report(logger_, diag::kOwner, diag::kErrorLevel, diag::kNoMemoryCode,
-                     diag::kNoMemoryText);
-        diag::report(logger_, diag::kOwner, diag::kErrorLevel, diag::kGaveUpCode);
-    }
-    FailureReport(const FailureReport&) = delete;
-    FailureReport& operator=(const FailureReport&) = delete;
-
-  private:
-    diag::LoggerSlot logger_;
-    int before_ = std::uncaught_exceptions();
-};
-
-ComponentShear prepared(common::BitonalView source, int yskew,
-                        common::MutableBitonalView destination, diag::LoggerSlot logger) {
-    const FailureReport report(logger);
-    return ComponentShear(source, yskew, destination);
-}
-
 }  // namespace
 
 void component_shear(common::BitonalView source, int yskew, common::MutableBitonalView destination,
-                     const Progress& progress, diag::LoggerSlot logger) {
-    ComponentShear shear = prepared(source, yskew, destination, logger);
+                     const Progress& progress) {
+    ComponentShear shear(source, yskew, destination);
     const std::int64_t total = (source.height + kReportInterval - 1) / kReportInterval;
     for (std::int32_t y = 0; y < source.height; ++y) {
         if (y % kReportInterval == 0) progress(y / kReportInterval, total);

@@ -6,7 +6,7 @@
 // still move within the page's growth. Columns further right hold nothing and are left alone.
 #include <algorithm>
 
-#include "deskew/bitonal_rotation.h"
+#include "deskew/bitonal_shears.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
 

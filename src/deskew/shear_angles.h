@@ -31,7 +31,7 @@ ShearPlan shear_plan(int yskew);
 class LineShifts {
   public:
     LineShifts(std::int64_t lines, double factor)
-        : factor_(factor), growth_(std::abs(whole(displacement(lines - 1)))) {
+        : factor_(factor), growth_(std::abs(floored(displacement(lines - 1)))) {
         if (factor < 0) base_ = growth_;
     }
 
@@ -39,13 +39,13 @@ class LineShifts {
     double displacement(std::int64_t line) const {
         return (static_cast<double>(line) + 0.5) * factor_;
     }
-    std::int64_t operator()(std::int64_t line) const { return whole(displacement(line)) + base_; }
+    std::int64_t operator()(std::int64_t line) const { return floored(displacement(line)) + base_; }
 
     std::int64_t growth() const { return growth_; }  // pixels that the lines become longer
     std::int64_t base() const { return base_; }      // makes every shift at least 0
 
   private:
-    static std::int64_t whole(double pixels) {
+    static std::int64_t floored(double pixels) {
         return static_cast<std::int64_t>(std::floor(pixels));
     }
 

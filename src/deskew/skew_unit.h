@@ -1,19 +1,36 @@
 // The unit that skews are measured in, and the size of a page after the bitonal deskew rotation.
 //
 // A skew s is a drift of s pixels over kSkewScale pixels: positive when text lines rise to the
-// right. Use: deskewed_size(height, width, s) for what the estimator reports and the rotation
-// needs.
+// right. Use: skew_units() for a skew that a caller gives, deskewed_size(height, width, s) for what
+// the estimator reports and the rotation needs.
 //
 // Keep true: |s| <= kMaxSkew. Sizes are 64-bit, so that a page near the limit of 32-bit sizes gives
 // a true result that the caller can refuse.
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
 
 namespace deskew {
 
 constexpr int kSkewScale = 512;
 constexpr int kMaxSkew = 96;  // about 10.6 degrees
+
+// A skew as a caller gives it: a drift of `numerator` pixels over `denominator` pixels.
+struct Skew {
+    int numerator = 0;
+    int denominator = kSkewScale;
+};
+
+// Rounded toward zero. No drift is no skew over any length. Throws std::out_of_range for a drift
+// over nothing and beyond kMaxSkew.
+inline int skew_units(Skew skew) {
+    if (skew.numerator == 0) return 0;
+    if (skew.denominator == 0) throw std::out_of_range("a skew over nothing");
+    const std::int64_t units = std::int64_t{skew.numerator} * kSkewScale / skew.denominator;
+    if (units < -kMaxSkew || units > kMaxSkew) throw std::out_of_range("too steep a skew");
+    return static_cast<int>(units);
+}
 
 struct Size {
     std::int64_t height = 0;  // rows

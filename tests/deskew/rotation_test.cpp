@@ -370,7 +370,7 @@ TEST(RotationChecks, SidesAreSixteenBitNumbers) {
     }
 }
 
-TEST(RotationChecks, TheComponentShearLogsWhyItGivesUp) {
+TEST(RotationChecks, EveryRotationLogsWhyItGivesUp) {
     struct : diag::Logger {
         std::int32_t log(std::uint32_t, std::int32_t, std::uint32_t code, const char*) override {
             codes[count++ % 4] = code;
@@ -382,21 +382,29 @@ TEST(RotationChecks, TheComponentShearLogsWhyItGivesUp) {
     diag::Logger* slot = &logger;
     const Page page = make_page(64, 64, 0, Ink::kText, 1);
     Bytes result(128 * 16);
-    bool thrown = false;
-    prepro_redefine_malloc(support::failing_malloc);
-    support::allocations_until_failure = 1;
-    try {
-        deskew::straighten({page.bytes.data(), 64, 64, page.stride}, 10,
-                           {result.data(), 128, 128, 16}, {}, &slot);
-    } catch (const std::bad_alloc&) {
-        thrown = true;
+    const struct {
+        decltype(&deskew::straighten) rotate;
+        int skew;
+    } cases[] = {
+        {deskew::straighten, 10}, {deskew::straighten, 40}, {deskew::straighten_aligned, 10}};
+    for (const auto& c : cases) {
+        logger.count = 0;
+        bool thrown = false;
+        prepro_redefine_malloc(support::failing_malloc);
+        support::allocations_until_failure = 0;
+        try {
+            c.rotate({page.bytes.data(), 64, 64, page.stride}, {c.skew, 512},
+                     {result.data(), 128, 128, 16}, {}, &slot);
+        } catch (...) {
+            thrown = true;
+        }
+        support::allocations_until_failure = -1;
+        prepro_redefine_malloc(nullptr);
+        EXPECT_TRUE(thrown);
+        ASSERT_EQ(logger.count, 2U);
+        EXPECT_EQ(logger.codes[0], diag::kNoMemoryCode);
+        EXPECT_EQ(logger.codes[1], diag::kGaveUpCode);
     }
-    support::allocations_until_failure = -1;
-    prepro_redefine_malloc(nullptr);
-    EXPECT_TRUE(thrown);
-    ASSERT_EQ(logger.count, 2U);
-    EXPECT_EQ(logger.codes[0], diag::kNoMemoryCode);
-    EXPECT_EQ(logger.codes[1], diag::kGaveUpCode);
 }
 
 TEST(RotationChecks, AThrowingCallbackEndsTheCallAndTheSourceComesBack) {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "common/basic_image.h"
-#include "deskew/bitonal_rotation.h"
+#include "deskew/bitonal_shears.h"
 #include "deskew/shear_angles.h"
 #include "deskew/strip_shear.h"
 
@@ -32,8 +32,8 @@ void shear_twice(common::BitonalView source, const ShearPlan& plan,
 
 }  // namespace
 
-void straighten_aligned(common::BitonalView source, int yskew, std::uint8_t* block,
-                        const Progress& progress) {
+void aligned_shear(common::BitonalView source, int yskew, std::uint8_t* block,
+                   const Progress& progress) {
     const ShearPlan plan = shear_plan(yskew);
     const ShearedSize size = sheared_size(plan, source.height, source.width);
     const auto height = static_cast<std::int32_t>(size.height);
