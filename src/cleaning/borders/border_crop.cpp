@@ -1,5 +1,7 @@
 #include "cleaning/borders/border_crop.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -7,6 +9,18 @@
 
 namespace cleaning {
 namespace {
+
+// The first pixel from x on that is marked, or that is not; width if there is none.
+std::size_t find_pixel(const std::uint64_t* row, std::size_t x, std::size_t width, bool marked) {
+    while (x < width) {
+        const std::uint64_t word = (marked ? row[x / 64] : ~row[x / 64]) >> (x % 64);
+        if (word != 0) {
+            return std::min(width, x + static_cast<std::size_t>(std::countr_zero(word)));
+        }
+        x = (x / 64 + 1) * 64;
+    }
+    return width;
+}
 
 // The byte in front of each pixel's colours keeps its value.
 void whiten_after_first(std::uint8_t* pixels, std::size_t count) {
@@ -22,18 +36,19 @@ void whiten_after_first(std::uint8_t* pixels, std::size_t count) {
 }
 
 void whiten(const BorderPage& page, const BorderMask& mask) {
+    const auto width = static_cast<std::size_t>(page.width);
     const std::size_t bytes = simd::pixel_bytes(page.layout);
     for (std::ptrdiff_t y = 0; y < page.height; ++y) {
-        for (std::int32_t x = mask.next(y, 0, true); x < page.width;) {
-            const std::int32_t end = mask.next(y, x, false);
-            const auto count = static_cast<std::size_t>(end - x);
-            std::uint8_t* const pixels = page.row(y) + static_cast<std::size_t>(x) * bytes;
+        const std::uint64_t* const border = mask.row(y);
+        for (std::size_t x = find_pixel(border, 0, width, true); x < width;) {
+            const std::size_t end = find_pixel(border, x, width, false);
+            std::uint8_t* const pixels = page.row(y) + x * bytes;
             if (page.layout == simd::PixelLayout::kXrgb) {
-                whiten_after_first(pixels, count);
+                whiten_after_first(pixels, end - x);
             } else {
-                std::memset(pixels, 255, count * bytes);
+                std::memset(pixels, 255, (end - x) * bytes);
             }
-            x = mask.next(y, end, true);
+            x = find_pixel(border, end, width, true);
         }
     }
 }

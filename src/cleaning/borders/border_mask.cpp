@@ -64,9 +64,9 @@ void dilate_row(std::uint64_t* row, std::size_t words) {
 }
 
 // Marks the pixels begin <= x < end of a row.
-void mark_span(std::uint64_t* row, std::int32_t begin, std::int32_t end) {
-    for (std::int32_t x = begin; x < end;) {
-        const std::int32_t count = std::min(end - x, 64 - x % 64);
+void mark_span(std::uint64_t* row, std::size_t begin, std::size_t end) {
+    for (std::size_t x = begin; x < end;) {
+        const std::size_t count = std::min(end - x, 64 - x % 64);
         row[x / 64] |= kAll >> (64 - count) << (x % 64);
         x += count;
     }
@@ -91,18 +91,6 @@ BorderMask::BorderMask(std::int32_t height, std::int32_t width)
       bits_(frame::Buffer<std::uint64_t>::zeroed(
           std::max<std::size_t>(stored_words(height_, words_), 1))) {}
 
-std::int32_t BorderMask::next(std::ptrdiff_t y, std::int32_t x, bool marked) const {
-    const std::uint64_t* const words = row(y);
-    std::uint64_t from_x = kAll << (x % 64);
-    for (auto i = static_cast<std::size_t>(x / 64); i < words_; ++i, from_x = kAll) {
-        const std::uint64_t word = (marked ? words[i] : ~words[i]) & from_x;
-        if (word == 0) continue;
-        const std::size_t found = 64 * i + static_cast<std::size_t>(std::countr_zero(word));
-        return static_cast<std::int32_t>(std::min(found, static_cast<std::size_t>(width_)));
-    }
-    return width_;
-}
-
 void BorderMask::dilate() {
     struct Step {
         std::ptrdiff_t rows;
@@ -125,12 +113,13 @@ void BorderMask::dilate() {
 }
 
 void BorderMask::mark_frame() {
-    const auto mark_row = [&](std::ptrdiff_t y) { mark_span(row(y), 0, width_); };
+    const auto width = static_cast<std::size_t>(width_);
+    const auto mark_row = [&](std::ptrdiff_t y) { mark_span(row(y), 0, width); };
     for (std::ptrdiff_t y = 0; y < kBorderMargin; ++y) mark_row(y);
     for (std::ptrdiff_t y = height_ - kBorderMargin - 1; y < height_ - 1; ++y) mark_row(y);
     for (std::ptrdiff_t y = 0; y < height_; ++y) {
         mark_span(row(y), 0, kBorderMargin);
-        mark_span(row(y), width_ - kBorderMargin - 1, width_);
+        mark_span(row(y), width - kBorderMargin - 1, width);
     }
 }
 

@@ -1,7 +1,7 @@
 // The mask of a page's dark border: one bit per pixel, 1 = border.
 //
 // Use: BorderMask mask(height, width); grow_border(page, limits, mask); mask.dilate();
-// mask.mark_frame(); then content_of(mask) and mask.next() read it.
+// mask.mark_frame(); then content_of() and row() read it.
 //
 // Rows are words of 64 pixels in the bit order of simd/pixels/border_rows.h; bits beyond the width
 // are 0. Blank rows lie above and below, so that every row has a neighbour.
@@ -43,9 +43,6 @@ class BorderMask {
     void mark(std::ptrdiff_t y, std::ptrdiff_t x) {
         row(y)[x / 64] |= std::uint64_t{1} << (x % 64);
     }
-
-    // The first pixel of row y, from x on, that is marked, or that is not; width() if none is.
-    std::int32_t next(std::ptrdiff_t y, std::int32_t x, bool marked) const;
 
     // Marks all pixels within kBorderMargin rows and columns of a mark. May be called once only.
     void dilate();
