@@ -5,9 +5,12 @@ namespace {
 
 auto bitonal(int ink_value) {
     return [=](Desk& desk) {
-        return desk.wrote(cropbmp(ink_value, desk.bitonal.data(), desk.height, desk.width,
-                                  desk.stride, desk.out.data()),
-                          desk.out.data(), desk.bitonal.size());
+        constexpr std::uint8_t kUntouched = 0x5C;
+        std::fill_n(desk.out.begin(), desk.bitonal.size(), kUntouched);
+        const int status = cropbmp(ink_value, desk.bitonal.data(), desk.height, desk.width,
+                                   desk.stride, desk.out.data());
+        EXPECT_TRUE(status == 0 || desk.out.front() == kUntouched) << "a failure left traces";
+        return desk.wrote(status, desk.out.data(), desk.bitonal.size());
     };
 }
 

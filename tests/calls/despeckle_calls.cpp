@@ -32,10 +32,11 @@ const bool added = add_calls({
     {"despeckl_c_mem, no pixels", Allocates::kYes, cleaned_or_kept(despeckl_c_mem, -1, 3)},
     {"despeckl_c_mem, not near", Allocates::kYes, cleaned_or_kept(despeckl_c_mem, 8, 0)},
     {"despeckl_c_mem, few pixels", Allocates::kYes, cleaned(despeckl_c_mem, 8, 3)},
-    {"despeckl_c_mem, many pixels", Allocates::kYes, cleaned(despeckl_c_mem, 100, 3)},
+    {"despeckl_c_mem, many pixels", Allocates::kYes, cleaned_or_kept(despeckl_c_mem, 100, 3)},
     {"despeckl_cb_mem", Allocates::kYes, cleaned(despeckl_cb_mem, erase_narrow, nullptr)},
-    {"despeckl_ccb_mem", Allocates::kYes, cleaned(despeckl_ccb_mem, erase_narrow, nullptr, 2)},
-    {"despeckl_selective", Allocates::kYes, cleaned(despeckl_selective, 0, 100, 2)},
+    {"despeckl_ccb_mem", Allocates::kYes,
+     cleaned_or_kept(despeckl_ccb_mem, erase_narrow, nullptr, 2)},
+    {"despeckl_selective", Allocates::kYes, cleaned_or_kept(despeckl_selective, 0, 100, 2)},
     {"pre_tva", Allocates::kYes, cleaned(pre_tva, short{40}, short{2})},
 });
 

@@ -54,12 +54,12 @@ void widen(common::MutableBitonalView page, std::int32_t distance) {
 
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
-    ink::PageCopy copy(page);
-    ink::stream_components(page, rule);
-    widen(page, distance);
-    ink::or_page(page, copy.view());
-    ink::stream_components(page, rule);
-    ink::and_page(page, copy.view());
+    ink::PageCopy kept(page);
+    ink::stream_components(kept.view(), rule);
+    widen(kept.view(), distance);
+    ink::or_page(kept.view(), page);
+    ink::stream_components(kept.view(), rule);
+    ink::and_page(page, kept.view());
 }
 
 }  // namespace
