@@ -4,6 +4,9 @@
 // height, stride, kGrey, 300, 300) wraps a buffer of somebody else's, mind the order of width and
 // height.
 //
+// The aligned rotation makes its result in one; the other operations on image objects are here for
+// steps to come, and nothing in the library calls them yet.
+//
 // Keep true: grey and colour rows are addressed by the width alone, so a wrapped grey or colour
 // buffer has unpadded rows. A wrapped buffer outlives the object. Owned memory comes from
 // frame::allocate().

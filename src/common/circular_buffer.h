@@ -3,6 +3,8 @@
 // Use: write a row at write_row(), then push(); oldest_row() is the one that goes next, by pop() or
 // by being overwritten once the ring is full.
 //
+// For window passes over rows to come; nothing in the library calls it yet.
+//
 // Keep true: capacity and row length are at least 1. The rows are owned; an object is not copied.
 #pragma once
 

@@ -3,7 +3,8 @@
 //
 // Use: easy_file_sink<char> sink; sink.open(path, std::ios_base::in | std::ios_base::out);
 //      boost::iostreams::stream<easy_file_sink<char>> out; out.open(sink);
-// Copies share the file; it is closed when the last one goes.
+// Copies share the file; it is closed when the last one goes. The traces only write; the other
+// modes, reading and seeking are called by tests alone.
 #pragma once
 
 #include <boost/iostreams/categories.hpp>

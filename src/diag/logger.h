@@ -25,12 +25,12 @@ constexpr std::int32_t kTaggedUpToLevel = 140;
 constexpr std::uint32_t kOwner = 0x1AA0;         // every record of this library
 constexpr std::uint32_t kUnknownOwner = 0x1800;  // stands in for owner 0
 
-// Codes of the records.
+// Codes of the records. Steps throw when they fail, so nothing reports the last two yet.
 constexpr std::uint32_t kGaveUpCode = 16;       // a function gives up after a failed allocation
-constexpr std::uint32_t kStepFailedCode = 9;    // a step called by the function returned an error
 constexpr std::uint32_t kNoMemoryCode = 34;     // a working buffer could not be allocated
 constexpr std::uint32_t kListGrowthCode = 145;  // a run or component list could not grow
-constexpr std::uint32_t kSubstepFailedCode = 257;
+constexpr std::uint32_t kStepFailedCode = 9;    // a step called by the function returned an error
+constexpr std::uint32_t kSubstepFailedCode = 257;  // and so did a step of a step
 
 constexpr char kDefaultText[] = "DEFAULT_ERROR_MSG";
 constexpr char kNoMemoryText[] = "Cannot allocate memory.";
