@@ -1,4 +1,4 @@
-// Level counts without a table access per pixel, where vectors are wide enough for it to pay.
+// A histogram without a table access per pixel, where vectors are wide enough for it to pay.
 //
 // A block of eight vectors of bytes is turned into eight bit planes, so that one bit of each plane
 // makes a pixel. Which pixels have a given upper half of the level is the conjunction of four
@@ -7,9 +7,13 @@
 // counted.
 //
 // Narrow vectors would do this for too few pixels at once: there, and for what is left of the last
-// block, pixels are counted one by one, in four tables in turn so that neighbours of one level need
-// not wait for each other.
+// block, pixels are counted one by one, in eight tables in turn. A counter that is raised again at
+// once waits for its own store, so neighbours of one level must not share a table; vectors of a
+// single level, as white paper has them, are counted as a whole.
 #include "simd/pixels/histogram.h"
+
+#include <algorithm>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/histogram_hwy.cpp"
@@ -22,16 +26,40 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
-    constexpr std::size_t kTables = 4;
-    Histogram tables[kTables] = {};
+constexpr std::size_t kTables = 8;
+using Tables = std::uint32_t[kTables][256];
+
+// The eight pixels are taken out of one word: that is one load, and eight shifts that cost less.
+HWY_INLINE void count_eight(const std::uint8_t* pixels, Tables& tables) {
+    std::uint64_t word;
+    std::memcpy(&word, pixels, sizeof word);
+    for (std::size_t k = 0; k < kTables; ++k) ++tables[k][word >> (8 * k) & 0xFF];
+}
+
+// At most 2^32 - 1 pixels.
+inline void count_in_tables(const std::uint8_t* pixels, std::size_t count, Tables& tables) {
+    const hn::CappedTag<std::uint8_t, 32> bytes;
+    const std::size_t lanes = hn::Lanes(bytes);
     std::size_t i = 0;
-    for (; i + kTables <= count; i += kTables) {
-        for (std::size_t table = 0; table < kTables; ++table) ++tables[table][pixels[i + table]];
+    for (; i + lanes <= count; i += lanes) {
+        const auto level = hn::Set(bytes, pixels[i]);
+        if (hn::AllTrue(bytes, hn::Eq(hn::LoadU(bytes, pixels + i), level))) {
+            tables[0][pixels[i]] += static_cast<std::uint32_t>(lanes);
+        } else {
+            for (std::size_t k = 0; k < lanes; k += 8) count_eight(pixels + i + k, tables);
+        }
     }
     for (; i < count; ++i) ++tables[0][pixels[i]];
-    for (std::size_t level = 0; level < counts.size(); ++level) {
-        for (const Histogram& table : tables) counts[level] += table[level];
+}
+
+inline void count_one_by_one(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
+    constexpr std::size_t kMost = std::size_t{1} << 31;
+    for (std::size_t done = 0; done < count; done += kMost) {
+        Tables tables = {};
+        count_in_tables(pixels + done, std::min(count - done, kMost), tables);
+        for (std::size_t level = 0; level < counts.size(); ++level) {
+            for (const auto& table : tables) counts[level] += table[level];
+        }
     }
 }
 
