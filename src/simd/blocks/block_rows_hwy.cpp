@@ -102,12 +102,27 @@ HWY_INLINE VecU16 means_of(VecU16 sums_and_counts) {
     return hn::MulHigh(hn::Add(sums, sums), reciprocals);
 }
 
+// Whether all cells of a vector and those around them are 0.
+HWY_INLINE bool none_around(const ThreeRows& map, std::size_t x) {
+    VecU8 any = hn::Zero(kU8);
+    for (const std::uint8_t* row : {map.above, map.row, map.below}) {
+        any = hn::Or3(any, hn::LoadU(kU8, row + x - 1), hn::LoadU(kU8, row + x + 1));
+    }
+    return hn::AllTrue(kU8, hn::Eq(any, hn::Zero(kU8)));
+}
+
+// Most maps have large areas that are filled or empty all over.
 void fill_empty_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     for (std::size_t x = 0; x < width; x += hn::Lanes(kU8)) {
         const VecU8 own = hn::LoadU(kU8, map.row + x);
+        const auto empty = hn::Eq(own, hn::Zero(kU8));
+        if (hn::AllFalse(kU8, empty) || none_around(map, x)) {
+            hn::StoreU(own, kU8, out + x);
+            continue;
+        }
         const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
         const VecU8 means = interleave(means_of(around.even), means_of(around.odd));
-        hn::StoreU(hn::IfThenElse(hn::Eq(own, hn::Zero(kU8)), means, own), kU8, out + x);
+        hn::StoreU(hn::IfThenElse(empty, means, own), kU8, out + x);
     }
     out[0] = map.row[0];
     out[width - 1] = map.row[width - 1];
@@ -121,11 +136,15 @@ HWY_INLINE VecU16 means_of_three_or_more(VecU16 sums_and_counts) {
 
 void average_filled_row(const ThreeRows& map, std::size_t width, std::uint8_t* out) {
     for (std::size_t x = 0; x < width; x += hn::Lanes(kU8)) {
-        const VecU8 own = hn::LoadU(kU8, map.row + x);
+        const auto empty = hn::Eq(hn::LoadU(kU8, map.row + x), hn::Zero(kU8));
+        if (hn::AllTrue(kU8, empty)) {
+            hn::StoreU(hn::Zero(kU8), kU8, out + x);
+            continue;
+        }
         const SumsAndCounts around = sums_around(map.above + x, map.row + x, map.below + x);
         const VecU8 means =
             interleave(means_of_three_or_more(around.even), means_of_three_or_more(around.odd));
-        hn::StoreU(hn::IfThenZeroElse(hn::Eq(own, hn::Zero(kU8)), means), kU8, out + x);
+        hn::StoreU(hn::IfThenZeroElse(empty, means), kU8, out + x);
     }
     out[0] = 0;
     out[width - 1] = 0;
