@@ -1,5 +1,5 @@
-// An index-linked list: every record of the cleaning tools lives in a slot of one, and is named by
-// its slot index, never by a pointer, because the arrays move when they grow.
+// An index-linked list. A record lives in a slot and is named by the index of its slot, never by a
+// pointer, because the arrays move when they grow.
 //
 // Use:
 //     KydListT<run> runs;
@@ -10,8 +10,9 @@
 //
 // A slot keeps its index from insert_node to erase_node; released slots are handed out again, the
 // last released first, before the arrays grow. A fresh slot holds whatever was there: its user
-// writes every field. No operation throws; a negative result is a failure that left the list as it
-// was.
+// writes every field. The operations are fixed to return a number: a negative one is a failure that
+// left the list as it was. None of them throws. Nothing calls init(), relink_all(),
+// append_existing() and release_storage() yet: they are for lists that outlive a call.
 //
 // Keep true: slots named by a caller that are in use are also linked, except between relink_all()
 // and append_existing().
@@ -20,12 +21,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
-#include <type_traits>
+#include <new>
 #include <utility>
 
-#include "frame/memory.h"
+#include "frame/buffer.h"
+#include "ink/larger_buffer.h"
 
 namespace ink {
 
@@ -41,78 +42,23 @@ struct ListNode {
     std::uint8_t used;  // 1 from insert_node to erase_node
 };
 
-// Plain records in one block from the memory hooks that grows without throwing.
-template <class T>
-class GrowableArray {
-    static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= 16);
-
-  public:
-    GrowableArray() = default;
-    GrowableArray(GrowableArray&& other) noexcept
-        : data_(std::exchange(other.data_, nullptr)),
-          capacity_(std::exchange(other.capacity_, 0)) {}
-    GrowableArray& operator=(GrowableArray&& other) noexcept {
-        std::swap(data_, other.data_);
-        std::swap(capacity_, other.capacity_);
-        return *this;
-    }
-    ~GrowableArray() { release(); }
-
-    // A larger block that holds the first `filled` records, or an empty array when there is no
-    // memory for it.
-    GrowableArray grown(std::int32_t capacity, std::int32_t filled) const {
-        GrowableArray larger;
-        larger.data_ =
-            static_cast<T*>(frame::allocate(static_cast<std::size_t>(capacity) * sizeof(T)));
-        if (larger.data_ == nullptr) return larger;
-        larger.capacity_ = capacity;
-        if (filled > 0)
-            std::memcpy(larger.data_, data_, static_cast<std::size_t>(filled) * sizeof(T));
-        return larger;
-    }
-
-    void release() {
-        frame::release(std::exchange(data_, nullptr));
-        capacity_ = 0;
-    }
-
-    std::int32_t capacity() const { return capacity_; }
-    T& operator[](std::int32_t index) { return data_[index]; }
-    const T& operator[](std::int32_t index) const { return data_[index]; }
-
-  private:
-    T* data_ = nullptr;
-    std::int32_t capacity_ = 0;  // records
-};
-
 template <class T>
 class KydListT {
   public:
     static constexpr std::int32_t kMaxSlots = std::numeric_limits<std::int32_t>::max();
 
     KydListT() = default;
-    KydListT(KydListT&& other) noexcept { *this = std::move(other); }
-    KydListT& operator=(KydListT&& other) noexcept {
-        if (this == &other) return *this;
-        release_storage();
-        nodes = std::move(other.nodes);
-        elements = std::move(other.elements);
-        count = other.count;
-        first = other.first;
-        last = other.last;
-        free_head = other.free_head;
-        handed_out_ = other.handed_out_;
-        other.init();
-        return *this;
-    }
+    KydListT(const KydListT&) = delete;
+    KydListT& operator=(const KydListT&) = delete;
 
-    GrowableArray<ListNode> nodes;
-    GrowableArray<T> elements;  // element i is the record of node i
+    frame::Buffer<ListNode> nodes;
+    frame::Buffer<T> elements;  // element i is the record of node i
     std::int32_t count = 0;     // linked slots
     std::int32_t first = kNoSlot;
     std::int32_t last = kNoSlot;
     std::int32_t free_head = kNoSlot;  // the released slot that is handed out next
 
+    // Makes the list empty and gives its memory back.
     std::int32_t init() { return release_storage(); }
 
     // Links a slot at the end (kAtEnd), at the front (kAtFront) or before the used slot `position`
@@ -127,7 +73,7 @@ class KydListT {
         } else if (position == kAtFront) {
             link(slot, kNoSlot, first);
         } else {
-            link(slot, nodes[position].prev, position);
+            link(slot, node(position).prev, position);
         }
         return slot;
     }
@@ -135,10 +81,10 @@ class KydListT {
     // Unlinks the slot and makes it the next one to be handed out; -1 when it is not in use.
     std::int32_t erase_node(std::int32_t slot) {
         if (!in_use(slot)) return -1;
-        ListNode& node = nodes[slot];
-        (node.prev == kNoSlot ? first : nodes[node.prev].next) = node.next;
-        (node.next == kNoSlot ? last : nodes[node.next].prev) = node.prev;
-        node = ListNode{kNoSlot, free_head, 0};
+        ListNode& erased = node(slot);
+        (erased.prev == kNoSlot ? first : node(erased.prev).next) = erased.next;
+        (erased.next == kNoSlot ? last : node(erased.next).prev) = erased.prev;
+        erased = ListNode{kNoSlot, free_head, 0};
         free_head = slot;
         --count;
         return 0;
@@ -161,8 +107,8 @@ class KydListT {
     }
 
     std::int32_t release_storage() {
-        nodes.release();
-        elements.release();
+        nodes = frame::Buffer<ListNode>();
+        elements = frame::Buffer<T>();
         relink_all();
         free_head = kNoSlot;
         handed_out_ = 0;
@@ -170,23 +116,25 @@ class KydListT {
     }
 
     bool in_use(std::int32_t slot) const {
-        return slot >= 0 && slot < handed_out_ && nodes[slot].used != 0;
+        return slot >= 0 && slot < handed_out_ && node(slot).used != 0;
     }
-    std::int32_t next(std::int32_t slot) const { return nodes[slot].next; }
-    std::int32_t prev(std::int32_t slot) const { return nodes[slot].prev; }
-    T& operator[](std::int32_t slot) { return elements[slot]; }
-    const T& operator[](std::int32_t slot) const { return elements[slot]; }
+    std::int32_t next(std::int32_t slot) const { return node(slot).next; }
+    std::int32_t prev(std::int32_t slot) const { return node(slot).prev; }
+    T& operator[](std::int32_t slot) { return elements[static_cast<std::size_t>(slot)]; }
+    const T& operator[](std::int32_t slot) const {
+        return elements[static_cast<std::size_t>(slot)];
+    }
 
   private:
     std::int32_t take_slot() {
         if (free_head != kNoSlot) {
             const std::int32_t slot = free_head;
-            if (nodes[slot].used != 0) return -1;
-            free_head = nodes[slot].next;
+            if (node(slot).used != 0) return -1;
+            free_head = node(slot).next;
             return slot;
         }
         if (handed_out_ == kMaxSlots) return -1;
-        if (handed_out_ == nodes.capacity() && !grow()) return -1;
+        if (static_cast<std::size_t>(handed_out_) == nodes.size() && !grow()) return -1;
         return handed_out_++;
     }
 
@@ -194,22 +142,28 @@ class KydListT {
     bool grow() {
         const std::int32_t capacity =
             handed_out_ > kMaxSlots / 2 ? kMaxSlots : std::max(2, 2 * handed_out_);
-        GrowableArray<ListNode> larger_nodes = nodes.grown(capacity, handed_out_);
-        GrowableArray<T> larger_elements = elements.grown(capacity, handed_out_);
-        if (larger_nodes.capacity() == 0 || larger_elements.capacity() == 0) return false;
-        nodes = std::move(larger_nodes);
-        elements = std::move(larger_elements);
-        return true;
+        try {
+            frame::Buffer<ListNode> larger =
+                larger_buffer(nodes, static_cast<std::size_t>(capacity));
+            elements = larger_buffer(elements, static_cast<std::size_t>(capacity));
+            nodes = std::move(larger);
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
     }
 
+    ListNode& node(std::int32_t slot) { return nodes[static_cast<std::size_t>(slot)]; }
+    const ListNode& node(std::int32_t slot) const { return nodes[static_cast<std::size_t>(slot)]; }
+
     void link(std::int32_t slot, std::int32_t before, std::int32_t after) {
-        nodes[slot] = ListNode{before, after, 1};
-        (before == kNoSlot ? first : nodes[before].next) = slot;
-        (after == kNoSlot ? last : nodes[after].prev) = slot;
+        node(slot) = ListNode{before, after, 1};
+        (before == kNoSlot ? first : node(before).next) = slot;
+        (after == kNoSlot ? last : node(after).prev) = slot;
         ++count;
     }
 
-    std::int32_t handed_out_ = 0;  // slots that nodes holds: used or released
+    std::int32_t handed_out_ = 0;  // slots that have been used, released or not
 };
 
 }  // namespace ink

@@ -16,6 +16,7 @@
 #include "common/views.h"
 #include "frame/buffer.h"
 #include "ink/component_box.h"
+#include "ink/larger_buffer.h"
 #include "ink/row_labels.h"
 
 namespace ink {
@@ -83,14 +84,9 @@ class LabelForest {
     ComponentBox& box(std::int32_t label) { return boxes_[static_cast<std::size_t>(label)]; }
 
     void grow() {
-        const std::size_t used = static_cast<std::size_t>(size_);
-        const std::size_t capacity = used == 0 ? first_capacity_ : 2 * used;
-        frame::Buffer<std::int32_t> parents(capacity);
-        frame::Buffer<ComponentBox> boxes(capacity);
-        std::copy_n(parents_.begin(), used, parents.begin());
-        std::copy_n(boxes_.begin(), used, boxes.begin());
-        parents_ = std::move(parents);
-        boxes_ = std::move(boxes);
+        const std::size_t capacity = size_ == 0 ? first_capacity_ : 2 * parents_.size();
+        parents_ = larger_buffer(parents_, capacity);
+        boxes_ = larger_buffer(boxes_, capacity);
     }
 
     std::size_t first_capacity_;

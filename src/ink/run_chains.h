@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "frame/buffer.h"
+#include "ink/larger_buffer.h"
 #include "ink/run.h"
 
 namespace ink {
@@ -77,9 +78,7 @@ class RunChains {
     void grow() {
         const std::size_t capacity = std::max<std::size_t>(kFirstCapacity, 2 * links_.size());
         if (capacity > kMostLinks) throw std::bad_alloc();
-        frame::Buffer<Link> larger(capacity);
-        std::copy_n(links_.begin(), links_.size(), larger.begin());
-        links_ = std::move(larger);
+        links_ = larger_buffer(links_, capacity);
     }
 
     frame::Buffer<Link> links_;

@@ -92,35 +92,28 @@ TEST(KydList, OwnsItsStorage) {
     KydListT<Record> list;
     for (int slots = 1; slots <= 100; ++slots) {
         list[list.insert_node(kAtEnd)] = Record{slots, 1.0};
-        int capacity = 2;
-        while (capacity < slots) capacity *= 2;
-        ASSERT_EQ(list.nodes.capacity(), capacity);
-        ASSERT_EQ(list.elements.capacity(), capacity);
+        std::size_t capacity = 2;
+        while (capacity < static_cast<std::size_t>(slots)) capacity *= 2;
+        ASSERT_EQ(list.nodes.size(), capacity);
+        ASSERT_EQ(list.elements.size(), capacity);
     }
-    KydListT<Record> other(std::move(list));
-    EXPECT_EQ(other[other.last].value, 100);
-    EXPECT_EQ(other.count, 100);
-    other.erase_node(0);
-    EXPECT_EQ(other.release_storage(), 0);
-    EXPECT_EQ(other.nodes.capacity(), 0);
-    EXPECT_EQ(other.count, 0);
-    EXPECT_EQ(other.free_head, kNoSlot);
-    EXPECT_EQ(other.insert_node(kAtFront), 0);
-    other = KydListT<Record>();
-    EXPECT_EQ(other.count, 0);
+    EXPECT_EQ(list.release_storage(), 0);
+    EXPECT_EQ(list.nodes.size(), 0U);
+    EXPECT_EQ(list.count, 0);
+    EXPECT_EQ(list.insert_node(kAtFront), 0);
 }
 
 TEST(KydList, IsUnchangedWhenItCannotGrow) {
     support::fail_each_allocation([] {
         KydListT<Record> list;
         for (int i = 0; i < 9; ++i) {
-            const std::int32_t capacity = list.nodes.capacity();
+            const std::size_t capacity = list.nodes.size();
             const std::int32_t slot = list.insert_node(kAtEnd);
             if (slot < 0) {
                 EXPECT_EQ(list.count, i);
                 EXPECT_EQ(list.last, i - 1);
-                EXPECT_EQ(list.nodes.capacity(), capacity);
-                EXPECT_EQ(list.elements.capacity(), capacity);
+                EXPECT_EQ(list.nodes.size(), capacity);
+                EXPECT_EQ(list.elements.size(), capacity);
                 EXPECT_EQ(list.free_head, kNoSlot);
                 return -1;
             }
