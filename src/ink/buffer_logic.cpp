@@ -16,10 +16,7 @@ std::size_t buffer_size(std::int32_t rows, std::int32_t stride) {
 template <class Combine>
 std::int32_t combine_buffers(std::uint8_t* dst, const std::uint8_t* src, std::int32_t rows,
                              std::int32_t stride, Combine combine) {
-    const std::size_t size = buffer_size(rows, stride);
-    for (std::size_t i = 0; i < size; ++i) {
-        dst[i] = static_cast<std::uint8_t>(combine(dst[i], src[i]));
-    }
+    combine_bytes(dst, src, buffer_size(rows, stride), combine);
     return 0;
 }
 

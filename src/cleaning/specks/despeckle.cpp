@@ -12,7 +12,7 @@
 #include "cleaning/specks/busy_regions.h"
 #include "cleaning/specks/specks.h"
 #include "ink/component_stream.h"
-#include "ink/page_copy.h"
+#include "ink/page_logic.h"
 #include "ink/run.h"
 #include "ink/run_morphology.h"
 
@@ -54,7 +54,7 @@ void widen(common::MutableBitonalView page, std::int32_t distance) {
 
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
-    ink::PageCopy kept(page);
+    common::BitonalPage kept = ink::copy_of(page);
     ink::stream_components(kept.view(), rule);
     widen(kept.view(), distance);
     ink::or_page(kept.view(), page);
@@ -76,9 +76,9 @@ void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_a
         return run_protected_pass(page, distance, AreaRule(max_area));
     }
     // What the widened ink touches is what it has pixels in common with when widened by one more.
-    ink::PageCopy specks(page);
+    common::BitonalPage specks = ink::copy_of(page);
     erase_specks(page, max_area);
-    ink::PageCopy near(page);
+    common::BitonalPage near = ink::copy_of(page);
     const std::int32_t reach = std::min(distance, ink::kMaxRunCoordinate) + 1;
     widen(near.view(), reach);
     ink::combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
@@ -98,7 +98,7 @@ void despeckle_busy_regions(common::MutableBitonalView page, std::int32_t max_ar
                             std::int32_t density) {
     const BusyRegions busy(page, density);
     if (!busy.any()) return;
-    ink::PageCopy inner(page);
+    common::BitonalPage inner = ink::copy_of(page);
     ink::combine_pages(inner.view(), busy, [](int ink, int mask) { return ink & mask; });
     despeckle(inner.view(), max_area);
     ink::combine_pages(inner.view(), busy, [](int kept, int mask) { return kept | ~mask; });

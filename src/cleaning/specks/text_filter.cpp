@@ -10,7 +10,7 @@
 #include "cleaning/specks/stt_image.h"
 #include "frame/buffer.h"
 #include "ink/component_stream.h"
-#include "ink/page_copy.h"
+#include "ink/page_logic.h"
 #include "ink/run.h"
 #include "ink/run_morphology.h"
 
@@ -58,7 +58,7 @@ void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t*
 
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
     const auto stride = static_cast<std::int32_t>(page.stride);
-    ink::PageCopy copy(page);
+    common::BitonalPage copy = ink::copy_of(page);
     ink::fill_gaps(ink::Along::kRows, 2, page, common::whole(page));
     ink::stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
                            TextRule(shape));
