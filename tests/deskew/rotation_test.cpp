@@ -235,22 +235,6 @@ TEST(Rotation, SameGeometryAndNoSkewCopiesEveryByte) {
     EXPECT_NE(rounded.bytes, page.bytes);
 }
 
-TEST(Rotation, DotsMoveWholeWhereThePlainShearCutsThem) {
-    Page page = make_page(1000, 600, 0, Ink::kNone);
-    for (int y = 500; y < 512; ++y) {
-        for (int x = 300; x < 312; ++x) model::set_bit(page.bytes.data(), page.stride, x, y, true);
-    }
-    const Target target = target_for(kKinds[0], page, 20);
-    const Outcome outcome = rotate(kKinds[0].rotation, 20, 512, page, target);
-    // The box's centre (306, 506) moves 39 - 19 right; the column 326 moves 12 down.
-    for (int y = 0; y < target.height; ++y) {
-        for (int x = 0; x < target.width; ++x) {
-            const bool inside = x >= 320 && x < 332 && y >= 512 && y < 524;
-            ASSERT_EQ(model::get_bit(outcome.bytes.data(), target.stride, x, y), inside);
-        }
-    }
-}
-
 TEST(Rotation, AnglesAreThoseOfTheSkew) {
     for (int yskew = -96; yskew <= 96; ++yskew) {
         const deskew::ShearPlan plan = deskew::shear_plan(yskew);

@@ -14,7 +14,6 @@
 
 #include "deskew/skew_search.h"
 #include "models/skew_model.h"
-#include "support/allocation_limit.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
 #include "vemoprepro/deskew.h"
@@ -137,21 +136,6 @@ TEST(SkewEstimate, FindsTheSlopeOfText) {
     }
 }
 
-TEST(SkewEstimate, StemsAloneDecideWhenThereAreNoLines) {
-    // Strokes over the whole height, turned clockwise by 20 / 512.
-    SkewPage page = white_page(640, 640, 80);
-    support::Random random(8);
-    for (int stem = -200; stem < 900; stem += random.between(9, 30)) {
-        const int phase = random.between(0, 511);  // so that their steps do not form lines
-        for (int y = 0; y < page.height; ++y)
-            for (int i = 0; i < 4; ++i) page.ink(stem + (20 * y + phase) / 512 + i, y);
-    }
-    const Outputs found = estimate(page);
-    expect_same(found, expected(page));
-    EXPECT_NEAR(found.yskew, 20, 1);
-    EXPECT_GT(found.confidence, 1.5);
-}
-
 TEST(SkewEstimate, PageWithoutInkHasNoSkewAndNoConfidence) {
     for (const int height : {32, 33, 47, 48, 200}) {
         SkewPage page = white_page(height, 100, 16);
@@ -263,24 +247,6 @@ TEST_F(SkewTrace, FailsTheCallWhereItCannotBeMade) {
     // Bad arguments are found before the folder is touched.
     EXPECT_EQ(estimate({31, 64, 8, page.bytes}, 1, in("untouched").c_str()).result, -1);
     EXPECT_FALSE(std::filesystem::exists(in("untouched")));
-}
-
-TEST_F(SkewTrace, EveryAllocationMayFail) {
-    const SkewPage page = turned_text(100, 100, 16, 10, 1);
-    const std::string where = in("trace");
-    for (const int debug : {0, 1}) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-        // The sanitizer's own sized operator delete hides the strings of the trace from the hooks;
-        // its leak check sees to them.
-        if (debug != 0) continue;
-#endif
-        const Outputs want = estimate(page, debug, where.c_str());
-        support::fail_each_allocation([&] {
-            const Outputs found = estimate(page, debug, where.c_str());
-            expect_same(found, found.result == 0 ? want : kRefused);
-            return found.result;
-        });
-    }
 }
 
 model::Field random_cells(int rows, int columns, int largest, bool flat) {
