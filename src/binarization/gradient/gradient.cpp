@@ -7,8 +7,8 @@
 #include <cstring>
 #include <vector>
 
+#include "binarization/gradient/dark_levels.h"
 #include "binarization/gradient/gradient_band.h"
-#include "binarization/gradient/gradient_levels.h"
 #include "threads/worker_pool.h"
 
 namespace binarization {

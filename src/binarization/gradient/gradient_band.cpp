@@ -1,6 +1,9 @@
-// Three passes over the grey rows: one finds edges (gradient_edges.h), one turns the edges into
-// thresholds, marks the pixels next to them and sums up the blocks, and one, when the map of the
-// blocks is complete, applies it. Between the passes only bits and blocks are kept.
+// The grey rows are passed over twice. The first pass finds the edges (gradient_edges.h) and
+// follows them a few rows behind: the midpoint between the darkest and the lightest grey around an
+// edge pixel is the threshold of that pixel and of its neighbours, pixels darker than it are marked
+// on the page, and midpoints, contrasts and greys are averaged over the blocks. From these means
+// come the thresholds of all blocks (gradient_map.h), which the second pass applies. Between the
+// passes nothing is kept but the marked page and the maps of the blocks.
 #include "binarization/gradient/gradient_band.h"
 
 #include <algorithm>
@@ -13,8 +16,8 @@
 namespace binarization {
 namespace {
 
-constexpr int kStartAbove = 8;     // edges start so much above delta1
-constexpr int kNoEdgesFrom = 247;  // delta1 from which on there are no edges at all
+constexpr int kStartAbove = 8;     // an edge starts at the magnitude delta1 + 8
+constexpr int kNoEdgesFrom = 247;  // from this delta1 on no edges are sought
 
 EdgeOptions edge_options(const GradientParameters& parameters) {
     EdgeOptions options;
@@ -26,8 +29,8 @@ EdgeOptions edge_options(const GradientParameters& parameters) {
     return options;
 }
 
-// Of the rings of grey rows and what is made of them: a row of blocks, the rows around it and those
-// that are looked at ahead.
+// The rings hold what is looked at together: the four rows of a row of blocks, the rows above and
+// below them, and the row that is made next.
 constexpr std::size_t kRingRows = 8;
 
 simd::ThreeRows around(const PaddedRows& rows, std::size_t y) {
@@ -62,12 +65,13 @@ void GradientBand::binarize(const common::GreyView& grey, const common::MutableB
     apply_thresholds(grey, page);
 }
 
-// The midpoint of every edge pixel is the threshold of that pixel, and spreads to its neighbours.
+// Marks the pixels that are darker than the midpoint of an edge pixel at or beside them, and takes
+// the means of all blocks.
 void GradientBand::mark_edges(const common::GreyView& grey,
                               const common::MutableBitonalView& page) {
-    load_midpoints(grey, 0);
+    make_midpoints(grey, 0);
     for (std::size_t y = 0; y < height_; ++y) {
-        load_midpoints(grey, y + 1);
+        make_midpoints(grey, y + 1);
         if (y > 0 && y + 1 < height_) {
             simd::mark_below_midpoints(around(midpoints_, y),
                                        {edges_.edges(y - 1), edges_.edges(y), edges_.edges(y + 1)},
@@ -75,19 +79,20 @@ void GradientBand::mark_edges(const common::GreyView& grey,
             simd::set_pixels(bits_.data(), width_, page.row(static_cast<std::ptrdiff_t>(y)));
         }
         if (y % kBlockPixels == kBlockPixels - 1 || y + 1 == height_) {
-            close_block_row(grey, y / kBlockPixels);
+            average_block_row(grey, y / kBlockPixels);
         }
     }
 }
 
-// Inner rows only.
+// y is neither the first nor the last row.
 simd::ThreeRows GradientBand::greys_around(const common::GreyView& grey, std::size_t y) {
     return {grey_.row(grey, y - 1), grey_.row(grey, y), grey_.row(grey, y + 1)};
 }
 
-// Border rows have no edges.
-void GradientBand::load_midpoints(const common::GreyView& grey, std::size_t y) {
-    hidden_ <<= 1;
+// Midpoints and contrasts of row y; the first and the last row have no edges. Called for each row
+// in order, and once more for the row below the image, of which nothing is made.
+void GradientBand::make_midpoints(const common::GreyView& grey, std::size_t y) {
+    zero_midpoints_ <<= 1;
     if (y >= height_) return;
     edges_.advance(y);
     if (y == 0 || y + 1 == height_) {
@@ -95,12 +100,13 @@ void GradientBand::load_midpoints(const common::GreyView& grey, std::size_t y) {
         std::memset(contrasts_.row(y), 0, edges_.words() * 64);
     } else if (simd::midpoint_row(greys_around(grey, y), edges_.edges(y), edges_.words(),
                                   midpoints_.row(y), contrasts_.row(y))) {
-        hidden_ |= 1;
+        zero_midpoints_ |= 1;
     }
 }
 
-// Rows 4 * at .. 4 * at + 4 have midpoints, as far as there are such rows.
-void GradientBand::close_block_row(const common::GreyView& grey, std::size_t at) {
+// The means of block row `at`, when rows 4 * at .. 4 * at + 4 have midpoints, as far as the image
+// has them.
+void GradientBand::average_block_row(const common::GreyView& grey, std::size_t at) {
     const std::size_t top = at * kBlockPixels;
     const std::size_t rows = std::min(kBlockPixels, height_ - top);
     simd::FourRows midpoints;
@@ -121,14 +127,15 @@ void GradientBand::close_block_row(const common::GreyView& grey, std::size_t at)
     simd::edge_means(midpoints, contrasts, bits_.data(), edges_.words(), maps_.midpoint.row(at),
                      maps_.contrast.row(at));
     simd::grey_means(greys, edges_.words(), maps_.grey.row(at));
-    average_partial_blocks(grey, at, rows);
-    // Bit 0 stands for the row below the blocks.
-    if ((hidden_ >> 1 & 0xF) != 0) count_hidden_midpoints(at, rows);
+    average_cut_blocks(grey, at, rows);
+    // Bit 0 stands for the row below the blocks, the next four for their own.
+    if ((zero_midpoints_ >> 1 & 0xF) != 0) average_with_zero_midpoints(at, rows);
 }
 
-// Blocks that the edge of the image cuts have the mean of the pixels that they have.
-void GradientBand::average_partial_blocks(const common::GreyView& grey, std::size_t at,
-                                          std::size_t rows) {
+// A block that the right or the lower edge of the image cuts has the mean of the pixels that are
+// left to it.
+void GradientBand::average_cut_blocks(const common::GreyView& grey, std::size_t at,
+                                      std::size_t rows) {
     std::size_t block = rows < kBlockPixels ? 0 : width_ / kBlockPixels;
     for (; block < maps_.grey.width(); ++block) {
         const std::size_t x0 = block * kBlockPixels;
@@ -142,9 +149,10 @@ void GradientBand::average_partial_blocks(const common::GreyView& grey, std::siz
     }
 }
 
-// An edge pixel whose midpoint is 0 counts with what the spread gives it, which takes it for a
-// pixel without a midpoint. Only greys of 0 and 1 have such midpoints.
-void GradientBand::count_hidden_midpoints(std::size_t at, std::size_t rows) {
+// Once more the mean midpoints of a block row, for the rare image in which an edge pixel has the
+// midpoint 0, which only greys of 0 and 1 give. Such a pixel looks like one without a midpoint: it
+// takes the mean of the midpoints around it, and counts with that.
+void GradientBand::average_with_zero_midpoints(std::size_t at, std::size_t rows) {
     const std::size_t top = at * kBlockPixels;
     for (std::size_t block = 0; block < maps_.midpoint.width(); ++block) {
         unsigned sum = 0;

@@ -1,7 +1,7 @@
 // Gradient binarization of one band of rows, or of a whole image.
 //
 // Use: GradientBand band(height, width, parameters) allocates all that the work needs, and is the
-// only step that can fail; band.binarize(grey, page).
+// only step that can fail; then once band.binarize(grey, page).
 #pragma once
 
 #include <cstddef>
@@ -28,10 +28,10 @@ class GradientBand {
   private:
     void mark_edges(const common::GreyView& grey, const common::MutableBitonalView& page);
     simd::ThreeRows greys_around(const common::GreyView& grey, std::size_t y);
-    void load_midpoints(const common::GreyView& grey, std::size_t y);
-    void close_block_row(const common::GreyView& grey, std::size_t at);
-    void average_partial_blocks(const common::GreyView& grey, std::size_t at, std::size_t rows);
-    void count_hidden_midpoints(std::size_t at, std::size_t rows);
+    void make_midpoints(const common::GreyView& grey, std::size_t y);
+    void average_block_row(const common::GreyView& grey, std::size_t at);
+    void average_cut_blocks(const common::GreyView& grey, std::size_t at, std::size_t rows);
+    void average_with_zero_midpoints(std::size_t at, std::size_t rows);
     void apply_thresholds(const common::GreyView& grey, const common::MutableBitonalView& page);
 
     GradientParameters parameters_;
@@ -43,7 +43,8 @@ class GradientBand {
     PaddedRows midpoints_;
     PaddedRows contrasts_;
     frame::Buffer<std::uint64_t> bits_;
-    std::uint64_t hidden_ = 0;  // of the last 64 rows, the latest in bit 0: a midpoint was 0
+    // For each of the last 64 rows, the latest in bit 0, whether an edge pixel has the midpoint 0.
+    std::uint64_t zero_midpoints_ = 0;
 };
 
 }  // namespace binarization

@@ -1,10 +1,10 @@
 // All steps follow each other down the image, each as far behind the one before as it has to be, so
-// that rings of rows take the place of whole images. A trace reaches at most kTraceReach rows up
-// and down (gradient_hysteresis.cpp): candidates are sought so far ahead of it, and edges are final
-// so far behind it.
+// that rings of rows take the place of images. A trace reaches at most kTraceReach rows up and down
+// (gradient_hysteresis.cpp): candidates are found so many rows ahead of the traces, and a row of
+// edges is final so many rows behind them.
 //
 // The responses at the border of the image are those of an image continued by its border pixels.
-// Border pixels are never candidates themselves, but are neighbours of candidates.
+// Border pixels are never candidates themselves, but candidates are compared with them.
 #include "binarization/gradient/gradient_edges.h"
 
 #include <algorithm>
@@ -20,8 +20,8 @@ namespace {
 constexpr int kLargestMagnitude = 180;  // of gradients up to 127 either way
 constexpr double kLargestScale = 4.0;
 
-// Candidates are sought from this magnitude on. Where the thresholds are to be reduced it is half
-// of the unreduced one, whatever the reduction turns out to be.
+// The least magnitude of a candidate. Where the thresholds are to be reduced it is half of the
+// unreduced one, whatever the reduction turns out to be.
 int candidate_threshold(const EdgeOptions& options) {
     return options.normalization == Normalization::kThresholds ? options.follow / 2
                                                                : options.follow;
@@ -86,8 +86,8 @@ void EdgeFinder::begin(const common::GreyView& grey) {
 void EdgeFinder::advance(std::size_t y) {
     const std::size_t last = height_ - 1;
     for (; traced_ <= std::min(y + kTraceReach, last); ++traced_) {
-        for (; sought_ <= std::min(traced_ + kTraceReach, last); ++sought_) {
-            find_candidates(sought_);
+        for (; searched_ <= std::min(traced_ + kTraceReach, last); ++searched_) {
+            find_candidates(searched_);
         }
         trace(traced_);
     }
@@ -108,7 +108,7 @@ simd::GradientRow EdgeFinder::gradient_row(std::size_t y) {
     return {magnitudes_.row(y), across_.row(y), down_.row(y)};
 }
 
-// Rows up to y have been smoothed.
+// Gradients of row y, when the rows up to y have been smoothed: smooths the next one.
 void EdgeFinder::take_gradients(std::size_t y) {
     smooth_row(y + 1);
     simd::gradient_row(source_row(y > 0 ? y - 1 : 0), source_row(y),

@@ -1,7 +1,9 @@
 // Edges of a grey image: thin lines of pixels whose grey changes most steeply.
 //
-// Use: EdgeFinder finder(height, width, options); finder.begin(grey); finder.advance(y) for y = 0,
-// 1, ... makes edges(y) final; edges of the 8 rows above stay readable.
+// Use: EdgeFinder finder(height, width, options); then in the order
+//     begin (advance edges*)*
+// with advance(0), advance(1), ... down to the last row: advance(y) makes edges(y) final, and the
+// edges of the 8 rows above it stay readable.
 //
 // Source: J. Canny, A computational approach to edge detection, IEEE Transactions on Pattern
 // Analysis and Machine Intelligence, 1986.
@@ -73,9 +75,9 @@ class EdgeFinder {
     std::array<std::uint8_t, 256> scaled_{};  // what magnitudes become where they are normalized
     bool found_candidates_ = false;
 
-    // Rows that the steps have done.
+    // How many rows each step has done: gradients taken, candidates found, starts traced.
     std::size_t graded_ = 0;
-    std::size_t sought_ = 0;
+    std::size_t searched_ = 0;
     std::size_t traced_ = 0;
 
     ReadableRows greys_;

@@ -43,8 +43,8 @@ struct Position {
     std::size_t depth;
 };
 
-// The column of neighbour i, in raster order: 0, 1 or 2. Out of a number, since the next step of a
-// trace waits for it, and a table in memory would take longer.
+// The column of neighbour i, in raster order: 0, 1 or 2. The next step of a trace waits for it, so
+// the table is a number and not an array in memory.
 inline std::size_t column_of(std::size_t i) {
     constexpr std::uint32_t kColumns = 0b10'01'00'10'01'00'10'01'00;
     return kColumns >> (2 * i) & 3U;
@@ -52,8 +52,8 @@ inline std::size_t column_of(std::size_t i) {
 
 }  // namespace
 
-// Starts without an open pixel at or around them have nothing to trace: where text is, most of
-// them.
+// A start without an open pixel at or around it has nothing to trace, which holds for most starts
+// in text: an earlier trace came along there.
 void EdgeFinder::trace(std::size_t y) {
     if (y == 0 || y + 1 == height_) return;
     const std::uint64_t* starts = starts_.row(y);
@@ -71,7 +71,7 @@ void EdgeFinder::trace(std::size_t y) {
     }
 }
 
-// Candidates are no border pixels, so that every neighbour is a pixel of the image.
+// Candidates are no border pixels, so every neighbour is a pixel of the image.
 void EdgeFinder::trace_from(std::size_t y, std::size_t x) {
     std::uint64_t* const first_row = open_.row(0);
     const auto pitch = static_cast<std::ptrdiff_t>(open_.words());

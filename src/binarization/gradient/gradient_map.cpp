@@ -100,7 +100,8 @@ void raise_to(BlockMap& map, const BlockMap& other) {
 
 }  // namespace
 
-// A map that is done with gives its memory to one that begins later; the names say what it holds.
+// A map that is no longer used gives its memory to one that begins later; the names say what it
+// holds from there on.
 void find_thresholds(ThresholdMaps& maps, int start, bool by_mean) {
     BlockMap& edges = maps.midpoint;
     BlockMap& strong = maps.working[0];

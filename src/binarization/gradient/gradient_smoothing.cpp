@@ -1,4 +1,4 @@
-// All sums are whole: the mean is taken once, with the sum of the weights that took part.
+// Sums are in integers, and divided once by the sum of the weights that took part.
 #include "binarization/gradient/gradient_smoothing.h"
 
 #include <algorithm>

@@ -71,13 +71,14 @@ std::int32_t deviation(std::int32_t count, std::int32_t sum, std::int32_t square
 
 std::uint8_t threshold_at_edges(const Neighbourhood& around, double weight) {
     const std::int32_t sum = around.minima + around.maxima;
-    const std::int32_t spread =
+    const std::int32_t deviations =
         deviation(around.count, around.minima, around.squared_minima, weight) +
         deviation(around.count, around.maxima, around.squared_maxima, weight);
     // The grey sum of 144 pixels is divided by 16: the nine-fold mean is what is compared, so only
     // very dark surroundings have the deviations taken off.
     const bool dark = around.grey / 16 <= sum / (2 * around.count);
-    const std::int32_t threshold = (dark ? sum - spread : sum + spread) / (2 * around.count);
+    const std::int32_t threshold =
+        (dark ? sum - deviations : sum + deviations) / (2 * around.count);
     return static_cast<std::uint8_t>(std::clamp(threshold, 0, 255));
 }
 

@@ -1,7 +1,7 @@
 // The white level needs two levels of a page only: the darkest one, and the one that a sixteenth of
 // the pixels reaches. The latter is guessed from a few rows; pixels are counted at the levels
 // around the guess, and at all levels where it turns out to lie elsewhere.
-#include "binarization/gradient/gradient_levels.h"
+#include "binarization/gradient/dark_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -112,7 +112,7 @@ DarkLevels page_levels(const common::GreyView& grey, const DarkLevels& settings)
     if (settings.black1 == 0) return {};
     const int black1 = settings.black1;
     const int white = white_for(black1, grey);
-    // Divided before it is multiplied: black2 follows black1 in whole multiples of it.
+    // Divided before it is multiplied, so it is a multiple of black1 on this scale.
     const int floor = white * settings.black2 / black1 * black1;
     return {to_page_scale(black1 * white), to_page_scale(floor)};
 }
