@@ -1,5 +1,5 @@
-// The frame of kernel tests: rows of every length, at odd addresses, on every instruction set; and
-// a kernel beside its plain twin.
+// The frame of kernel tests, which stand in namespace simd: rows of every length, at odd addresses,
+// on every instruction set; and a kernel beside its plain twin.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "simd/pixels/padded_rows.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
 
@@ -36,6 +37,24 @@ void on_every_width(std::size_t least, const Check& check) {
     on_every_width(least, kLongestRow, check);
 }
 
+// On every instruction set, calls check(colours) with all pixels of one red, in all greens and
+// blues, for reds `step` apart. The emulated vectors are slow; a few reds tell as much about them.
+template <class Check>
+void on_colours(std::size_t step, const Check& check) {
+    on_every_target([&] {
+        Bytes colours(std::size_t{3} * 65536);
+        const bool emulated = hwy::SupportedTargets() == HWY_EMU128;
+        for (std::size_t red = 0; red < 256; red += emulated ? 51 : step) {
+            for (std::size_t i = 0; i < colours.size(); i += 3) {
+                colours[i] = static_cast<std::uint8_t>(red);
+                colours[i + 1] = static_cast<std::uint8_t>(i / 3 >> 8);
+                colours[i + 2] = static_cast<std::uint8_t>(i / 3);
+            }
+            check(colours);
+        }
+    });
+}
+
 // Noise between two values, of which a share is 0; `margin` bytes of it before and behind. It
 // begins at any address and ends where its memory ends.
 class Row {
@@ -57,6 +76,24 @@ class Row {
     Bytes bytes_;
 };
 
+constexpr std::size_t kRoom = simd::kRowPad + 64;  // a rest of 64, and the padding behind it
+
+// Rows with the padding that kernels on three or four rows ask for.
+class PaddedRows {
+  public:
+    PaddedRows(std::size_t count, std::size_t width, Random& random, int high = 255,
+               double empty = 0) {
+        for (std::size_t i = 0; i < count; ++i)
+            rows_.emplace_back(width, random, 0, high, empty, kRoom);
+    }
+    std::uint8_t* operator[](std::size_t i) { return rows_[i]; }
+    simd::ThreeRows three(std::size_t i = 0) { return {rows_[i], rows_[i + 1], rows_[i + 2]}; }
+    simd::FourRows four() { return {{rows_[0], rows_[1], rows_[2], rows_[3]}}; }
+
+  private:
+    std::vector<Row> rows_;
+};
+
 // Words of which bit x is set with a probability; none beyond `pixels`.
 inline Words random_marks(std::size_t pixels, double density, Random& random) {
     Words marks((pixels + 63) / 64);
@@ -64,6 +101,9 @@ inline Words random_marks(std::size_t pixels, double density, Random& random) {
         if (random.chance(density)) marks[x / 64] |= std::uint64_t{1} << (x % 64);
     return marks;
 }
+
+// In such a call: the kernel, or its plain form.
+#define TWIN(name) (fast ? simd::name : simd::plain::name)
 
 // Calls call(false, out) for the plain form and call(true, out) for the kernel, each with outputs
 // out[i] of `size` values that begin as the same noise, and expects the same values, results and
@@ -102,3 +142,7 @@ void expect_twins(std::size_t outputs, std::size_t size, Random& random, const C
 }
 
 }  // namespace support
+
+namespace simd {
+using namespace support;
+}

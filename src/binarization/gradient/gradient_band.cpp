@@ -12,6 +12,7 @@
 #include "simd/blocks/block_rows.h"
 #include "simd/blocks/block_threshold_bits.h"
 #include "simd/pixels/midpoint_rows.h"
+#include "simd/pixels/plain/midpoint_rows.h"
 
 namespace binarization {
 namespace {
@@ -163,8 +164,7 @@ void GradientBand::average_with_zero_midpoints(std::size_t at, std::size_t rows)
                 if (contrasts_.row(top + i)[x] == 0) continue;
                 const unsigned own = midpoints_.row(top + i)[x];
                 sum += own != 0 ? own
-                                : static_cast<unsigned>(simd::plain::mean_of_neighbours(
-                                      around(midpoints_, top + i), static_cast<std::ptrdiff_t>(x)));
+                                : simd::plain::mean_of_neighbours(around(midpoints_, top + i), x);
                 ++pixels;
             }
         }

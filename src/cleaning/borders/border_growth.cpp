@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "simd/pixels/plain/border_rows.h"
+
 namespace cleaning {
 namespace {
 

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "simd/bits/plain/cell_counts.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/cell_counts_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -139,9 +141,7 @@ void adjacent_differences(const std::uint8_t* values, std::size_t count, std::ui
         const auto before = hn::LoadU(d8, values + i - 1);
         hn::StoreU(hn::Sub(hn::Max(value, before), hn::Min(value, before)), d8, out + i);
     }
-    for (const std::uint8_t* value = values + i; i < count; ++i, ++value)
-        out[i] = static_cast<std::uint8_t>(std::max(value[0], value[-1]) -
-                                           std::min(value[0], value[-1]));
+    plain::adjacent_differences(values + i, count - i, out + i);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Changes of colour between neighbouring pixels of a bitonal page, counted in cells of a byte's
-// width and up to eight rows' height.
+// Changes of colour between neighbouring pixels of a bitonal page, counted in cells that are a byte
+// wide and up to eight rows high. plain/colour_changes.h says what is counted.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,9 @@ namespace simd {
 
 constexpr int kMaxChangeRows = 8;
 
-// What is counted of the cell under byte b, whose pixels are 8 b .. 8 b + 7: pairs of neighbours
-// that differ. A pair belongs to its left or upper pixel; pixels beyond the width make no pair.
+// What is counted in the cell of byte b, whose pixels are 8 b .. 8 b + 7: pairs of neighbouring
+// pixels that differ. A pair belongs to its left or upper pixel; pixels beyond the width make no
+// pair.
 struct ChangeCounts {
     std::uint8_t* across;        // [b]: pairs along the rows
     std::uint8_t* across_first;  // [b]: those of the first row alone
@@ -19,18 +20,10 @@ struct ChangeCounts {
 };
 
 // Counts `row_count` (1 .. kMaxChangeRows) rows of `width` (at least 1) pixels. With `row_below`
-// one more row is read: the lower half of the last row's pairs along the columns; otherwise the
-// last row has none. Only the bytes that hold the pixels are read, a count for each of them is
-// written.
+// the row after them is read, too, and makes pairs along the columns with the last row, which
+// otherwise has none. Only the bytes that contain the pixels are read, and one count is written for
+// each of them.
 void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
                    std::int32_t width, const ChangeCounts& counts);
-
-namespace plain {
-
-// The same a pixel at a time.
-void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
-                   std::int32_t width, const ChangeCounts& counts);
-
-}  // namespace plain
 
 }  // namespace simd

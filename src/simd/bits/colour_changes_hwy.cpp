@@ -1,15 +1,14 @@
 // A row XOR itself moved left by a pixel has a 1 where the colour changes along the row, XOR the
 // row below where it changes along the column; the ones are counted per byte. A block of columns
 // goes through all its rows before the next one, so that its sums stay in registers.
+#include "simd/bits/colour_changes.h"
+
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/colour_changes_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#include <cstring>
-
-#include "simd/bits/colour_changes.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
@@ -112,33 +111,6 @@ void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_coun
                    std::int32_t width, const ChangeCounts& counts) {
     HWY_DYNAMIC_DISPATCH(count_changes)(rows, stride, row_count, row_below, width, counts);
 }
-
-namespace plain {
-
-void count_changes(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
-                   std::int32_t width, const ChangeCounts& counts) {
-    const std::size_t bytes = (static_cast<std::size_t>(width) + 7) / 8;
-    for (std::uint8_t* of : {counts.across, counts.across_first, counts.down, counts.down_left}) {
-        std::memset(of, 0, bytes);
-    }
-    const auto pixel = [&](std::int32_t x, int y) {
-        return rows[y * stride + x / 8] >> (7 - x % 8) & 1;
-    };
-    for (int y = 0; y < row_count; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            if (x + 1 < width && pixel(x, y) != pixel(x + 1, y)) {
-                ++counts.across[x / 8];
-                if (y == 0) ++counts.across_first[x / 8];
-            }
-            if ((y + 1 < row_count || row_below) && pixel(x, y) != pixel(x, y + 1)) {
-                ++counts.down[x / 8];
-                if (x % 8 == 0) ++counts.down_left[x / 8];
-            }
-        }
-    }
-}
-
-}  // namespace plain
 
 }  // namespace simd
 #endif  // HWY_ONCE

@@ -1,4 +1,4 @@
-// The number of 1-bits of a block of bytes.
+// The number of 1-bits in `size` bytes. plain/count_bits.h is the plain form.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,5 @@
 namespace simd {
 
 std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size);
-
-namespace plain {
-
-std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size);
-
-}  // namespace plain
 
 }  // namespace simd

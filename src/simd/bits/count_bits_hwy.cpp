@@ -1,14 +1,13 @@
 // Vectors of 64-bit lanes are counted lane by lane into two sums, which do not wait for each other.
+#include "simd/bits/count_bits.h"
+
+#include <bit>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/bits/count_bits_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#include <bit>
-#include <cstring>
-
-#include "simd/bits/count_bits.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
@@ -50,16 +49,6 @@ HWY_EXPORT(count_bits);
 std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
     return HWY_DYNAMIC_DISPATCH(count_bits)(bytes, size);
 }
-
-namespace plain {
-
-std::int64_t count_bits(const std::uint8_t* bytes, std::size_t size) {
-    std::int64_t count = 0;
-    for (std::size_t i = 0; i < size; ++i) count += std::popcount(bytes[i]);
-    return count;
-}
-
-}  // namespace plain
 
 }  // namespace simd
 #endif  // HWY_ONCE

@@ -6,18 +6,18 @@
 //
 // With AVX-512 VBMI2 the ones of a word are turned into positions by one byte compression; the
 // other targets count leading zeros.
-
-#undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "simd/bits/run_edges_hwy.cpp"
-#include <hwy/foreach_target.h>
-#include <hwy/highway.h>
+#include "simd/bits/run_edges.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
 #include "common/byte_order.h"
-#include "simd/bits/run_edges.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "simd/bits/run_edges_hwy.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
@@ -199,24 +199,6 @@ void extract_rows(const std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t 
                   std::int32_t width, bool invert, std::int32_t* out) {
     HWY_DYNAMIC_DISPATCH(extract_rows)(rows, stride, height, width, invert, out);
 }
-
-namespace plain {
-
-std::int32_t extract_runs(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
-                          bool invert, std::int32_t* out) {
-    std::int32_t written = 0;
-    bool inside = false;
-    for (std::int32_t i = 0; i < width; ++i) {
-        const std::int32_t x = x_start + i;
-        const bool ink = ((row[x / 8] >> (7 - x % 8) & 1) != 0) != invert;
-        if (ink != inside) out[written++] = x;
-        inside = ink;
-    }
-    if (inside) out[written++] = x_start + width;
-    return written;
-}
-
-}  // namespace plain
 
 }  // namespace simd
 #endif  // HWY_ONCE

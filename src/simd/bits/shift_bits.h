@@ -1,9 +1,8 @@
-// Shifts of a row of bits into another row: bits count from the most significant bit of the first
-// byte, so a shift to the right moves pixels of a bitonal row to the right.
+// A row of pixels moved to the right into another row. plain/shift_bits.h is the plain form.
 //
-// Use: shift_right(src, src_bytes, 13, dst, dst_bytes). Every byte of dst is written: bits that
-// nothing is moved to become 0, bits moved out of dst are dropped. Any count of bits is allowed,
-// also one beyond either row; either row may be empty.
+// Every byte of dst is written: pixels that nothing is moved to become paper, pixels that are moved
+// out of dst are dropped. Any number of pixels is allowed, also one beyond either row, and either
+// row may be empty.
 //
 // Keep true: the rows do not overlap. Nothing is read outside of src.
 #pragma once
@@ -13,9 +12,7 @@
 
 namespace simd {
 
-void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, std::uint8_t* dst,
+void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned pixels, std::uint8_t* dst,
                  std::size_t dst_bytes);
-void shift_left(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, std::uint8_t* dst,
-                std::size_t dst_bytes);
 
 }  // namespace simd

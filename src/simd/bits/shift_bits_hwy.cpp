@@ -70,13 +70,13 @@ void copy(const std::uint8_t* src, std::size_t src_bytes, std::uint8_t* dst,
 
 }  // namespace
 
-void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, std::uint8_t* dst,
+void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned pixels, std::uint8_t* dst,
                  std::size_t dst_bytes) {
-    const std::size_t blank = std::min<std::size_t>(bits / 8, dst_bytes);
+    const std::size_t blank = std::min<std::size_t>(pixels / 8, dst_bytes);
     clear(dst, blank);
     dst += blank;
     dst_bytes -= blank;
-    const unsigned rest = bits % 8;
+    const unsigned rest = pixels % 8;
     if (dst_bytes == 0 || src_bytes == 0 || rest == 0) {
         copy(src, src_bytes, dst, dst_bytes);
         return;
@@ -87,24 +87,6 @@ void shift_right(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, 
     if (dst_bytes > src_bytes) {
         dst[src_bytes] = static_cast<std::uint8_t>(src[src_bytes - 1] << (8 - rest));
         clear(dst + src_bytes + 1, dst_bytes - src_bytes - 1);
-    }
-}
-
-void shift_left(const std::uint8_t* src, std::size_t src_bytes, unsigned bits, std::uint8_t* dst,
-                std::size_t dst_bytes) {
-    const std::size_t dropped = std::min<std::size_t>(bits / 8, src_bytes);
-    src += dropped;
-    src_bytes -= dropped;
-    const unsigned rest = bits % 8;
-    if (dst_bytes == 0 || src_bytes == 0 || rest == 0) {
-        copy(src, src_bytes, dst, dst_bytes);
-        return;
-    }
-    const std::size_t joined = std::min(src_bytes - 1, dst_bytes);
-    HWY_DYNAMIC_DISPATCH(join_neighbours)(src, joined, rest, dst);
-    if (dst_bytes >= src_bytes) {
-        dst[src_bytes - 1] = static_cast<std::uint8_t>(src[src_bytes - 1] << rest);
-        clear(dst + src_bytes, dst_bytes - src_bytes);
     }
 }
 

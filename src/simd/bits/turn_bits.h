@@ -1,4 +1,5 @@
-// Turns of whole bitonal images: the exchange of rows and columns, and the half turn.
+// Turns of bitonal images: the exchange of rows and columns, and the half turn. plain/turn_bits.h
+// says what each of them computes.
 //
 // Use: the strides are signed, so an image is mirrored on the way by handing over its last row and
 // a negative stride: that makes the exchange a quarter turn in either direction.
@@ -18,8 +19,8 @@ namespace simd {
 void transpose_bits(const std::uint8_t* src, std::ptrdiff_t src_stride, std::size_t rows,
                     std::size_t columns, std::uint8_t* dst, std::ptrdiff_t dst_stride);
 
-// Destination row rows - 1 - y, bit columns - 1 - x = source row y, bit x. Writes all
-// rows * stride bytes of dst, bits from `columns` on 0; stride >= ceil(columns / 8).
+// Destination row rows - 1 - y, bit columns - 1 - x = source row y, bit x. May read and writes all
+// rows * stride bytes, bits from `columns` on 0; stride >= ceil(columns / 8).
 void half_turn_bits(const std::uint8_t* src, std::size_t rows, std::size_t columns,
                     std::size_t stride, std::uint8_t* dst);
 

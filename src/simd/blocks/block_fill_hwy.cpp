@@ -8,6 +8,8 @@
 // propagating again changes nothing.
 #include "simd/blocks/block_fill.h"
 
+#include "simd/blocks/plain/block_fill.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/blocks/block_fill_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -168,8 +170,8 @@ HWY_INLINE VecU8 empty_among(VecU8 cells) {
 void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std::size_t width,
                        std::uint8_t* out) {
     const std::size_t lanes = hn::Lanes(kU8);
-    if (width <= lanes) return plain::propagate_forward(cells, above, 0, width, out);
-    plain::propagate_forward(cells, above, 0, 1, out);
+    if (width <= lanes) return plain::propagate_forward(cells, above, width, out);
+    plain::propagate_forward(cells, above, 1, out);
     const auto propagate = [=](std::size_t x, VecU8& before) HWY_ATTR {
         const VecU8 own = hn::LoadU(kU8, cells + x);
         const VecU8 empty = empty_among(own);
@@ -188,8 +190,9 @@ void propagate_forward(const std::uint8_t* cells, const std::uint8_t* above, std
 void propagate_backward(const std::uint8_t* cells, const std::uint8_t* below, std::size_t width,
                         std::uint8_t* out) {
     const std::size_t lanes = hn::Lanes(kU8);
-    if (width <= lanes) return plain::propagate_backward(cells, below, 0, width, width, out);
-    plain::propagate_backward(cells, below, width - 1, width, width, out);
+    if (width <= lanes) return plain::propagate_backward(cells, below, width, out);
+    const std::size_t first = width - 1;
+    plain::propagate_backward(cells + first, below + first, 1, out + first);
     const auto propagate = [=](std::size_t x, VecU8& before) HWY_ATTR {
         const VecU8 filled = hn::Not(empty_among(hn::LoadU(kU8, cells + x)));
         hn::StoreU(

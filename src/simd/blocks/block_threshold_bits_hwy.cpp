@@ -1,6 +1,8 @@
 // Vector forms of block_threshold_bits.h, a word of 64 pixels at a time.
 #include "simd/blocks/block_threshold_bits.h"
 
+#include "simd/blocks/plain/block_threshold_bits.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/blocks/block_threshold_bits_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -93,7 +95,7 @@ void set_pixels(std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
     const std::size_t lanes = hn::Lanes(kU8);
     const std::size_t count = (width + 7) / 8;
     if (count < lanes) return plain::set_pixels(bits, width, row);
-    plain::clear_behind(bits, width);
+    if (width % 64 != 0) bits[width / 64] &= (std::uint64_t{1} << (width % 64)) - 1;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(bits);
     const auto set = [=](std::size_t i) HWY_ATTR {
         const VecU8 pixels = reversed_bits(hn::LoadU(kU8, bytes + i));

@@ -11,6 +11,8 @@
 #include <limits>
 #include <type_traits>
 
+#include "simd/blocks/plain/sheared_sums.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/blocks/sheared_sums_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -182,9 +184,8 @@ double sum_of_squares(const double* values, std::size_t count) {
         sum0 = hn::Add(sum0, hn::Mul(value0, value0));
         sum1 = hn::Add(sum1, hn::Mul(value1, value1));
     }
-    double sum = hn::GetLane(hn::SumOfLanes(d, hn::Add(sum0, sum1)));
-    for (; i < count; ++i) sum += values[i] * values[i];
-    return sum;
+    return hn::GetLane(hn::SumOfLanes(d, hn::Add(sum0, sum1))) +
+           plain::sum_of_squares(values + i, count - i);
 }
 
 template <class Cell>
@@ -199,9 +200,7 @@ HWY_INLINE void add_2x2(const Cell* upper, const Cell* lower, std::size_t out_co
         hn::StoreU(hn::Add(hn::Add(upper_even, upper_odd), hn::Add(lower_even, lower_odd)), d,
                    out + i);
     }
-    for (; i < out_count; ++i)
-        out[i] =
-            static_cast<Cell>(upper[2 * i] + upper[2 * i + 1] + lower[2 * i] + lower[2 * i + 1]);
+    plain::add_cells_2x2(upper + 2 * i, lower + 2 * i, out_count - i, out + i);
 }
 
 void add_bytes_2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t out_count,

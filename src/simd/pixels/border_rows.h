@@ -8,10 +8,8 @@
 // the row, in the direction in which the pass walks.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace simd {
 
@@ -67,53 +65,4 @@ bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinL
                      GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
                      std::uint64_t* marks);
 
-namespace plain {
-
-inline std::uint8_t grey_value(PixelLayout layout, const std::uint8_t* pixel) {
-    const auto weighted = [](unsigned red, unsigned green, unsigned blue) {
-        return static_cast<std::uint8_t>((299 * red + 587 * green + 114 * blue) / 1000);
-    };
-    switch (layout) {
-        case PixelLayout::kBgr:
-            return weighted(pixel[2], pixel[1], pixel[0]);
-        case PixelLayout::kRgb:
-            return weighted(pixel[0], pixel[1], pixel[2]);
-        case PixelLayout::kXrgb:
-            return weighted(pixel[1], pixel[2], pixel[3]);
-        default:
-            return pixel[0];
-    }
-}
-
-inline bool marked(const std::uint64_t* marks, std::ptrdiff_t x) {
-    return (marks[x / 64] >> (x % 64) & 1) != 0;
-}
-
-// propagate_marks() a pixel at a time, on whole rows of grey values.
-inline bool propagate_marks(PassDirection direction, std::size_t width, const JoinLimits& limits,
-                            const std::uint8_t* row, const std::uint8_t* neighbour,
-                            const std::uint64_t* neighbour_marks, std::uint64_t* marks) {
-    bool any = false;
-    const std::ptrdiff_t from = direction == PassDirection::kRight ? -1 : 1;
-    for (std::size_t i = 1; i < width; ++i) {
-        const auto x =
-            static_cast<std::ptrdiff_t>(direction == PassDirection::kRight ? i : width - 1 - i);
-        if (marked(marks, x)) continue;
-        if (!marked(marks, x + from) && !marked(neighbour_marks, x) &&
-            !marked(neighbour_marks, x + from)) {
-            continue;
-        }
-        const auto close = [&](std::uint8_t other) {
-            return std::abs(row[x] - other) <= limits.steepest;
-        };
-        if (row[x] <= limits.lightest && close(row[x + from]) && close(neighbour[x]) &&
-            close(neighbour[x + from])) {
-            marks[x / 64] |= std::uint64_t{1} << (x % 64);
-            any = true;
-        }
-    }
-    return any;
-}
-
-}  // namespace plain
 }  // namespace simd

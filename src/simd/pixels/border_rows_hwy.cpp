@@ -13,6 +13,8 @@
 
 #include <cstring>
 
+#include "simd/pixels/plain/border_rows.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/border_rows_hwy.cpp"
 #include <hwy/foreach_target.h>

@@ -6,12 +6,14 @@
 // Magnitudes start from an approximate root, which whole numbers then put right.
 #include "simd/pixels/gradient_rows.h"
 
+#include "simd/fetch_ahead.h"
+#include "simd/pixels/plain/gradient_rows.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/gradient_rows_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/fetch_ahead.h"
 #include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -13,12 +13,14 @@
 // all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
 
+#include "simd/fetch_ahead.h"
+#include "simd/pixels/plain/grey_rows.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/grey_rows_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/fetch_ahead.h"
 #include "simd/vectors.h"
 
 HWY_BEFORE_NAMESPACE();

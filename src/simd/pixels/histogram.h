@@ -14,11 +14,4 @@ using Histogram = std::array<std::uint64_t, 256>;
 // counts[v] += number of the `count` bytes that equal v.
 void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts);
 
-namespace plain {
-
-inline void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts) {
-    for (std::size_t i = 0; i < count; ++i) ++counts[pixels[i]];
-}
-
-}  // namespace plain
 }  // namespace simd

@@ -4,7 +4,6 @@
 // Use: LightCounts counts; count_light(grey, first_level, counts) adds to it.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -24,20 +23,4 @@ struct LightCounts {
 // first_level is 1 .. 256 - kLightLevels.
 void count_light(const common::GreyView& grey, std::uint8_t first_level, LightCounts& counts);
 
-namespace plain {
-
-inline void count_light(const common::GreyView& grey, std::uint8_t first_level,
-                        LightCounts& counts) {
-    for (std::ptrdiff_t y = 0; y < grey.height; ++y) {
-        for (std::ptrdiff_t x = 0; x < grey.width; ++x) {
-            const std::uint8_t pixel = grey.row(y)[x];
-            counts.least = std::min(counts.least, pixel);
-            for (int k = 0; k < kLightLevels; ++k) {
-                if (pixel >= first_level + k) ++counts.at_least[static_cast<std::size_t>(k)];
-            }
-        }
-    }
-}
-
-}  // namespace plain
 }  // namespace simd

@@ -6,12 +6,13 @@
 
 #include <numeric>
 
+#include "simd/fetch_ahead.h"
+#include "simd/pixels/plain/light_counts.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/light_counts_hwy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#include "simd/fetch_ahead.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {

@@ -16,29 +16,4 @@ void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t thresh
 void pack_below_blocks(const std::uint8_t* grey, std::size_t width, const std::uint8_t* thresholds,
                        std::uint8_t* bits);
 
-namespace plain {
-
-inline void pack_below(const std::uint8_t* grey, std::size_t width, std::uint8_t threshold,
-                       std::uint8_t* bits) {
-    for (std::size_t x = 0; x < width; x += 8) {
-        unsigned byte = 0;
-        for (std::size_t i = 0; i < 8 && x + i < width; ++i) {
-            if (grey[x + i] < threshold) byte |= 0x80U >> i;
-        }
-        bits[x / 8] = static_cast<std::uint8_t>(byte);
-    }
-}
-
-inline void pack_below_blocks(const std::uint8_t* grey, std::size_t width,
-                              const std::uint8_t* thresholds, std::uint8_t* bits) {
-    for (std::size_t x = 0; x < width; x += 8) {
-        unsigned byte = 0;
-        for (std::size_t i = 0; i < 8 && x + i < width; ++i) {
-            if (grey[x + i] < thresholds[(x + i) / 4]) byte |= 0x80U >> i;
-        }
-        bits[x / 8] = static_cast<std::uint8_t>(byte);
-    }
-}
-
-}  // namespace plain
 }  // namespace simd

@@ -3,6 +3,8 @@
 // reversed before it is compared.
 #include "simd/pixels/threshold_bits.h"
 
+#include "simd/pixels/plain/threshold_bits.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/threshold_bits_hwy.cpp"
 #include <hwy/foreach_target.h>

@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "simd/pixels/plain/turn_pixels.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/turn_pixels_hwy.cpp"
 #include <hwy/foreach_target.h>
@@ -169,16 +171,6 @@ struct ThreeBytePixels {
 };
 
 template <class Kernel>
-HWY_INLINE void copy_singly(const Exchange& exchange) {
-    for (std::size_t y = 0; y < exchange.rows; ++y) {
-        for (std::size_t x = 0; x < exchange.columns; ++x) {
-            std::memcpy(exchange.to(x, y, Kernel::kPixelBytes),
-                        exchange.from(x, y, Kernel::kPixelBytes), Kernel::kPixelBytes);
-        }
-    }
-}
-
-template <class Kernel>
 HWY_INLINE void run_tiles(const Exchange& exchange, std::size_t tile_rows,
                           std::size_t tile_columns) {
     const std::size_t last_y = exchange.rows - Kernel::kRows;
@@ -213,7 +205,8 @@ void transpose(const Exchange& exchange) {
     } else if (fits<Narrow>(exchange)) {
         run_tiles<Narrow>(exchange, kTileRows, kTileColumns);
     } else {
-        copy_singly<Narrow>(exchange);
+        plain::transpose_pixels(exchange.src, exchange.src_stride, exchange.rows, exchange.columns,
+                                Narrow::kPixelBytes, exchange.dst, exchange.dst_stride);
     }
 }
 
@@ -254,9 +247,7 @@ void reverse(const std::uint8_t* src, std::size_t count, std::uint8_t* dst) {
     for (; left >= kBlockBytes; left -= kStep, dst += kStep) {
         hn::StoreU(reverse_block<kPixelBytes>(hn::LoadU(d, src + left - kBlockBytes)), d, dst);
     }
-    for (; left != 0; left -= kPixelBytes, dst += kPixelBytes) {
-        std::memcpy(dst, src + left - kPixelBytes, kPixelBytes);
-    }
+    plain::reverse_pixels(src, left / kPixelBytes, kPixelBytes, dst);
 }
 
 void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixel_bytes,
@@ -291,15 +282,13 @@ void transpose_pixels(const std::uint8_t* src, std::ptrdiff_t src_stride, std::s
         HWY_DYNAMIC_DISPATCH(transpose_pixels)(exchange, pixel_bytes);
         return;
     }
-    // Runs of a few rows, so that the lines of the destination are still there for the next row.
-    constexpr std::size_t kBandRows = 16;
-    for (std::size_t top = 0; top < rows; top += kBandRows) {
-        const std::size_t bottom = std::min(rows, top + kBandRows);
-        for (std::size_t x = 0; x < columns; ++x) {
-            for (std::size_t y = top; y < bottom; ++y) {
-                std::memcpy(exchange.to(x, y, pixel_bytes), exchange.from(x, y, pixel_bytes),
-                            pixel_bytes);
-            }
+    // Small tiles: the cache lines of a tile's destination are still there for its next row.
+    constexpr std::size_t kSide = 16;
+    for (std::size_t y = 0; y < rows; y += kSide) {
+        for (std::size_t x = 0; x < columns; x += kSide) {
+            plain::transpose_pixels(exchange.from(x, y, pixel_bytes), src_stride,
+                                    std::min(kSide, rows - y), std::min(kSide, columns - x),
+                                    pixel_bytes, exchange.to(x, y, pixel_bytes), dst_stride);
         }
     }
 }
@@ -308,12 +297,8 @@ void reverse_pixels(const std::uint8_t* src, std::size_t count, std::size_t pixe
                     std::uint8_t* dst) {
     if (pixel_bytes <= 4) {
         HWY_DYNAMIC_DISPATCH(reverse_pixels)(src, count, pixel_bytes, dst);
-        return;
-    }
-    const std::uint8_t* from = src + count * pixel_bytes;
-    for (; from != src; dst += pixel_bytes) {
-        from -= pixel_bytes;
-        std::memcpy(dst, from, pixel_bytes);
+    } else {
+        plain::reverse_pixels(src, count, pixel_bytes, dst);
     }
 }
 

@@ -4,6 +4,8 @@
 
 #include <bit>
 
+#include "simd/pixels/plain/white_scan.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/pixels/white_scan_hwy.cpp"
 #include <hwy/foreach_target.h>
