@@ -128,34 +128,34 @@ void bi_set_image_pointer(bi_settings* settings, const void* image) {
     if (settings != nullptr) settings->values.image = image;
 }
 
-int bi_get_smooth(bi_settings* settings, unsigned char* smooth) {
+int bi_get_smooth(const bi_settings* settings, unsigned char* smooth) {
     return fetch(settings, &Settings::smooth, smooth);
 }
 
-int bi_get_thresh(bi_settings* settings, unsigned char* thresh) {
+int bi_get_thresh(const bi_settings* settings, unsigned char* thresh) {
     return fetch(settings, &Settings::thresh, thresh);
 }
 
-int bi_get_satur(bi_settings* settings, unsigned char* satur) {
+int bi_get_satur(const bi_settings* settings, unsigned char* satur) {
     return fetch(settings, &Settings::satur, satur);
 }
 
-int bi_get_delta1(bi_settings* settings, unsigned char* delta1) {
+int bi_get_delta1(const bi_settings* settings, unsigned char* delta1) {
     return fetch(settings, &Settings::delta1, delta1);
 }
 
-int bi_get_delta2(bi_settings* settings, unsigned char* delta2) {
+int bi_get_delta2(const bi_settings* settings, unsigned char* delta2) {
     return fetch(settings, &Settings::delta2, delta2);
 }
 
-int bi_get_black1(bi_settings* settings, unsigned char* black1) {
+int bi_get_black1(const bi_settings* settings, unsigned char* black1) {
     return fetch(settings, &Settings::black1, black1);
 }
 
-int bi_get_black2(bi_settings* settings, unsigned char* black2) {
+int bi_get_black2(const bi_settings* settings, unsigned char* black2) {
     return fetch(settings, &Settings::black2, black2);
 }
 
-int bi_get_sigma(bi_settings* settings, signed char* sigma) {
+int bi_get_sigma(const bi_settings* settings, signed char* sigma) {
     return fetch(settings, &Settings::sigma, sigma);
 }

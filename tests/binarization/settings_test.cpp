@@ -7,7 +7,7 @@
 namespace {
 
 using ByteSetter = int (*)(bi_settings*, unsigned char);
-using ByteGetter = int (*)(bi_settings*, unsigned char*);
+using ByteGetter = int (*)(const bi_settings*, unsigned char*);
 
 constexpr struct {
     ByteSetter set;
