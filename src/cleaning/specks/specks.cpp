@@ -1,217 +1,216 @@
-// The first pixel of a component in raster order has no ink to its left, nor above it to the left,
-// straight or to the right. The pixels without are found 64 at a time. From each the ink is
-// flooded, row by row in 64-bit words around it, until it has more pixels than a speck, or touches
-// ink above the row that it started from, or is complete. In the first case it is no speck, in the
-// second another pixel is its first, and in the last all its pixels are at hand.
+// The first pixel of a component in raster order has no ink to its left and none in the three
+// pixels above it. Pixels like that are found 64 at a time. From each of them the ink is flooded in
+// a window around it, one 64-bit word a row, until one of three things is known:
 //
-// A component with a pixel outside the words has more than 31 inside them, on the way there.
+//   - there are more pixels than a speck may have: it is none;
+//   - the ink touches ink above the row that the flood began in: another pixel is the first;
+//   - nothing more hangs on it: it is a speck, and all its pixels are at hand.
+//
+// The window is wide enough: ink that reaches beyond its sides has more than 31 pixels on the way
+// there.
 #include "cleaning/specks/specks.h"
 
 #include <bit>
 
 #include "common/byte_order.h"
 #include "frame/buffer.h"
+#include "ink/bit_words.h"
 
 namespace cleaning {
 namespace {
 
-constexpr std::int32_t kWordPixels = 64;
-constexpr std::int32_t kBefore = kMaxSpeckArea;     // columns of a window before its first pixel
-constexpr std::int32_t kAbove = kMaxSpeckArea - 1;  // rows of a speck above any pixel of it
-constexpr std::int32_t kRows = kAbove + kMaxSpeckArea + 1;
+constexpr std::int32_t kWordPixels = static_cast<std::int32_t>(ink::kWordPixels);
 
-std::uint64_t widened(std::uint64_t ink) {
-    return ink | ink << 1 | ink >> 1;
+// A window has the first pixel of a flood in this column and row.
+constexpr std::int32_t kFirstColumn = kMaxSpeckArea;
+constexpr std::int32_t kFirstRow = kMaxSpeckArea - 1;
+// A speck takes at most kMaxSpeckArea rows from there on, and one more row shows that it is none.
+constexpr std::int32_t kWindowRows = kFirstRow + kMaxSpeckArea + 1;
+
+// The pixels and their neighbours to both sides, inside the word.
+std::uint64_t dilated(std::uint64_t word) {
+    return word | word << 1 | word >> 1;
 }
 
-// Rows of a page by words, the leftmost pixel in the most significant bit, paper around.
-class Words {
+// A page read by words of 64 pixels, the leftmost in the most significant bit; white around.
+class PageWords {
   public:
-    explicit Words(common::BitonalView page)
-        : page_(page), bytes_(static_cast<std::int32_t>(common::bitonal_bytes(page.width))) {}
+    explicit PageWords(common::BitonalView page)
+        : page_(page), row_bytes_(static_cast<std::ptrdiff_t>(common::bitonal_bytes(page.width))) {}
 
-    // The 64 pixels from any x on.
+    // The pixels of row y from x on; both may lie anywhere.
     std::uint64_t at(std::int32_t x, std::int32_t y) const {
         if (y < 0 || y >= page_.height) return 0;
+        return ink::word_at(page_.row(y), page_.width, row_bytes_, x);
+    }
+
+    // The pixels of row y, which the page has, from x on, a multiple of 64.
+    std::uint64_t aligned(std::int32_t x, std::int32_t y) const {
         const std::uint8_t* const row = page_.row(y);
-        if (x < 0 || x / 8 + 9 > bytes_ || x + kWordPixels > page_.width) return at_end(row, x);
-        const int offset = x % 8;
-        const std::uint8_t* const from = row + x / 8;
-        return common::load_big_endian(from) << offset |
-               static_cast<std::uint64_t>(from[8] >> (8 - offset));
-    }
-
-    // The same for an x that is a multiple of 64.
-    std::uint64_t aligned(std::int32_t x, const std::uint8_t* row) const {
         return x + kWordPixels <= page_.width ? common::load_big_endian(row + x / 8)
-                                              : at_end(row, x);
+                                              : ink::word_at_end(row, page_.width, x);
     }
 
-    // Ink and its neighbours to both sides: those beyond the word too.
-    std::uint64_t widened_at(std::int32_t x, const std::uint8_t* row) const {
-        std::uint64_t ink = widened(aligned(x, row));
-        if (x > 0) ink |= static_cast<std::uint64_t>(row[x / 8 - 1] & 1) << 63;
+    // The same, with the neighbours of the ink to both sides: those of ink beside the word too.
+    std::uint64_t aligned_dilated(std::int32_t x, std::int32_t y) const {
+        const std::uint8_t* const row = page_.row(y);
+        std::uint64_t word = dilated(aligned(x, y));
+        if (x > 0) word |= static_cast<std::uint64_t>(row[x / 8 - 1] & 1) << 63;
         const std::int32_t next = x + kWordPixels;
-        if (next < page_.width) ink |= static_cast<std::uint64_t>(row[next / 8] >> 7);
-        return ink;
+        if (next < page_.width) word |= static_cast<std::uint64_t>(row[next / 8] >> 7);
+        return word;
     }
 
   private:
-    std::uint64_t at_end(const std::uint8_t* row, std::int32_t x) const {
-        const std::int32_t first = x >> 3;  // rounds down, also left of the row
-        const int offset = x & 7;
-        std::uint64_t word = 0;
-        for (int i = 0; i < 9; ++i) {
-            const std::int32_t index = first + i;
-            const std::uint64_t value = index >= 0 && index < bytes_ ? row[index] : 0;
-            const int left = 56 - 8 * i + offset;
-            word |= left >= 0 ? value << left : value >> -left;
-        }
-        const std::int32_t inside = page_.width - x;  // at least 1
-        return inside >= kWordPixels ? word : word & ~(~std::uint64_t{0} >> inside);
-    }
-
     common::BitonalView page_;
-    std::int32_t bytes_;
+    std::ptrdiff_t row_bytes_;
 };
 
-// The ink that is connected to a pixel, in a window of words: rows first() .. last() of the window.
+// The ink that hangs together with one pixel, flooded in a window. Rows top_ .. bottom_ of the
+// window are in use: for these, ink_ has the page's pixels and flooded_ those that the flood has
+// reached. Flooded pixels of a row are always whole runs of its ink.
 class Speck {
   public:
     // Throws std::bad_alloc.
     Speck() = default;
 
-    // Whether the pixel at (x, y) begins a component of at most `max_area` pixels.
-    bool grow(const Words& page, std::int32_t x, std::int32_t y, std::int32_t max_area) {
-        move_to(page, x, y);
-        const int length = std::countl_one(ink_[kAbove] << kBefore);
+    // Floods from the pixel at (x, y), which has no ink to its left and none in the three pixels
+    // above it. Returns whether it is ink and the first pixel of a component of at most `max_area`
+    // pixels; all of them are flooded then.
+    bool flood_from_first(const PageWords& page, std::int32_t x, std::int32_t y,
+                          std::int32_t max_area) {
+        open_window(page, x, y);
+        const int length = std::countl_one(ink_[kFirstRow] << kFirstColumn);
         if (length == 0 || length > max_area) return false;
-        found_[kAbove] = ~(~std::uint64_t{0} >> length) >> kBefore;
+        flooded_[kFirstRow] = ~(~std::uint64_t{0} >> length) >> kFirstColumn;
         area_ = length;
         const std::uint64_t above = page.at(x_, y - 1);
-        if ((widened(found_[kAbove]) & above) != 0) return false;
-        while (reach(1)) {
-            // Arms that lead up again are followed before the next row down. Most rows lead to
-            // none.
-            bool grown = take(last_ - 1, widened(found_[last_]));
-            while (grown && area_ <= max_area) {
-                grown = sweep_up();
-                grown |= sweep_down();
-            }
-            if (area_ > max_area || (widened(found_[kAbove]) & above) != 0) return false;
+        const auto began_above = [&] { return (dilated(flooded_[kFirstRow]) & above) != 0; };
+        if (began_above()) return false;
+        while (flood_row_below()) {
+            flood_arms_upwards(max_area);
+            if (area_ > max_area || began_above()) return false;
         }
         return true;
     }
 
-    // Takes all that is connected to the ink pixel at (x, y), which must belong to a speck.
-    void gather(const Words& page, std::int32_t x, std::int32_t y) {
-        move_to(page, x, y);
-        found_[kAbove] = 0;
-        take(kAbove, std::uint64_t{1} << 63 >> kBefore);
+    // Floods all that hangs together with the ink pixel at (x, y), which must be part of a speck.
+    void flood_all(const PageWords& page, std::int32_t x, std::int32_t y) {
+        open_window(page, x, y);
+        flooded_[kFirstRow] = 0;
+        flood(kFirstRow, std::uint64_t{1} << 63 >> kFirstColumn);
         for (bool grown = true; grown;) {
-            while (reach(1)) {
+            while (flood_row_below()) {
             }
-            while (reach(-1)) {
+            while (flood_row_above()) {
             }
-            grown = sweep_up();
-            grown |= sweep_down();
+            grown = flood_rows_upwards();
+            grown |= flood_rows_downwards();
         }
     }
 
-    // Calls visit(row of the page, column of the most significant bit, bits).
+    // Calls visit(row of the page, column of the most significant bit, flooded pixels).
     template <class Visit>
     void for_each_row(Visit visit) const {
-        for (std::int32_t i = first_; i <= last_; ++i) visit(y_ + i, x_, found_[i]);
+        for (std::int32_t i = top_; i <= bottom_; ++i) visit(y_ + i, x_, flooded_[i]);
     }
 
   private:
-    void move_to(const Words& page, std::int32_t x, std::int32_t y) {
+    void open_window(const PageWords& page, std::int32_t x, std::int32_t y) {
         page_ = &page;
-        x_ = x - kBefore;
-        y_ = y - kAbove;
-        first_ = last_ = kAbove;
-        ink_[kAbove] = page.at(x_, y);
+        x_ = x - kFirstColumn;
+        y_ = y - kFirstRow;
+        top_ = bottom_ = kFirstRow;
+        ink_[kFirstRow] = page.at(x_, y);
     }
 
-    // Takes what the last (1) or first (-1) row touches beyond it; false when that is nothing.
-    bool reach(std::int32_t step) {
-        std::int32_t& end = step > 0 ? last_ : first_;
-        const std::uint64_t reached = widened(found_[end]);
-        const std::uint64_t beyond = page_->at(x_, y_ + end + step);
-        if ((reached & beyond) == 0) return false;
+    // Floods the ink of row i that hangs together, along the row, with ink in `seeds`. Returns
+    // whether there is any that has not been flooded before.
+    bool flood(std::int32_t i, std::uint64_t seeds) {
+        std::uint64_t reached = flooded_[i] | (seeds & ink_[i]);
+        if (reached == flooded_[i]) return false;
+        for (std::uint64_t before = 0; reached != before;) {
+            before = reached;
+            reached = dilated(reached) & ink_[i];
+        }
+        area_ += std::popcount(reached) - std::popcount(flooded_[i]);
+        flooded_[i] = reached;
+        return true;
+    }
+
+    // Takes the row below the last one into use, or the one above the first one, and floods what
+    // touches the flood there; false, with nothing done, when that is nothing.
+    bool flood_row_below() { return flood_next_row(bottom_, 1); }
+    bool flood_row_above() { return flood_next_row(top_, -1); }
+
+    bool flood_next_row(std::int32_t& end, std::int32_t step) {
+        const std::uint64_t seeds = dilated(flooded_[end]);
+        const std::uint64_t ink = page_->at(x_, y_ + end + step);
+        if ((seeds & ink) == 0) return false;
         end += step;
-        ink_[end] = beyond;
-        found_[end] = 0;
-        take(end, reached);
+        ink_[end] = ink;
+        flooded_[end] = 0;
+        flood(end, seeds);
         return true;
     }
 
-    // Takes the ink of a row that is connected, along the row, to what is reached; false when all
-    // of that has been found before.
-    bool take(std::int32_t i, std::uint64_t reached) {
-        std::uint64_t found = found_[i] | (reached & ink_[i]);
-        if (found == found_[i]) return false;
-        for (std::uint64_t before = 0; found != before;) {
-            before = found;
-            found = widened(found) & ink_[i];
+    // Follows the ink that leads up again from the last row, and down from there, within the rows
+    // in use. Most last rows lead to nothing new in the row above them, and that is the end of it.
+    void flood_arms_upwards(std::int32_t max_area) {
+        bool grown = flood(bottom_ - 1, dilated(flooded_[bottom_]));
+        while (grown && area_ <= max_area) {
+            grown = flood_rows_upwards();
+            grown |= flood_rows_downwards();
         }
-        area_ += std::popcount(found) - std::popcount(found_[i]);
-        found_[i] = found;
-        return true;
     }
 
-    bool sweep_up() {
+    bool flood_rows_upwards() {
         bool grown = false;
-        for (std::int32_t i = last_ - 1; i >= first_; --i) {
-            grown |= take(i, widened(found_[i + 1]));
+        for (std::int32_t i = bottom_ - 1; i >= top_; --i) {
+            grown |= flood(i, dilated(flooded_[i + 1]));
         }
         return grown;
     }
 
-    bool sweep_down() {
+    bool flood_rows_downwards() {
         bool grown = false;
-        for (std::int32_t i = first_ + 1; i <= last_; ++i) {
-            grown |= take(i, widened(found_[i - 1]));
+        for (std::int32_t i = top_ + 1; i <= bottom_; ++i) {
+            grown |= flood(i, dilated(flooded_[i - 1]));
         }
         return grown;
     }
 
-    const Words* page_ = nullptr;
-    std::int32_t x_ = 0;  // of the most significant bits
-    std::int32_t y_ = 0;  // of row 0 of the window
-    std::int32_t first_ = 0;
-    std::int32_t last_ = 0;
-    std::int32_t area_ = 0;
-    frame::Buffer<std::uint64_t> window_{2 * kRows};
+    const PageWords* page_ = nullptr;
+    std::int32_t x_ = 0;  // of the window's first column, on the page
+    std::int32_t y_ = 0;  // of the window's first row
+    std::int32_t top_ = 0;
+    std::int32_t bottom_ = 0;
+    std::int32_t area_ = 0;  // flooded pixels
+    frame::Buffer<std::uint64_t> window_{2 * kWindowRows};
     std::uint64_t* const ink_ = window_.data();
-    std::uint64_t* const found_ = ink_ + kRows;
+    std::uint64_t* const flooded_ = ink_ + kWindowRows;
 };
 
-// Calls change(byte of the row, bits of the speck in it) for the bytes of a row of a speck.
+// Calls change(byte of the page, pixels of the speck in it) for all bytes that have some.
 template <class Change>
-void change_row(std::uint8_t* row, std::int32_t x, std::uint64_t ink, Change change) {
-    if (ink == 0) return;
-    const int blank = std::countl_zero(ink);
-    std::uint8_t* byte = row + (x + blank) / 8;
-    for (std::uint64_t bits = ink << blank >> ((x + blank) % 8); bits != 0; bits <<= 8, ++byte) {
-        change(*byte, static_cast<std::uint8_t>(bits >> 56));
-    }
+void change_pixels(common::MutableBitonalView page, const Speck& speck, Change change) {
+    speck.for_each_row([&](std::int32_t y, std::int32_t x, std::uint64_t pixels) {
+        if (pixels == 0) return;
+        const int blank = std::countl_zero(pixels);
+        std::uint8_t* byte = page.row(y) + (x + blank) / 8;
+        pixels = pixels << blank >> ((x + blank) % 8);
+        for (; pixels != 0; pixels <<= 8, ++byte) {
+            *byte = static_cast<std::uint8_t>(change(*byte, static_cast<int>(pixels >> 56)));
+        }
+    });
 }
 
 void erase(common::MutableBitonalView page, const Speck& speck) {
-    speck.for_each_row([page](std::int32_t y, std::int32_t x, std::uint64_t ink) {
-        change_row(page.row(y), x, ink, [](std::uint8_t& byte, int bits) {
-            byte = static_cast<std::uint8_t>(byte & ~bits);
-        });
-    });
+    change_pixels(page, speck, [](int byte, int pixels) { return byte & ~pixels; });
 }
 
 void draw(common::MutableBitonalView page, const Speck& speck) {
-    speck.for_each_row([page](std::int32_t y, std::int32_t x, std::uint64_t ink) {
-        change_row(page.row(y), x, ink, [](std::uint8_t& byte, int bits) {
-            byte = static_cast<std::uint8_t>(byte | bits);
-        });
-    });
+    change_pixels(page, speck, [](int byte, int pixels) { return byte | pixels; });
 }
 
 // Calls visit(x) for the ones of a word whose first pixel is x.
@@ -227,22 +226,19 @@ void for_each_one(std::uint64_t word, std::int32_t x, Visit visit) {
 }  // namespace
 
 void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
-    // Also where nothing can be erased: whether there is memory does not depend on the area.
     Speck speck;
-    if (max_area < 1) return;
-    const Words words(page);
+    if (max_area < 1) return;  // not before: whether there is memory must not depend on the area
+    const PageWords words(page);
     for (std::int32_t y = 0; y < page.height; ++y) {
-        const std::uint8_t* const row = page.row(y);
-        const std::uint8_t* const above = y > 0 ? page.row(y - 1) : nullptr;
-        std::uint64_t left = 0;  // the pixel before the word
+        std::uint64_t pixel_before = 0;  // of the word
         for (std::int32_t x = 0; x < page.width; x += kWordPixels) {
-            const std::uint64_t ink = words.aligned(x, row);
-            std::uint64_t first = ink & ~(ink >> 1 | left << 63);
-            left = ink & 1;
+            const std::uint64_t ink = words.aligned(x, y);
+            std::uint64_t first = ink & ~(ink >> 1 | pixel_before << 63);
+            pixel_before = ink & 1;
             if (first == 0) continue;
-            if (above != nullptr) first &= ~words.widened_at(x, above);
+            if (y > 0) first &= ~words.aligned_dilated(x, y - 1);
             for_each_one(first, x, [&](std::int32_t first_x) {
-                if (speck.grow(words, first_x, y, max_area)) erase(page, speck);
+                if (speck.flood_from_first(words, first_x, y, max_area)) erase(page, speck);
             });
         }
     }
@@ -250,17 +246,16 @@ void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
 
 void restore_specks(common::MutableBitonalView specks, common::BitonalView near,
                     common::MutableBitonalView page) {
-    const Words words(specks);
-    const Words near_words(near);
+    const PageWords words(specks);
+    const PageWords near_words(near);
     Speck speck;
     for (std::int32_t y = 0; y < page.height; ++y) {
         for (std::int32_t x = 0; x < page.width; x += kWordPixels) {
-            const std::uint64_t near_ink = near_words.aligned(x, near.row(y));
-            const std::uint64_t touched = near_ink & words.aligned(x, specks.row(y));
+            const std::uint64_t touched = words.aligned(x, y) & near_words.aligned(x, y);
             for_each_one(touched, x, [&](std::int32_t touched_x) {
-                // Not when it has gone with a pixel before it.
-                if (words.at(touched_x, y) >> 63 == 0) return;
-                speck.gather(words, touched_x, y);
+                const bool moved_already = words.at(touched_x, y) >> 63 == 0;
+                if (moved_already) return;
+                speck.flood_all(words, touched_x, y);
                 draw(page, speck);
                 erase(specks, speck);
             });
