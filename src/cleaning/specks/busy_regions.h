@@ -14,17 +14,18 @@ namespace cleaning {
 
 class BusyRegions {
   public:
-    // A block of 8 x 8 pixels is busy when, in the window of 65 x 65 pixels around its first pixel,
-    // cut by the page, more than 2 * density / 300 of the pixels (rounded down to whole pixels)
-    // differ from their right neighbour, and as many from their lower one; neighbours are those in
-    // the window. The last of several busy blocks in a row that does not end the row is busy in its
-    // first column only. Throws std::bad_alloc.
+    // A block of 8 x 8 pixels is busy when two counts exceed 2 * density / 300 of the pixels of its
+    // window, rounded down to a whole number: the pixels that differ from their right neighbour,
+    // and those that differ from their lower one. The window has the pixels of the page in the 65 x
+    // 65 around the block's first one; a neighbour counts when it lies in the window, too. A busy
+    // block whose right neighbour is not busy is marked in its first column only, unless it ends
+    // the row of blocks. Throws std::bad_alloc.
     BusyRegions(common::BitonalView page, std::int32_t density);
 
     bool any() const { return any_; }
 
-    // A bitonal row of the page's width, with 1-bits for the busy pixels of row y. The rows of a
-    // block share it. Its padding bits may be set.
+    // A bitonal row of the page's width with 1-bits for the busy pixels of row y; padding bits may
+    // be set. The rows of a block share it.
     const std::uint8_t* row(std::int32_t y) const {
         return mask_.data() + static_cast<std::size_t>(y / 8) * row_bytes_;
     }
