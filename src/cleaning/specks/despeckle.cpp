@@ -1,16 +1,19 @@
-// Few pixels are looked for around first pixels (specks.h), more, and what a rule decides, by
-// labelling the page (component_stream.h).
+// Specks of few pixels are looked for around first pixels (specks.h). Larger ones, and whatever a
+// rule decides about, are found by labelling the page (component_stream.h).
 //
-// What lies near larger ink is found by widening what a first pass leaves, adding the page's ink
-// and looking at the components again. By area the second look needs the erased specks only: a
-// widened piece of large ink is large, so what it touches is kept; what it does not touch is as
-// small as before, since components that touch each other are one.
+// What lies near larger ink is found in three steps: a first pass over the components, then the ink
+// that it has kept is dilated and joined with all ink of the page, and a second pass decides about
+// the components of that. Where the area decides, the second pass needs to look at the erased
+// specks only. Dilated ink is part of a large component, so that a speck which it touches is kept.
+// A speck that it does not touch is a component as before: no other speck touches it, since they
+// would have been one.
 #include "cleaning/specks/despeckle.h"
 
 #include <algorithm>
 
 #include "cleaning/specks/busy_regions.h"
 #include "cleaning/specks/specks.h"
+#include "common/page.h"
 #include "ink/component_stream.h"
 #include "ink/page_logic.h"
 #include "ink/run.h"
@@ -47,7 +50,7 @@ class JudgedRule {
     ComponentJudge judge_;
 };
 
-void widen(common::MutableBitonalView page, std::int32_t distance) {
+void dilate(common::MutableBitonalView page, std::int32_t distance) {
     ink::dilate(ink::Along::kRows, distance, page, common::whole(page));
     ink::dilate(ink::Along::kColumns, distance, page, common::whole(page));
 }
@@ -56,10 +59,21 @@ template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
     common::BitonalPage kept = ink::copy_of(page);
     ink::stream_components(kept.view(), rule);
-    widen(kept.view(), distance);
+    dilate(kept.view(), distance);
     ink::or_page(kept.view(), page);
     ink::stream_components(kept.view(), rule);
     ink::and_page(page, kept.view());
+}
+
+void erase_specks_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
+                                std::int32_t distance) {
+    common::BitonalPage specks = ink::copy_of(page);
+    erase_specks(page, max_area);
+    ink::combine_pages(specks.view(), page, [](int all, int kept) { return all & ~kept; });
+    // Dilated by one pixel more, the kept ink has pixels in common with what it touches.
+    common::BitonalPage near = ink::copy_of(page);
+    dilate(near.view(), std::min(distance, ink::kMaxRunCoordinate) + 1);
+    restore_specks(specks.view(), near.view(), page);
 }
 
 }  // namespace
@@ -72,17 +86,8 @@ void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
                              std::int32_t distance) {
     if (distance < 1 || max_area < 1) return despeckle(page, max_area);
-    if (max_area > kMaxSpeckArea) {
-        return run_protected_pass(page, distance, AreaRule(max_area));
-    }
-    // What the widened ink touches is what it has pixels in common with when widened by one more.
-    common::BitonalPage specks = ink::copy_of(page);
-    erase_specks(page, max_area);
-    common::BitonalPage near = ink::copy_of(page);
-    const std::int32_t reach = std::min(distance, ink::kMaxRunCoordinate) + 1;
-    widen(near.view(), reach);
-    ink::combine_pages(specks.view(), page, [](int speck, int kept) { return speck & ~kept; });
-    restore_specks(specks.view(), near.view(), page);
+    if (max_area <= kMaxSpeckArea) return erase_specks_away_from_ink(page, max_area, distance);
+    run_protected_pass(page, distance, AreaRule(max_area));
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {

@@ -1,10 +1,12 @@
-// Despeckle: small 8-connected components of ink are erased, in place; by their area, by a rule of
-// the caller's, near larger ink or not, or in busy regions only.
+// Despeckle: small 8-connected components of ink are erased from a page, in place. What is small is
+// said by an area or by a rule of the caller's; components near larger ink can be spared, and the
+// busy regions of a page can be cleaned alone.
 //
 // Use: despeckle(page, 10); or despeckle_by_rule(page, {rule, user});
 //
-// All throw std::bad_alloc, or what the caller's rule throws; the page is then partly despeckled.
-// Padding bits are neither read as ink nor changed.
+// Padding bits are neither read as ink nor changed. All functions throw std::bad_alloc, or what the
+// rule throws. The page is then as it was, except where a function says that it may be cleaned in
+// part.
 #pragma once
 
 #include <cstdint>
@@ -24,27 +26,30 @@ struct ComponentJudge {
     }
 };
 
-// Erases the components of at most `max_area` pixels: none for a negative one.
+// Erases the components of at most `max_area` pixels: none for 0 or less. A failure may leave the
+// page cleaned in part if max_area is above kMaxSpeckArea (specks.h).
 void despeckle(common::MutableBitonalView page, std::int32_t max_area);
 
-// The same, but keeps those that come within `distance` pixels of a larger one: between which and
-// some pixel of it lie fewer than `distance` + 1 rows and columns. A distance below 1 keeps none.
+// The same, but spares the components near a larger one: those between which and some pixel of it
+// lie at most `distance` rows and columns. A distance below 1 spares none. A failure may leave the
+// page cleaned in part.
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
                              std::int32_t distance);
 
-// Asks the judge about every component, in the order in which they end on the way down the page,
-// those that end in the same row in the order in which they began. What a run of a row makes one
-// began where the piece did that its leftmost touching run of the row above belongs to. A component
-// is erased before the next one is asked about.
+// Asks the judge about every component, in the order in which they end on the way down the page;
+// those that end in the same row come in the order in which they began. Several components that a
+// run joins go on as one, which began where the one did that the leftmost of the touched runs above
+// belongs to. Each component is erased before the next one is asked about. A failure may leave the
+// page cleaned in part.
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge);
 
-// Asks about all components, widens what is left by `distance` pixels, adds the page's ink, asks
-// about the components of that, and leaves what ink of the page has not been erased then.
+// Asks about all components of the page, dilates those that are kept by `distance` pixels, adds all
+// ink of the page, and asks about the components of that. Erases the ink that is not kept then.
 void despeckle_by_rule_away_from_ink(common::MutableBitonalView page, const ComponentJudge& judge,
                                      std::int32_t distance);
 
-// Erases the components of at most `max_area` pixels that the page has inside its busy regions.
-// Ink outside is no part of them.
+// Erases the components of at most `max_area` pixels that the page has inside its busy regions
+// (busy_regions.h). Ink outside of them is no part of a component.
 void despeckle_busy_regions(common::MutableBitonalView page, std::int32_t max_area,
                             std::int32_t density);
 

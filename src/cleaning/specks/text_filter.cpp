@@ -1,8 +1,8 @@
-// The gaps are filled in a copy of the row that is looked at, and only the page's own ink can be
-// erased, so the page needs no copy that brings its gaps back.
+// The gaps are filled in a copy of each row, and components are erased from the page itself. So the
+// page never has filled gaps, and needs no copy to take them back.
 //
-// Sizes beyond 16 bits count in full for the gaps and modulo 65,536 for the components; there the
-// filter is done in steps, on the page.
+// Sizes above 65,535 count in full for the gaps and modulo 65,536 for the components. Pages like
+// that are filtered step by step.
 #include "cleaning/specks/text_filter.h"
 
 #include <algorithm>
@@ -35,8 +35,7 @@ class TextRule {
     TextShape shape_;
 };
 
-// Copies a row with its single white pixels between ink filled; bits beyond the pixels may be
-// filled too.
+// Copies a row and fills its single white pixels between ink. Padding bits may be filled, too.
 void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t* filled) {
     const auto last = static_cast<std::size_t>(common::bitonal_bytes(width)) - 1;
     const auto fill = [](int before, int here, int after) {
