@@ -6,6 +6,7 @@
 #include "api/guard.h"
 #include "cleaning/lines/line_removal.h"
 #include "cleaning/lines/underline.h"
+#include "common/rectangle.h"
 #include "common/views.h"
 #include "frame/memory.h"
 #include "vemoprepro/cleaning.h"
@@ -15,7 +16,6 @@ using api::kFailure;
 using api::kSuccess;
 using cleaning::LineDirection;
 using cleaning::LineSettings;
-using cleaning::LineZone;
 
 // All sizes are those of 16-bit arguments.
 struct lrm_settings {
@@ -23,7 +23,7 @@ struct lrm_settings {
     std::int32_t height;
     std::int32_t width;
     std::int32_t stride;
-    LineZone zone;
+    common::Rectangle zone;
     LineSettings horz;
     LineSettings vert;
 };
@@ -150,8 +150,9 @@ int extract_underline(int ink_value, int vertical, int min_extent, int min_run, 
     if (width > std::numeric_limits<std::int32_t>::max()) return kFailure;
     if (x0 < x1 && (x0 < 0 || x1 > width)) return kFailure;
     return guarded([&] {
+        const auto columns = static_cast<std::int32_t>(width);
         return cleaning::extract_underlines(
-            {source, height, static_cast<std::int32_t>(width), stride}, target,
+            {source, height, columns, stride}, {target, height, columns, stride},
             vertical == 0 ? LineDirection::kHorizontal : LineDirection::kVertical,
             {ink_value, min_extent, min_run, thickness, dilate, x0, x1});
     });

@@ -1,81 +1,112 @@
 // Lines are what run morphology leaves of a copy of the page: gaps along the line are filled, runs
-// shorter than a line go, and the rest is cut back to the ink of the page. High strokes, the runs
-// across the line of at least its maximal thickness, are told from it in a second copy.
+// shorter than a line are removed, and the rest is cut back to the ink of the page. High strokes,
+// which stay, are the runs across the line that are at least as long as a line may be thick; they
+// are found in a second copy.
 //
 // The page itself changes in the last step only, so that a failed allocation leaves it as it was.
-
 #include "cleaning/lines/line_removal.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <cstring>
 
-#include "cleaning/lines/line_morphology.h"
 #include "frame/buffer.h"
 #include "ink/buffer_logic.h"
 
 namespace cleaning {
 namespace {
 
-std::size_t page_size(common::MutableBitonalView page) {
+using common::BitonalView;
+using common::MutableBitonalView;
+
+std::size_t page_bytes(BitonalView page) {
     return static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.stride);
+}
+
+// Two working pages of the geometry of a page, in one block: fresh memory costs more than most
+// steps.
+class WorkingPages {
+  public:
+    // Throws std::bad_alloc.
+    explicit WorkingPages(BitonalView page) : page_(page), bytes_(2 * page_bytes(page)) {}
+
+    MutableBitonalView first() { return at(bytes_.data()); }
+    MutableBitonalView second() { return at(bytes_.data() + page_bytes(page_)); }
+
+  private:
+    MutableBitonalView at(std::uint8_t* data) const {
+        return {data, page_.height, page_.width, page_.stride};
+    }
+
+    BitonalView page_;
+    frame::Buffer<std::uint8_t> bytes_;
+};
+
+// Each byte of a page becomes combine(it, the byte of the other). Both have one geometry; padding
+// takes part.
+template <class Combine>
+void combine_pages(MutableBitonalView page, BitonalView other, Combine combine) {
+    ink::combine_bytes(page.data, other.data, page_bytes(page), combine);
+}
+
+void copy_page(BitonalView page, MutableBitonalView copy) {
+    std::memcpy(copy.data, page.data, page_bytes(page));
+}
+
+void and_page(MutableBitonalView page, BitonalView other) {
+    combine_pages(page, other, [](int a, int b) { return a & b; });
 }
 
 }  // namespace
 
-void remove_lines(common::MutableBitonalView page, LineDirection direction, const LineZone& zone,
+void remove_lines(MutableBitonalView page, LineDirection direction, const common::Rectangle& zone,
                   const LineSettings& settings) {
-    const std::size_t size = page_size(page);
-    const auto stride = static_cast<std::int32_t>(page.stride);
-    const LineMorphology morphology(direction, stride, zone);
-    frame::Buffer<std::uint8_t> copies(2 * size);
-    std::uint8_t* const mask = copies.data();
-    std::uint8_t* const strokes = mask + size;
+    WorkingPages work(page);
 
-    std::copy_n(page.data, size, mask);
-    morphology.fill_gaps_along(settings.max_gap, mask);
-    morphology.dilate_across(settings.dilate, mask);
-    morphology.remove_short_along(settings.min_length, mask);
-    ink::and_buffers(mask, page.data, page.height, stride);
-    morphology.dilate_across(settings.clean_across, mask);
-    morphology.dilate_along(settings.clean_along, mask);
+    const MutableBitonalView lines = work.first();
+    copy_page(page, lines);
+    ink::fill_gaps(along(direction), settings.max_gap, lines, zone);
+    ink::dilate(across(direction), settings.dilate, lines, zone);
+    ink::remove_short(along(direction), settings.min_length, lines, zone);
+    and_page(lines, page);
+    ink::dilate(across(direction), settings.clean_across, lines, zone);
+    ink::dilate(along(direction), settings.clean_along, lines, zone);
 
     // Outside of the zone all ink counts as a stroke and stays.
-    std::copy_n(page.data, size, strokes);
-    morphology.remove_short_across(settings.max_thickness, strokes);
-    ink::and_not_buffers(mask, strokes, page.height, stride);
-    ink::and_not_buffers(page.data, mask, page.height, stride);
+    const MutableBitonalView kept = work.second();
+    copy_page(page, kept);
+    ink::remove_short(across(direction), settings.max_thickness, kept, zone);
+    combine_pages(kept, lines, [](int strokes, int line) { return strokes | ~line; });
+    and_page(page, kept);
 }
 
-void remove_lines_carefully(common::MutableBitonalView page, LineDirection direction,
+void remove_lines_carefully(MutableBitonalView page, LineDirection direction,
                             const CarefulLineSettings& settings) {
-    const std::size_t size = page_size(page);
-    const auto stride = static_cast<std::int32_t>(page.stride);
-    const LineMorphology morphology(direction, stride, LineZone{0, page.width, 0, page.height});
-    frame::Buffer<std::uint8_t> copies(2 * size);
-    std::uint8_t* const lines = copies.data();
-    std::uint8_t* const work = lines + size;
+    const common::Rectangle zone = common::whole(page);
+    WorkingPages work(page);
 
-    // Without the thick parts of long strokes, but with what was bridged to find them.
-    std::copy_n(page.data, size, lines);
-    morphology.remove_short_along(settings.min_run, lines);
-    morphology.fill_gaps_across(settings.join, lines);
-    morphology.remove_short_across(settings.thickness, lines);
-    ink::xor_buffers(lines, page.data, page.height, stride);
+    // Lines are looked for in the page without the thick parts of long strokes. Gaps that were
+    // bridged to find these stay bridged.
+    const MutableBitonalView lines = work.first();
+    copy_page(page, lines);
+    ink::remove_short(along(direction), settings.min_run, lines, zone);
+    ink::fill_gaps(across(direction), settings.join, lines, zone);
+    ink::remove_short(across(direction), settings.thickness, lines, zone);
+    combine_pages(lines, page, [](int thick, int ink) { return thick ^ ink; });
 
-    morphology.fill_gaps_along(settings.max_gap, lines);
-    morphology.remove_short_along(settings.min_length, lines);
-    morphology.dilate_across(settings.clean, lines);
+    ink::fill_gaps(along(direction), settings.max_gap, lines, zone);
+    ink::remove_short(along(direction), settings.min_length, lines, zone);
+    ink::dilate(across(direction), settings.clean, lines, zone);
 
-    // Only thin ink is removed.
-    std::copy_n(page.data, size, work);
-    morphology.remove_short_across(settings.thickness, work);
-    ink::xor_buffers(work, page.data, page.height, stride);
-    ink::and_buffers(lines, work, page.height, stride);
+    // Only thin ink is cut away.
+    const MutableBitonalView cut = work.second();
+    copy_page(page, cut);
+    ink::remove_short(across(direction), settings.thickness, cut, zone);
+    combine_pages(cut, lines, [](int thick, int line) { return thick | ~line; });
+    and_page(cut, page);
 
-    // What bridges a cut and was ink before comes back: the crossings.
-    std::copy_n(page.data, size, work);
-    ink::and_not_buffers(work, lines, page.height, stride);
-    morphology.fill_gaps_across(settings.thickness, work);
-    ink::and_buffers(page.data, work, page.height, stride);
+    // Strokes are bridged across the cut. What of a bridge was ink before is a crossing and stays.
+    ink::fill_gaps(across(direction), settings.thickness, cut, zone);
+    and_page(page, cut);
 }
 
 }  // namespace cleaning

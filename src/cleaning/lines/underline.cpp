@@ -1,12 +1,11 @@
-// The candidates are the runs of the page that are long along the line, once steps aside are
-// bridged, less what is thick across it. The component engine drops those whose extent is short,
-// and the extents of the others are marked in a row of bits.
-
+// Candidates are the runs of the page that are long along the line, once steps aside are bridged,
+// without the ink that is thick across it. The component engine drops the candidates of short
+// extent and marks the extents of the others in a row of bits.
 #include "cleaning/lines/underline.h"
 
-#include <algorithm>
+#include <cstring>
 
-#include "cleaning/lines/line_morphology.h"
+#include "common/page.h"
 #include "frame/buffer.h"
 #include "ink/buffer_logic.h"
 #include "ink/component_engine.h"
@@ -16,12 +15,11 @@ namespace {
 
 // Erases short components and marks the extents of the others.
 struct ExtentRule {
-    std::uint8_t* image;
-    std::ptrdiff_t stride;
+    common::MutableBitonalView page;
     bool horizontal;
     int ink_value;
     std::int32_t min_extent;
-    std::uint8_t* covered;
+    std::uint8_t* covered;  // a bit for each column of the page, or for each row
     std::int32_t count = 0;
 
     std::int32_t extent(const ink::component& c) const {
@@ -32,7 +30,7 @@ struct ExtentRule {
         const ink::component& found = engine.components[slot];
         const std::int32_t length = extent(found);
         if (length <= min_extent) {
-            engine.erase_ink(slot, ink_value, image, stride);
+            engine.erase_ink(slot, ink_value, page.data, page.stride);
             return true;
         }
         if (count == kMaxUnderlines) return false;
@@ -44,37 +42,33 @@ struct ExtentRule {
     bool settled(const ink::component& open) const { return extent(open) > min_extent; }
 };
 
-void extract_candidates(common::BitonalView source, std::uint8_t* target, LineDirection direction,
-                        const UnderlineSettings& settings) {
+void extract_candidates(common::BitonalView source, common::MutableBitonalView target,
+                        LineDirection direction, const UnderlineSettings& settings) {
+    const common::Rectangle zone = common::whole(source);
     const auto stride = static_cast<std::int32_t>(source.stride);
-    const std::size_t size =
-        static_cast<std::size_t>(source.height) * static_cast<std::size_t>(stride);
-    const LineMorphology morphology(direction, stride, LineZone{0, source.width, 0, source.height});
-    std::copy_n(source.data, size, target);
-    morphology.dilate_across(settings.dilate, target);
-    morphology.remove_short_along(settings.min_run, target);
-    ink::and_buffers(target, source.data, source.height, stride);
+    std::memcpy(target.data, source.data, static_cast<std::size_t>(source.height * source.stride));
+    ink::dilate(across(direction), settings.dilate, target, zone);
+    ink::remove_short(along(direction), settings.min_run, target, zone);
+    ink::and_buffers(target.data, source.data, target.height, stride);
 
-    frame::Buffer<std::uint8_t> thick(size);
-    std::copy_n(target, size, thick.data());
-    morphology.remove_short_across(settings.thickness, thick.data());
-    ink::and_not_buffers(target, thick.data(), source.height, stride);
+    common::BitonalPage thick(target.height, target.width, target.stride);
+    std::memcpy(thick.data(), target.data, thick.size());
+    ink::remove_short(across(direction), settings.thickness, thick.view(), zone);
+    ink::and_not_buffers(target.data, thick.data(), target.height, stride);
 }
 
 }  // namespace
 
-std::int32_t extract_underlines(common::BitonalView source, std::uint8_t* target,
+std::int32_t extract_underlines(common::BitonalView source, common::MutableBitonalView target,
                                 LineDirection direction, const UnderlineSettings& settings) {
     extract_candidates(source, target, direction, settings);
     if (settings.x0 >= settings.x1) return 0;
     const bool horizontal = direction == LineDirection::kHorizontal;
-    const std::int64_t covered_bytes =
-        horizontal ? source.stride : common::bitonal_bytes(source.height);
-    auto covered = frame::Buffer<std::uint8_t>::zeroed(static_cast<std::size_t>(covered_bytes));
-    ExtentRule rule{
-        target, source.stride, horizontal, settings.ink_value, settings.min_extent, covered.data()};
-    const common::BitonalView page{target, source.height, source.width, source.stride};
-    ink::scan_components(page, settings.x0, settings.x1, settings.ink_value, nullptr, rule);
+    const auto covered_bytes =
+        static_cast<std::size_t>(horizontal ? source.stride : common::bitonal_bytes(source.height));
+    auto covered = frame::Buffer<std::uint8_t>::zeroed(covered_bytes);
+    ExtentRule rule{target, horizontal, settings.ink_value, settings.min_extent, covered.data()};
+    ink::scan_components(target, settings.x0, settings.x1, settings.ink_value, nullptr, rule);
     return static_cast<std::int32_t>(
         ink::count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
 }

@@ -1,9 +1,9 @@
-// Extraction of underlines, or vertical rules, of a bitonal page into a page of their own.
+// Extraction of underlines, or of vertical lines, of a bitonal page to a page of their own.
 #pragma once
 
 #include <cstdint>
 
-#include "cleaning/lines/line_removal.h"
+#include "cleaning/lines/line_direction.h"
 #include "common/views.h"
 
 namespace cleaning {
@@ -12,24 +12,26 @@ namespace cleaning {
 constexpr std::int32_t kMaxUnderlines = 100000;
 
 struct UnderlineSettings {
-    int ink_value;            // as in extract_runs.h
+    int ink_value;            // 0 takes the 1-bits for ink when lines are measured, else the 0-bits
     std::int32_t min_extent;  // a line is longer than this
-    std::int32_t min_run;     // of each row or column of it
-    std::int32_t thickness;   // what is at least this thick is no line; 0: nothing is one
-    std::int32_t dilate;      // steps aside that a line may make
-    std::int32_t x0;          // lines are looked for in these columns
-    std::int32_t x1;          // exclusive
+    std::int32_t min_run;     // least length of each row of a line, or column of a vertical one
+    std::int32_t thickness;   // ink that is at least this thick is no line: with 0 nothing is one
+    std::int32_t dilate;      // how far a line may step aside
+    std::int32_t x0;          // lines are looked for from this column ...
+    std::int32_t x1;          // ... to this one, exclusive
 };
 
-// Writes the lines of the source into the target, which has its geometry; the width is that of the
-// stride. Returns the number of columns, or rows when vertical, that have a line. Throws
-// std::bad_alloc, and std::length_error for a page that is too large (run.h); the target is then in
-// an intermediate state.
+// Writes the lines of the source into the target and returns the number of columns, or of rows for
+// vertical lines, that have a line. The first kMaxUnderlines lines are counted. When they have been
+// found the scan goes on, but passes over the rest of a row's finished components at the first line
+// that is not counted: short ones behind it stay in the target.
 //
-// From line kMaxUnderlines + 1 on lines are not counted: the scan goes on, but from each row's
-// finished components only those before the first uncounted line are looked at, so that short ones
-// behind it stay in the target.
-std::int32_t extract_underlines(common::BitonalView source, std::uint8_t* target,
+// Throws std::bad_alloc, and std::length_error for a page or an x1 above 65,535; the target is then
+// in an intermediate state.
+//
+// Keep true: source and target have the same geometry and do not overlap; all bits of a row are
+// pixels, so that the width is 8 * stride.
+std::int32_t extract_underlines(common::BitonalView source, common::MutableBitonalView target,
                                 LineDirection direction, const UnderlineSettings& settings);
 
 }  // namespace cleaning
