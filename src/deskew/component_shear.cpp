@@ -13,7 +13,6 @@
 #include "deskew/bitonal_shears.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
-#include "ink/bit_words.h"
 #include "ink/run_labels.h"
 
 namespace deskew {

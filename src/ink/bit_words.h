@@ -1,9 +1,9 @@
 // Single 64-bit words of bitonal rows: pixel 0 of a word is its most significant bit.
 //
-// Use: word_at(row, pixels, bytes, x) reads the 64 pixels from any x on, paper beyond both ends of
+// Use: word_at(row, pixels, bytes, x) reads the 64 pixels from any x on, white beyond both ends of
 // the row; store_word() writes a word, or the part of it that the row still has room for.
 //
-// Keep true: row points at `bytes` readable bytes that hold at least `pixels` pixels.
+// Keep true: row points at `bytes` readable bytes, enough for `pixels` pixels.
 #pragma once
 
 #include <algorithm>
@@ -33,7 +33,7 @@ inline std::uint64_t span_mask(std::int64_t from, std::int64_t to) {
     return (~std::uint64_t{0} >> from) & (~std::uint64_t{0} << (kWordPixels - to));
 }
 
-// word_at() where the word overlaps an end of the row: put together byte by byte.
+// word_at() where the word overlaps an end of the row, byte by byte.
 inline std::uint64_t word_at_end(const std::uint8_t* row, std::int64_t pixels, std::int64_t x) {
     if (x <= -kWordPixels || x >= pixels) return 0;
     const std::int64_t first = x >> 3;  // rounds down, also left of the row

@@ -30,9 +30,9 @@ std::int32_t xor_buffers(std::uint8_t* dst, const std::uint8_t* src, std::int32_
 std::int64_t count_black_pixels(const std::uint8_t* buffer, std::int32_t rows, std::int32_t stride);
 
 // Sets `length` pixels from pixel `x` (>= 0) on to 1 if `value` is 1, to 0 otherwise. A length
-// below 1 paints nothing. Only the bytes of the span are touched. Rows of whole 32-bit words can be
-// painted by words, as in component_shear.cpp: with this function, straightening a page of text as
-// a whole takes 1.25 times as long.
+// below 1 paints nothing. Only the bytes of the span are touched. component_shear.cpp, whose rows
+// are 32-bit words, paints by words: with this function, finding the skew of a page of text and
+// straightening it takes 1.25 times as long.
 std::int32_t paint_span(std::uint8_t* row, std::int32_t x, std::int32_t length, int value);
 
 }  // namespace ink

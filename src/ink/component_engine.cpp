@@ -173,10 +173,10 @@ void ComponentEngine::settle_component(std::int32_t slot, std::int32_t r) {
 
 void ComponentEngine::erase_ink(std::int32_t component_slot, int ink_value, std::uint8_t* image,
                                 std::ptrdiff_t stride) const {
-    const int paper = ink_value == 0 ? 0 : 1;
+    const int white = ink_value == 0 ? 0 : 1;
     for_each_run(component_slot, [&](const run& r) {
         paint_span(image + unsigned_coordinate(r.y) * stride, unsigned_coordinate(r.x0),
-                   unsigned_coordinate(r.x1) - unsigned_coordinate(r.x0), paper);
+                   unsigned_coordinate(r.x1) - unsigned_coordinate(r.x0), white);
     });
 }
 

@@ -19,9 +19,10 @@
 //         true for an open component that stays whatever comes. Its runs are released at once, so
 //         that finished() finds none.
 //
-// Passes that only erase or keep take component_stream.h, which needs a third of the time.
+// Passes that only erase or keep take component_stream.h: on a page of text the engine takes 1.4
+// times as long as that, for its lists.
 //
-// Keep true: coordinates below 65,536; fields hold them as 16-bit patterns (run.h).
+// Keep true: coordinates below 65,536; fields are 16-bit patterns of them (run.h).
 #pragma once
 
 #include <cstdint>

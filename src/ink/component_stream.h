@@ -1,6 +1,6 @@
 // The 8-connected components of a page, found row by row and erased as they end, where a rule
-// decides so: what component_engine.h does, for passes that erase or keep and nothing else, in a
-// third of the time. The engine remains for rules that look at a component's runs, take white for
+// decides so: what component_engine.h does, for passes that erase or keep and nothing else, in less
+// time and memory. The engine remains for rules that look at a component's runs, take white for
 // ink, or end a step before its last component.
 //
 // Use: stream_components() for all rows of a page, or in steps

@@ -9,8 +9,8 @@
 //     for (std::int32_t s = runs.first; s != kNoSlot; s = runs.next(s)) use(runs[s]);
 //
 // A slot keeps its index from insert_node to erase_node; released slots are handed out again, the
-// last released first, before the arrays grow. A fresh slot holds whatever was there: its user
-// writes every field. The operations are fixed to return a number: a negative one is a failure that
+// last released first, before the arrays grow. The record of a fresh slot is
+// uninitialised. The operations are fixed to return a number: a negative one is a failure that
 // left the list as it was. None of them throws. Nothing calls init(), relink_all(),
 // append_existing() and release_storage() yet: they are for lists that outlive a call.
 //

@@ -21,6 +21,7 @@
 #include "simd/bits/run_edges.h"
 
 namespace ink {
+
 RunLabels label_runs(common::BitonalView page, int ink_value) {
     const bool invert = ink_value != 0;
     const std::int32_t height = std::max(page.height, 0);

@@ -11,7 +11,7 @@
 //
 // The runs stand in raster order, the components in the raster order of their first runs.
 // Coordinates are 32-bit; the ends are exclusive. Operations that need the components one at a time
-// while the page is scanned, or little memory, use component_engine.h.
+// while the page is scanned, or little memory, use component_engine.h or component_stream.h.
 #pragma once
 
 #include <cstddef>
@@ -42,7 +42,8 @@ struct RunLabels {
 // Throws std::bad_alloc, also for a page of more than 2,147,483,647 runs.
 RunLabels label_runs(common::BitonalView page, int ink_value = 0);
 
-// The same components without the runs, in less time and memory.
+// The same components without the runs, in less time and memory. Nothing in the library calls it
+// yet.
 PageComponents find_components(common::BitonalView page, int ink_value = 0);
 
 }  // namespace ink
