@@ -1,14 +1,10 @@
-// Grey preparation and the binarization by one threshold against their models; what every call with
-// a region refuses, and what is left when an allocation fails.
+// Grey preparation and the binarization by one threshold against their models.
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <functional>
 #include <vector>
 
 #include "binarization/settings_handle.h"
 #include "models/grey_model.h"
-#include "support/allocation_limit.h"
 #include "support/random_page.h"
 #include "support/row_reader.h"
 
@@ -267,130 +263,6 @@ TEST(Threshold, AutomaticThresholdOfLargeRegions) {
             if (i % 1000 >= 300 && i % 1000 < 600) bytes[i] = i % 2 == 0 ? 40 : 60;
         }
         compare_threshold({1, at, 1, 0, 0, false, false, 300, 0, bytes});
-    }
-}
-
-// All calls with a region. Everything that is refused leaves the output alone and calls nobody.
-TEST(Threshold, RefusesWhatCannotBeWorkedOn) {
-    RecordingReader source(random_page(30 * 120, 0, 3), 30);
-    const SettingsHandle handle(kRead);
-    const SettingsHandle no_reader(nullptr);
-    GuardedBuffer out(120 * 30);
-    const Bytes before = out.contents();
-    const unsigned char* no_image[4] = {source.page.data(), nullptr, nullptr, nullptr};
-    const struct {
-        const char* what;
-        int type, width, x0, x1, y0, y1, threads;
-        bool reader = true;
-    } regions[] = {
-        {"no reader", 1, 30, 0, 10, 0, 10, 1, false},
-        {"no reader, colour", 2, 10, 0, 10, 0, 120, 4, false},
-        {"type 0", 0, 30, 0, 10, 0, 10, 1},
-        {"type 4", 4, 30, 0, 10, 0, 10, 1},
-        {"width 0", 1, 0, 0, 10, 0, 10, 1},
-        {"negative width", 1, -30, 0, 10, 0, 10, 1},
-        {"negative x0", 1, 30, -1, 10, 0, 10, 1},
-        {"negative y0", 1, 30, 0, 10, -1, 10, 1},
-        {"no columns", 1, 30, 10, 10, 0, 10, 1},
-        {"columns the wrong way round", 1, 30, 10, 9, 0, 10, 1},
-        {"no rows", 1, 30, 0, 10, 10, 10, 1},
-        {"rows the wrong way round", 1, 30, 0, 10, 10, 9, 1},
-        {"extremes", 1, 30, 0, INT_MIN, 0, INT_MIN, 1},
-        {"beyond the row", 1, 30, 0, 31, 0, 10, 1},
-        {"threads without an image", 3, 10, 0, 10, 0, 100, 2},
-    };
-    for (const auto& [what, type, width, x0, x1, y0, y1, threads, reader] : regions) {
-        SCOPED_TRACE(what);
-        const prepro_row_reader read = reader ? kRead : nullptr;
-        bi_settings* const settings = reader ? handle : no_reader;
-        bi_set_nb_threads(settings, threads);
-        int smooth = 100;
-        for (const auto call : {bi_thresh_do, bi_gradl_do, bi_gradl_do_sobel}) {
-            bi_set_smooth(settings, 100);
-            EXPECT_EQ(call(settings, &source, type, width, x0, x1, y0, y1, out.data()), -1);
-            // Raised all the same, except by the statistics.
-            smooth = call == bi_gradl_do_sobel ? 100 : 102;
-            EXPECT_EQ((reader ? handle : no_reader).smooth(), smooth);
-        }
-        const void* const image = no_image;
-        for (const void* record : {image, static_cast<const void*>(nullptr)}) {
-            EXPECT_EQ(bi_color2greybuf(0, read, &source, record, type, width, 300, x0, x1, y0, y1,
-                                       out.data(), 0, threads, 0),
-                      -1);
-        }
-        if (threads == 1) {
-            EXPECT_EQ(bi_thresh(0, 9, read, &source, type, width, x0, x1, y0, y1, out.data()), -1);
-            EXPECT_EQ(bi_gradl(0, read, &source, type, width, x0, x1, y0, y1, out.data()), -1);
-        }
-    }
-    for (const auto call : {bi_thresh_do, bi_gradl_do, bi_gradl_do_sobel}) {
-        EXPECT_EQ(call(nullptr, &source, 1, 30, 0, 10, 0, 10, out.data()), -1);
-        EXPECT_EQ(call(handle, &source, 1, 30, 0, 10, 0, 10, nullptr), -1);
-    }
-    const auto grey = [&](unsigned char* to, int size) {
-        return bi_color2greybuf(0, kRead, &source, nullptr, 1, 30, 300, 0, 10, 0, 10, to, size, 1,
-                                0);
-    };
-    EXPECT_EQ(grey(out.data(), -1), -1);
-    EXPECT_EQ(grey(out.data(), 101), -1);
-    EXPECT_EQ(grey(nullptr, 100), -1);
-    EXPECT_EQ(out.contents(), before);
-    EXPECT_TRUE(source.modes.empty());
-}
-
-TEST(Threshold, AReaderIsNotNeededWhereTheImageIsRead) {
-    const Bytes page = random_page(30 * 100, 0, 3);
-    const SettingsHandle handle(nullptr);
-    bi_set_nb_threads(handle, 2);
-    bi_set_image_pointer(handle, page.data());
-    Bytes out(100 * 4);
-    EXPECT_EQ(bi_thresh_do(handle, nullptr, 3, 10, 0, 10, 0, 100, out.data()), 0);
-    int context = 0;
-    bi_set_dropout(handle, RecordingDropout::decide, &context);
-    EXPECT_EQ(bi_thresh_do(handle, nullptr, 3, 10, 0, 10, 0, 100, out.data()), -1)
-        << "dropout has to read the source";
-}
-
-// A failed allocation leaves the output untouched, or finished where only the dropout could not be
-// run any more.
-TEST(Threshold, SurvivesEveryFailedAllocation) {
-    for (const int type : {1, 2, 3}) {
-        RecordingReader source(random_page(row_bytes(type, 10) * 120, 0, 5), row_bytes(type, 10));
-        source.modes.reserve(100000);
-        const unsigned char* record[4] = {nullptr, nullptr, nullptr, source.page.data()};
-        Bytes out(10 * 120);
-        const Bytes untouched(10 * 120, 0x5C);
-        const auto sweep = [&](const std::function<int()>& call) {
-            const auto refilled = [&] {
-                out = untouched;
-                return call();
-            };
-            refilled();
-            const Bytes complete = out;
-            const int allocations = support::fail_each_allocation([&] {
-                const int result = refilled();
-                EXPECT_TRUE(out == complete || (result == -1 && out == untouched));
-                return result;
-            });
-            EXPECT_GE(allocations, 3);
-        };
-        for (const int threads : {1, 2}) {
-            sweep([&] {
-                const SettingsHandle handle(kRead);
-                static int context;
-                bi_set_smooth(handle, 248);
-                bi_set_thresh(handle, 0);
-                bi_set_nb_threads(handle, threads);
-                bi_set_image_pointer(handle, source.page.data());
-                bi_set_dropout(
-                    handle, [](void*, const unsigned char*) { return 0; }, &context);
-                return bi_thresh_do(handle, &source, type, 10, 0, 10, 0, 120, out.data());
-            });
-        }
-        sweep([&] {
-            return bi_color2greybuf(248, kRead, &source, record, type, 10, 300, 0, 10, 0, 120,
-                                    out.data(), static_cast<int>(out.size()), 2, 1);
-        });
     }
 }
 
