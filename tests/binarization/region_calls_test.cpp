@@ -61,7 +61,8 @@ struct Handle : SettingsHandle {
     }
 };
 
-Bytes run(RegionCall call, bi_settings* settings, int type) {
+template <class Call>
+Bytes run(Call call, bi_settings* settings, int type) {
     RecordingReader source = reader_of(type);
     Bytes out = kUntouched;
     EXPECT_EQ(call(settings, &source, type, kWidth, kX0, kX1, kY0, kY1, out.data()), 0);
@@ -86,6 +87,10 @@ int ink_of(const Bytes& page) {
     int count = 0;
     for (const std::uint8_t byte : page) count += std::popcount(byte);
     return count;
+}
+
+int drop_some(void*, const unsigned char* colour) {
+    return colour[0] % 3;
 }
 
 int count_and_drop(void* calls, const unsigned char*) {
@@ -182,16 +187,37 @@ TEST(RegionCalls, SmoothingIsRaisedByAllButTheStatistics) {
     EXPECT_EQ(handle.smooth(), 204);
 }
 
-TEST(RegionCalls, OneShotModesPrepareTheGreyImage) {
+// Every mode does what an object with its settings does; of a threshold the low byte counts.
+TEST(RegionCalls, OneShotsAreCallsWithTheSettingsOfTheirMode) {
     for (const int type : {1, 2, 3}) {
         for (const int mode : {0, 1, 2, -7}) {
-            RecordingReader source = reader_of(type);
-            Bytes out = kUntouched;
-            ASSERT_EQ(bi_gradl(mode, kRead, &source, type, kWidth, kX0, kX1, kY0, kY1, out.data()),
-                      0);
-            const int undithering = mode == 0 || mode == 1 ? 0 : 1;
-            EXPECT_EQ(out, page_from(Handle(), type, mode == 0 ? 0 : 250, undithering))
-                << "type " << type << ", mode " << mode;
+            SCOPED_TRACE(testing::Message() << "type " << type << ", mode " << mode);
+            const Handle handle;
+            int asked = 0;
+            const auto expected = [&](RegionCall call) {
+                bi_set_smooth(handle, mode == 0 ? 0 : 248);
+                return run(call, handle, type);
+            };
+            const auto once = [&](auto call, auto... leading) {
+                return run([=](bi_settings*, auto... more) { return call(leading..., more...); },
+                           nullptr, type);
+            };
+            bi_set_undithering(handle, mode == 0 || mode == 1 ? 0 : 1);
+            bi_set_thresh(handle, 44);
+            EXPECT_EQ(once(bi_gradl, mode, kRead), expected(bi_gradl_do));
+            EXPECT_EQ(once(bi_thresh, mode, 300, kRead), expected(bi_thresh_do));
+            EXPECT_EQ(expected(bi_gradl_do),
+                      page_from(handle, type, mode == 0 ? 0 : 250, mode != 0 && mode != 1));
+            bi_set_dropout(handle, drop_some, &asked);
+            const auto dropping = [&](auto call, auto... leading) {
+                return run(
+                    [&, leading...](bi_settings*, void* source, auto... more) {
+                        return call(leading..., kRead, source, drop_some, &asked, more...);
+                    },
+                    nullptr, type);
+            };
+            EXPECT_EQ(dropping(bi_gradl_dropout, mode), expected(bi_gradl_do));
+            EXPECT_EQ(dropping(bi_thresh_dropout, mode, 300), expected(bi_thresh_do));
         }
     }
 }
@@ -231,15 +257,6 @@ TEST(RegionCalls, DropoutSeesTheBlackPixelsOfColourPages) {
             EXPECT_EQ(run(call, handle, type), type == 1 ? plain : Bytes(kOutSize));
             EXPECT_EQ(asked, type == 1 ? 0 : ink_of(plain));
         }
-        int asked = 0;
-        RecordingReader source = reader_of(type);
-        Bytes dropped(kOutSize);
-        ASSERT_EQ(bi_gradl_dropout(0, kRead, &source, count_and_drop, &asked, type, kWidth, kX0,
-                                   kX1, kY0, kY1, dropped.data()),
-                  0);
-        const Bytes plain = run(bi_gradl_do, Handle(), type);
-        EXPECT_EQ(dropped, type == 1 ? plain : Bytes(kOutSize));
-        EXPECT_EQ(asked, type == 1 ? 0 : ink_of(plain));
     }
 }
 

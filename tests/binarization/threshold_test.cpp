@@ -138,24 +138,6 @@ void compare_threshold(const Case& c) {
     EXPECT_EQ(handle.smooth(), settings.smooth);
 }
 
-void compare_one_shot(const Case& c, int mode, int thresh) {
-    const model::Region& at = c.at;
-    const auto dropped = [&](auto call) {
-        return [&, call](RecordingReader* source, RecordingDropout* dropout, unsigned char* out) {
-            return call(mode, thresh, kRead, source, RecordingDropout::decide, dropout, c.type,
-                        at.width, at.x0, at.x1, at.y0, at.y1, out);
-        };
-    };
-    compare(c, bitonal_size(at), dropped(model::bi_thresh_dropout), dropped(bi_thresh_dropout));
-    const auto plain = [&](auto call) {
-        return [&, call](RecordingReader* source, RecordingDropout*, unsigned char* out) {
-            return call(mode, thresh, kRead, source, c.type, at.width, at.x0, at.x1, at.y0, at.y1,
-                        out);
-        };
-    };
-    compare(c, bitonal_size(at), plain(model::bi_thresh), plain(bi_thresh));
-}
-
 void compare_grey(const Case& c) {
     const model::Region& at = c.at;
     // Whoever does not read the image does not look at the record either.
@@ -175,14 +157,11 @@ void compare_grey(const Case& c) {
 
 TEST(Threshold, GivesTheModelsBytesAndReadsAsTheModelDoes) {
     support::Random random(1);
-    const int modes[] = {0, 1, 2, 5, -1};
-    const int thresholds[] = {0, 128, 256, 300, -1};
     for (std::uint32_t i = 0; i < 500 && !HasFatalFailure(); ++i) {
         SCOPED_TRACE(i);
         const Case c = random_case(random, i);
         compare_threshold(c);
         compare_grey(c);
-        compare_one_shot(c, modes[i % 5], thresholds[i / 5 % 5]);
     }
 }
 

@@ -215,23 +215,4 @@ inline int bi_thresh_do(BiSettings& settings, void* ctx, int type, int width, in
     return drop_colours(settings.dropout, settings.dropout_context, settings.reader, ctx, at, out);
 }
 
-inline int bi_thresh_dropout(int mode, int thresh, RowReader reader, void* ctx, Dropout dropout,
-                             void* dropout_context, int type, int width, int x0, int x1, int y0,
-                             int y1, unsigned char* out) {
-    BiSettings settings;
-    settings.reader = reader;
-    settings.smooth = mode == 0 ? 0 : 248;
-    settings.undithering = mode != 0 && mode != 1;
-    settings.thresh = static_cast<unsigned char>(thresh & 255);
-    settings.dropout = dropout;
-    settings.dropout_context = dropout_context;
-    return model::bi_thresh_do(settings, ctx, type, width, x0, x1, y0, y1, out);
-}
-
-inline int bi_thresh(int mode, int thresh, RowReader reader, void* ctx, int type, int width, int x0,
-                     int x1, int y0, int y1, unsigned char* out) {
-    return model::bi_thresh_dropout(mode, thresh, reader, ctx, nullptr, nullptr, type, width, x0,
-                                    x1, y0, y1, out);
-}
-
 }  // namespace model
