@@ -41,20 +41,22 @@ TEST(BinarizationSettings, GiveBackDefaultsAndWhatWasStored) {
 
 TEST(BinarizationSettings, ContrastAndBrightnessSetTwoLevelsEach) {
     const support::SettingsHandle handle(nullptr);
-    const int contrasts[][3] = {{0, 1, 1},   {1, 1, 1},       {2, 2, 1},
-                                {14, 14, 7}, {15, 15, 8},     {16, 16, 8},
-                                {17, 17, 9}, {200, 200, 192}, {255, 255, 247}};
-    for (const auto& [contrast, delta1, delta2] : contrasts) {
-        EXPECT_EQ(bi_set_contrast(handle, static_cast<unsigned char>(contrast)), 0);
-        EXPECT_EQ(value_of(handle, bi_get_delta1), delta1) << contrast;
-        EXPECT_EQ(value_of(handle, bi_get_delta2), delta2) << contrast;
-    }
-    const int brightnesses[][3] = {
-        {0, 0, 0}, {1, 1, 0}, {2, 2, 1}, {128, 128, 96}, {255, 255, 191}};
-    for (const auto& [brightness, black1, black2] : brightnesses) {
-        EXPECT_EQ(bi_set_brightness(handle, static_cast<unsigned char>(brightness)), 0);
-        EXPECT_EQ(value_of(handle, bi_get_black1), black1) << brightness;
-        EXPECT_EQ(value_of(handle, bi_get_black2), black2) << brightness;
+    const struct {
+        ByteSetter set;
+        ByteGetter first, second;
+        int values[3];  // what is set, and what the two become
+    } pairs[] = {{bi_set_contrast, bi_get_delta1, bi_get_delta2, {0, 1, 1}},
+                 {bi_set_contrast, bi_get_delta1, bi_get_delta2, {1, 1, 1}},
+                 {bi_set_contrast, bi_get_delta1, bi_get_delta2, {15, 15, 8}},
+                 {bi_set_contrast, bi_get_delta1, bi_get_delta2, {16, 16, 8}},
+                 {bi_set_contrast, bi_get_delta1, bi_get_delta2, {255, 255, 247}},
+                 {bi_set_brightness, bi_get_black1, bi_get_black2, {0, 0, 0}},
+                 {bi_set_brightness, bi_get_black1, bi_get_black2, {2, 2, 1}},
+                 {bi_set_brightness, bi_get_black1, bi_get_black2, {255, 255, 191}}};
+    for (const auto& [set, first, second, values] : pairs) {
+        EXPECT_EQ(set(handle, static_cast<unsigned char>(values[0])), 0);
+        EXPECT_EQ(value_of(handle, first), values[1]) << values[0];
+        EXPECT_EQ(value_of(handle, second), values[2]) << values[0];
     }
 }
 

@@ -182,35 +182,6 @@ TEST(Threshold, RulesSeenOnSmallRows) {
         ASSERT_EQ(bi_thresh(0, c.thresh, kRead, &source, 1, 4, 0, 4, 0, 1, out.data()), 0);
         EXPECT_EQ(out, (Bytes{c.ink, 0, 0, 0})) << c.what;
     }
-    const struct {
-        const char* what;
-        int type, height, smooth;
-        Bytes page, grey;
-    } pages[] = {{"strong light colours are clamped, neutral ones kept",
-                  3,
-                  1,
-                  0,
-                  {255, 255, 0, 230, 230, 230, 255, 255, 171, 255, 255, 170, 0, 0, 255},
-                  {200, 230, 245, 200, 29}},
-                 {"blue first", 2, 1, 0, {255, 255, 0, 0, 255, 255}, {178, 200}},
-                 {"one row is never smoothed", 1, 1, 248, {255, 0, 201}, {255, 0, 201}},
-                 {"one dark pixel is drawn to its neighbours",
-                  1,
-                  3,
-                  248,
-                  {255, 255, 255, 255, 0, 255, 255, 255, 255},
-                  {255, 255, 255, 255, 127, 255, 255, 255, 255}}};
-    for (const auto& c : pages) {
-        const int size = static_cast<int>(c.grey.size());
-        const int width = size / c.height;
-        RecordingReader source(c.page, row_bytes(c.type, width));
-        Bytes out(c.grey.size());
-        ASSERT_EQ(
-            bi_color2greybuf(static_cast<unsigned char>(c.smooth), kRead, &source, nullptr, c.type,
-                             width, 300, 0, width, 0, c.height, out.data(), size, 1, 0),
-            0);
-        EXPECT_EQ(out, c.grey) << c.what;
-    }
 }
 
 // A reader whose second pass delivers other rows than the first: the conversion uses the first,
@@ -227,22 +198,6 @@ TEST(Threshold, ClampLooksAtTheRowsOfItsOwnPass) {
     ASSERT_EQ(bi_color2greybuf(0, fickle, &passes, nullptr, 3, 1, 300, 0, 1, 0, 1, &grey, 1, 1, 0),
               0);
     EXPECT_EQ(grey, 200);
-}
-
-// Large enough for the counting that pays on pages, at odd widths, with noise, flat runs and
-// alternating pixels.
-TEST(Threshold, AutomaticThresholdOfLargeRegions) {
-    for (const int width : {1029, 2000, 31}) {
-        const int height = 270000 / width;
-        const model::Region at{width, 0, width, 0, height};
-        Bytes bytes =
-            random_page(model::offset(height, width, 0), 0, static_cast<std::uint32_t>(width));
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            if (i % 1000 < 300) bytes[i] = 250;
-            if (i % 1000 >= 300 && i % 1000 < 600) bytes[i] = i % 2 == 0 ? 40 : 60;
-        }
-        compare_threshold({1, at, 1, 0, 0, false, false, 300, 0, bytes});
-    }
 }
 
 }  // namespace

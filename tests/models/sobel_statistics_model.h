@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -15,64 +16,48 @@
 
 namespace model {
 
-struct SobelStatistics {
-    long long grey = 0;   // the sum of all pixels
-    long long edges = 0;  // the number of edge pixels; the rest is summed over them
-    long long lows = 0;
-    long long highs = 0;
-    long long squared_lows = 0;
-    long long squared_highs = 0;
+// Sums over pixels: of the greys of all, and of the edge pixels their number, the lowest and the
+// highest greys around them, and the squares of these.
+enum SobelSum { kGrey, kEdges, kLows, kHighs, kSquaredLows, kSquaredHighs, kSums };
+using SobelSums = std::array<long long, kSums>;
 
-    void add(const SobelStatistics& other) {
-        grey += other.grey;
-        edges += other.edges;
-        lows += other.lows;
-        highs += other.highs;
-        squared_lows += other.squared_lows;
-        squared_highs += other.squared_highs;
-    }
-};
+inline void add(SobelSums& sums, const SobelSums& more) {
+    for (std::size_t k = 0; k < kSums; ++k) sums[k] += more[k];
+}
 
-inline SobelStatistics sobel_statistics_of_pixel(const Field& grey, int y, int x, int delta1,
-                                                 int delta2) {
-    SobelStatistics s;
-    s.grey = grey.at(y, x);
-    if (!grey.interior(y, x)) return s;
+inline SobelSums sums_of_pixel(const Field& grey, int y, int x, int delta1, int delta2) {
+    const long long value = grey.at(y, x);
+    if (!grey.interior(y, x)) return {value};
     const int gx = sobel_x(grey, y, x);
     const int gy = sobel_y(grey, y, x);
     const int steep = 3 * delta1 + 20;
     const std::vector<int> around = window(grey, y, x, 1);
     const long long low = lowest(around);
     const long long high = highest(around);
-    if (gx * gx + gy * gy < steep * steep || high - low < delta2) return s;
-    s.edges = 1;
-    s.lows = low;
-    s.highs = high;
-    s.squared_lows = low * low;
-    s.squared_highs = high * high;
-    return s;
+    if (gx * gx + gy * gy < steep * steep || high - low < delta2) return {value};
+    return {value, 1, low, high, low * low, high * high};
 }
 
-inline SobelStatistics sobel_statistics_of_block(const Field& grey, int i, int j, int delta1,
-                                                 int delta2) {
-    SobelStatistics sum;
+inline SobelSums sums_of_block(const Field& grey, int i, int j, int delta1, int delta2) {
+    SobelSums sums{};
     for (int y = 4 * i; y < 4 * i + 4; ++y)
         for (int x = 4 * j; x < 4 * j + 4; ++x)
-            sum.add(sobel_statistics_of_pixel(grey, y, x, delta1, delta2));
-    return sum;
+            add(sums, sums_of_pixel(grey, y, x, delta1, delta2));
+    return sums;
 }
 
 // By the sums over the 3 x 3 blocks around one with edges.
-inline int sobel_threshold(const SobelStatistics& around, int sigma) {
+inline int sobel_threshold(const SobelSums& around, int sigma) {
+    const long long edges = around[kEdges];
     const auto deviation = [&](long long sum, long long squares) {
-        const auto variance = static_cast<double>(around.edges * squares - sum * sum);
-        return std::llround(sigma / 128.0 * std::sqrt(variance));
+        return std::llround(sigma / 128.0 *
+                            std::sqrt(static_cast<double>(edges * squares - sum * sum)));
     };
-    const long long extremes = around.lows + around.highs;
-    const long long deviations =
-        deviation(around.lows, around.squared_lows) + deviation(around.highs, around.squared_highs);
-    const bool dark = around.grey / 16 <= extremes / (2 * around.edges);
-    const long long t = (dark ? extremes - deviations : extremes + deviations) / (2 * around.edges);
+    const long long extremes = around[kLows] + around[kHighs];
+    const long long deviations = deviation(around[kLows], around[kSquaredLows]) +
+                                 deviation(around[kHighs], around[kSquaredHighs]);
+    const bool dark = around[kGrey] / 16 <= extremes / (2 * edges);
+    const long long t = (dark ? extremes - deviations : extremes + deviations) / (2 * edges);
     return static_cast<int>(std::clamp(t, 0LL, 255LL));
 }
 
@@ -88,21 +73,22 @@ inline Field completed(const Field& map) {
 inline Field sobel_threshold_map(const Field& grey, int delta1, int delta2, int black1, int sigma) {
     const int rows = grey.height / 4;
     const int columns = grey.width / 4;
-    std::vector<SobelStatistics> blocks;
+    std::vector<SobelSums> blocks;
     for (int i = 0; i < rows; ++i)
         for (int j = 0; j < columns; ++j)
-            blocks.push_back(sobel_statistics_of_block(grey, i, j, delta1, delta2));
+            blocks.push_back(sums_of_block(grey, i, j, delta1, delta2));
     Field by_edges(ceil_div(grey.height, 4), ceil_div(grey.width, 4));
     Field by_edges_and_darkness = by_edges;
     for (int i = 1; i <= rows - 2; ++i)
         for (int j = 1; j <= columns - 2; ++j) {
-            const SobelStatistics& own = blocks[offset(i, columns, j)];
-            SobelStatistics around;
+            const SobelSums& own = blocks[offset(i, columns, j)];
+            SobelSums around{};
             for (int v = i - 1; v <= i + 1; ++v)
-                for (int u = j - 1; u <= j + 1; ++u) around.add(blocks[offset(v, columns, u)]);
-            if (own.edges >= 1 && around.edges > 8)
+                for (int u = j - 1; u <= j + 1; ++u) add(around, blocks[offset(v, columns, u)]);
+            if (own[kEdges] >= 1 && around[kEdges] > 8)
                 by_edges.at(i, j) = by_edges_and_darkness.at(i, j) = sobel_threshold(around, sigma);
-            if (own.edges == 0 && own.grey <= 16 * black1) by_edges_and_darkness.at(i, j) = black1;
+            if (own[kEdges] == 0 && own[kGrey] <= 16 * black1)
+                by_edges_and_darkness.at(i, j) = black1;
         }
     return highest_of_each(completed(by_edges), completed(by_edges_and_darkness));
 }
