@@ -1,7 +1,8 @@
 // Vector forms of grey_rows.h.
 //
 // Luminance: products of 16 bits are added up in pairs to 32 bits. The weight of green is too large
-// for that as it is, and taken in halves; it is even.
+// for that as it is, and taken in halves; it is even. Nothing crosses from one block of 16 bytes to
+// another.
 //
 // Smoothing works on 16-bit lanes that hold two pixels, one in each byte: the even pixels are the
 // low bytes, the odd pixels the high bytes, so that nothing has to be widened or packed. With d =
@@ -12,6 +13,8 @@
 // A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
 // all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
+
+#include <type_traits>
 
 #include "simd/fetch_ahead.h"
 #include "simd/pixels/plain/grey_rows.h"
@@ -35,34 +38,37 @@ using I32 = hn::Repartition<std::int32_t, U8>;
 constexpr U32 kU32;
 constexpr I32 kI32;
 
-// Where the bytes of pixels come to stand for the sums of products. A vector takes as many pixels
-// as it has lanes of 32 bits: first every block of 16 bytes gets four of them, as three lanes of
-// their bytes and one of no use, then each lane its pixel's channels as pairs of 16 bits.
+// A register of pixels for the luminance. Its blocks of 16 bytes are filled one by one, so vectors
+// whose size is known only at run time are used as single blocks.
+using Pixels = std::conditional_t<HWY_HAVE_SCALABLE, hn::FixedTag<std::uint8_t, 16>, U8>;
+using PixelPairs = hn::Repartition<std::int16_t, Pixels>;
+using PixelSums = hn::Repartition<std::int32_t, Pixels>;
+constexpr Pixels kPixels;
+constexpr PixelPairs kPixelPairs;
+constexpr PixelSums kPixelSums;
+using VecPixels = hn::Vec<Pixels>;
+using VecPairs = hn::Vec<PixelPairs>;
+
+// What TableLookupBytesOr0() is told, a block of 16 bytes at a time.
 struct ChannelShuffle {
-    static constexpr int kLanes = static_cast<int>(hn::MaxLanes(kU32));
-    std::int32_t quads[kLanes] = {};
+    // From four pixels side by side: the first or the last channel and the green of each, as pairs
+    // of 16 bits.
     alignas(16) std::uint8_t first_and_green[16] = {};
     alignas(16) std::uint8_t last_and_green[16] = {};
+    // From the bytes 0, 8, 4, 12, 1, 9, 5, 13, ... to 0, 1, 2, ...
+    alignas(16) std::uint8_t in_order[16] = {};
 
     constexpr ChannelShuffle() {
-        for (int i = 0; i < kLanes; ++i) quads[i] = i / 4 * 3 + std::min(i % 4, 2);
-        for (int i = 0; i < 4; ++i) {
-            const auto first = static_cast<std::uint8_t>(3 * i);
-            const auto green = static_cast<std::uint8_t>(3 * i + 1);
-            const auto last = static_cast<std::uint8_t>(3 * i + 2);
-            put(first_and_green, i, first, green);
-            put(last_and_green, i, last, green);
-        }
-    }
-
-  private:
-    static constexpr void put(std::uint8_t (&table)[16], int pixel, std::uint8_t low,
-                              std::uint8_t high) {
         constexpr std::uint8_t kZero = 0x80;
-        table[4 * pixel] = low;
-        table[4 * pixel + 1] = kZero;
-        table[4 * pixel + 2] = high;
-        table[4 * pixel + 3] = kZero;
+        for (std::uint8_t i = 0; i < 16; ++i) {
+            const auto green = static_cast<std::uint8_t>(i / 4 * 3 + 1);
+            first_and_green[i] = last_and_green[i] = kZero;
+            if (i % 4 == 0) first_and_green[i] = static_cast<std::uint8_t>(green - 1);
+            if (i % 4 == 0) last_and_green[i] = static_cast<std::uint8_t>(green + 1);
+            if (i % 4 == 2) first_and_green[i] = last_and_green[i] = green;
+            constexpr std::uint8_t kPlace[4] = {0, 2, 1, 3};
+            in_order[i] = static_cast<std::uint8_t>(i % 4 * 4 + kPlace[i / 4]);
+        }
     }
 };
 
@@ -70,12 +76,13 @@ struct ChannelShuffle {
 static_assert(common::kGreenWeight % 2 == 0);
 
 struct LuminanceWeights {
-    hn::Vec<I16> first_and_green;
-    hn::Vec<I16> last_and_green;
+    VecPairs first_and_green;
+    VecPairs last_and_green;
 
     HWY_INLINE explicit LuminanceWeights(ChannelOrder order) {
         const auto pair = [](std::uint32_t channel) HWY_ATTR {
-            return hn::BitCast(kI16, hn::Set(kU32, (common::kGreenWeight / 2) << 16 | channel));
+            const auto both = static_cast<std::int32_t>((common::kGreenWeight / 2) << 16 | channel);
+            return hn::BitCast(kPixelPairs, hn::Set(kPixelSums, both));
         };
         const bool red_first = order == ChannelOrder::kRedFirst;
         first_and_green = pair(red_first ? common::kRedWeight : common::kBlueWeight);
@@ -83,39 +90,59 @@ struct LuminanceWeights {
     }
 };
 
-// The sums of products of as many pixels as there are lanes: the luminance is the third byte. Reads
-// a whole vector.
-HWY_INLINE VecU16 weighted_sums(const std::uint8_t* colour, const LuminanceWeights& weights) {
-    static constexpr ChannelShuffle kShuffle;
-    const auto pixels =
-        hn::BitCast(kU8, hn::TableLookupLanes(hn::BitCast(kU32, hn::LoadU(kU8, colour)),
-                                              hn::SetTableIndices(kU32, kShuffle.quads)));
-    const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
-        return hn::BitCast(kI16, hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kU8, table)));
-    };
-    auto other = hn::Zero(kI32);
-    auto sums = hn::ReorderWidenMulAccumulate(kI32, pairs(kShuffle.first_and_green),
-                                              weights.first_and_green, hn::Zero(kI32), other);
-    sums = hn::ReorderWidenMulAccumulate(kI32, pairs(kShuffle.last_and_green),
-                                         weights.last_and_green, sums, other);
-    return hn::BitCast(kU16, hn::RearrangeToOddPlusEven(sums, other));
+// Four pixels, and four bytes of no use, into each block: those of the next block stand 16 pixels
+// behind those of this one.
+template <class D>
+HWY_INLINE hn::Vec<D> load_four_of_sixteen(D d, const std::uint8_t* colour) {
+    if constexpr (hn::MaxLanes(d) == 16) {
+        return hn::LoadU(d, colour);
+    } else {
+        const hn::Half<D> half;
+        return hn::Combine(d, load_four_of_sixteen(half, colour + 3 * hn::MaxLanes(half)),
+                           load_four_of_sixteen(half, colour));
+    }
 }
 
-// A vector of pixels. Reads a quarter of a vector behind them.
+// The sums of products of the pixels that load_four_of_sixteen() takes: the luminance is the upper
+// half of each.
+HWY_INLINE hn::Vec<PixelSums> weighted_sums(const std::uint8_t* colour,
+                                            const ChannelShuffle& shuffle,
+                                            const LuminanceWeights& weights) {
+    const VecPixels pixels = load_four_of_sixteen(kPixels, colour);
+    const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
+        return hn::BitCast(kPixelPairs,
+                           hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kPixels, table)));
+    };
+    auto other = hn::Zero(kPixelSums);
+    auto sums = hn::ReorderWidenMulAccumulate(kPixelSums, pairs(shuffle.first_and_green),
+                                              weights.first_and_green, hn::Zero(kPixelSums), other);
+    sums = hn::ReorderWidenMulAccumulate(kPixelSums, pairs(shuffle.last_and_green),
+                                         weights.last_and_green, sums, other);
+    return hn::RearrangeToOddPlusEven(sums, other);
+}
+
+// A vector of pixels, from the sums of pixels 0 .. 3 of every 16, of pixels 4 .. 7, and so on.
+// Reads 4 bytes behind the pixels.
 HWY_INLINE void luminance_vector(const std::uint8_t* colour, const LuminanceWeights& weights,
                                  std::uint8_t* grey) {
-    const std::size_t part = 3 * hn::Lanes(kU32);
+    static constexpr ChannelShuffle kShuffle;
     const auto sums = [&](std::size_t i)
-                          HWY_ATTR { return weighted_sums(colour + i * part, weights); };
-    const VecU8 low = hn::BitCast(kU8, hn::ConcatOdd(kU16, sums(1), sums(0)));
-    const VecU8 high = hn::BitCast(kU8, hn::ConcatOdd(kU16, sums(3), sums(2)));
-    hn::StoreU(hn::ConcatEven(kU8, high, low), kU8, grey);
+                          HWY_ATTR { return weighted_sums(colour + 12 * i, kShuffle, weights); };
+    // Two luminances in the halves of every lane.
+    const auto two = [](auto first, auto second) HWY_ATTR {
+        return hn::OddEven(hn::BitCast(kPixelPairs, second),
+                           hn::BitCast(kPixelPairs, hn::ShiftRight<16>(first)));
+    };
+    const auto all = hn::BitCast(
+        kPixels, hn::Or(two(sums(0), sums(1)), hn::ShiftLeft<8>(two(sums(2), sums(3)))));
+    hn::StoreU(hn::TableLookupBytes(all, hn::LoadDup128(kPixels, kShuffle.in_order)), kPixels,
+               grey);
 }
 
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
-    const std::size_t lanes = hn::Lanes(kU8);
-    const std::size_t read_ahead = (lanes / 4 + 2) / 3;
+    const std::size_t lanes = hn::Lanes(kPixels);
+    constexpr std::size_t read_ahead = 2;  // pixels
     if (width < lanes + read_ahead) return plain::luminance_row(colour, width, order, grey);
     const LuminanceWeights weights(order);
     const std::size_t last = width - read_ahead - lanes;
