@@ -19,7 +19,8 @@ void binarize_row(const std::uint8_t* grey, std::uint8_t threshold,
 
 void binarize_as_read(const grey::Source& source, const grey::Region& region,
                       std::uint8_t threshold, const common::MutableBitonalView& page) {
-    grey::visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+    grey::RowBuffer buffer(source.row_bytes());
+    grey::visit_rows(source, region, buffer, [&](int y, const std::uint8_t* row) {
         binarize_row(row + region.x0, threshold, page, y);
     });
 }

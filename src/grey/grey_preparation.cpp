@@ -75,7 +75,8 @@ void read_grey(const Source& source, const Region& region, const MutableGreyView
         }
         return;
     }
-    visit_rows(source, region, [&](int y, const std::uint8_t* row) {
+    RowBuffer buffer(source.row_bytes());
+    visit_rows(source, region, buffer, [&](int y, const std::uint8_t* row) {
         std::memcpy(grey.row(y), row + region.x0, static_cast<std::size_t>(grey.width));
         finish.visit(grey, y);
     });
@@ -85,11 +86,11 @@ void read_colour(const Source& source, const Region& region, const MutableGreyVi
                  Finish& finish) {
     const auto width = static_cast<std::size_t>(grey.width);
     const std::size_t skipped = static_cast<std::size_t>(region.x0) * 3;
-    RegionRows rows(source, region);  // for both readings, so that the second one cannot fail
-    rows.visit([&](int y, const std::uint8_t* row) {
+    RowBuffer buffer(source.row_bytes());  // for both readings, so that the second cannot fail
+    visit_rows(source, region, buffer, [&](int y, const std::uint8_t* row) {
         simd::luminance_row(row + skipped, width, channel_order(source), grey.row(y));
     });
-    rows.visit([&](int y, const std::uint8_t* row) {
+    visit_rows(source, region, buffer, [&](int y, const std::uint8_t* row) {
         simd::clamp_saturated(row + skipped, width, grey.row(y));
         finish.visit(grey, y);
     });

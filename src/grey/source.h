@@ -8,7 +8,6 @@
 // one RowStream is finished with before the next is begun, since they share the reader's position.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -102,54 +101,16 @@ class RowStream {
     bool started_ = false;
 };
 
-// The rows of a region, several read before the first of them is visited: a reader that copies out
-// of a page in memory then runs through it in long stretches, which the processor fetches ahead,
-// where single rows with work in between would start anew each time.
-//
-// Use: RegionRows rows(source, region) allocates all that is needed; (rows.visit)*, each of which
-// reads the source from the top.
-class RegionRows {
-  public:
-    // Throws std::bad_alloc.
-    RegionRows(const Source& source, const Region& region)
-        : source_(source),
-          first_row_(region.y0),
-          height_(static_cast<std::size_t>(region.height())),
-          row_bytes_((source.row_bytes() + 63) / 64 * 64),
-          block_rows_(std::clamp<std::size_t>(kBlockBytes / row_bytes_, 1, height_)),
-          block_(block_rows_ * row_bytes_) {}
-
-    // Calls visit(k, row) for the rows of the region from the top, k from 0; `row` is a whole
-    // source row, valid during the call.
-    template <class Visit>
-    void visit(Visit&& visit) {
-        RowStream rows(source_, first_row_);
-        for (std::size_t first = 0; first < height_; first += block_rows_) {
-            const std::size_t count = std::min(block_rows_, height_ - first);
-            for (std::size_t i = 0; i < count; ++i) rows.next(block_.data() + i * row_bytes_);
-            for (std::size_t i = 0; i < count; ++i) {
-                visit(static_cast<int>(first + i), block_.data() + i * row_bytes_);
-            }
-        }
-    }
-
-  private:
-    // Stays in the second-level cache, and below the size from which the C library maps fresh
-    // pages.
-    static constexpr std::size_t kBlockBytes = std::size_t{96} << 10;
-
-    const Source& source_;
-    int first_row_;
-    std::size_t height_;
-    std::size_t row_bytes_;
-    std::size_t block_rows_;
-    RowBuffer block_;
-};
-
-// One visit to the rows of a region. Throws std::bad_alloc before anything is read.
+// Calls visit(k, row) for the rows of the region from the top, k from 0; `row` is a whole source
+// row, read into `buffer`. One row at a time stays in the first-level cache between the reader and
+// the visit.
 template <class Visit>
-void visit_rows(const Source& source, const Region& region, Visit&& visit) {
-    RegionRows(source, region).visit(visit);
+void visit_rows(const Source& source, const Region& region, RowBuffer& buffer, Visit&& visit) {
+    RowStream rows(source, region.y0);
+    for (int k = 0; k < region.height(); ++k) {
+        rows.next(buffer.data());
+        visit(k, buffer.data());
+    }
 }
 
 }  // namespace grey

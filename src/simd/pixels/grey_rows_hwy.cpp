@@ -201,13 +201,12 @@ HWY_INLINE bool may_be_saturated(const std::uint8_t* colour, std::size_t lanes) 
     return !hn::AllTrue(kU8, hn::Eq(any, hn::Zero(kU8)));
 }
 
-// Most of most pages is paper and ink without colour, which the test above is quick to pass over.
-// The machine does not see then that the grey row will be wanted by who comes next.
+// Most of most pages is paper and ink without colour, which the test above is quick to pass over:
+// the grey row is not even fetched then.
 void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
     const std::size_t lanes = hn::Lanes(kU8);
     if (width < lanes) return plain::clamp_saturated(colour, width, grey);
     for (std::size_t x = 0; x + lanes < width; x += lanes) {
-        fetch_ahead(grey + x);
         if (may_be_saturated(colour + 3 * x, lanes)) clamp_vector(colour + 3 * x, grey + x);
     }
     const std::size_t last = width - lanes;
