@@ -1,11 +1,12 @@
-// Rows of a map of block thresholds on the way from a map with empty (0) cells to a full one.
+// Rows of a map of block thresholds, whose empty cells are 0, on the way to a map without empty
+// cells. plain/block_fill.h says what each function computes.
 //
-// Use: dilate_into_empty() for the inner rows where filled cells are to be dilated first; then,
+// Use: dilate_into_empty() for the inner rows, where filled cells are to be dilated first; then,
 // from that map into another one, propagate_forward() for the rows from top to bottom and
 // propagate_backward() from bottom to top.
 //
 // Keep true: output rows do not overlap inputs, except that the row below the last one may be the
-// last row itself.
+// last row itself. Nothing outside of the cells is read or written.
 #pragma once
 
 #include <cstddef>

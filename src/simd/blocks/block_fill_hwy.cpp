@@ -1,10 +1,17 @@
-// Vector form of block_fill.h. The minimum is propagated along the row, each cell waiting for the
-// one before: here it crosses a vector in steps over distances 1, 2, 4, ..., which need not wait
-// for the cells before them; those join as one value that reaches the first empty cells of the
-// vector. Distances below 16 are taken inside blocks of sixteen cells, further ones from block to
-// block.
+// Vector forms of block_fill.h.
 //
-// A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
+// Propagation along a row looks sequential: each empty cell waits for the one before it. Here a
+// vector is crossed on three levels, none of which waits (drawn forwards, with `|` for the ends of
+// blocks of 16 cells, which is what byte shifts and table lookups work in):
+//
+//     | . . . . |     inside every block, from cells 1, then 2, 4 and 8 away, so that each cell has
+//       -> -> ->      met all cells before it;
+//     |       e | |   then the value at the end of every block goes on over the next blocks, as far
+//             ->  ->  as these are empty throughout;
+//     b | . . . . |   last, the cell before the vector enters it up to its first filled cell.
+//     ->
+//
+// A row that is not a number of full vectors ends with a vector that overlaps the one before it:
 // propagating again changes nothing.
 #include "simd/blocks/block_fill.h"
 
@@ -42,41 +49,49 @@ void dilate_into_empty(const std::uint8_t* above, const std::uint8_t* row,
     out[width - 1] = row[width - 1];
 }
 
-// A block is what byte shifts and table lookups work on, whatever the size of the vector.
 constexpr int kBlockCells = 16;
 constexpr int kBlocks = static_cast<int>(hn::MaxLanes(kU8)) / kBlockCells;
 
 using U32 = hn::Repartition<std::uint32_t, U8>;
 constexpr U32 kU32;
 
-struct BlockMove {
-    static constexpr int kQuadsOfBlock = 4;
-    static constexpr int kQuadsOfVector = kBlocks * kQuadsOfBlock;
+// Where the blocks of a vector are taken from, in lanes of four cells.
+struct BlockPermutation {
+    static constexpr int kLanesOfBlock = 4;
+    static constexpr int kLanes = kBlocks * kLanesOfBlock;
 
-    std::int32_t from[kQuadsOfVector] = {};
-    std::uint32_t outside[kQuadsOfVector] = {};
+    std::int32_t from[kLanes] = {};
+    std::uint32_t outside[kLanes] = {};  // all ones for blocks that are taken from no place
 
-    // Each block takes the one `distance` blocks behind it, or all take block `block`.
-    constexpr explicit BlockMove(int distance, int block = -1) {
-        for (int i = 0; i < kQuadsOfVector; ++i) {
-            const int source = block < 0 ? i + distance * kQuadsOfBlock
-                                         : block * kQuadsOfBlock + i % kQuadsOfBlock;
-            const bool inside = 0 <= source && source < kQuadsOfVector;
-            from[i] = inside ? source : 0;
-            outside[i] = inside ? 0 : ~std::uint32_t{0};
+    // Every block takes the one `distance` blocks behind it.
+    static constexpr BlockPermutation move(int distance) {
+        BlockPermutation result;
+        for (int i = 0; i < kLanes; ++i) {
+            const int source = i + distance * kLanesOfBlock;
+            const bool inside = 0 <= source && source < kLanes;
+            result.from[i] = inside ? source : 0;
+            result.outside[i] = inside ? 0 : ~std::uint32_t{0};
         }
+        return result;
+    }
+    // Every block takes the same one.
+    static constexpr BlockPermutation repeat(int block) {
+        BlockPermutation result;
+        for (int i = 0; i < kLanes; ++i) result.from[i] = block * kLanesOfBlock + i % kLanesOfBlock;
+        return result;
     }
 };
 
-// The direction: where cells move to, and which one is the last of a block.
+// A direction: how cells move by some cells inside of their blocks, how blocks move, and which cell
+// and which block are the last ones.
 struct Forward {
     template <int kCells>
     static HWY_INLINE VecU8 move(VecU8 v) {
         return hn::ShiftLeftBytes<kCells>(kU8, v);
     }
     template <int kDistance>
-    static constexpr BlockMove kMove{-kDistance};
-    static constexpr BlockMove kRepeatLast{0, kBlocks - 1};
+    static constexpr BlockPermutation kMoveBlocks = BlockPermutation::move(-kDistance);
+    static constexpr BlockPermutation kRepeatLastBlock = BlockPermutation::repeat(kBlocks - 1);
     static constexpr std::uint8_t kLastCell = kBlockCells - 1;
 };
 
@@ -86,18 +101,18 @@ struct Backward {
         return hn::ShiftRightBytes<kCells>(kU8, v);
     }
     template <int kDistance>
-    static constexpr BlockMove kMove{kDistance};
-    static constexpr BlockMove kRepeatLast{0, 0};
+    static constexpr BlockPermutation kMoveBlocks = BlockPermutation::move(kDistance);
+    static constexpr BlockPermutation kRepeatLastBlock = BlockPermutation::repeat(0);
     static constexpr std::uint8_t kLastCell = 0;
 };
 
-HWY_INLINE VecU8 outside_of(const BlockMove& move) {
-    return hn::BitCast(kU8, hn::LoadU(kU32, move.outside));
+HWY_INLINE VecU8 outside_of(const BlockPermutation& permutation) {
+    return hn::BitCast(kU8, hn::LoadU(kU32, permutation.outside));
 }
 
-HWY_INLINE VecU8 moved(VecU8 v, const BlockMove& move) {
-    return hn::BitCast(
-        kU8, hn::TableLookupLanes(hn::BitCast(kU32, v), hn::SetTableIndices(kU32, move.from)));
+HWY_INLINE VecU8 permuted(VecU8 v, const BlockPermutation& permutation) {
+    return hn::BitCast(kU8, hn::TableLookupLanes(hn::BitCast(kU32, v),
+                                                 hn::SetTableIndices(kU32, permutation.from)));
 }
 
 // Each cell takes the cell kDistance before it unless that is blocked; `blocked` becomes what is
@@ -108,50 +123,91 @@ HWY_INLINE void step(VecU8& cells, VecU8& blocked) {
     blocked = hn::Or(blocked, Direction::template move<kDistance>(blocked));
 }
 
-// The same for values of whole blocks. Nothing comes in from outside of the vector.
-template <class Direction, int kDistance>
-HWY_INLINE void block_step(VecU8& cells, VecU8& blocked) {
-    constexpr const BlockMove& kMove = Direction::template kMove<kDistance>;
-    const VecU8 outside = outside_of(kMove);
-    cells = hn::Min(cells, hn::Or(hn::Or(moved(cells, kMove), outside), blocked));
-    blocked = hn::Or(blocked, hn::AndNot(outside, moved(blocked, kMove)));
-}
-
-// `cells` with the minimum propagated along the row; `before` holds in all lanes the cell before
-// the first one, and the last one afterwards.
+// The first level. Nothing moves into the first cells of a block, where a moved vector has zeros.
 template <class Direction>
-HWY_INLINE VecU8 propagate_vector(VecU8 cells, VecU8 filled, VecU8& before) {
-    // Nothing moves into the first cells of a block, where a moved vector has zeros.
+HWY_INLINE VecU8 propagate_in_blocks(VecU8 cells, VecU8 filled) {
     const VecU8 all = hn::Set(kU8, std::uint8_t{0xFF});
     VecU8 blocked = hn::Or(filled, hn::Not(Direction::template move<1>(all)));
     step<Direction, 1>(cells, blocked);
     step<Direction, 2>(cells, blocked);
     step<Direction, 4>(cells, blocked);
     step<Direction, 8>(cells, blocked);
-    // From here on: a filled cell of the block up to this one.
+    return cells;
+}
+
+// All ones from the first filled cell of each block on: what is before the block stops there.
+template <class Direction>
+HWY_INLINE VecU8 from_first_filled(VecU8 filled) {
     filled = hn::Or(filled, Direction::template move<1>(filled));
     filled = hn::Or(filled, Direction::template move<2>(filled));
     filled = hn::Or(filled, Direction::template move<4>(filled));
-    filled = hn::Or(filled, Direction::template move<8>(filled));
+    return hn::Or(filled, Direction::template move<8>(filled));
+}
 
+// In all cells of each block, the value at its end; and all ones if it has a filled cell, so that
+// nothing passes through.
+struct BlockEnds {
+    VecU8 values;
+    VecU8 closed;
+};
+
+template <class Direction>
+HWY_INLINE BlockEnds ends_of_blocks(VecU8 cells, VecU8 closed) {
     const VecU8 last_cell = hn::Set(kU8, Direction::kLastCell);
-    VecU8 ends = hn::TableLookupBytes(cells, last_cell);
-    VecU8 closed = hn::TableLookupBytes(filled, last_cell);
-    if constexpr (kBlocks > 1) block_step<Direction, 1>(ends, closed);
-    if constexpr (kBlocks > 2) block_step<Direction, 2>(ends, closed);
+    return {hn::TableLookupBytes(cells, last_cell), hn::TableLookupBytes(closed, last_cell)};
+}
 
-    if constexpr (kBlocks > 1) {
-        constexpr const BlockMove& kNext = Direction::template kMove<1>;
-        constexpr const BlockMove& kAll = Direction::kRepeatLast;
-        const VecU8 outside = outside_of(kNext);
-        const VecU8 entering = hn::Min(hn::Or(moved(ends, kNext), outside),
-                                       hn::Or(before, hn::AndNot(outside, moved(closed, kNext))));
-        cells = hn::Min(cells, hn::Or(entering, filled));
-        before = hn::Min(moved(ends, kAll), hn::Or(before, moved(closed, kAll)));
+// step() for ends of blocks. Nothing comes in from outside of the vector.
+template <class Direction, int kDistance>
+HWY_INLINE void block_step(BlockEnds& ends) {
+    constexpr const BlockPermutation& kMove = Direction::template kMoveBlocks<kDistance>;
+    const VecU8 outside = outside_of(kMove);
+    const VecU8 arriving = hn::Or(permuted(ends.values, kMove), outside);
+    ends.values = hn::Min(ends.values, hn::Or(arriving, ends.closed));
+    ends.closed = hn::Or(ends.closed, hn::AndNot(outside, permuted(ends.closed, kMove)));
+}
+
+// The second level. Afterwards the ends tell of all blocks up to each one.
+template <class Direction>
+HWY_INLINE void propagate_over_blocks(BlockEnds& ends) {
+    if constexpr (kBlocks > 1) block_step<Direction, 1>(ends);
+    if constexpr (kBlocks > 2) block_step<Direction, 2>(ends);
+}
+
+// What enters each block: the end of the block before it, and `before` where that gets there.
+template <class Direction>
+HWY_INLINE VecU8 entering_blocks(const BlockEnds& ends, VecU8 before) {
+    if constexpr (kBlocks == 1) {
+        return before;
     } else {
-        cells = hn::Min(cells, hn::Or(before, filled));
-        before = hn::Min(ends, hn::Or(before, closed));
+        constexpr const BlockPermutation& kNext = Direction::template kMoveBlocks<1>;
+        const VecU8 outside = outside_of(kNext);
+        return hn::Min(hn::Or(permuted(ends.values, kNext), outside),
+                       hn::Or(before, hn::AndNot(outside, permuted(ends.closed, kNext))));
     }
+}
+
+// What leaves the vector.
+template <class Direction>
+HWY_INLINE VecU8 leaving_vector(const BlockEnds& ends, VecU8 before) {
+    if constexpr (kBlocks == 1) {
+        return hn::Min(ends.values, hn::Or(before, ends.closed));
+    } else {
+        constexpr const BlockPermutation& kLast = Direction::kRepeatLastBlock;
+        return hn::Min(permuted(ends.values, kLast), hn::Or(before, permuted(ends.closed, kLast)));
+    }
+}
+
+// `cells` after propagation along the row. `before` has in all lanes the cell before the first one,
+// and afterwards the last one.
+template <class Direction>
+HWY_INLINE VecU8 propagate_vector(VecU8 cells, VecU8 filled, VecU8& before) {
+    cells = propagate_in_blocks<Direction>(cells, filled);
+    const VecU8 closed = from_first_filled<Direction>(filled);
+    BlockEnds ends = ends_of_blocks<Direction>(cells, closed);
+    propagate_over_blocks<Direction>(ends);
+    cells = hn::Min(cells, hn::Or(entering_blocks<Direction>(ends, before), closed));
+    before = leaving_vector<Direction>(ends, before);
     return cells;
 }
 
