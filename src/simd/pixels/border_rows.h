@@ -1,11 +1,12 @@
-// Rows of a page while the mask of its dark border grows over them.
+// Rows of a page while the mask of its dark border grows over them. plain/border_rows.h says what
+// each function computes.
 //
-// A mask row has one bit per pixel in words of 64, pixel x in bit x % 64 (counted from the least
-// significant) of word x / 64; bits beyond the row are 0. The kernels visit only the words that
-// touch a mark and make grey values only there: a border costs what it covers.
+// A mask row has one bit per pixel in words of 64: pixel x is bit x % 64, counted from the least
+// significant one, of word x / 64, and bits behind the last pixel are 0. The kernels visit only the
+// words that touch a mark, and make grey values only there, so that a border costs what it covers.
 //
-// Use: GreyLine lines of two neighbouring rows; then propagate_marks() from the neighbour and along
-// the row, in the direction in which the pass walks.
+// Use: GreyLine lines of two neighbouring rows, which many calls may share; then, for each row in
+// the order of a pass, propagate_marks() from the row before it and along the row itself.
 #pragma once
 
 #include <cstddef>
@@ -37,30 +38,34 @@ struct RowShape {
     std::size_t width;  // pixels
 };
 
-// The grey values of one row, made in blocks of kMaskBlock pixels when they are first needed.
+// The grey values of one row. The kernels make them in blocks of kMaskBlock pixels, each when it is
+// first needed.
 struct GreyLine {
     const std::uint8_t* pixels;  // the row in its image
-    std::uint8_t* grey;    // that of pixel x at grey[x]; room from -1 to 64 * words, inclusive
-    std::uint64_t* ready;  // a bit per block: grey holds it and one pixel on either side
+    std::uint8_t* grey;    // grey[x] is that of pixel x; there is room for x from -1 to 64 * words
+    std::uint64_t* ready;  // a bit per block: it has been made, with one pixel on either side
 };
 
-// A pixel joins a marked neighbour when it is at most this light and differs from its neighbours by
-// at most this much.
+// A pixel joins a marked neighbour when its grey value is at most `lightest` and differs from those
+// of its neighbours by at most `steepest`.
 struct JoinLimits {
     std::uint8_t lightest;
     std::uint8_t steepest;
 };
 
-// The way a pass walks along a row. A pixel's neighbours are the one it comes from, the one of the
-// neighbouring row in its column, and the one of the neighbouring row beside that.
+// The direction in which a pass walks along a row. A pixel has three neighbours: the pixel before
+// it on that way, the one in its column of the neighbouring row, and the one before that.
+//
+//     n n       n n     n: the neighbours of x in passes to the right and to the left, here with
+//     n x       x n     the neighbouring row above
 enum class PassDirection { kRight, kLeft };
 
-// Marks the pixels of at most grey value `darkest`.
+// Marks the pixels whose grey value is at most `darkest`, besides those that are marked already.
 void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std::uint64_t* marks);
 
-// Marks each pixel, except the first of the walk, that has a marked neighbour and passes the limits
-// with all three of its neighbours. Returns whether it marked any. For a row without a neighbour
-// pass the row itself and marks of zeros as the neighbour.
+// In the order of the pass, marks each pixel that has a marked neighbour and is within the limits.
+// The first pixel of the row is left as it is. Returns whether any pixel has been marked. A row
+// that has no neighbour is its own, with marks of zeros.
 bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinLimits& limits,
                      GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
                      std::uint64_t* marks);

@@ -1,14 +1,15 @@
-// Vector form of border_rows.h.
+// Vector forms of border_rows.h.
 //
 // Propagation along a row looks sequential: a pixel joins when its neighbour on the way has joined.
-// But which pixels pass the limits (`open`) does not depend on the marks, so 64 of them are tested
-// at once, and what is left is to fill runs of open pixels from those that lie next to a mark. An
-// addition does that towards the higher bits: a seed's carry runs up through the ones of its run
-// and stops behind them. Towards the lower bits the run is doubled in six steps.
+// But which pixels are within the limits (the open ones) does not depend on the marks. So 64 pixels
+// are tested at once, and what is left is to fill runs of open pixels from those next to a mark. An
+// addition does that towards the higher bits: the carry of a seed runs up through the ones of its
+// run and stops behind them. Towards the lower bits the filled part of a run is doubled, six times.
 //
-// Grey values: (299 R + 587 G + 114 B) / 1000 in 16-bit lanes. With K = the sum / 8, which is
-// 37 R + 73 G + 14 B + (3 R + 3 G + 2 B) / 8 and at most 31,875, the result is K / 125, and that is
-// K * 33555 >> 22: 33555 = 2^22 / 125 + 0.568, and 31875 * 0.568 / 2^22 is below 1 / 125.
+// Grey values are (299 R + 587 G + 114 B) / 1000, taken in 16-bit lanes. An eighth of that sum,
+// rounded down, is K = 37 R + 73 G + 14 B + (3 R + 3 G + 2 B) / 8, at most 31,875; the result is
+// K / 125, and that is K * 33555 >> 22: 33555 = 2^22 / 125 + 0.568, and 31875 * 0.568 / 2^22 is
+// less than 1 / 125.
 #include "simd/pixels/border_rows.h"
 
 #include <cstring>
@@ -33,6 +34,7 @@ HWY_INLINE VecU16 u16(std::uint16_t value) {
     return hn::Set(kU16, value);
 }
 
+// The grey values of pixels that stand in lanes of 16 bits.
 HWY_INLINE VecU16 weighted(VecU16 red, VecU16 green, VecU16 blue) {
     const VecU16 both = hn::Add(red, green);
     const VecU16 low = hn::Add(hn::Add(both, hn::Add(both, both)), hn::Add(blue, blue));
@@ -59,7 +61,9 @@ HWY_INLINE VecU8 load_grey(PixelLayout layout, const std::uint8_t* pixels) {
     return layout == PixelLayout::kRgb ? grey_vector(a, b, c) : grey_vector(c, b, a);
 }
 
-// A short last block is made together with the pixels before it, where there are any.
+// Makes the grey values of a block and of one pixel on either side. The last block of a row, if it
+// is shorter than the others, is made together with pixels before it; a row that is shorter than a
+// block is made pixel by pixel.
 void make_block(const RowShape& shape, GreyLine& line, std::size_t block) {
     const std::size_t bytes = pixel_bytes(shape.layout);
     const std::size_t begin = block * kMaskBlock;
@@ -80,6 +84,7 @@ void make_block(const RowShape& shape, GreyLine& line, std::size_t block) {
     line.ready[block / 64] |= std::uint64_t{1} << (block % 64);
 }
 
+// The grey values of a block, which are made now if they have not been before.
 HWY_INLINE const std::uint8_t* block_of(const RowShape& shape, GreyLine& line, std::size_t block) {
     if ((line.ready[block / 64] >> (block % 64) & 1) == 0) make_block(shape, line, block);
     return line.grey + block * kMaskBlock;
@@ -105,20 +110,24 @@ HWY_INLINE hn::Mask<U8> at_most(VecU8 values, VecU8 limit) {
     return hn::Eq(hn::Min(values, limit), values);
 }
 
-// Bits of the pixels of a block that pass the limits. kFrom: -1 or 1, towards where the walk comes
-// from.
-template <std::ptrdiff_t kFrom>
+// The open pixels of a block. kBefore is where the pixel before one stands on the way of the pass.
+template <std::ptrdiff_t kBefore>
 HWY_INLINE std::uint64_t open_pixels(const std::uint8_t* row, const std::uint8_t* neighbour,
                                      const JoinLimits& limits) {
     const VecU8 lightest = hn::Set(kU8, limits.lightest);
     const VecU8 steepest = hn::Set(kU8, limits.steepest);
     return pixel_bits([&](std::size_t i) HWY_ATTR {
         const VecU8 here = hn::LoadU(kU8, row + i);
-        const VecU8 largest = hn::Max(hn::Max(difference(here, hn::LoadU(kU8, row + i + kFrom)),
+        const VecU8 largest = hn::Max(hn::Max(difference(here, hn::LoadU(kU8, row + i + kBefore)),
                                               difference(here, hn::LoadU(kU8, neighbour + i))),
-                                      difference(here, hn::LoadU(kU8, neighbour + i + kFrom)));
+                                      difference(here, hn::LoadU(kU8, neighbour + i + kBefore)));
         return hn::And(at_most(here, lightest), at_most(largest, steepest));
     });
+}
+
+HWY_INLINE std::uint64_t pixels_of_word(std::size_t word, const RowShape& shape) {
+    const bool last = word + 1 == mask_words(shape.width);
+    return last ? last_word_pixels(shape.width) : ~std::uint64_t{0};
 }
 
 void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std::uint64_t* marks) {
@@ -128,21 +137,8 @@ void mark_dark(const RowShape& shape, GreyLine& line, std::uint8_t darkest, std:
         const std::uint8_t* const grey = block_of(shape, line, b);
         const std::uint64_t dark = pixel_bits(
             [&](std::size_t i) HWY_ATTR { return at_most(hn::LoadU(kU8, grey + i), limit); });
-        marks[b] |= dark & (b + 1 == words ? last_word_pixels(shape.width) : ~std::uint64_t{0});
+        marks[b] |= dark & pixels_of_word(b, shape);
     }
-}
-
-// The bits of `open` that are reached from those of `seeds`, which are open, through open ones.
-HWY_INLINE std::uint64_t fill_up(std::uint64_t open, std::uint64_t seeds) {
-    return seeds | (((open + seeds) ^ open) & open);
-}
-
-HWY_INLINE std::uint64_t fill_down(std::uint64_t open, std::uint64_t seeds) {
-    for (unsigned step = 1; step < 64; step *= 2) {
-        seeds |= open & (seeds >> step);
-        open &= open >> step;
-    }
-    return seeds;
 }
 
 // Whether a vector of words has no marks in either row.
@@ -151,69 +147,84 @@ HWY_INLINE bool blank(const std::uint64_t* neighbour_marks, const std::uint64_t*
     return hn::AllTrue(kMarks, hn::Eq(both, hn::Zero(kMarks)));
 }
 
-bool propagate_right(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                     GreyLine& neighbour, const std::uint64_t* neighbour_marks,
-                     std::uint64_t* marks) {
-    const std::size_t words = mask_words(shape.width);
-    const std::size_t lanes = hn::Lanes(kMarks);
-    std::uint64_t changed = 0;
-    std::uint64_t carry = 0;  // marks of the pixel before the word, here or in the neighbour
-    for (std::size_t b = 0; b < words; ++b) {
-        if (carry == 0) {
-            while (b + lanes <= words && blank(neighbour_marks + b, marks + b)) b += lanes;
-            if (b == words) break;
-        }
-        const std::uint64_t beside = neighbour_marks[b];
-        const std::uint64_t old = marks[b];
-        const std::uint64_t both = beside | old;
-        std::uint64_t near = (beside | both << 1 | carry) & ~old;
-        carry = both >> 63;
-        if (b == 0) near &= ~std::uint64_t{1};
-        if (b + 1 == words) near &= last_word_pixels(shape.width);
-        if (near == 0) continue;
-        std::uint64_t open =
-            open_pixels<-1>(block_of(shape, row, b), block_of(shape, neighbour, b), limits);
-        if (b == 0) open &= ~std::uint64_t{1};
-        if (b + 1 == words) open &= last_word_pixels(shape.width);
-        const std::uint64_t filled = old | fill_up(open, open & near);
-        marks[b] = filled;
-        changed |= filled ^ old;
-        carry |= filled >> 63;
-    }
-    return changed != 0;
-}
+// A pass to the right walks up the bits and the words of a row.
+struct PassRight {
+    static constexpr std::ptrdiff_t kBefore = -1;
 
-bool propagate_left(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
-                    GreyLine& neighbour, const std::uint64_t* neighbour_marks,
-                    std::uint64_t* marks) {
+    // The first of the `count` words in memory that the pass meets from its word i on.
+    static std::size_t place(std::size_t i, std::size_t /*count*/, std::size_t /*words*/) {
+        return i;
+    }
+    // Each bit on the next pixel of the way; and the bit of the last pixel on the first one of the
+    // next word.
+    static std::uint64_t next(std::uint64_t bits) { return bits << 1; }
+    static std::uint64_t next_word(std::uint64_t bits) { return bits >> 63; }
+
+    // `seeds` and the open pixels that are reached from them through open ones; seeds are open.
+    static std::uint64_t fill(std::uint64_t open, std::uint64_t seeds) {
+        return seeds | (((open + seeds) ^ open) & open);
+    }
+    // The pixels of a word but the first one of the pass.
+    static std::uint64_t joinable(std::size_t word, const RowShape& shape) {
+        const std::uint64_t pixels = pixels_of_word(word, shape);
+        return word == 0 ? pixels & ~std::uint64_t{1} : pixels;
+    }
+};
+
+// A pass to the left walks down the bits and the words.
+struct PassLeft {
+    static constexpr std::ptrdiff_t kBefore = 1;
+
+    static std::size_t place(std::size_t i, std::size_t count, std::size_t words) {
+        return words - i - count;
+    }
+    static std::uint64_t next(std::uint64_t bits) { return bits >> 1; }
+    static std::uint64_t next_word(std::uint64_t bits) { return bits << 63; }
+
+    static std::uint64_t fill(std::uint64_t open, std::uint64_t seeds) {
+        for (unsigned step = 1; step < 64; step *= 2) {
+            seeds |= open & (seeds >> step);
+            open &= open >> step;
+        }
+        return seeds;
+    }
+    static std::uint64_t joinable(std::size_t word, const RowShape& shape) {
+        const std::uint64_t pixels = pixels_of_word(word, shape);
+        return word + 1 == mask_words(shape.width) ? pixels >> 1 : pixels;
+    }
+};
+
+// Words without a mark in either row are passed over, unless one has been left on the pixel before.
+template <class Pass>
+HWY_INLINE bool propagate(const RowShape& shape, const JoinLimits& limits, GreyLine& row,
+                          GreyLine& neighbour, const std::uint64_t* neighbour_marks,
+                          std::uint64_t* marks) {
     const std::size_t words = mask_words(shape.width);
     const std::size_t lanes = hn::Lanes(kMarks);
-    // All pixels but the first of the walk.
-    const std::uint64_t tail = last_word_pixels(shape.width) >> 1;
     std::uint64_t changed = 0;
-    std::uint64_t carry = 0;
-    for (std::size_t b = words; b-- > 0;) {
+    std::uint64_t carry = 0;  // first pixel of a word: set where the one before is marked in a row
+    for (std::size_t i = 0; i < words; ++i) {
         if (carry == 0) {
-            while (b + 1 >= lanes &&
-                   blank(neighbour_marks + b + 1 - lanes, marks + b + 1 - lanes)) {
-                if (b + 1 == lanes) return changed != 0;
-                b -= lanes;
+            while (i + lanes <= words && blank(neighbour_marks + Pass::place(i, lanes, words),
+                                               marks + Pass::place(i, lanes, words))) {
+                i += lanes;
             }
+            if (i == words) break;
         }
-        const std::uint64_t beside = neighbour_marks[b];
-        const std::uint64_t old = marks[b];
-        const std::uint64_t both = beside | old;
-        std::uint64_t near = (beside | both >> 1 | carry) & ~old;
-        carry = both << 63;
-        if (b + 1 == words) near &= tail;
+        const std::size_t word = Pass::place(i, 1, words);
+        const std::uint64_t beside = neighbour_marks[word];
+        const std::uint64_t old = marks[word];
+        const std::uint64_t joinable = Pass::joinable(word, shape);
+        const std::uint64_t near = (beside | Pass::next(beside | old) | carry) & ~old & joinable;
+        carry = Pass::next_word(beside | old);
         if (near == 0) continue;
-        std::uint64_t open =
-            open_pixels<1>(block_of(shape, row, b), block_of(shape, neighbour, b), limits);
-        if (b + 1 == words) open &= tail;
-        const std::uint64_t filled = old | fill_down(open, open & near);
-        marks[b] = filled;
+        const std::uint64_t open =
+            joinable & open_pixels<Pass::kBefore>(block_of(shape, row, word),
+                                                  block_of(shape, neighbour, word), limits);
+        const std::uint64_t filled = old | Pass::fill(open, open & near);
+        marks[word] = filled;
         changed |= filled ^ old;
-        carry |= filled << 63;
+        carry |= Pass::next_word(filled);
     }
     return changed != 0;
 }
@@ -221,8 +232,9 @@ bool propagate_left(const RowShape& shape, const JoinLimits& limits, GreyLine& r
 bool propagate_marks(PassDirection direction, const RowShape& shape, const JoinLimits& limits,
                      GreyLine& row, GreyLine& neighbour, const std::uint64_t* neighbour_marks,
                      std::uint64_t* marks) {
-    return (direction == PassDirection::kRight ? propagate_right : propagate_left)(
-        shape, limits, row, neighbour, neighbour_marks, marks);
+    return (direction == PassDirection::kRight
+                ? propagate<PassRight>
+                : propagate<PassLeft>)(shape, limits, row, neighbour, neighbour_marks, marks);
 }
 
 }  // namespace
