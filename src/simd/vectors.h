@@ -28,8 +28,8 @@ using VecU16 = hn::Vec<U16>;
 constexpr U8 kU8;
 constexpr U16 kU16;
 
-// U8 as numbers of 16 bits, without anything to widen or to pack: those at even places and those
-// at odd ones.
+// Bytes as numbers of 16 bits: those at even places and those at odd ones. Nothing has to be
+// widened or packed that way.
 HWY_INLINE VecU16 even_bytes(VecU8 bytes) {
     return hn::And(hn::BitCast(kU16, bytes), hn::Set(kU16, std::uint16_t{0xFF}));
 }
@@ -79,6 +79,19 @@ HWY_INLINE std::uint64_t inner_pixels(std::size_t i, std::size_t width) {
 template <class Visit>
 HWY_INLINE void by_vectors(const Visit& visit) {
     for (std::size_t at = 0; at < 64; at += hn::Lanes(kU8)) visit(at);
+}
+
+// Exchanges the bits of `a` that lie kBits above those of `low` with the bits of `b` in `low`: a
+// step of the exchange of rows and columns (Warren, Hacker's Delight, 7-3), which leaves squares of
+// kBits where they belong. With low bits to the left:
+//
+//     a  A B       A C
+//     b  C D  ->   B D
+template <int kBits, class V>
+HWY_INLINE void exchange_bits(V& a, V& b, std::uint64_t low) {
+    const V changed = hn::And(hn::Xor(hn::ShiftRight<kBits>(a), b), hn::Set(hn::DFromV<V>(), low));
+    b = hn::Xor(b, changed);
+    a = hn::Xor(a, hn::ShiftLeft<kBits>(changed));
 }
 
 // For every place the bytes of the 3 x 3 around it that are not 0: their sum in the low 12 bits,

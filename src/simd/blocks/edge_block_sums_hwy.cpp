@@ -18,22 +18,15 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-constexpr std::size_t kMaxLanes = 64;
-using U8 = hn::CappedTag<std::uint8_t, kMaxLanes>;
-using U16 = hn::Repartition<std::uint16_t, U8>;
+constexpr std::size_t kMaxLanes = hn::MaxLanes(kU8);
 using U32 = hn::Repartition<std::uint32_t, U8>;
-using VecU8 = hn::Vec<U8>;
-using VecU16 = hn::Vec<U16>;
 using VecU32 = hn::Vec<U32>;
-
-constexpr U8 kU8;
-constexpr U16 kU16;
 constexpr U32 kU32;
 
 // Where one strip is read, columns -1 .. lanes of each row, and which of its pixels are inside the
@@ -43,16 +36,8 @@ struct Strip {
     const std::uint8_t* inside;
 };
 
-HWY_INLINE VecU16 even(VecU8 v) {
-    return hn::And(hn::BitCast(kU16, v), hn::Set(kU16, std::uint16_t{0x00FF}));
-}
-
-HWY_INLINE VecU16 odd(VecU8 v) {
-    return hn::ShiftRight<8>(hn::BitCast(kU16, v));
-}
-
 HWY_INLINE VecU16 sum_of_pairs(VecU8 v) {
-    return hn::Add(even(v), odd(v));
+    return hn::Add(even_bytes(v), odd_bytes(v));
 }
 
 HWY_INLINE VecU32 sum_of_pairs(VecU16 v) {
@@ -61,13 +46,13 @@ HWY_INLINE VecU32 sum_of_pairs(VecU16 v) {
 }
 
 HWY_INLINE VecU32 sum_of_squares(VecU8 v) {
-    const VecU16 e = even(v);
-    const VecU16 o = odd(v);
+    const VecU16 e = even_bytes(v);
+    const VecU16 o = odd_bytes(v);
     return hn::Add(sum_of_pairs(hn::Mul(e, e)), sum_of_pairs(hn::Mul(o, o)));
 }
 
-// Three neighbouring columns of one pixel in 16 bits: left, middle, right of the even pixels are
-// the first three members, those of the odd pixels the last three.
+// The columns that the pixels of a lane of 16 bits need: left, middle and right of the even pixel
+// are the first three members, those of the odd pixel the last three.
 struct Columns {
     VecU16 left_of_even;
     VecU16 even;
@@ -77,11 +62,8 @@ struct Columns {
 
 HWY_INLINE Columns load_columns(const std::uint8_t* row) {
     const VecU8 middle = hn::LoadU(kU8, row);
-    return {even(hn::LoadU(kU8, row - 1)), even(middle), odd(middle), odd(hn::LoadU(kU8, row + 1))};
-}
-
-HWY_INLINE VecU16 weighted(VecU16 a, VecU16 b, VecU16 c) {
-    return hn::Add(hn::Add(a, c), hn::Add(b, b));
+    return {even_bytes(hn::LoadU(kU8, row - 1)), even_bytes(middle), odd_bytes(middle),
+            odd_bytes(hn::LoadU(kU8, row + 1))};
 }
 
 HWY_INLINE VecU16 magnitude(VecU16 a, VecU16 b) {
@@ -109,13 +91,13 @@ HWY_INLINE VecU8 is_steep(const std::uint8_t* above, const std::uint8_t* row,
     const Columns a = load_columns(above);
     const Columns b = load_columns(row);
     const Columns c = load_columns(below);
-    const auto down = [&](auto column) { return weighted(a.*column, b.*column, c.*column); };
+    const auto down = [&](auto column) { return one_two_one(a.*column, b.*column, c.*column); };
     const VecU16 even_gx = magnitude(down(&Columns::odd), down(&Columns::left_of_even));
     const VecU16 odd_gx = magnitude(down(&Columns::right_of_odd), down(&Columns::even));
-    const VecU16 even_gy =
-        magnitude(weighted(c.left_of_even, c.even, c.odd), weighted(a.left_of_even, a.even, a.odd));
-    const VecU16 odd_gy =
-        magnitude(weighted(c.even, c.odd, c.right_of_odd), weighted(a.even, a.odd, a.right_of_odd));
+    const VecU16 even_gy = magnitude(one_two_one(c.left_of_even, c.even, c.odd),
+                                     one_two_one(a.left_of_even, a.even, a.odd));
+    const VecU16 odd_gy = magnitude(one_two_one(c.even, c.odd, c.right_of_odd),
+                                    one_two_one(a.even, a.odd, a.right_of_odd));
     const VecU16 even_steep = is_steep(even_gx, even_gy, limit);
     const VecU16 odd_steep = is_steep(odd_gx, odd_gy, limit);
     return hn::BitCast(kU8, hn::Or(hn::ShiftRight<8>(even_steep), hn::ShiftLeft<8>(odd_steep)));

@@ -20,11 +20,11 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::size_t kTables = 8;
 using Tables = std::uint32_t[kTables][256];
@@ -72,23 +72,15 @@ constexpr U64 kU64;
 constexpr std::size_t kVectorBytes = 64;
 constexpr std::size_t kBlockBytes = 8 * kVectorBytes;
 
-// Exchanges, in every byte, the bits of `a` above `mask` with the bits of `b` under it.
-template <int kShift>
-HWY_INLINE void exchange(VecU64& a, VecU64& b, std::uint64_t mask) {
-    const VecU64 moved = hn::And(hn::Xor(hn::ShiftRight<kShift>(a), b), hn::Set(kU64, mask));
-    b = hn::Xor(b, moved);
-    a = hn::Xor(a, hn::ShiftLeft<kShift>(moved));
-}
-
 // planes[b], bit i of each byte = bit b of that byte of vector i.
 HWY_INLINE void load_planes(const std::uint8_t* pixels, VecU64 (&planes)[8]) {
     const hn::Repartition<std::uint8_t, U64> bytes;
     for (std::size_t i = 0; i < 8; ++i) {
         planes[i] = hn::BitCast(kU64, hn::LoadU(bytes, pixels + i * kVectorBytes));
     }
-    for (int i = 0; i < 4; ++i) exchange<4>(planes[i], planes[i + 4], 0x0F0F0F0F0F0F0F0FU);
-    for (int i : {0, 1, 4, 5}) exchange<2>(planes[i], planes[i + 2], 0x3333333333333333U);
-    for (int i : {0, 2, 4, 6}) exchange<1>(planes[i], planes[i + 1], 0x5555555555555555U);
+    for (int i = 0; i < 4; ++i) exchange_bits<4>(planes[i], planes[i + 4], 0x0F0F0F0F0F0F0F0FU);
+    for (int i : {0, 1, 4, 5}) exchange_bits<2>(planes[i], planes[i + 2], 0x3333333333333333U);
+    for (int i : {0, 2, 4, 6}) exchange_bits<1>(planes[i], planes[i + 1], 0x5555555555555555U);
 }
 
 // sets[i] of the first `count` becomes two: those without and those with a bit in the plane.

@@ -14,15 +14,11 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-using U8 = hn::CappedTag<std::uint8_t, 64>;
-using VecU8 = hn::Vec<U8>;
-constexpr U8 kU8;
 
 using U64 = hn::Repartition<std::uint64_t, U8>;
 constexpr U64 kU64;

@@ -73,8 +73,9 @@ HWY_INLINE hn::Vec<D> load_blocks(D d, const std::uint8_t* from, std::ptrdiff_t 
     }
 }
 
-// Exchanges rows and columns of the square of lanes T that each block column of v holds: each round
-// is a perfect shuffle of the square's elements, all rounds together rotate their index by half.
+// Exchanges rows and columns of the square of lanes T that v has in each column of blocks. A round
+// is a perfect shuffle of the square's elements, and all rounds together rotate their index by
+// half, which makes the row of each its column.
 template <class T, class D>
 HWY_INLINE void exchange_squares(D d8, hn::Vec<D> (&v)[kBlockBytes / sizeof(T)]) {
     constexpr std::size_t kSide = kBlockBytes / sizeof(T);
@@ -116,8 +117,12 @@ struct LanePixels {
     }
 };
 
-// Four columns of three bytes. A load of a block takes one pixel and a third too much: behind the
-// four pixels, or before them at the right edge of the image.
+// Four columns of three bytes. On the way, each pixel has four bytes, so that lanes can be
+// exchanged:
+//
+//     16 bytes loaded     abc def ghi jkl mnop      (mnop is of the next pixels, and is dropped)
+//     lanes of a pixel    abc. def. ghi. jkl.       exchange of rows and columns
+//     12 bytes stored     ABC DEF GHI JKL           of each block, and the blocks side by side
 template <class D>
 struct ThreeBytePixels {
     static constexpr std::size_t kColumns = 4;
@@ -125,47 +130,72 @@ struct ThreeBytePixels {
     static constexpr std::size_t kPixelBytes = 3;
     static constexpr std::size_t kOutBytes = kRows * kPixelBytes;
 
-    static HWY_INLINE void run(const Exchange& exchange, std::size_t x, std::size_t y) {
-        const D d;
-        const hn::Repartition<std::uint32_t, D> d32;
-        alignas(16) static constexpr std::uint8_t kToFour[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
-                                                                 6, 7, 8, 0x80, 9, 10, 11, 0x80};
-        alignas(16) static constexpr std::uint8_t kToFourLate[16] = {
-            4, 5, 6, 0x80, 7, 8, 9, 0x80, 10, 11, 12, 0x80, 13, 14, 15, 0x80};
+    // How the 16 bytes of a load become four lanes of a pixel and an empty byte. At the right edge
+    // of the image the load is moved to the left, so that the pixels are its last bytes.
+    struct Load {
+        std::ptrdiff_t offset;
+        hn::Vec<D> to_lanes;
+
+        HWY_INLINE explicit Load(bool at_edge) {
+            alignas(16) static constexpr std::uint8_t kFirst12[16] = {
+                0, 1, 2, 0x80, 3, 4, 5, 0x80, 6, 7, 8, 0x80, 9, 10, 11, 0x80};
+            alignas(16) static constexpr std::uint8_t kLast12[16] = {
+                4, 5, 6, 0x80, 7, 8, 9, 0x80, 10, 11, 12, 0x80, 13, 14, 15, 0x80};
+            offset = at_edge ? -4 : 0;
+            to_lanes = hn::LoadDup128(D(), at_edge ? kLast12 : kFirst12);
+        }
+    };
+
+    // The first three bytes of every lane of a block, without the empty ones between them.
+    static HWY_INLINE hn::Vec<D> without_gaps(hn::Vec<D> v) {
         alignas(16) static constexpr std::uint8_t kPack[16] = {
             0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
-        alignas(64) static constexpr std::uint32_t kJoin[16] = {0,  1,  2,  4,  5, 6, 8,  9,
-                                                                10, 12, 13, 14, 3, 7, 11, 15};
-        alignas(64) static constexpr std::uint32_t kJoinTwo[8] = {0, 1, 2, 4, 5, 6, 3, 7};
-        const bool late = (exchange.columns - x) * kPixelBytes < kBlockBytes;
-        const auto to_four = hn::LoadDup128(d, late ? kToFourLate : kToFour);
-        const auto pack = hn::LoadDup128(d, kPack);
-        const std::uint8_t* from = exchange.from(x, y, kPixelBytes) - (late ? 4 : 0);
+        return hn::TableLookupBytes(v, hn::LoadDup128(D(), kPack));
+    }
+
+    // The first three lanes of every block side by side; the fourth ones go to the end.
+    static HWY_INLINE hn::Vec<D> blocks_joined(hn::Vec<D> v) {
+        if constexpr (kBlocks<D> == 1) {
+            return v;
+        } else {
+            const hn::Repartition<std::uint32_t, D> d32;
+            alignas(64) static constexpr std::uint32_t kFour[16] = {0,  1,  2,  4,  5, 6, 8,  9,
+                                                                    10, 12, 13, 14, 3, 7, 11, 15};
+            alignas(64) static constexpr std::uint32_t kTwo[8] = {0, 1, 2, 4, 5, 6, 3, 7};
+            const auto join = hn::SetTableIndices(d32, kBlocks<D> == 4 ? kFour : kTwo);
+            return hn::BitCast(D(), hn::TableLookupLanes(hn::BitCast(d32, v), join));
+        }
+    }
+
+    // What a store writes too much is overwritten by the next one of the same row; the last one of
+    // a row writes no byte too much.
+    static HWY_INLINE void store(hn::Vec<D> v, bool last, std::uint8_t* to) {
+        if (!last) {
+            hn::StoreU(v, D(), to);
+            return;
+        }
+        HWY_ALIGN std::uint8_t exact[hn::MaxLanes(D())];
+        hn::Store(v, D(), exact);
+        std::memcpy(to, exact, kOutBytes);
+    }
+
+    static HWY_INLINE void run(const Exchange& exchange, std::size_t x, std::size_t y) {
+        const D d;
+        const Load load((exchange.columns - x) * kPixelBytes < kBlockBytes);
+        const std::uint8_t* from = exchange.from(x, y, kPixelBytes) + load.offset;
         const std::ptrdiff_t stride = exchange.src_stride;
         hn::Vec<D> v[kColumns];
         for (std::size_t i = 0; i < kColumns; ++i) {
             const auto blocks = load_blocks(d, from + static_cast<std::ptrdiff_t>(i) * stride,
                                             static_cast<std::ptrdiff_t>(kColumns) * stride);
-            v[i] = hn::TableLookupBytes(blocks, to_four);
+            v[i] = hn::TableLookupBytes(blocks, load.to_lanes);
         }
         exchange_squares<std::uint32_t>(d, v);
         std::uint8_t* to = exchange.to(x, y, kPixelBytes);
-        // What a store writes too much is overwritten by the next one of the same row.
         const bool last = (exchange.rows - y) * kPixelBytes < hn::MaxLanes(d);
         for (std::size_t i = 0; i < kColumns; ++i) {
-            auto packed = hn::TableLookupBytes(v[i], pack);
-            if constexpr (kBlocks < D >> 1) {
-                const auto join = hn::SetTableIndices(d32, kBlocks<D> == 4 ? kJoin : kJoinTwo);
-                packed = hn::BitCast(d, hn::TableLookupLanes(hn::BitCast(d32, packed), join));
-            }
-            std::uint8_t* row = to + static_cast<std::ptrdiff_t>(i) * exchange.dst_stride;
-            if (!last) {
-                hn::StoreU(packed, d, row);
-                continue;
-            }
-            HWY_ALIGN std::uint8_t exact[hn::MaxLanes(D())];
-            hn::Store(packed, d, exact);
-            std::memcpy(row, exact, kOutBytes);
+            store(blocks_joined(without_gaps(v[i])), last,
+                  to + static_cast<std::ptrdiff_t>(i) * exchange.dst_stride);
         }
     }
 };
@@ -226,7 +256,7 @@ void transpose_pixels(const Exchange& exchange, std::size_t pixel_bytes) {
     }
 }
 
-// Whole pixels of a block of 16 bytes, last pixel first; the bytes behind them are unspecified.
+// The pixels of a block of 16 bytes, last pixel first; the bytes behind them are unspecified.
 template <std::size_t kPixelBytes>
 HWY_INLINE hn::Vec<hn::Full128<std::uint8_t>> reverse_block(hn::Vec<hn::Full128<std::uint8_t>> v) {
     const hn::Full128<std::uint8_t> d;

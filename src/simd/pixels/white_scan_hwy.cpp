@@ -11,16 +11,11 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/vectors.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-using U8 = hn::CappedTag<std::uint8_t, 64>;
-using VecU8 = hn::Vec<U8>;
-
-constexpr U8 kU8;
 
 HWY_INLINE VecU8 white() {
     return hn::Set(kU8, std::uint8_t{255});
