@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "components_model.h"
-#include "runs_model.h"
 
 namespace model {
 
@@ -91,12 +90,12 @@ inline void visit_components(int ink_value, const unsigned char* image, int heig
                              int x0, int x1, const Decide& decide) {
     ComponentList list(decide);
     for (int y = 0; y < height; ++y) {
-        std::vector<int> ends(static_cast<std::size_t>(std::max(x1 - x0, 0)) + 1);
-        const int n =
-            model::extract_runs(ink_value, image + offset(y, stride, 0), x0, x1 - x0, ends.data());
         std::vector<Run> runs;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(n); i += 2)
-            runs.push_back({ends[i], ends[i + 1], y});
+        for (int x = x0; x < x1; ++x) {
+            if (get_bit(image, stride, x, y) != (ink_value == 0)) continue;
+            if (runs.empty() || runs.back().x1 != x) runs.push_back({x, x, y});
+            ++runs.back().x1;
+        }
         list.add_row(y, runs);
         list.finish(y);
     }

@@ -1,4 +1,4 @@
-// Connected components by flood fill, and the order rules of the index-linked list as plain arrays.
+// Connected components by flood fill.
 #pragma once
 
 #include <algorithm>
@@ -70,55 +70,5 @@ inline std::vector<Component> components(const unsigned char* image, int height,
                                          int stride) {
     return components(unpack(image, height, width, stride));
 }
-
-// The list's slots, kept as the order of the linked ones, the marks of the used ones and the stack
-// of released ones. The caller of insert_node(position >= 0) and erase_node names linked slots,
-// that of append_existing an unlinked one.
-struct ListModel {
-    std::vector<int> order;
-    std::vector<bool> used;
-    std::vector<int> released;  // the next one to hand out is at the back
-
-    int count() const { return static_cast<int>(order.size()); }
-    int first() const { return order.empty() ? -1 : order.front(); }
-    int last() const { return order.empty() ? -1 : order.back(); }
-    int free_head() const { return released.empty() ? -1 : released.back(); }
-    bool in_use(int slot) const {
-        return slot >= 0 && slot < static_cast<int>(used.size()) &&
-               used[static_cast<std::size_t>(slot)];
-    }
-    std::vector<int>::iterator find(int slot) {
-        return std::find(order.begin(), order.end(), slot);
-    }
-
-    int insert_node(int position) {
-        const bool at_end = position == -2;
-        const bool at_front = position == -1;
-        if (!at_end && !at_front && !in_use(position)) return -1;
-        if (released.empty()) {
-            released.push_back(static_cast<int>(used.size()));
-            used.push_back(false);
-        }
-        const int slot = released.back();
-        released.pop_back();
-        used[static_cast<std::size_t>(slot)] = true;
-        order.insert(at_end ? order.end() : at_front ? order.begin() : find(position), slot);
-        return slot;
-    }
-
-    int erase_node(int slot) {
-        if (!in_use(slot)) return -1;
-        order.erase(find(slot));
-        used[static_cast<std::size_t>(slot)] = false;
-        released.push_back(slot);
-        return 0;
-    }
-
-    int append_existing(int slot) {
-        if (!in_use(slot)) return -1;
-        order.push_back(slot);
-        return 0;
-    }
-};
 
 }  // namespace model

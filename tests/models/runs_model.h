@@ -1,8 +1,7 @@
-// Runs and run morphology of bitonal images, one pixel at a time.
+// Run morphology and combined buffers of bitonal images, one pixel and one byte at a time.
 //
-// Zones are columns [x0, x1) and rows [y0, y1). Runs are half-open. The morphology takes the
-// arguments of the library's operations without the error log, and keeps every pixel outside the
-// zone.
+// Zones are columns [x0, x1) and rows [y0, y1). The morphology takes the arguments of the library's
+// operations without the error log, and keeps every pixel outside the zone.
 #pragma once
 
 #include <algorithm>
@@ -14,22 +13,6 @@
 #include "pixels.h"
 
 namespace model {
-
-// Runs of ink of `width` pixels from `x_start`, as (start, exclusive end) pairs in absolute
-// positions; the result is the number of ints written. Zero as `ink_value` makes 1-bits the ink,
-// anything else 0-bits.
-inline int extract_runs(int ink_value, const unsigned char* row, int x_start, int width, int* out) {
-    const bool ink = ink_value == 0;
-    int written = 0;
-    bool inside = false;
-    for (int x = x_start; x < x_start + width; ++x) {
-        const bool now = get_bit(row, 0, x, 0) == ink;
-        if (now != inside) out[written++] = x;
-        inside = now;
-    }
-    if (inside) out[written++] = x_start + width;
-    return written;
-}
 
 template <class Combine>
 int combine_buffers(unsigned char* dst, const unsigned char* src, int rows, int stride) {
@@ -91,38 +74,29 @@ inline Line erode(const Line& line, int n) {
     return result;
 }
 
-template <Line (*rule)(const Line&, int)>
-int along_rows(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
+template <Line (*rule)(const Line&, int), bool kRows>
+int along(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
     if (n == 0) return 0;
-    for (int y = y0; y < y1; ++y) {
+    for (int at = kRows ? y0 : x0; at < (kRows ? y1 : x1); ++at) {
+        const int begin = kRows ? x0 : y0;
         Line line;
-        for (int x = x0; x < x1; ++x) line.push_back(get_bit(image, stride, x, y) ? 1 : 0);
+        for (int i = begin; i < (kRows ? x1 : y1); ++i)
+            line.push_back(get_bit(image, stride, kRows ? i : at, kRows ? at : i) ? 1 : 0);
         line = rule(line, n);
-        for (int x = x0; x < x1; ++x)
-            set_bit(image, stride, x, y, line[static_cast<std::size_t>(x - x0)] != 0);
-    }
-    return 0;
-}
-template <Line (*rule)(const Line&, int)>
-int along_columns(int n, unsigned char* image, int stride, int x0, int x1, int y0, int y1) {
-    if (n == 0) return 0;
-    for (int x = x0; x < x1; ++x) {
-        Line line;
-        for (int y = y0; y < y1; ++y) line.push_back(get_bit(image, stride, x, y) ? 1 : 0);
-        line = rule(line, n);
-        for (int y = y0; y < y1; ++y)
-            set_bit(image, stride, x, y, line[static_cast<std::size_t>(y - y0)] != 0);
+        for (int i = begin; i < (kRows ? x1 : y1); ++i)
+            set_bit(image, stride, kRows ? i : at, kRows ? at : i,
+                    line[static_cast<std::size_t>(i - begin)] != 0);
     }
     return 0;
 }
 
-inline constexpr auto h_fill_gaps = along_rows<fill_gaps>;
-inline constexpr auto h_remove_short = along_rows<remove_short>;
-inline constexpr auto h_dilate = along_rows<dilate>;
-inline constexpr auto h_erode = along_rows<erode>;
-inline constexpr auto v_fill_gaps = along_columns<fill_gaps>;
-inline constexpr auto v_remove_short = along_columns<remove_short>;
-inline constexpr auto v_dilate = along_columns<dilate>;
-inline constexpr auto v_erode = along_columns<erode>;
+inline constexpr auto h_fill_gaps = along<fill_gaps, true>;
+inline constexpr auto h_remove_short = along<remove_short, true>;
+inline constexpr auto h_dilate = along<dilate, true>;
+inline constexpr auto h_erode = along<erode, true>;
+inline constexpr auto v_fill_gaps = along<fill_gaps, false>;
+inline constexpr auto v_remove_short = along<remove_short, false>;
+inline constexpr auto v_dilate = along<dilate, false>;
+inline constexpr auto v_erode = along<erode, false>;
 
 }  // namespace model
