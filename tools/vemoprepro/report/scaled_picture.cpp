@@ -40,7 +40,8 @@ struct Cells {
     }
 };
 
-// Of a scan: 0 .. 255.
+// Of a scan: 0 .. 255. Sixteenths are near enough to mark what became lighter; no pixel is made
+// from it.
 int luminance(const std::uint8_t* pixel, int channels) {
     return channels == 1 ? pixel[0] : (pixel[0] * 5 + pixel[1] * 9 + pixel[2] * 2) / 16;
 }

@@ -4,22 +4,21 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/luminance.h"
 #include "simd/pixels/border_rows.h"
 #include "simd/single_bits.h"
 
 namespace simd::plain {
 
 inline std::uint8_t grey_value(PixelLayout layout, const std::uint8_t* pixel) {
-    const auto weighted = [](unsigned red, unsigned green, unsigned blue) {
-        return static_cast<std::uint8_t>((299 * red + 587 * green + 114 * blue) / 1000);
-    };
+    using common::luminance_in_thousandths;
     switch (layout) {
         case PixelLayout::kBgr:
-            return weighted(pixel[2], pixel[1], pixel[0]);
+            return luminance_in_thousandths(pixel[2], pixel[1], pixel[0]);
         case PixelLayout::kRgb:
-            return weighted(pixel[0], pixel[1], pixel[2]);
+            return luminance_in_thousandths(pixel[0], pixel[1], pixel[2]);
         case PixelLayout::kXrgb:
-            return weighted(pixel[1], pixel[2], pixel[3]);
+            return luminance_in_thousandths(pixel[1], pixel[2], pixel[3]);
         default:
             return pixel[0];
     }
