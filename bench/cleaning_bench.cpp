@@ -76,7 +76,7 @@ const bool engine =
                 }});
 
 // Both sides begin with a copy of the page and change that.
-bool add_morphology(const char* name, const char* peer, decltype(&ink::h_dilate) operation,
+bool add_morphology(const char* name, const char* peer, ink::LoggedRunOperation* operation,
                     std::int32_t n, PIX* (*theirs)(PIX*, l_int32)) {
     return bench::add(
         {.name = name,

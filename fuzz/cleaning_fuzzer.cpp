@@ -71,7 +71,7 @@ void check_components(const Bytes& page, int height, int width, int stride, int 
 
 void check_morphology(const Bytes& page, int height, int stride, int n, int x0, int x1, int y0,
                       int y1, unsigned choice) {
-    constexpr decltype(&ink::h_dilate) kOperations[] = {
+    static ink::LoggedRunOperation* const kOperations[] = {
         ink::h_fill_gaps, ink::v_fill_gaps, ink::h_remove_short, ink::v_remove_short,
         ink::h_dilate,    ink::v_dilate,    ink::h_erode,        ink::v_erode};
     const unsigned which = choice % 8;

@@ -42,13 +42,12 @@ void slide_windows(Along along, std::int32_t n, std::size_t own, common::Mutable
     }
 }
 
-using RunOperation = decltype(dilate);
-
-template <RunOperation kOperation>
-std::int32_t logged(diag::LoggerSlot logger, Along along, std::int32_t n, std::uint8_t* image,
-                    std::int32_t stride, const common::Rectangle& zone) {
+template <decltype(dilate) kOperation, Along kAlong>
+std::int32_t logged(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
+                    std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
+                    std::int32_t y1) {
     return logged_status(logger, diag::kListGrowthCode, [&] {
-        kOperation(along, n, {image, zone.y1, zone.x1, stride}, zone);
+        kOperation(kAlong, n, {image, y1, x1, stride}, {x0, x1, y0, y1});
     });
 }
 
@@ -77,52 +76,13 @@ void erode(Along along, std::int32_t n, common::MutableBitonalView page,
     slide_windows<simd::and_preceding, simd::and_following>(along, n, 1, page, zone);
 }
 
-std::int32_t h_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                         std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                         std::int32_t y1) {
-    return logged<fill_gaps>(logger, Along::kRows, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t v_fill_gaps(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                         std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                         std::int32_t y1) {
-    return logged<fill_gaps>(logger, Along::kColumns, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t h_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                            std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                            std::int32_t y1) {
-    return logged<remove_short>(logger, Along::kRows, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t v_remove_short(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                            std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                            std::int32_t y1) {
-    return logged<remove_short>(logger, Along::kColumns, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t h_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                      std::int32_t y1) {
-    return logged<dilate>(logger, Along::kRows, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t v_dilate(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                      std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                      std::int32_t y1) {
-    return logged<dilate>(logger, Along::kColumns, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t h_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                     std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                     std::int32_t y1) {
-    return logged<erode>(logger, Along::kRows, n, image, stride, {x0, x1, y0, y1});
-}
-
-std::int32_t v_erode(diag::LoggerSlot logger, std::int32_t n, std::uint8_t* image,
-                     std::int32_t stride, std::int32_t x0, std::int32_t x1, std::int32_t y0,
-                     std::int32_t y1) {
-    return logged<erode>(logger, Along::kColumns, n, image, stride, {x0, x1, y0, y1});
-}
+constinit LoggedRunOperation* const h_fill_gaps = logged<fill_gaps, Along::kRows>;
+constinit LoggedRunOperation* const v_fill_gaps = logged<fill_gaps, Along::kColumns>;
+constinit LoggedRunOperation* const h_remove_short = logged<remove_short, Along::kRows>;
+constinit LoggedRunOperation* const v_remove_short = logged<remove_short, Along::kColumns>;
+constinit LoggedRunOperation* const h_dilate = logged<dilate, Along::kRows>;
+constinit LoggedRunOperation* const v_dilate = logged<dilate, Along::kColumns>;
+constinit LoggedRunOperation* const h_erode = logged<erode, Along::kRows>;
+constinit LoggedRunOperation* const v_erode = logged<erode, Along::kColumns>;
 
 }  // namespace ink

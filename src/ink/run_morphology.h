@@ -45,13 +45,13 @@ void erode(Along along, std::int32_t n, common::MutableBitonalView page,
 using LoggedRunOperation = std::int32_t(diag::LoggerSlot logger, std::int32_t n,
                                         std::uint8_t* image, std::int32_t stride, std::int32_t x0,
                                         std::int32_t x1, std::int32_t y0, std::int32_t y1);
-LoggedRunOperation h_fill_gaps;
-LoggedRunOperation v_fill_gaps;
-LoggedRunOperation h_remove_short;
-LoggedRunOperation v_remove_short;
-LoggedRunOperation h_dilate;
-LoggedRunOperation v_dilate;
-LoggedRunOperation h_erode;
-LoggedRunOperation v_erode;
+extern LoggedRunOperation* const h_fill_gaps;
+extern LoggedRunOperation* const v_fill_gaps;
+extern LoggedRunOperation* const h_remove_short;
+extern LoggedRunOperation* const v_remove_short;
+extern LoggedRunOperation* const h_dilate;
+extern LoggedRunOperation* const v_dilate;
+extern LoggedRunOperation* const h_erode;
+extern LoggedRunOperation* const v_erode;
 
 }  // namespace ink
