@@ -406,7 +406,7 @@ VEMOPREPRO_API int bi_gradl_dropout(int mode, prepro_row_reader reader, void* ct
  * memory, as for bi_set_image_pointer(); looked at only where that would be
  * @param resolution dots per inch: chooses the analysis window of the undithering
  * @param out receives the first out_size bytes of the image, whose rows are x1 - x0 bytes; on
- * failure untouched
+ * failure untouched; not memory that the reader takes its rows from
  * @param out_size 0 .. (x1 - x0) * (y1 - y0)
  * @param nb_threads how many threads may be used; less than 1 counts as 1
  * @param undithering 0 off, any other value on

@@ -44,9 +44,6 @@ class Finish {
         if (may_smooth(region, options)) smoothing_.emplace(options.smooth, region.width());
     }
 
-    // One that has nothing to do.
-    Finish() : contrast_(false) {}
-
     void visit(const MutableGreyView& grey, int y) {
         contrast_.visit(grey, y);
         if (contrast_.found() && !options_.undithering) smoothing_->advance(grey, y + 1);
@@ -152,16 +149,17 @@ frame::Buffer<std::uint8_t> prepare_grey(const Source& source, const Region& reg
 
 void write_grey(const Source& source, const Region& region, const GreyOptions& options,
                 std::uint8_t* out, std::size_t size) {
-    const bool only_converts =
-        !reads_image(source.type, region, options.threads) && !may_smooth(region, options);
+    // Once the first byte is written nothing may fail any more.
+    const bool may_fail_late = reads_image(source.type, region, options.threads) ||
+                               (options.undithering && may_smooth(region, options));
     const auto width = static_cast<std::size_t>(region.width());
-    if (only_converts && size == width * static_cast<std::size_t>(region.height())) {
-        Finish nothing;
-        read_rows(source, region, {out, region.height(), region.width(), region.width()}, nothing);
+    if (may_fail_late || size != width * static_cast<std::size_t>(region.height())) {
+        const auto pixels = prepare_grey(source, region, options);
+        std::copy_n(pixels.data(), size, out);
         return;
     }
-    const auto pixels = prepare_grey(source, region, options);
-    std::copy_n(pixels.data(), size, out);
+    Finish finish(region, options);
+    read_rows(source, region, {out, region.height(), region.width(), region.width()}, finish);
 }
 
 }  // namespace grey
