@@ -342,11 +342,11 @@ VEMOPREPRO_API int cropimg(unsigned char* image, int type, int height, int width
                            int dark, int light, int step, int* x0, int* x1, int* y0, int* y1);
 
 /**
- * The colour of a page just inside a border that is white: the mean of the pixels that are met
- * first when walking past white (255) from both ends of every row and every column.
+ * The colour of a page just inside a border that is white: the mean of the first pixels other than
+ * white (255) on the way in from both ends of every row and every column.
  *
- * Rows count from the second to the last but one; along them the walk from the left leaves out the
- * first and the last column.
+ * Rows count from the second to the last but one; the way in from the left leaves out their first
+ * and their last column.
  *
  * @param value receives the grey value; 255 for a page without pixels other than white
  * @param grey the page: `height` rows of `stride` bytes

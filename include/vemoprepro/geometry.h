@@ -96,8 +96,8 @@ VEMOPREPRO_API int kyd_rotate_bitmap(int mode, const unsigned char* src, int hei
  * @param out_height receives the rows of the result: `width` after a quarter turn
  * @param out_width receives the pixels in a row of the result: `height` after a quarter turn
  * @return 0 the image is turned; of an empty image only the size is stored
- * @return -1 rotation code outside of 1 .. 3, null pointer to a size; for an image that is not
- * empty null pointer to pixels, bytes_per_pixel below 1; nothing is written
+ * @return -1 rotation code outside of 1 .. 3, null pointer to a size; also, for an image that is
+ *         not empty, null pointer to pixels, bytes_per_pixel below 1; nothing is written
  */
 VEMOPREPRO_API int kyd_rotate_color(int mode, int bytes_per_pixel, const unsigned char* src,
                                     int height, int width, unsigned char* dst, int* out_height,

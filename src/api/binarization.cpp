@@ -21,7 +21,8 @@ using grey::SourceType;
 
 namespace {
 
-// What cannot be worked on is found out by the call itself: it raises the smoothing first.
+// The family, and not this file, refuses what cannot be worked on: a do call raises the smoothing
+// of its settings before it looks at anything else.
 template <class Call>
 int run(bi_settings* settings, Call&& call) {
     if (settings == nullptr) return kFailure;

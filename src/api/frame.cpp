@@ -4,8 +4,17 @@
 #include "frame/memory.h"
 #include "frame/version.h"
 
-using frame::hooks;
-using frame::kDefaultHooks;
+using frame::HookTable;
+
+namespace {
+
+// Null brings the default back.
+template <class Hook>
+void install(Hook HookTable::*slot, Hook hook) {
+    frame::hooks.*slot = hook != nullptr ? hook : frame::kDefaultHooks.*slot;
+}
+
+}  // namespace
 
 const char* prepro_get_version_number(void) {
     return frame::kVersionNumber;
@@ -20,29 +29,29 @@ const char* prepro_get_sha(void) {
 }
 
 void prepro_redefine_malloc(prepro_malloc_hook hook) {
-    hooks.malloc_hook = hook != nullptr ? hook : kDefaultHooks.malloc_hook;
+    install(&HookTable::malloc_hook, hook);
 }
 
 void prepro_redefine_realloc(prepro_realloc_hook hook) {
-    hooks.realloc_hook = hook != nullptr ? hook : kDefaultHooks.realloc_hook;
+    install(&HookTable::realloc_hook, hook);
 }
 
 void prepro_redefine_free(prepro_free_hook hook) {
-    hooks.free_hook = hook != nullptr ? hook : kDefaultHooks.free_hook;
+    install(&HookTable::free_hook, hook);
 }
 
 void prepro_redefine_aligned_malloc(prepro_aligned_malloc_hook hook) {
-    hooks.aligned_malloc_hook = hook != nullptr ? hook : kDefaultHooks.aligned_malloc_hook;
+    install(&HookTable::aligned_malloc_hook, hook);
 }
 
 void prepro_redefine_aligned_free(prepro_aligned_free_hook hook) {
-    hooks.aligned_free_hook = hook != nullptr ? hook : kDefaultHooks.aligned_free_hook;
+    install(&HookTable::aligned_free_hook, hook);
 }
 
 void prepro_redefine_gpu_malloc(prepro_gpu_malloc_hook hook) {
-    hooks.gpu_malloc_hook = hook != nullptr ? hook : kDefaultHooks.gpu_malloc_hook;
+    install(&HookTable::gpu_malloc_hook, hook);
 }
 
 void prepro_redefine_gpu_free(prepro_gpu_free_hook hook) {
-    hooks.gpu_free_hook = hook != nullptr ? hook : kDefaultHooks.gpu_free_hook;
+    install(&HookTable::gpu_free_hook, hook);
 }

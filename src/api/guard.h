@@ -12,13 +12,13 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = -1;
 constexpr int kBadStride = -2;  // the bitonal deskew rotations only
 
-// Runs `call` and returns its result, or `on_exception` for anything thrown.
-template <class Call, class Result = int>
-Result guarded(Call&& call, Result on_exception = kFailure) noexcept {
+// Runs `call` and returns its result, or kFailure for anything thrown.
+template <class Call>
+int guarded(Call&& call) noexcept {
     try {
         return call();
     } catch (...) {
-        return on_exception;
+        return kFailure;
     }
 }
 

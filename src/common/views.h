@@ -25,6 +25,11 @@ struct View {
 
     Byte* row(std::ptrdiff_t y) const { return data + y * stride; }
 
+    // Bytes of all rows, what lies beyond the width included; sizes are at least 0.
+    std::size_t size() const {
+        return static_cast<std::size_t>(height) * static_cast<std::size_t>(stride);
+    }
+
     operator View<const Byte, kKind>() const requires(!std::is_const_v<Byte>) {
         return {data, height, width, stride};
     }

@@ -57,8 +57,7 @@ void aligned_shear(common::BitonalView source, int yskew, std::uint8_t* block,
         progress(2, 3);
         shear_rows(twice, all_shifts(height, plan.row_factor), result);
     }
-    std::memcpy(block, image.getData(),
-                static_cast<std::size_t>(height) * static_cast<std::size_t>(result.stride));
+    std::memcpy(block, image.getData(), result.size());
     progress(3, 3);
 }
 

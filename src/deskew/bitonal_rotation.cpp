@@ -16,7 +16,7 @@ namespace {
 constexpr int kMaxComponentSkew = 32;
 
 template <class Size>
-bool holds(common::BitonalView page, const Size& size) {
+bool has_room_for(common::BitonalView page, const Size& size) {
     return page.height >= size.height && page.width >= size.width;
 }
 
@@ -24,14 +24,10 @@ bool same_geometry(common::BitonalView a, common::BitonalView b) {
     return a.height == b.height && a.width == b.width && a.stride == b.stride;
 }
 
-std::size_t page_bytes(common::BitonalView page) {
-    return static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.stride);
-}
-
 void copy_block(common::BitonalView source, common::MutableBitonalView destination,
                 const Progress& progress) {
     progress(0, 1);
-    std::memcpy(destination.data, source.data, page_bytes(source));
+    std::memcpy(destination.data, source.data, source.size());
     progress(1, 1);
 }
 
@@ -80,8 +76,8 @@ class Complemented {
 
   private:
     void complement() const {
-        const std::size_t bytes = page_bytes(page_);
-        for (std::size_t i = 0; i < bytes; ++i)
+        const std::size_t size = page_.size();
+        for (std::size_t i = 0; i < size; ++i)
             page_.data[i] = static_cast<std::uint8_t>(~page_.data[i]);
     }
 
@@ -93,13 +89,13 @@ class Complemented {
 bool straighten(common::BitonalView source, Skew skew, common::MutableBitonalView destination,
                 const Progress& progress, diag::LoggerSlot logger) {
     const int yskew = skew_units(skew);
-    if (!holds(destination, deskewed_size(source.height, source.width, yskew))) return false;
+    if (!has_room_for(destination, deskewed_size(source.height, source.width, yskew))) return false;
     if (skew.numerator == 0 && same_geometry(source, destination)) {
         copy_block(source, destination, progress);
     } else if (yskew == 0) {
         copy_page(source, destination, progress);
     } else {
-        std::memset(destination.data, 0, page_bytes(destination));
+        std::memset(destination.data, 0, destination.size());
         const auto shear = std::abs(yskew) <= kMaxComponentSkew ? component_shear : plain_shear;
         logged(logger, [&] { shear(source, yskew, destination, progress); });
     }
@@ -110,7 +106,7 @@ bool straighten_aligned(common::BitonalView source, Skew skew,
                         common::MutableBitonalView destination, const Progress& progress,
                         diag::LoggerSlot logger) {
     const int yskew = skew_units(skew);
-    if (!holds(destination, sheared_size(shear_plan(yskew), source.height, source.width)))
+    if (!has_room_for(destination, sheared_size(shear_plan(yskew), source.height, source.width)))
         return false;
     if (yskew == 0) {
         copy_page(source, destination, progress);

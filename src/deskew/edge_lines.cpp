@@ -1,7 +1,7 @@
 // Layout of the edge cells.
 //
-// Lines start an odd number of cache lines apart, so that walking across them, as filling and
-// searching do, spreads over all sets of the cache.
+// Lines start an odd number of cache lines apart: filling and searching go across them, from line
+// to line, and use all sets of the cache that way.
 #include "deskew/edge_lines.h"
 
 #include <algorithm>

@@ -1,21 +1,15 @@
-// Angle, tangent and sine of a skew by polynomials, so that the factors are the same on every
-// machine and with every mathematics library. Over the accepted skews (|x| <= 0.1875) the angle is
-// off by less than 4e-4 radians; tangent and sine of it are good to eight digits. Products and sums
-// are evaluated in the order that the parentheses show.
+// Tangent and sine of the angle of a skew by polynomials, so that the factors are the same on every
+// machine and with every mathematics library. Over the accepted skews they are good to eight
+// digits. Products and sums are evaluated in the order that the parentheses show.
 #include "deskew/shear_angles.h"
 
-#include "deskew/skew_unit.h"
+#include "deskew/angle.h"
 
 namespace deskew {
 namespace {
 
 // Beyond this the error of two shears would show as uneven stems.
 constexpr int kMaxTwoShearSkew = 25;
-
-// atan(x) for |x| < 1; radians.
-double skew_angle(double x) {
-    return x / (1 + 0.28 * (x * x));
-}
 
 double tangent(double a) {
     const double a2 = a * a;
@@ -37,7 +31,7 @@ double sine(double angle) {
 }  // namespace
 
 ShearPlan shear_plan(int yskew) {
-    const double angle = skew_angle(static_cast<double>(yskew) / kSkewScale);
+    const double angle = arctangent(static_cast<double>(yskew) / kSkewScale);
     const int shears = std::abs(yskew) > kMaxTwoShearSkew ? 3 : 2;
     return {.shears = shears,
             .row_factor = -tangent(shears == 3 ? angle / 2 : angle),

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "common/views.h"
+
 namespace deskew {
 
 constexpr int kSkewScale = 512;
@@ -51,8 +53,8 @@ constexpr std::int64_t skew_drift(std::int64_t length, int yskew) {
 constexpr Size deskewed_size(std::int64_t height, std::int64_t width, int yskew) {
     const auto magnitude = [](std::int64_t value) { return value < 0 ? -value : value; };
     const std::int64_t new_width = width + magnitude(skew_drift(height, yskew));
-    const std::int64_t row_bytes = (new_width + 31) / 32 * 4;
-    return {height + magnitude(skew_drift(row_bytes * 8, yskew)), new_width};
+    const std::int64_t columns = 8 * common::bitonal_stride(new_width);
+    return {height + magnitude(skew_drift(columns, yskew)), new_width};
 }
 
 static_assert(deskewed_size(1000, 2000, 20) == Size{1080, 2039});

@@ -1,7 +1,7 @@
-// Every row and every column is walked along from both of its ends to the first pixel that is not
-// white. Along a row that is a vector scan. The columns are walked along side by side, row after
-// row, each with a bit that stays set as long as the column has shown nothing but white; a column
-// that is white all the way down need not be walked up again. The bits are those of a chunk of
+// Every row and every column is searched from both of its ends for the first pixel that is not
+// white. Along a row that is a vector scan. The columns are searched side by side, row after row,
+// each with a bit that stays set as long as the column has shown nothing but white; a column that
+// is white all the way down need not be searched from below. The bits are those of a chunk of
 // columns and lie on the stack: nothing is allocated here, because the results leave no room for a
 // failure.
 #include "cleaning/borders/border_colour.h"
@@ -26,8 +26,8 @@ using Page = common::View<const std::uint8_t, kKind>;
 template <common::PixelKind kKind>
 constexpr std::size_t kPixelBytes = kKind == common::PixelKind::kGrey ? 1 : 3;
 
-// Adds the first pixel other than white from either end of row y. The walk from the left leaves out
-// `left_margin` columns at both ends of the row.
+// Adds the first pixel other than white from either end of row y. The search from the left leaves
+// out `left_margin` columns at both ends of the row.
 template <common::PixelKind kKind>
 void add_row_ends(Page<kKind> page, std::ptrdiff_t y, std::size_t left_margin, PixelSums& sums) {
     constexpr std::size_t kBytes = kPixelBytes<kKind>;

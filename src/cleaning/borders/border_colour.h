@@ -9,7 +9,7 @@
 namespace cleaning {
 
 // The mean of the first pixels other than white on the way in from the ends of the rows and of the
-// columns: 255 if there is none. The first and the last row are not walked along, and the walk from
+// columns: 255 if there is none. The first and the last row are not searched, and the search from
 // the left leaves out the first and the last column.
 std::uint8_t inner_grey(common::GreyView page);
 

@@ -18,19 +18,15 @@ namespace {
 using common::BitonalView;
 using common::MutableBitonalView;
 
-std::size_t page_bytes(BitonalView page) {
-    return static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.stride);
-}
-
 // Two working pages of the geometry of a page, in one block: fresh memory costs more than most
 // steps.
 class WorkingPages {
   public:
     // Throws std::bad_alloc.
-    explicit WorkingPages(BitonalView page) : page_(page), bytes_(2 * page_bytes(page)) {}
+    explicit WorkingPages(BitonalView page) : page_(page), bytes_(2 * page.size()) {}
 
     MutableBitonalView first() { return at(bytes_.data()); }
-    MutableBitonalView second() { return at(bytes_.data() + page_bytes(page_)); }
+    MutableBitonalView second() { return at(bytes_.data() + page_.size()); }
 
   private:
     MutableBitonalView at(std::uint8_t* data) const {
@@ -45,11 +41,11 @@ class WorkingPages {
 // takes part.
 template <class Combine>
 void combine_pages(MutableBitonalView page, BitonalView other, Combine combine) {
-    ink::combine_bytes(page.data, other.data, page_bytes(page), combine);
+    ink::combine_bytes(page.data, other.data, page.size(), combine);
 }
 
 void copy_page(BitonalView page, MutableBitonalView copy) {
-    std::memcpy(copy.data, page.data, page_bytes(page));
+    std::memcpy(copy.data, page.data, page.size());
 }
 
 void and_page(MutableBitonalView page, BitonalView other) {
