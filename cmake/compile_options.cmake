@@ -14,6 +14,12 @@ target_compile_options(vemoprepro_options INTERFACE
 # have. It is the least that the kernels are compiled for, too: with these definitions Highway makes no scalar
 # form, so the library does not run on older machines.
 target_compile_definitions(vemoprepro_options INTERFACE HWY_WANT_SSE4=1 HWY_WANT_AVX3_DL=1)
+# On AArch64 it is NEON: the kernels keep vectors in arrays and structures, which the vectors of SVE, whose
+# length the compiler does not know, cannot be kept in.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    target_compile_definitions(vemoprepro_options INTERFACE
+        "HWY_DISABLED_TARGETS=(HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128)")
+endif()
 
 if(VEMOPREPRO_SANITIZE)
     add_compile_options(-fsanitize=${VEMOPREPRO_SANITIZE} -fno-omit-frame-pointer

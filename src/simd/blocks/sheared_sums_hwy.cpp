@@ -78,6 +78,8 @@ class Shear {
 // Sums of four vectors of cells, the even cells apart from the odd ones.
 template <class Cell>
 struct WideSums {
+    HWY_ATTR WideSums() {}  // of the instruction set of its members
+
     hn::Vec<Sums<Cell>> even[4];
     hn::Vec<Sums<Cell>> odd[4];
 };
