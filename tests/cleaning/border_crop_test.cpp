@@ -346,7 +346,8 @@ TEST(Cropping, RefusesWhatCannotBeWorkedOn) {
 TEST(Cropping, LeavesPagesWithoutPixelsAndSmallOnesAlone) {
     for (const Function& f : functions()) {
         SCOPED_TRACE(testing::Message() << f.name << ", row " << f.row);
-        for (const auto& [height, width] : {std::pair{0, 40}, {-4, 40}, {30, 0}, {-1, -1}}) {
+        for (const auto& [height, width] :
+             {std::pair{0, 40}, {-4, 40}, {30, 0}, {-1, -1}, {INT_MIN, 40}, {30, INT_MIN}}) {
             Buffers expected;
             if (f.name == std::string("cropimg")) expected.box = {0, width, 0, height};
             if (f.name == std::string("cropgrey_get")) expected.value[0] = 255;

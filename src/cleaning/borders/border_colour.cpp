@@ -64,7 +64,7 @@ void add_column_ends(Page<kKind> page, PixelSums& sums) {
 }  // namespace
 
 std::uint8_t inner_grey(common::GreyView page) {
-    if (page.width < 1) return 255;
+    if (page.height < 1 || page.width < 1) return 255;
     PixelSums sums;
     for (std::ptrdiff_t y = 1; y < page.height - 1; ++y) add_row_ends(page, y, 1, sums);
     add_column_ends(page, sums);
@@ -73,7 +73,7 @@ std::uint8_t inner_grey(common::GreyView page) {
 }
 
 Colour inner_colour(common::ColourView page) {
-    if (page.width < 1) return {};
+    if (page.height < 1 || page.width < 1) return {};
     PixelSums sums;
     for (std::ptrdiff_t y = 0; y < page.height; ++y) add_row_ends(page, y, 0, sums);
     add_column_ends(page, sums);
