@@ -1,5 +1,6 @@
 // What a grey preparation that fails leaves behind.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 
@@ -51,6 +52,30 @@ TEST(GreyPreparation, ARefusedAllocationLeavesTheBufferUntouched) {
         });
         EXPECT_GE(allocations, smooth == 0 ? 0 : 10) << "it is undithered";
     }
+}
+
+// Threads whose stack is larger than the address space cannot be started.
+TEST(GreyPreparation, AThreadThatCannotBeStartedLeavesTheBufferUntouched) {
+    constexpr int kWidth = 10;
+    constexpr int kHeight = 100;
+    const auto page = support::random_bytes(3 * kWidth * kHeight, 7);
+    const unsigned char* record[4] = {nullptr, nullptr, nullptr, page.data()};
+    GuardedBuffer out(kWidth * kHeight);
+    const auto untouched = out.contents();
+    const auto convert = [&] {
+        return bi_color2greybuf(0, nullptr, nullptr, record, 3, kWidth, 300, 0, kWidth, 0, kHeight,
+                                out.data(), kWidth * kHeight, 2, 0);
+    };
+    pthread_attr_t usual;
+    pthread_attr_t too_large;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_attr_init(&too_large), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&too_large, std::size_t{1} << 60), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&too_large), 0);
+    EXPECT_EQ(convert(), -1);
+    EXPECT_EQ(out.contents(), untouched);
+    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    EXPECT_EQ(convert(), 0);
 }
 
 }  // namespace
