@@ -34,13 +34,11 @@ void drop_in_row(const Dropout& dropout, const std::uint8_t* colours, std::uint8
 
 void drop_colours(const Dropout& dropout, const grey::Source& source, const grey::Region& region,
                   const common::MutableBitonalView& page) {
-    grey::RowBuffer row(source.row_bytes());
-    grey::RowStream rows(source, region.y0);
-    for (int y = 0; y < page.height; ++y) {
-        rows.next(row.data());
-        drop_in_row(dropout, row.data() + static_cast<std::size_t>(region.x0) * 3, page.row(y),
+    grey::RowBuffer buffer(source.row_bytes());
+    grey::visit_rows(source, region, buffer, [&](int y, const std::uint8_t* row) {
+        drop_in_row(dropout, row + static_cast<std::size_t>(region.x0) * 3, page.row(y),
                     page.width);
-    }
+    });
 }
 
 }  // namespace binarization
