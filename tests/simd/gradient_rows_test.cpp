@@ -7,10 +7,24 @@ namespace simd {
 TEST(GradientRows, OfEveryWidth) {
     on_every_width(1, [](std::size_t width, Random& random) {
         PaddedRows grey(3, width, random, random.chance(0.5) ? 255 : 20);
+        const Words wanted = random_marks(width, random.chance(0.5) ? 0.01 : 0.5, random);
         const auto call = [&](bool fast, const auto& out) {
-            TWIN(gradient_row)(grey[0], grey[1], grey[2], width, {out[0], out[1], out[2]});
+            TWIN(gradient_row)(grey.three(), width, wanted.data(), {out[0], out[1], out[2]});
         };
         expect_twins(3, width, random, call, kRoom);
+    });
+}
+
+TEST(GradientRows, SteepPixels) {
+    on_every_width(1, [](std::size_t width, Random& random) {
+        PaddedRows grey(3, width, random, random.chance(0.5) ? 255 : 20);
+        const auto limit =
+            static_cast<std::uint8_t>(random.between(0, random.chance(0.5) ? 20 : 255));
+        const std::size_t words = (width + 63) / 64;
+        const auto call = [&](bool fast, const auto& out) {
+            TWIN(steep_pixels)(grey.three(), words, limit, out[0]);
+        };
+        expect_twins<std::uint64_t>(1, words, random, call);
     });
 }
 
@@ -19,6 +33,7 @@ TEST(GradientRows, MagnitudesAreRoundedRoots) {
     on_every_target([] {
         Random random(1);
         PaddedRows grey(3, 128, random), out(3, 128, random);
+        const std::uint64_t wanted[2] = {1, 1};
         for (int i = 0; i < 128 * 128; ++i) {
             const int gx = i / 128;
             const int gy = i % 128;
@@ -26,7 +41,7 @@ TEST(GradientRows, MagnitudesAreRoundedRoots) {
                 grey[0][x] = grey[1][x] = static_cast<std::uint8_t>(x == 0 ? 0 : gx);
                 grey[2][x] = static_cast<std::uint8_t>(grey[0][x] + gy);
             }
-            gradient_row(grey[0], grey[1], grey[2], 128, {out[0], out[1], out[2]});
+            gradient_row(grey.three(), 128, wanted, {out[0], out[1], out[2]});
             const int magnitude = out[0][1];
             const int square = gx * gx + gy * gy;
             ASSERT_EQ(out[1][1] & 0x7F, gx);

@@ -27,6 +27,16 @@ int candidate_threshold(const EdgeOptions& options) {
                                                                : options.follow;
 }
 
+// The largest limit such that a gradient whose components are not above it is below the candidate
+// threshold: its length is at most sqrt(2) * limit, and is rounded. -1 where there is none.
+int steep_limit(int candidate) {
+    if (candidate == 0) return -1;
+    const int twice = 2 * candidate - 1;  // a half is subtracted for the rounding
+    int limit = 0;
+    while (8 * (limit + 1) * (limit + 1) < twice * twice) ++limit;
+    return std::min(limit, 255);
+}
+
 // What brings the largest magnitude of an image to the end of the range. Products and quotients
 // with it are rounded to the nearest whole number, halves away from 0.
 double scale_for(int largest) {
@@ -56,11 +66,13 @@ EdgeFinder::EdgeFinder(std::size_t height, std::size_t width, const EdgeOptions&
     : height_(height),
       width_(width),
       options_(options),
-      greys_(3, width),
-      smoothed_(3, width),
+      greys_(4, width),
+      smoothed_(4, width),
       magnitudes_(3, width),
       across_(2, width),
       down_(2, width),
+      steep_(3, width),
+      wanted_(1, width),
       starts_(ring_rows(height), width),
       follows_(ring_rows(height), width),
       open_(ring_rows(height), width) {}
@@ -80,6 +92,10 @@ void EdgeFinder::begin(const common::GreyView& grey) {
     }
     thresholds_ = {static_cast<std::uint8_t>(candidate_threshold(options_)),
                    static_cast<std::uint8_t>(start), static_cast<std::uint8_t>(follow)};
+    if (options_.normalization != Normalization::kMagnitudes) {
+        steep_limit_ = steep_limit(thresholds_.candidate);
+    }
+    marked_ = 0;
     smooth_row(0);
 }
 
@@ -108,11 +124,34 @@ simd::GradientRow EdgeFinder::gradient_row(std::size_t y) {
     return {magnitudes_.row(y), across_.row(y), down_.row(y)};
 }
 
-// Gradients of row y, when the rows up to y have been smoothed: smooths the next one.
-void EdgeFinder::take_gradients(std::size_t y) {
+simd::ThreeRows EdgeFinder::sources_around(std::size_t y) {
+    return {source_row(y > 0 ? y - 1 : 0), source_row(y), source_row(std::min(y + 1, height_ - 1))};
+}
+
+// When the rows up to y have been smoothed: smooths the next one.
+void EdgeFinder::mark_steep(std::size_t y) {
     smooth_row(y + 1);
-    simd::gradient_row(source_row(y > 0 ? y - 1 : 0), source_row(y),
-                       source_row(std::min(y + 1, height_ - 1)), width_, gradient_row(y));
+    if (steep_limit_ < 0) {
+        std::fill_n(steep_.row(y), words(), ~std::uint64_t{0});
+    } else {
+        simd::steep_pixels(sources_around(y), words(), static_cast<std::uint8_t>(steep_limit_),
+                           steep_.row(y));
+    }
+}
+
+// Gradients of row y, as far as candidates there and in the rows beside it are compared with them.
+void EdgeFinder::take_gradients(std::size_t y) {
+    const std::size_t next = std::min(y + 1, height_ - 1);
+    for (; marked_ <= next; ++marked_) mark_steep(marked_);
+    const std::uint64_t* rows[3] = {steep_.row(y > 0 ? y - 1 : 0), steep_.row(y), steep_.row(next)};
+    const auto steep = [&](std::size_t i) { return rows[0][i] | rows[1][i] | rows[2][i]; };
+    std::uint64_t* wanted = wanted_.row(0);
+    for (std::size_t i = 0; i < words(); ++i) {
+        const std::uint64_t before = i > 0 ? steep(i - 1) >> 63 : 0;
+        const std::uint64_t behind = i + 1 < words() ? steep(i + 1) << 63 : 0;
+        wanted[i] = steep(i) | before | behind;
+    }
+    simd::gradient_row(sources_around(y), width_, wanted, gradient_row(y));
 }
 
 int EdgeFinder::largest_magnitude() {

@@ -62,6 +62,8 @@ class EdgeFinder {
     const std::uint8_t* source_row(std::size_t y);
     void smooth_row(std::size_t y);
     simd::GradientRow gradient_row(std::size_t y);
+    simd::ThreeRows sources_around(std::size_t y);
+    void mark_steep(std::size_t y);
     void take_gradients(std::size_t y);
     void find_candidates(std::size_t y);
     void trace(std::size_t y);
@@ -73,9 +75,12 @@ class EdgeFinder {
     common::GreyView grey_;
     simd::EdgeThresholds thresholds_{};
     std::array<std::uint8_t, 256> scaled_{};  // what magnitudes become where they are normalized
+    int steep_limit_ = -1;  // no candidate without a larger difference; -1: there may be some
     bool found_candidates_ = false;
 
-    // How many rows each step has done: gradients taken, candidates found, starts traced.
+    // How many rows each step has done: steep pixels marked, gradients taken, candidates found,
+    // starts traced.
+    std::size_t marked_ = 0;
     std::size_t graded_ = 0;
     std::size_t searched_ = 0;
     std::size_t traced_ = 0;
@@ -85,6 +90,8 @@ class EdgeFinder {
     PaddedRows magnitudes_;
     PaddedRows across_;
     PaddedRows down_;
+    BitRows steep_;    // pixels that may be candidates
+    BitRows wanted_;   // those and their neighbours, in one row
     BitRows starts_;   // candidates that start an edge; the edges in rows that are final
     BitRows follows_;  // candidates into which an edge is followed
     BitRows open_;     // those of follows_ that no trace has reached yet

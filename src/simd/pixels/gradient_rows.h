@@ -1,7 +1,8 @@
 // Rows of an edge detector on a grey page: Sobel gradients with their magnitudes, and the pixels
 // whose magnitude is a local maximum along the gradient.
 //
-// Use: gradient_row() for rows y - 1, y and y + 1, then local_maxima_row() for row y. The forms in
+// Use: steep_pixels() for rows y - 2 to y + 2 tells where gradients are wanted; gradient_row() for
+// rows y - 1, y and y + 1, then local_maxima_row() for row y. The forms in
 // simd::plain say what each computes; the vector forms give the same values.
 //
 // Keep true: rows are padded as padded_rows.h says.
@@ -29,9 +30,18 @@ struct EdgeThresholds {
     std::uint8_t follow;     // an edge is followed into magnitudes above this
 };
 
-// Beyond their ends rows go on with their first and last pixels, whatever stands there.
-void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                  std::size_t width, const GradientRow& out);
+// Bit x of `steep` is set where a component of the gradient of pixel x can be above `limit`: where
+// two pixels that lie opposite each other in the 3 x 3 around it, in a row or in a column, differ
+// by more. Whole words of 64 pixels are written. For the first and the last pixel of a row, and
+// behind it, the padding counts.
+void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
+                  std::uint64_t* steep);
+
+// Beyond their ends rows go on with their first and last pixels, whatever stands there. In a word
+// of 64 pixels of which `wanted` has no bit, magnitudes become 0 and components stay as they are;
+// the first and the last pixel have theirs in any case.
+void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
+                  const GradientRow& out);
 
 // Pixels 1 .. width - 2 whose magnitude is at least the candidate threshold and not below the
 // magnitude on either side along the gradient: a mean of the two neighbours between which the

@@ -144,17 +144,58 @@ HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* r
     hn::StoreU(interleave(even.down, odd.down), kU8, out.down + x);
 }
 
-void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                  std::size_t width, const GradientRow& out) {
-    // The row after `below` most often follows it in memory.
-    for (std::size_t x = 0; x < width; x += hn::Lanes(kU8)) {
-        fetch_ahead(below + x);
-        gradient_vector(above + x, row + x, below + x, out, x);
+void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
+                  const GradientRow& out) {
+    for (std::size_t i = 0; i < (width + 63) / 64; ++i) {
+        by_vectors([&](std::size_t at) HWY_ATTR {
+            const std::size_t x = 64 * i + at;
+            if (wanted[i] != 0) {
+                gradient_vector(grey.above + x, grey.row + x, grey.below + x, out, x);
+            } else {
+                hn::StoreU(hn::Zero(kU8), kU8, out.magnitude + x);
+            }
+        });
     }
     if (width == 0) return;
     const std::size_t last = width - 1;
-    plain::gradient_at(above, row, below, 0, 0, std::min<std::size_t>(1, last), out);
-    plain::gradient_at(above, row, below, last - std::min<std::size_t>(1, last), last, last, out);
+    const std::size_t second = std::min<std::size_t>(1, last);
+    plain::gradient_at(grey.above, grey.row, grey.below, 0, 0, second, out);
+    plain::gradient_at(grey.above, grey.row, grey.below, last - second, last, last, out);
+}
+
+HWY_INLINE VecU8 difference(VecU8 a, VecU8 b) {
+    return hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
+}
+
+// The largest of the six differences at each pixel of a vector.
+HWY_INLINE VecU8 largest_difference(const ThreeRows& grey, std::size_t x) {
+    const VecU8 above_before = hn::LoadU(kU8, grey.above + x - 1);
+    const VecU8 above_behind = hn::LoadU(kU8, grey.above + x + 1);
+    const VecU8 below_before = hn::LoadU(kU8, grey.below + x - 1);
+    const VecU8 below_behind = hn::LoadU(kU8, grey.below + x + 1);
+    const VecU8 across =
+        difference(hn::LoadU(kU8, grey.row + x - 1), hn::LoadU(kU8, grey.row + x + 1));
+    const VecU8 down = difference(hn::LoadU(kU8, grey.above + x), hn::LoadU(kU8, grey.below + x));
+    const VecU8 sides =
+        hn::Max(difference(above_before, below_before), difference(above_behind, below_behind));
+    const VecU8 rows =
+        hn::Max(difference(above_before, above_behind), difference(below_before, below_behind));
+    return hn::Max(hn::Max(across, down), hn::Max(sides, rows));
+}
+
+void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
+                  std::uint64_t* steep) {
+    const VecU8 limits = hn::Set(kU8, limit);
+    for (std::size_t i = 0; i < words; ++i) {
+        std::uint64_t word = 0;
+        by_vectors([&](std::size_t at) HWY_ATTR {
+            const std::size_t x = 64 * i + at;
+            // The row after `below` most often follows it in memory.
+            fetch_ahead(grey.below + x);
+            word |= bits_of(hn::Gt(largest_difference(grey, x), limits)) << at;
+        });
+        steep[i] = word;
+    }
 }
 
 // (longer - shorter) * straight + shorter * diagonal: at most 127 * 181.
@@ -264,11 +305,17 @@ HWY_AFTER_NAMESPACE();
 namespace simd {
 
 HWY_EXPORT(gradient_row);
+HWY_EXPORT(steep_pixels);
 HWY_EXPORT(local_maxima_row);
 
-void gradient_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
-                  std::size_t width, const GradientRow& out) {
-    HWY_DYNAMIC_DISPATCH(gradient_row)(above, row, below, width, out);
+void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
+                  const GradientRow& out) {
+    HWY_DYNAMIC_DISPATCH(gradient_row)(grey, width, wanted, out);
+}
+
+void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
+                  std::uint64_t* steep) {
+    HWY_DYNAMIC_DISPATCH(steep_pixels)(grey, words, limit, steep);
 }
 
 bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,

@@ -28,10 +28,34 @@ inline void gradient_at(const std::uint8_t* above, const std::uint8_t* row,
         static_cast<std::uint8_t>(std::sqrt(static_cast<float>(gx * gx + gy * gy)) + 0.5F);
 }
 
-inline void gradient_row(const std::uint8_t* above, const std::uint8_t* row,
-                         const std::uint8_t* below, std::size_t width, const GradientRow& out) {
+inline void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
+                         const GradientRow& out) {
     for (std::size_t x = 0; x < width; ++x) {
-        gradient_at(above, row, below, x > 0 ? x - 1 : 0, x, std::min(x + 1, width - 1), out);
+        if (wanted[x / 64] != 0 || x == 0 || x + 1 == width) {
+            gradient_at(grey.above, grey.row, grey.below, x > 0 ? x - 1 : 0, x,
+                        std::min(x + 1, width - 1), out);
+        } else {
+            out.magnitude[x] = 0;
+        }
+    }
+}
+
+inline bool is_steep(const ThreeRows& grey, std::ptrdiff_t x, int limit) {
+    bool steep = false;
+    for (const std::uint8_t* row : {grey.above, grey.row, grey.below}) {
+        steep = steep || std::abs(row[x + 1] - row[x - 1]) > limit;
+    }
+    for (std::ptrdiff_t at = x - 1; at <= x + 1; ++at) {
+        steep = steep || std::abs(grey.below[at] - grey.above[at]) > limit;
+    }
+    return steep;
+}
+
+inline void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
+                         std::uint64_t* steep) {
+    std::fill_n(steep, words, 0);
+    for (std::size_t x = 0; x < 64 * words; ++x) {
+        if (is_steep(grey, static_cast<std::ptrdiff_t>(x), limit)) mark(steep, x);
     }
 }
 
