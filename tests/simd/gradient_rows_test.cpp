@@ -64,10 +64,11 @@ TEST(GradientRows, LocalMaxima) {
         const EdgeThresholds thresholds{static_cast<std::uint8_t>(random.between(0, 60)),
                                         static_cast<std::uint8_t>(random.between(0, 100)),
                                         static_cast<std::uint8_t>(random.between(0, 60))};
+        const Words steep = random_marks(width, random.chance(0.5) ? 0.01 : 0.5, random);
         const auto call = [&](bool fast, const auto& out) {
             return TWIN(local_maxima_row)(magnitudes.three(),
                                           {magnitudes[1], gradient[0], gradient[1]}, width,
-                                          thresholds, out[0], out[1]);
+                                          thresholds, steep.data(), out[0], out[1]);
         };
         expect_twins<std::uint64_t>(2, (width + 63) / 64, random, call);
     });

@@ -180,7 +180,7 @@ void EdgeFinder::find_candidates(std::size_t y) {
         const simd::ThreeRows around{magnitudes_.row(y - 1), magnitudes_.row(y),
                                      magnitudes_.row(y + 1)};
         found_candidates_ |= simd::local_maxima_row(around, gradient_row(y), width_, thresholds_,
-                                                    starts_.row(y), follows);
+                                                    steep_.row(y), starts_.row(y), follows);
     }
     std::memcpy(open_.row(y), follows, words() * sizeof(std::uint64_t));
 }

@@ -37,9 +37,8 @@ struct EdgeThresholds {
 void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
                   std::uint64_t* steep);
 
-// Beyond their ends rows go on with their first and last pixels, whatever stands there. In a word
-// of 64 pixels of which `wanted` has no bit, magnitudes become 0 and components stay as they are;
-// the first and the last pixel have theirs in any case.
+// Beyond their ends rows go on with their first and last pixels, whatever stands there. Only words
+// of 64 pixels of which `wanted` has a bit are done, and the first and the last pixel.
 void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
                   const GradientRow& out);
 
@@ -47,11 +46,11 @@ void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t*
 // magnitude on either side along the gradient: a mean of the two neighbours between which the
 // gradient points, weighted by its components. Compared without rounding, so that a mirrored or
 // turned page gives the mirrored or turned result; of equal neighbours both are kept.
-// `start` and `follow` receive a bit for each candidate that passes these thresholds, pixel 0 in
-// the least significant bit of the first word; ceil(width / 64) words are written. Returns whether
-// there is a candidate.
+// Words of 64 pixels of which `steep` has no bit have none. `start` and `follow` receive a bit for
+// each candidate that passes these thresholds, pixel 0 in the least significant bit of the first
+// word; ceil(width / 64) words are written. Returns whether there is a candidate.
 bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
-                      const EdgeThresholds& thresholds, std::uint64_t* start,
-                      std::uint64_t* follow);
+                      const EdgeThresholds& thresholds, const std::uint64_t* steep,
+                      std::uint64_t* start, std::uint64_t* follow);
 
 }  // namespace simd

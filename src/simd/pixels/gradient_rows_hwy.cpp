@@ -147,13 +147,10 @@ HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* r
 void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
                   const GradientRow& out) {
     for (std::size_t i = 0; i < (width + 63) / 64; ++i) {
+        if (wanted[i] == 0) continue;
         by_vectors([&](std::size_t at) HWY_ATTR {
             const std::size_t x = 64 * i + at;
-            if (wanted[i] != 0) {
-                gradient_vector(grey.above + x, grey.row + x, grey.below + x, out, x);
-            } else {
-                hn::StoreU(hn::Zero(kU8), kU8, out.magnitude + x);
-            }
+            gradient_vector(grey.above + x, grey.row + x, grey.below + x, out, x);
         });
     }
     if (width == 0) return;
@@ -269,14 +266,16 @@ HWY_INLINE VecU8 at_least(VecU8 values, VecU8 limit) {
 }
 
 bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
-                      const EdgeThresholds& thresholds, std::uint64_t* start,
-                      std::uint64_t* follow) {
+                      const EdgeThresholds& thresholds, const std::uint64_t* steep,
+                      std::uint64_t* start, std::uint64_t* follow) {
     const VecU8 candidate = hn::Set(kU8, thresholds.candidate);
     const VecU8 starts = hn::Set(kU8, thresholds.start);
     const VecU8 follows = hn::Set(kU8, thresholds.follow);
     const std::size_t words = (width + 63) / 64;
     std::uint64_t found = 0;
     for (std::size_t i = 0; i < words; ++i) {
+        start[i] = follow[i] = 0;
+        if (steep[i] == 0) continue;
         std::uint64_t word[3] = {};
         for (std::size_t at = 0; at < 64; at += hn::Lanes(kU8)) {
             const std::size_t x = 64 * i + at;
@@ -319,10 +318,10 @@ void steep_pixels(const ThreeRows& grey, std::size_t words, std::uint8_t limit,
 }
 
 bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient, std::size_t width,
-                      const EdgeThresholds& thresholds, std::uint64_t* start,
-                      std::uint64_t* follow) {
-    return HWY_DYNAMIC_DISPATCH(local_maxima_row)(magnitudes, gradient, width, thresholds, start,
-                                                  follow);
+                      const EdgeThresholds& thresholds, const std::uint64_t* steep,
+                      std::uint64_t* start, std::uint64_t* follow) {
+    return HWY_DYNAMIC_DISPATCH(local_maxima_row)(magnitudes, gradient, width, thresholds, steep,
+                                                  start, follow);
 }
 
 }  // namespace simd

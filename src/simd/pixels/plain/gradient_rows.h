@@ -31,12 +31,9 @@ inline void gradient_at(const std::uint8_t* above, const std::uint8_t* row,
 inline void gradient_row(const ThreeRows& grey, std::size_t width, const std::uint64_t* wanted,
                          const GradientRow& out) {
     for (std::size_t x = 0; x < width; ++x) {
-        if (wanted[x / 64] != 0 || x == 0 || x + 1 == width) {
-            gradient_at(grey.above, grey.row, grey.below, x > 0 ? x - 1 : 0, x,
-                        std::min(x + 1, width - 1), out);
-        } else {
-            out.magnitude[x] = 0;
-        }
+        if (wanted[x / 64] == 0 && x != 0 && x + 1 != width) continue;
+        gradient_at(grey.above, grey.row, grey.below, x > 0 ? x - 1 : 0, x,
+                    std::min(x + 1, width - 1), out);
     }
 }
 
@@ -85,13 +82,14 @@ inline bool is_local_maximum(const ThreeRows& m, const GradientRow& gradient, st
 
 inline bool local_maxima_row(const ThreeRows& magnitudes, const GradientRow& gradient,
                              std::size_t width, const EdgeThresholds& thresholds,
-                             std::uint64_t* start, std::uint64_t* follow) {
+                             const std::uint64_t* steep, std::uint64_t* start,
+                             std::uint64_t* follow) {
     std::fill_n(start, (width + 63) / 64, 0);
     std::fill_n(follow, (width + 63) / 64, 0);
     bool found = false;
     for (std::size_t x = 1; x + 1 < width; ++x) {
         const std::uint8_t magnitude = magnitudes.row[x];
-        if (magnitude < thresholds.candidate ||
+        if (steep[x / 64] == 0 || magnitude < thresholds.candidate ||
             !is_local_maximum(magnitudes, gradient, static_cast<std::ptrdiff_t>(x))) {
             continue;
         }
