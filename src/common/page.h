@@ -69,6 +69,5 @@ class Page {
 
 using BitonalPage = Page<PixelKind::kBitonal>;
 using GreyPage = Page<PixelKind::kGrey>;
-using ColourPage = Page<PixelKind::kColour>;
 
 }  // namespace common

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 
 #include "deskew/skew_unit.h"
 #include "frame/buffer.h"
@@ -80,6 +81,13 @@ double measure(const EdgeLines<Cell>& edges, Direction direction, int slope, dou
     return result;
 }
 
+// Without any edges it is not a number, with the sign bit on every machine: what 0 / 0 gives
+// differs between them.
+double confidence_of(const Peak& best, const Peak& worst) {
+    if (best.power == 0.0 && worst.power == 0.0) return -std::numeric_limits<double>::quiet_NaN();
+    return best.power / worst.power;
+}
+
 }  // namespace
 
 template <class Cell>
@@ -122,7 +130,7 @@ LineEstimate estimate_along(const EdgeLines<Cell>& edges, Cell* half_block, Dire
     const SearchResult rough = search_skew(half, direction, kCoarseFan, trace);
     if (trace != nullptr) {
         trace->line("confidence on ", short_name(direction), ": ",
-                    rough.best.power / rough.worst.power);
+                    confidence_of(rough.best, rough.worst));
         trace->line("fine estimation on ", long_name(direction));
     }
     const SearchResult fine =
@@ -130,7 +138,7 @@ LineEstimate estimate_along(const EdgeLines<Cell>& edges, Cell* half_block, Dire
     if (trace != nullptr) trace->line("fine estimation of the confidence");
     const SearchResult low =
         search_skew(edges, direction, {rough.worst.skew, kFineRange, kFineStep}, trace);
-    const double confidence = fine.best.power / low.worst.power;
+    const double confidence = confidence_of(fine.best, low.worst);
     if (trace != nullptr && direction == Direction::kRows)
         trace->line("confidence on rows: ", confidence);
     return {fine.best, confidence};

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <ostream>
 #include <vector>
@@ -117,6 +118,11 @@ inline SearchResult skew_search(const Field& image, Along along, int centre, int
     return found;
 }
 
+// Where nothing has edges, the not-a-number that x86 makes of 0 / 0.
+inline double confidence_of(double best, double worst) {
+    return best == 0 && worst == 0 ? -std::nan("") : best / worst;
+}
+
 struct SkewEstimate {
     int skew;
     double power;
@@ -129,12 +135,13 @@ inline SkewEstimate skew_along(const Field& edges, Along along, std::ostream* tr
     if (trace) *trace << "rough estimation on " << lines << "\n";
     const SearchResult rough = skew_search(reduce_cells(edges), along, 0, 92, 4, trace);
     if (trace)
-        *trace << "confidence on " << where << ": " << rough.best_power / rough.worst_power << "\n";
+        *trace << "confidence on " << where << ": "
+               << confidence_of(rough.best_power, rough.worst_power) << "\n";
     if (trace) *trace << "fine estimation on " << lines << "\n";
     const SearchResult fine = skew_search(edges, along, rough.best, 4, 1, trace);
     if (trace) *trace << "fine estimation of the confidence\n";
     const SearchResult base = skew_search(edges, along, rough.worst, 4, 1, trace);
-    const double confidence = fine.best_power / base.worst_power;
+    const double confidence = confidence_of(fine.best_power, base.worst_power);
     if (trace && along == Along::kRows) *trace << "confidence on rows: " << confidence << "\n";
     return {fine.best, fine.best_power, confidence};
 }
