@@ -7,8 +7,8 @@
 //     begin (extract_row label_row finish_components next_row)* finish_components
 //
 // with the number of the row from 0 on, and in the last step the number of rows. begin() and
-// label_row() return 0, or -1 with a record in the error log where there is no memory; they do not
-// throw. The engine is of no further use then.
+// label_row() do not throw: they are fixed to return 0, or -1 with a record in the error log where
+// there is no memory. The engine is of no further use then.
 //
 // A removal rule has two members:
 //     bool finished(ComponentEngine& engine, std::int32_t slot);
@@ -25,9 +25,11 @@
 // Keep true: coordinates below 65,536; fields are 16-bit patterns of them (run.h).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "common/views.h"
 #include "diag/logger.h"

@@ -12,12 +12,13 @@
 //
 // A rule has three members:
 //     static constexpr bool kInOrder;
-//         components that end in the same row are decided about in the order in which they began;
-//         one made of several began where the leftmost run above the meeting did
+//         whether the rule is asked about components that end in the same row in the order in which
+//         they began. A component that several have become is as old as the one that the leftmost
+//         of their runs above the meeting belongs to.
 //     bool settled(const OpenComponent& open) const;
-//         true for one that will not be erased whatever comes: its runs are released
+//         is true for a component that will not be erased whatever comes. Its runs are released.
 //     bool erases(const OpenComponent& ended);
-//         decides about a finished one, which is erased before the next decision
+//         decides about a finished component. It is erased before the next decision.
 //
 // Memory: two rows of runs, a record for each open component (fewer than width + 3), and 12 bytes
 // for each run of an open component that may yet be erased.
@@ -40,7 +41,7 @@
 namespace ink {
 
 struct OpenComponent : ComponentBox {
-    std::uint32_t sequence;  // rank of its first run among those that touched nothing above
+    std::uint32_t sequence;  // the number of components that began before it
     std::int32_t parent;     // the component that it has become part of; its own label until then
     bool ended;
     RunChains::Chain runs;
@@ -67,7 +68,7 @@ class OpenComponents {
 
     void release(std::int32_t label) { free_labels_[free_count_++] = label; }
 
-    // The component that a label's has become part of.
+    // The label of the component that the label's own has become part of.
     std::int32_t root(std::int32_t label) {
         return find_root(label,
                          [this](std::int32_t i) -> std::int32_t& { return (*this)[i].parent; });
@@ -205,7 +206,8 @@ void ComponentStream<Rule>::decide_about_ended(std::int32_t y) {
     }
 }
 
-// A label is named by the runs of the row below only: once those name the root, it is free.
+// Only the runs of the row that comes next name a merged label: once they name its root, the label
+// is free.
 template <class Rule>
 void ComponentStream<Rule>::drop_merged() {
     if (merged_count_ == 0) return;

@@ -1,7 +1,8 @@
 // The labels of a page labelling (row_labels.h), with the box that each label has collected.
 //
-// Use: label_row(above, row, y, forest) for every row, then resolve(), then number() and
-// take_components().
+// Use, where label_row() is that of row_labels.h for every row:
+//
+//     label_row* resolve number* take_components
 //
 // Keep true: labels are given in raster order. Roots are the smallest of their trees, so a label is
 // never below its parent, one ascending pass resolves the forest, and the numbering follows the

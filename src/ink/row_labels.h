@@ -7,19 +7,22 @@
 //     std::swap(above, row);
 //
 // `labels` is what keeps the components. It has these members, where a run is a PixelRun:
-//     std::int32_t start(run, y);      a component that begins with this run; returns its label
-//     std::int32_t root(label);        the label that stands for the component of this one
-//     std::int32_t unite(root, other); makes two components one; returns its root
+//     std::int32_t start(run, y);
+//         makes a component that begins with this run, and returns its label.
+//     std::int32_t root(label);
+//         returns the label that stands for the component of this one.
+//     std::int32_t unite(root, other);
+//         makes the components of two roots one, and returns its root.
 //     std::int32_t extend(label, root, run, y);
-//         adds a run to a component. `label` is that of the first run above that touches it.
-//         Returns the label of the run.
-//     void pass(label);                called for each run above that no run of the row touches
+//         adds a run to a component and returns the label of the run. `label` is that of the first
+//         run above that touches it.
+//     void pass(label);
+//         is called for each run above that no run of the row touches.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "common/views.h"
 #include "frame/buffer.h"
 #include "ink/extract_runs.h"
 #include "ink/run.h"
