@@ -183,7 +183,7 @@ TEST(Rotation, ReportsEvery256RowsAndByteColumns) {
     }
 }
 
-TEST(Rotation, LongRulesAndBigPieces) {
+TEST(Rotation, LongLinesAndBigPieces) {
     Page page = make_page(70, 1500, 0, Ink::kSparse, 4);
     for (int y = 10; y < 12; ++y) {
         std::fill_n(page.bytes.begin() + y * page.stride + 3, 170, std::uint8_t{0xFF});

@@ -97,7 +97,7 @@ inline void grow_border(const Field& g, Bits& border, const BorderRule& rule) {
 }
 
 // Every pixel with border in the square of `d` pixels to each side joins it.
-inline Bits widen_border(const Bits& border, int d) {
+inline Bits dilate_border(const Bits& border, int d) {
     Bits wide(border.height, border.width);
     for (int y = 0; y < border.height; ++y)
         for (int x = 0; x < border.width; ++x)
@@ -165,7 +165,7 @@ inline int cropimg(unsigned char* image, int type, int height, int width, int st
     });
     Bits border(height, width);
     grow_border(grey, border, {dark, light, step});
-    border = widen_border(border, 8);
+    border = dilate_border(border, 8);
     frame_border(border, 8);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)

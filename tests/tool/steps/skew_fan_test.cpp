@@ -26,7 +26,7 @@ TEST(SkewFan, PeaksWhereTheEstimateLies) {
             tool::draw(page, x, x + 4, top, top + 14);
         }
     }
-    const auto measured = steps::measure_skew(page, steps::whole_window(page), true);
+    const auto measured = steps::measure_skew(page, box_of(page), true);
     ASSERT_TRUE(measured.fan);
     EXPECT_NEAR(measured.skew.numerator, 20, 2);
     std::vector<steps::FanPoint> peaks;
@@ -43,7 +43,7 @@ TEST(SkewFan, PeaksWhereTheEstimateLies) {
     const steps::FanPoint& best = peak_of(peaks);
     EXPECT_DOUBLE_EQ(best.degrees, measured.skew.degrees());
     EXPECT_NEAR(best.score, measured.confidence, 1e-4);
-    EXPECT_FALSE(steps::measure_skew(page, steps::whole_window(page), false).fan);
+    EXPECT_FALSE(steps::measure_skew(page, box_of(page), false).fan);
 }
 
 }  // namespace

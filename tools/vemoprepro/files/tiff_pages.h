@@ -12,9 +12,9 @@ namespace tool::files {
 // True for the first bytes of a classic or a big TIFF file of either byte order.
 bool starts_as_tiff(std::FILE* file);
 
-// The offsets and sizes of all pages from the current one on, thumbnails left out. One walk along
-// the chain: reading every page by its offset afterwards is linear in their number. Errors in the
-// chain are for TiffErrors to tell.
+// The offsets and sizes of all pages from the current one on, thumbnails left out. The
+// chain is followed once: reading every page by its offset afterwards is linear in their number.
+// Errors in the chain are for TiffErrors to tell.
 std::vector<PagePlace> list_tiff_pages(TIFF* tiff);
 
 // Reads a page of packed 8-bit grey or red, green, blue rows straight into a Page: without the 4

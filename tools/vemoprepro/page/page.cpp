@@ -56,4 +56,8 @@ Page copy_of(const Page& page) {
     return copy;
 }
 
+Box box_of(const Page& page) {
+    return {0, 0, page.width, page.height};
+}
+
 }  // namespace tool

@@ -71,6 +71,13 @@ Page make_page(PageKind kind, int width, int height, Resolution dpi);
 Page make_page_like(const Page& page, PageKind kind);
 Page copy_of(const Page& page);
 
+// An upright rectangle of a page, in pixels.
+struct Box {
+    int x, y, width, height;
+};
+// All of the page.
+Box box_of(const Page& page);
+
 // What a page does not allow to be done with it.
 class PageError : public std::runtime_error {
     using std::runtime_error::runtime_error;

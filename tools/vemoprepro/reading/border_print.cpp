@@ -1,7 +1,7 @@
-// The page is looked at in blocks. A block is printed when its greys lie far apart, noise smoothed
-// out. It was painted when all of it, and of the blocks around it, is white on the other page:
-// deep in a border there is nothing but the border's own dark, and the rim of the page lies within
-// a block of what was left of it.
+// The page is looked at in blocks. There is print in a block when its greys lie far apart once
+// noise is smoothed out. A block was painted over when it and the eight blocks around it are all
+// white on the other page. The blocks around it are asked for because a border may reach a block's
+// width into the page's own edge, where print is no mistake.
 #include "reading/border_print.h"
 
 #include <algorithm>
@@ -11,8 +11,8 @@ namespace {
 
 constexpr int kBlock = 16;  // pixels a side
 constexpr int kCell = 4;    // pixels a side of what noise is smoothed over
-// Of the blocks with print so many may be painted: one in this.
-constexpr int kPaintedInOne = 50;
+// Print was painted over when more than one block with print in so many was.
+constexpr int kPrintedPerPainted = 50;
 
 int mean_of_cell(const Page& grey, int x0, int y0) {
     int sum = 0;
@@ -22,7 +22,7 @@ int mean_of_cell(const Page& grey, int x0, int y0) {
     return sum / (kCell * kCell);
 }
 
-// The darkest cell is darker than the lightest by at least two fifths of that.
+// Whether the darkest cell of the block is darker than its lightest by two fifths of the lightest.
 bool is_printed(const Page& grey, int x0, int y0) {
     int darkest = 255, lightest = 0;
     for (int y = y0; y < y0 + kBlock; y += kCell) {
@@ -56,7 +56,7 @@ bool print_was_painted(const Page& grey, const Page& cropped) {
             painted += is_white_around(cropped, x, y);
         }
     }
-    return painted * kPaintedInOne > printed;
+    return painted * kPrintedPerPainted > printed;
 }
 
 }  // namespace tool::reading

@@ -10,7 +10,8 @@ namespace tool::reading {
 // stains and the other side showing through go with it. Throws std::bad_alloc.
 Page bits_for_reading(const Page& grey);
 
-// With all that is fainter as well.
+// With the weakest edges as well: print that bits_for_reading() leaves out is there, and so are
+// stains and the other side. Throws std::bad_alloc.
 Page bits_with_faint_ink(const Page& grey);
 
 }  // namespace tool::reading

@@ -1,8 +1,8 @@
-// The grey of the paper is found block by block. It is the upper quartile of a block's greys, which
-// letters do not reach. Ink that fills a block is not to count as paper either, so the blocks'
-// greys are closed (dilated, then eroded) over the blocks around, and smoothed by their mean.
-// Between the centres of the blocks the grey is interpolated; beyond the outermost centres it is
-// that of the nearest block.
+// The grey of the paper is found block by block: it is the upper quartile of a block's greys, since
+// letters darken less than three quarters of a block. Where ink fills a block all the same, its
+// grey is replaced by a morphological closing over the blocks around it (a dilation, then an
+// erosion); a mean over the same blocks then smooths the greys. Between the centres of the blocks
+// the paper's grey is interpolated; beyond the outermost centres it is that of the nearest block.
 #include "reading/even_light.h"
 
 #include <algorithm>
@@ -15,13 +15,14 @@
 namespace tool::reading {
 namespace {
 
-// The side of a block in pixels: this at 300 dots per inch, and what it grows to within the limits.
-// Fewer pixels hold no certain quartile; more would take the interpolation beyond 2^31.
+// The side of a block in pixels at 300 dots per inch. It grows with the resolution between two
+// limits: the quartile of fewer pixels is uncertain, and with more pixels the interpolation would
+// not fit 32 bits.
 constexpr double kBlock = 16;
 constexpr int kNarrowestBlock = 16;
 constexpr int kWidestBlock = 64;
-// The closing and the mean go over so many blocks to each side. The closing takes ink that is up to
-// 7 blocks wide, 9 mm, off the paper.
+// How many blocks to each side the closing and the mean look at. The closing takes ink of up to 7
+// blocks, 9 mm, for paper that is not seen.
 constexpr int kReach = 3;
 // The grey that all paper becomes, and the darkest that is taken for paper.
 constexpr int kPaper = 240;
@@ -63,8 +64,8 @@ int upper_quartile(const Page& grey, int x0, int x1, int y0, int y1) {
     return level;
 }
 
-// Replaces every grey by what the greys of its row of blocks, and then those of its column, within
-// kReach fold to.
+// Replaces every grey by fold(the greys within kReach of it in its row of blocks), and then in the
+// same way along the columns.
 template <class Fold>
 void fold_around(BlockGrid& grid, Fold fold) {
     for (const bool in_row : {true, false}) {
@@ -124,11 +125,11 @@ Between between_blocks(int x, int side) {
 // The paper's greys of a row of pixels at the centres of the blocks, from block -1 to the one
 // behind the last, times 2 * side.
 void interpolate_down(const BlockGrid& paper, int y, std::vector<int>& row_greys) {
-    const int whole = 2 * paper.side;
+    const int apart = 2 * paper.side;  // two centres, in half pixels
     const auto [j, past] = between_blocks(y, paper.side);
     for (int i = -1; i <= paper.across; ++i) {
         row_greys[static_cast<std::size_t>(i + 1)] =
-            paper.near(i, j) * (whole - past) + paper.near(i, j + 1) * past;
+            paper.near(i, j) * (apart - past) + paper.near(i, j + 1) * past;
     }
 }
 
@@ -136,7 +137,7 @@ void interpolate_down(const BlockGrid& paper, int y, std::vector<int>& row_greys
 
 void even_light(Page& grey) {
     const BlockGrid paper = paper_of(grey);
-    const int whole = 2 * paper.side;
+    const int apart = 2 * paper.side;
     std::vector<Between> places;
     for (int x = 0; x < grey.width; ++x) places.push_back(between_blocks(x, paper.side));
     std::vector<int> row_greys(static_cast<std::size_t>(paper.across) + 2);
@@ -147,8 +148,8 @@ void even_light(Page& grey) {
             const auto [i, past] = places[static_cast<std::size_t>(x)];
             const int* pair = &row_greys[static_cast<std::size_t>(i + 1)];
             const int level =
-                std::max(pair[0] * (whole - past) + pair[1] * past, kDarkestPaper * whole * whole);
-            const int evened = (row[x] * kPaper * whole * whole + level / 2) / level;
+                std::max(pair[0] * (apart - past) + pair[1] * past, kDarkestPaper * apart * apart);
+            const int evened = (row[x] * kPaper * apart * apart + level / 2) / level;
             row[x] = static_cast<unsigned char>(std::min(evened, 255));
         }
     }

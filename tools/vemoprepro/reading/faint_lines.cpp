@@ -1,7 +1,8 @@
-// The lines are the difference of the two pages that are given, a pixel wider on every side since
-// edges differ from page to page. What the page has outside of them, crumbs aside, are letters. A
-// letter's ink reaches into a line: the page's ink is flooded from the letters, and what the flood
-// does not reach is a stub or a crumb. Crumbs that touch no line are the dots of letters and stay.
+// The lines are the ink that the page with lines has and the page without lines has not, dilated by
+// a pixel, since the edges of ink differ between binarizations. The page's ink outside of the lines
+// is letters, except for crumbs of a few pixels. Letters reach into the lines, so the page's ink is
+// flooded from them, and what the flood does not reach is a stub of a line or a crumb. Crumbs that
+// touch no line are the dots of letters, and stay.
 #include "reading/faint_lines.h"
 
 #include <vemoprepro/cleaning.h>
@@ -28,9 +29,9 @@ void add(Page& page, std::size_t index, int ink) {
     page.bytes[index] = static_cast<unsigned char>(page.bytes[index] | ink);
 }
 
-// A pixel more on every side. Padding bits may be set; they are cleared where the result is
+// The ink with its eight neighbours. Padding bits may be set; they are cleared where the result is
 // subtracted from a page.
-Page widened(const Page& ink) {
+Page dilated(const Page& ink) {
     const std::size_t stride = ink.stride();
     Page across = copy_of(ink);
     for (std::size_t i = 0; i < ink.size(); ++i) {
@@ -74,7 +75,7 @@ void take_neighbours(Page& rest, Pixel at, std::vector<Pixel>& found) {
     }
 }
 
-// Takes off `rest` all that hangs together with the ink of the other page.
+// Takes off `rest` all its ink that is connected with the ink of the other page.
 void take_connected(Page& rest, const Page& ink) {
     std::vector<Pixel> found;
     for (int y = 0; y < ink.height; ++y) {
@@ -93,7 +94,7 @@ void take_connected(Page& rest, const Page& ink) {
 }  // namespace
 
 void remove_line_stubs(Page& page, const Page& with_lines, const Page& without_lines, int crumb) {
-    const Page lines = widened(difference(with_lines, without_lines));
+    const Page lines = dilated(difference(with_lines, without_lines));
     const Page outside = difference(page, lines);
     const Page letters = without_crumbs(outside, crumb);
     Page stubs = difference(page, letters);

@@ -15,9 +15,9 @@ namespace {
 
 // A pixel stands out when it differs by more than this from the median.
 constexpr int kImpulse = 60;
-// Neighbours that differ by no more, from which on the median does not either.
+// With so many neighbours that differ from it by no more than kImpulse a pixel does not stand out.
 constexpr int kCompany = 4;
-// The share of impulses is taken from every so manyth row.
+// One row in so many is looked at for the share of impulses.
 constexpr int kSampledRows = 8;
 
 using Counts = std::vector<unsigned char>;

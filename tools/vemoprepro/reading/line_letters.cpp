@@ -13,9 +13,9 @@ namespace {
 
 // By how many rows a stroke stands out of the line that it crosses.
 constexpr double kStandsOut = 1.5;
-// The same in the mean for a stroke that runs along the line.
+// By how many rows, on average over a few columns, a stroke stands out that runs along the line.
 constexpr double kStandsOutAlong = 1.0;
-// The columns to each side that the means go over.
+// How many columns to each side the means are taken over.
 constexpr int kReachOfStroke = 4;
 constexpr int kReachOfThickness = 64;
 // The ragged edge is at most this wide and this high; what exceeds either is a letter.

@@ -58,7 +58,8 @@ int weighted_line(const Weights& across, const unsigned char* at) {
     return weighted(across, at[0], at[1], at[2], at[3]);
 }
 
-// The grey at a place of the page; places off the page see the page's nearest pixels.
+// The grey at a place of the page. Neighbours beyond the page's edge are taken from its nearest
+// pixels.
 unsigned char grey_near_edge(const Page& grey, const WeightTable& table, int x, int y) {
     const int left = (x >> kPlaceBits) - 1;
     const int top = (y >> kPlaceBits) - 1;
@@ -72,7 +73,7 @@ unsigned char grey_near_edge(const Page& grey, const WeightTable& table, int x, 
     return to_grey(weighted(at_place(table, y), lines[0], lines[1], lines[2], lines[3]));
 }
 
-// The same for places that have all of their 4 x 4 pixels on the page.
+// The same, faster, for places whose 4 x 4 pixels all lie on the page.
 unsigned char grey_inside(const Page& grey, const WeightTable& table, int x, int y) {
     const Weights& across = at_place(table, x);
     const std::size_t stride = grey.stride();

@@ -1,8 +1,8 @@
-// From the middle of its seed a line is walked along to the left and to the right. In each column
-// the run of ink at the line's row is looked up. Where that run is about as thick as the line,
-// the line's row follows the middle of the run; elsewhere, in gaps and under letters, it goes
-// straight on. Behind the end of the seed the walk ends when no piece of the line has come for a
-// while; what lies behind the last piece does not belong to the line.
+// From the middle of its seed a line is followed to the left and to the right. In each column the
+// run of ink at the line's row is looked up. Where that run is about as thick as the line, the
+// line's row moves towards the middle of the run; elsewhere, in gaps and under letters, it goes
+// straight on. Behind the end of the seed the line ends where no piece of it has come for a while;
+// what lies behind its last piece does not belong to it.
 #include "reading/ruled_line.h"
 
 #include <algorithm>
@@ -41,15 +41,15 @@ int tallest_looked_at(const LineScale& scale) {
     return scale.thickest + 1;
 }
 
-// Walks along a line to one side.
-class LineWalk {
+// Follows a line to one side.
+class LineFollower {
   public:
-    LineWalk(const Page& page, const LineScale& scale, const RuledLine& line, int y)
+    LineFollower(const Page& page, const LineScale& scale, const RuledLine& line, int y)
         : page_(page), scale_(scale), line_(line), centre_(y * kRowParts + kRowParts / 2) {}
 
-    // The columns of the line from x on, in the order of the walk; step: 1 or -1. All columns of
-    // the seed, whose end in this direction is seed_end, belong to the line.
-    std::vector<LineColumn> go(int x, int seed_end, int step) {
+    // The columns of the line from x on, in the order in which they are reached; step: 1 or -1. All
+    // columns of the seed, whose end in this direction is seed_end, belong to the line.
+    std::vector<LineColumn> follow(int x, int seed_end, int step) {
         std::vector<LineColumn> columns;
         std::size_t kept = 0;  // columns up to the last one that belongs to the line
         for (; x >= 0 && x < page_.width; x += step) {
@@ -72,7 +72,7 @@ class LineWalk {
         column.centre = centre_;
         if (line_.is_alone_in(column)) {
             ++piece_;
-            follow(column);
+            approach(column);
         } else {
             piece_ = 0;
             ++away_;
@@ -81,7 +81,7 @@ class LineWalk {
     }
 
     // Slowly, since a letter's stroke may look like the line.
-    void follow(const LineColumn& column) {
+    void approach(const LineColumn& column) {
         const int middle = (column.y0 + column.y1) * kRowParts / 2;
         centre_ += (middle - centre_) / 16;
     }
@@ -142,9 +142,9 @@ RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale
     line.thickness = thickness;
     const int middle = seed.middle();
     std::vector<LineColumn> left =
-        LineWalk(page, scale, line, seed.y).go(middle - 1, seed.x0 - 1, -1);
+        LineFollower(page, scale, line, seed.y).follow(middle - 1, seed.x0 - 1, -1);
     const std::vector<LineColumn> right =
-        LineWalk(page, scale, line, seed.y).go(middle, seed.x1, 1);
+        LineFollower(page, scale, line, seed.y).follow(middle, seed.x1, 1);
     line.x0 = middle - static_cast<int>(left.size());
     std::reverse(left.begin(), left.end());
     line.columns = std::move(left);

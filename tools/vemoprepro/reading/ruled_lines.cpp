@@ -17,13 +17,12 @@
 namespace tool::reading {
 namespace {
 
-// Of the columns of a line with ink, at least so many per cent hold nothing but the line: text may
-// cover the rest.
+// A line is alone in at least so many per cent of its columns with ink; text may cover the others.
 constexpr int kLeastAlone = 40;
-// Per cent of ink beside a line, at most. Text has up to 22, a double line 26, a screen 32 and more
-// unless it is so light that its dots do not join.
+// At most so many per cent of the pixels beside a line are ink. In text up to 22 are, beside a
+// double line 26, in a screen 32 and more unless it is so light that its dots do not join.
 constexpr int kMostInkBeside = 30;
-// The rows next to a line, its ragged edge, do not count for that.
+// The rows nearest to a line are not counted among those: its ragged edge reaches into them.
 constexpr int kBesideLine = 3;
 
 // Where a line ran: its row at every kApart columns. On a large page full of screen dots there are

@@ -55,7 +55,7 @@ std::string dpi_text(Resolution dpi) {
     return dpi.x == dpi.y ? std::to_string(dpi.x) : size_text(dpi.x, dpi.y);
 }
 
-std::string content_cell(const std::optional<steps::Box>& box) {
+std::string content_cell(const std::optional<Box>& box) {
     if (!box) return empty_cell();
     return number_cell(double{1} * box->width * box->height, size_text(box->width, box->height) +
                                                                  " at " + std::to_string(box->x) +

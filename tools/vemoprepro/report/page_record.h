@@ -17,7 +17,7 @@ struct PageRecord {
     std::optional<steps::Skew> skew;
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<int> threshold;
-    std::optional<steps::Box> content;
+    std::optional<Box> content;
     std::vector<steps::StepNote> steps;
     PageShape output;
     double seconds = 0;

@@ -40,9 +40,9 @@ struct Cells {
     }
 };
 
-// Of a scan: 0 .. 255. Sixteenths are near enough to mark what became lighter; no pixel is made
-// from it.
-int luminance(const std::uint8_t* pixel, int channels) {
+// How light a pixel of a scan looks, 0 .. 255. Sixteenths are near enough to mark what became
+// lighter; no pixel is made from it.
+int lightness(const std::uint8_t* pixel, int channels) {
     return channels == 1 ? pixel[0] : (pixel[0] * 5 + pixel[1] * 9 + pixel[2] * 2) / 16;
 }
 
@@ -94,8 +94,8 @@ std::optional<ScaledPicture> marks_of_removed(const ScaledPicture& before,
     bool any = false;
     for (int y = 0; y < before.height; ++y) {
         for (int x = 0; x < before.width; ++x) {
-            const int lighter_by = luminance(after.at(x, y), after.channels) -
-                                   luminance(before.at(x, y), before.channels);
+            const int lighter_by = lightness(after.at(x, y), after.channels) -
+                                   lightness(before.at(x, y), before.channels);
             const std::uint8_t alpha = mark_strength(lighter_by, bitonal);
             any |= alpha != 0;
             for (const std::uint8_t part : {colour.red, colour.green, colour.blue, alpha}) {

@@ -39,7 +39,7 @@ Json skew_json(const report::PageRecord& record) {
     return json;
 }
 
-Json box_json(const std::optional<steps::Box>& box) {
+Json box_json(const std::optional<Box>& box) {
     if (!box) return nullptr;
     return {{"x", box->x}, {"y", box->y}, {"width", box->width}, {"height", box->height}};
 }

@@ -25,12 +25,12 @@ constexpr int kAgreement = 3;
 // The whole page, which measures most exactly, unless its inner part clearly says something else:
 // then a border or a streak has been measured, and not the text.
 MeasuredSkew measure(const Page& page, bool with_fan) {
-    MeasuredSkew whole = measure_skew(page, whole_window(page), with_fan);
-    const std::optional<SkewWindow> inner = inner_window(page);
-    if (!inner) return whole;
+    MeasuredSkew of_page = measure_skew(page, box_of(page), with_fan);
+    const std::optional<Box> inner = part_within_margins(page);
+    if (!inner) return of_page;
     MeasuredSkew within = measure_skew(page, *inner, with_fan);
-    const bool agree = std::abs(within.skew.numerator - whole.skew.numerator) <= kAgreement;
-    return within.clear() && !(whole.clear() && agree) ? within : whole;
+    const bool agree = std::abs(within.skew.numerator - of_page.skew.numerator) <= kAgreement;
+    return within.clear() && !(of_page.clear() && agree) ? within : of_page;
 }
 
 // The straight page without its pixels.

@@ -58,7 +58,7 @@ Step despeckle_step(const StepOptions& options) {
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
-                return remove_ink(work.page, force, whole(work.page), what,
+                return remove_ink(work.page, force, box_of(work.page), what,
                                   [=](Page& changed) { remove_specks(changed, area, near); });
             }};
 }
@@ -71,7 +71,7 @@ Step textmask_step(const StepOptions& options) {
                     32767, asked.max_height.value_or(scaled_length(work.page, kTallestText)));
                 const std::string what =
                     "all but text of up to " + std::to_string(height) + " pixels height";
-                return remove_ink(work.page, true, whole(work.page), what, [=](Page& changed) {
+                return remove_ink(work.page, true, box_of(work.page), what, [=](Page& changed) {
                     if (pre_tva(changed.bytes.get(), changed.height, changed.width,
                                 static_cast<int>(changed.stride()), static_cast<short>(height),
                                 static_cast<short>(asked.min_density)) != 0) {

@@ -1,11 +1,12 @@
 #include "steps/ink_removal.h"
-#include "steps/number_text.h"
 
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <utility>
+
+#include "steps/number_text.h"
 
 namespace tool::steps {
 namespace {
@@ -25,10 +26,11 @@ std::uint32_t ink_word(const Page& page, int y, int index) {
     return word;
 }
 
-InkCount count_ink(const Page& before, const Page& after, const InkWindow& window) {
+InkCount count_ink(const Page& before, const Page& after, const Box& box) {
     InkCount count;
-    for (int y = window.y0; y < window.y1; ++y) {
-        for (int i = window.x0 / 32; i < window.x1 / 32; ++i) {
+    const int end = (box.x + box.width + 31) / 32;
+    for (int y = box.y; y < box.y + box.height; ++y) {
+        for (int i = box.x / 32; i < end; ++i) {
             const std::uint32_t ink = ink_word(before, y, i);
             count.before += std::popcount(ink);
             count.lost += std::popcount(ink & ~ink_word(after, y, i));
@@ -39,14 +41,10 @@ InkCount count_ink(const Page& before, const Page& after, const InkWindow& windo
 
 }  // namespace
 
-InkWindow whole(const Page& page) {
-    return {0, static_cast<int>(page.stride()) * 8, 0, page.height};
-}
-
-InkWindow inner_part(const Page& page) {
+Box inner_part(const Page& page) {
     const int side = page.width / 256 * 32;
     const int end = page.height / 8;
-    return {side, static_cast<int>(page.stride()) * 8 - side, end, page.height - end};
+    return {side, end, page.width - 2 * side, page.height - 2 * end};
 }
 
 void require_bitonal(const Page& page, const char* step) {
@@ -56,11 +54,11 @@ void require_bitonal(const Page& page, const char* step) {
     }
 }
 
-Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
+Outcome remove_ink(Page& page, bool force, const Box& counted, const std::string& what,
                    const std::function<void(Page&)>& change) {
     Page changed = copy_of(page);
     change(changed);
-    const double share = count_ink(page, changed, window).share();
+    const double share = count_ink(page, changed, counted).share();
     if (!force && share > kMostInk) {
         return {false, "would take " + percent(share) + " of the ink (--force does it)", share};
     }

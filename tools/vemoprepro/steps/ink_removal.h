@@ -14,22 +14,15 @@ namespace tool::steps {
 // A step that takes a greater share of the ink is not done unasked.
 constexpr double kMostInk = 0.1;
 
-// A window of a page; x0 and x1 are multiples of 32, ends exclusive.
-struct InkWindow {
-    int x0, x1, y0, y1;
-};
-
-// The whole page, whose padding bits are white.
-InkWindow whole(const Page& page);
 // The page without an eighth on each side.
-InkWindow inner_part(const Page& page);
+Box inner_part(const Page& page);
 
 // Throws PageError unless the page is bitonal.
 void require_bitonal(const Page& page, const char* step);
 
-// `window` is where the ink is counted. `what`: what was done, for the record. `change` throws when
-// it fails.
-Outcome remove_ink(Page& page, bool force, const InkWindow& window, const std::string& what,
+// `counted` is where the ink is counted, in whole 32-bit words: from the word of its first column
+// to the one of its last. `what`: what was done, for the record. `change` throws when it fails.
+Outcome remove_ink(Page& page, bool force, const Box& counted, const std::string& what,
                    const std::function<void(Page&)>& change);
 
 }  // namespace tool::steps

@@ -63,7 +63,7 @@ Step unline_step(const StepOptions& options) {
                 if (!asked.wanted()) return {false, kSwitchedOff};
                 require_bitonal(work.page, "unline");
                 return remove_ink(
-                    work.page, force, whole(work.page), directions(asked), [&](Page& changed) {
+                    work.page, force, box_of(work.page), directions(asked), [&](Page& changed) {
                         const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
                         if (faint) remove_stubs(changed, *faint, asked);
                         remove_lines(changed, asked);

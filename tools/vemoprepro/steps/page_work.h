@@ -15,11 +15,6 @@
 
 namespace tool::steps {
 
-// A rectangle in pixels of the upright page.
-struct Box {
-    int x, y, width, height;
-};
-
 enum class ResolutionSource { kFile, kOption, kDefault };
 
 // What an earlier run found on a page, to be used instead of being measured.
@@ -53,7 +48,7 @@ struct PageWork {
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<SkewFan> fan;
     std::optional<int> threshold;
-    std::optional<Box> content;  // inside the border that was taken off
+    std::optional<Box> content;  // of the upright page, inside the border that was taken off
     bool heavily_specked = false;
     // The page with ink that is faint beside the rest of it as well, from binarizing it for reading
     // until its ruled lines are removed.

@@ -1,8 +1,8 @@
-// The skew of a window of a bitonal page.
+// The skew of a part of a bitonal page.
 //
-// Use: measure_skew(page, whole_window(page), with_fan).
+// Use: measure_skew(page, box_of(page), with_fan).
 //
-// Keep true: a window has at least kShortestSkewSide pixels a side and starts at a whole byte.
+// Keep true: a part has at least kShortestSkewSide pixels a side and starts at a whole byte.
 #pragma once
 
 #include <optional>
@@ -26,17 +26,11 @@ struct MeasuredSkew {
     bool clear() const { return confidence >= kClearConfidence; }
 };
 
-// Columns x0 .. x0 + width - 1 of the rows y0 .. y0 + height - 1; x0 is a multiple of 8.
-struct SkewWindow {
-    int x0, y0, width, height;
-};
-
-SkewWindow whole_window(const Page& page);
 // The page without a twelfth of each side, where scanner borders, lamp streaks and punch holes lie;
 // none when too little is left.
-std::optional<SkewWindow> inner_window(const Page& page);
+std::optional<Box> part_within_margins(const Page& page);
 
 // with_fan: the fan of the search is kept as well, unless there is no place to write its trace to.
-MeasuredSkew measure_skew(const Page& page, const SkewWindow& window, bool with_fan);
+MeasuredSkew measure_skew(const Page& page, const Box& part, bool with_fan);
 
 }  // namespace tool::steps

@@ -27,7 +27,8 @@ constexpr bool keeps_kind(Command command) {
 
 enum class Binarization { kGradient, kOtsu, kFixed };
 
-// What a step may measure in pixels: none stands for the default, scaled by the resolution.
+// A length or an area in pixels that a step works with. None stands for its default, which is
+// scaled by the resolution.
 using Pixels = std::optional<int>;
 
 struct DespeckleOptions {
