@@ -14,8 +14,6 @@
 // all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
 
-#include <type_traits>
-
 #include "simd/fetch_ahead.h"
 #include "simd/pixels/plain/grey_rows.h"
 
@@ -33,21 +31,8 @@ namespace {
 using I16 = hn::Repartition<std::int16_t, U8>;
 constexpr I16 kI16;
 
-using U32 = hn::Repartition<std::uint32_t, U8>;
 using I32 = hn::Repartition<std::int32_t, U8>;
-constexpr U32 kU32;
 constexpr I32 kI32;
-
-// A register of pixels for the luminance. Its blocks of 16 bytes are filled one by one, so vectors
-// whose size is known only at run time are used as single blocks.
-using Pixels = std::conditional_t<HWY_HAVE_SCALABLE, hn::FixedTag<std::uint8_t, 16>, U8>;
-using PixelPairs = hn::Repartition<std::int16_t, Pixels>;
-using PixelSums = hn::Repartition<std::int32_t, Pixels>;
-constexpr Pixels kPixels;
-constexpr PixelPairs kPixelPairs;
-constexpr PixelSums kPixelSums;
-using VecPixels = hn::Vec<Pixels>;
-using VecPairs = hn::Vec<PixelPairs>;
 
 // What TableLookupBytesOr0() is told, a block of 16 bytes at a time.
 struct ChannelShuffle {
@@ -76,13 +61,13 @@ struct ChannelShuffle {
 static_assert(common::kGreenWeight % 2 == 0);
 
 struct LuminanceWeights {
-    VecPairs first_and_green;
-    VecPairs last_and_green;
+    hn::Vec<I16> first_and_green;
+    hn::Vec<I16> last_and_green;
 
     HWY_INLINE explicit LuminanceWeights(ChannelOrder order) {
         const auto pair = [](std::uint32_t channel) HWY_ATTR {
             const auto both = static_cast<std::int32_t>((common::kGreenWeight / 2) << 16 | channel);
-            return hn::BitCast(kPixelPairs, hn::Set(kPixelSums, both));
+            return hn::BitCast(kI16, hn::Set(kI32, both));
         };
         const bool red_first = order == ChannelOrder::kRedFirst;
         first_and_green = pair(red_first ? common::kRedWeight : common::kBlueWeight);
@@ -105,18 +90,16 @@ HWY_INLINE hn::Vec<D> load_four_of_sixteen(D d, const std::uint8_t* colour) {
 
 // The sums of products of the pixels that load_four_of_sixteen() takes: the luminance is the upper
 // half of each.
-HWY_INLINE hn::Vec<PixelSums> weighted_sums(const std::uint8_t* colour,
-                                            const ChannelShuffle& shuffle,
-                                            const LuminanceWeights& weights) {
-    const VecPixels pixels = load_four_of_sixteen(kPixels, colour);
+HWY_INLINE hn::Vec<I32> weighted_sums(const std::uint8_t* colour, const ChannelShuffle& shuffle,
+                                      const LuminanceWeights& weights) {
+    const VecU8 pixels = load_four_of_sixteen(kU8, colour);
     const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
-        return hn::BitCast(kPixelPairs,
-                           hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kPixels, table)));
+        return hn::BitCast(kI16, hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kU8, table)));
     };
-    auto other = hn::Zero(kPixelSums);
-    auto sums = hn::ReorderWidenMulAccumulate(kPixelSums, pairs(shuffle.first_and_green),
-                                              weights.first_and_green, hn::Zero(kPixelSums), other);
-    sums = hn::ReorderWidenMulAccumulate(kPixelSums, pairs(shuffle.last_and_green),
+    auto other = hn::Zero(kI32);
+    auto sums = hn::ReorderWidenMulAccumulate(kI32, pairs(shuffle.first_and_green),
+                                              weights.first_and_green, hn::Zero(kI32), other);
+    sums = hn::ReorderWidenMulAccumulate(kI32, pairs(shuffle.last_and_green),
                                          weights.last_and_green, sums, other);
     return hn::RearrangeToOddPlusEven(sums, other);
 }
@@ -130,28 +113,26 @@ HWY_INLINE void luminance_vector(const std::uint8_t* colour, const LuminanceWeig
                           HWY_ATTR { return weighted_sums(colour + 12 * i, kShuffle, weights); };
     // Two luminances in the halves of every lane.
     const auto two = [](auto first, auto second) HWY_ATTR {
-        return hn::OddEven(hn::BitCast(kPixelPairs, second),
-                           hn::BitCast(kPixelPairs, hn::ShiftRight<16>(first)));
+        return hn::OddEven(hn::BitCast(kI16, second), hn::BitCast(kI16, hn::ShiftRight<16>(first)));
     };
-    const auto all = hn::BitCast(
-        kPixels, hn::Or(two(sums(0), sums(1)), hn::ShiftLeft<8>(two(sums(2), sums(3)))));
-    hn::StoreU(hn::TableLookupBytes(all, hn::LoadDup128(kPixels, kShuffle.in_order)), kPixels,
-               grey);
+    const auto all =
+        hn::BitCast(kU8, hn::Or(two(sums(0), sums(1)), hn::ShiftLeft<8>(two(sums(2), sums(3)))));
+    hn::StoreU(hn::TableLookupBytes(all, hn::LoadDup128(kU8, kShuffle.in_order)), kU8, grey);
 }
 
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
-    const std::size_t lanes = hn::Lanes(kPixels);
-    constexpr std::size_t read_ahead = 2;  // pixels
-    if (width < lanes + read_ahead) return plain::luminance_row(colour, width, order, grey);
+    const std::size_t lanes = hn::Lanes(kU8);
+    constexpr std::size_t kReadAhead = 2;  // pixels
+    if (width < lanes + kReadAhead) return plain::luminance_row(colour, width, order, grey);
     const LuminanceWeights weights(order);
-    const std::size_t last = width - read_ahead - lanes;
+    const std::size_t last = width - kReadAhead - lanes;
     for (std::size_t x = 0; x < last; x += lanes) {
         luminance_vector(colour + 3 * x, weights, grey + x);
     }
     luminance_vector(colour + 3 * last, weights, grey + last);
-    const std::size_t end = width - read_ahead;
-    plain::luminance_row(colour + 3 * end, read_ahead, order, grey + end);
+    const std::size_t end = width - kReadAhead;
+    plain::luminance_row(colour + 3 * end, kReadAhead, order, grey + end);
 }
 
 HWY_INLINE void clamp_vector(const std::uint8_t* colour, std::uint8_t* grey) {
