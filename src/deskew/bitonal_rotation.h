@@ -18,7 +18,7 @@
 namespace deskew {
 
 // Writes the whole destination; of equal size and stride, without a skew, it becomes the source to
-// the byte. Up to kMaxComponentSkew connected pieces of ink keep their shape.
+// the byte. Up to 32 units connected pieces of ink that are small enough keep their shape.
 bool straighten(common::BitonalView source, Skew skew, common::MutableBitonalView destination,
                 const Progress& progress, diag::LoggerSlot logger = nullptr);
 
