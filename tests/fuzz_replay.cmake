@@ -6,6 +6,7 @@ function(add_fuzz_replay source library)
     add_executable(${fuzzer}_replay ${source} support/fuzz_replay_main.cpp
         support/sanitizer_options.cpp)
     target_link_libraries(${fuzzer}_replay PRIVATE ${library})
+    target_include_directories(${fuzzer}_replay PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     add_test(NAME FuzzCorpus.${name}
         COMMAND ${fuzzer}_replay ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
 endfunction()
