@@ -1,8 +1,13 @@
-// A row is read as 64-bit words with the leftmost pixel in the most significant bit. A word XOR
-// itself moved right by one pixel (the last pixel of the word before moving in) has a 1 exactly
-// where the colour changes, so the runs are the positions of those ones. The scan starts from paper
-// and is followed by paper, which opens and closes the runs at its ends; vectors of one colour are
-// skipped.
+// A row is read as words of 64 pixels, the leftmost one in the most significant bit. A word XOR
+// itself moved right by one pixel, with the last pixel of the word before it moving in, has a 1
+// exactly where the colour changes:
+//
+//     pixels   . . # # # . # .
+//     moved    . . . # # # . #
+//     edges    . . 1 . . 1 1 1      at 2, 5, 6 and 7: the runs are 2 .. 4 and 6
+//
+// So the runs are the positions of those ones. The scan starts from paper and is followed by paper,
+// which opens and closes the runs at its ends; vectors of one colour are skipped.
 //
 // With AVX-512 VBMI2 the ones of a word are turned into positions by one byte compression; the
 // other targets count leading zeros.
@@ -25,7 +30,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The first `bits` (1 .. 63) pixels of the bytes, paper behind them.
+// The first `bits` (1 .. 63) pixels of the bytes, with paper behind them.
 HWY_INLINE std::uint64_t load_tail(const std::uint8_t* bytes, std::int64_t bits,
                                    std::uint64_t flip) {
     std::uint8_t padded[8] = {};
@@ -33,46 +38,80 @@ HWY_INLINE std::uint64_t load_tail(const std::uint8_t* bytes, std::int64_t bits,
     return (common::load_big_endian(padded) ^ flip) & ~(~std::uint64_t{0} >> bits);
 }
 
-// Calls visit(edges, position of the word's first pixel) for each word of the scan; returns true
-// when ink reaches the end of the last word.
+// The scan of a row, word by word. Ink is 1 in its words, whatever it is in the row.
+struct EdgeScan {
+    const std::uint8_t* bytes;  // of the next word
+    std::int64_t left;          // bits of the scan from there on
+    std::int32_t x;             // position of its first pixel
+    std::uint64_t flip;         // all ones where 0-bits are the ink
+    std::uint64_t inside;       // the pixels of the next word that are not before the scan
+    std::uint64_t before = 0;   // the pixel before the next word
+
+    HWY_INLINE EdgeScan(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
+                        bool invert)
+        : bytes(row + x_start / 8),
+          left(std::int64_t{x_start % 8} + width),
+          x(x_start - x_start % 8),
+          flip(invert ? ~std::uint64_t{0} : 0),
+          inside(~std::uint64_t{0} >> x_start % 8) {}
+
+    // The position stays where it is behind the last pixel: it need not be representable.
+    HWY_INLINE void advance(std::int64_t pixels) {
+        bytes += pixels / 8;
+        left -= pixels;
+        if (left > 0) x += static_cast<std::int32_t>(pixels);
+    }
+
+    // Whether a vector of bytes from here on has the colour of the pixel before it throughout, and
+    // so no edge.
+    template <class D>
+    HWY_INLINE bool is_uniform(D d8) const {
+        const std::uint64_t colour = (std::uint64_t{0} - before) ^ flip;
+        const auto same = hn::Set(d8, static_cast<std::uint8_t>(colour));
+        return hn::AllTrue(d8, hn::Eq(hn::LoadU(d8, bytes), same));
+    }
+
+    static HWY_INLINE std::uint64_t edges_of(std::uint64_t word, std::uint64_t before) {
+        return word ^ (word >> 1 | before << 63);
+    }
+
+    template <class Visit>
+    HWY_INLINE void visit_word(Visit& visit) {
+        const std::uint64_t word = (common::load_big_endian(bytes) ^ flip) & inside;
+        visit(edges_of(word, before), x);
+        inside = ~std::uint64_t{0};
+        before = word & 1;
+        advance(64);
+    }
+
+    // The word that the scan ends in, with paper behind its end.
+    template <class Visit>
+    HWY_INLINE void visit_tail(Visit& visit) const {
+        visit(edges_of(load_tail(bytes, left, flip) & inside, before), x);
+    }
+};
+
+// Calls visit(edges, position of the word's first pixel) for each word of the scan that may have
+// edges. Returns whether ink reaches the end of the last word.
 template <class Visit>
 HWY_INLINE bool visit_edges(const std::uint8_t* row, std::int32_t x_start, std::int32_t width,
                             bool invert, Visit visit) {
-    const std::int32_t skipped = x_start % 8;
-    const std::uint8_t* bytes = row + x_start / 8;
-    const std::int64_t bits = std::int64_t{skipped} + width;
-    const std::uint64_t flip = invert ? ~std::uint64_t{0} : 0;
-    std::uint64_t inside = ~std::uint64_t{0} >> skipped;
-    std::uint64_t before = 0;  // the last pixel of the word before
-    std::int32_t x = x_start - skipped;
-    std::int64_t left = bits;
     const hn::ScalableTag<std::uint8_t> d8;
     const std::int64_t block = 8 * static_cast<std::int64_t>(hn::Lanes(d8));
-    while (left >= 64) {
+    EdgeScan scan(row, x_start, width, invert);
+    while (scan.left >= 64) {
         std::int64_t words = 1;
-        if (block >= 64 && left >= block && inside == ~std::uint64_t{0}) {
-            // A vector of the colour that came before it has no edge.
-            const std::uint64_t uniform = (std::uint64_t{0} - before) ^ flip;
-            const auto same = hn::Set(d8, static_cast<std::uint8_t>(uniform));
-            words = block / 64;
-            if (hn::AllTrue(d8, hn::Eq(hn::LoadU(d8, bytes), same))) {
-                bytes += block / 8;
-                left -= block;
-                if (left > 0) x += static_cast<std::int32_t>(block);
+        if (scan.left >= block && scan.inside == ~std::uint64_t{0}) {
+            if (scan.is_uniform(d8)) {
+                scan.advance(block);
                 continue;
             }
+            words = block / 64;
         }
-        for (; words > 0; --words, bytes += 8, left -= 64) {
-            const std::uint64_t word = (common::load_big_endian(bytes) ^ flip) & inside;
-            visit(word ^ (word >> 1 | before << 63), x);
-            inside = ~std::uint64_t{0};
-            before = word & 1;
-            if (left > 64) x += 64;
-        }
+        for (; words > 0; --words) scan.visit_word(visit);
     }
-    if (left == 0) return before != 0;
-    const std::uint64_t word = load_tail(bytes, left, flip) & inside;
-    visit(word ^ (word >> 1 | before << 63), x);
+    if (scan.left == 0) return scan.before != 0;
+    scan.visit_tail(visit);
     return false;
 }
 
@@ -116,8 +155,8 @@ HWY_INLINE std::int32_t* write_edges_loosely(std::uint64_t edges, std::int32_t x
 
 #else
 
-// The same, but may overwrite up to kRunSlack values from `out` on: groups of four whose number
-// rarely changes are easier to foresee than single edges.
+// The same, but may overwrite up to kRunSlack values from `out` on. Edges are written in groups of
+// four, whose number changes rarely and so is easier to predict than that of single edges.
 HWY_INLINE std::int32_t* write_edges_loosely(std::uint64_t edges, std::int32_t x,
                                              std::int32_t* out) {
     std::int32_t* const end = out + std::popcount(edges);

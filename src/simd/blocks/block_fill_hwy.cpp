@@ -80,19 +80,24 @@ struct BlockPermutation {
         for (int i = 0; i < kLanes; ++i) result.from[i] = block * kLanesOfBlock + i % kLanesOfBlock;
         return result;
     }
+
+    HWY_INLINE VecU8 of(VecU8 v) const {
+        const auto lanes = hn::SetTableIndices(kU32, from);
+        return hn::BitCast(kU8, hn::TableLookupLanes(hn::BitCast(kU32, v), lanes));
+    }
+    HWY_INLINE VecU8 from_outside() const { return hn::BitCast(kU8, hn::LoadU(kU32, outside)); }
 };
 
-// A direction: how cells move by some cells inside of their blocks, how blocks move, and which cell
-// and which block are the last ones.
+// A direction: how cells move inside of their blocks, the number of the block before each one
+// relative to its own, and which block and which cell of a block are the last ones.
 struct Forward {
     template <int kCells>
     static HWY_INLINE VecU8 move(VecU8 v) {
         return hn::ShiftLeftBytes<kCells>(kU8, v);
     }
-    template <int kDistance>
-    static constexpr BlockPermutation kMoveBlocks = BlockPermutation::move(-kDistance);
-    static constexpr BlockPermutation kRepeatLastBlock = BlockPermutation::repeat(kBlocks - 1);
-    static constexpr std::uint8_t kLastCell = kBlockCells - 1;
+    static constexpr int block_before() { return -1; }
+    static constexpr int last_block() { return kBlocks - 1; }
+    static constexpr std::uint8_t last_cell() { return kBlockCells - 1; }
 };
 
 struct Backward {
@@ -100,20 +105,10 @@ struct Backward {
     static HWY_INLINE VecU8 move(VecU8 v) {
         return hn::ShiftRightBytes<kCells>(kU8, v);
     }
-    template <int kDistance>
-    static constexpr BlockPermutation kMoveBlocks = BlockPermutation::move(kDistance);
-    static constexpr BlockPermutation kRepeatLastBlock = BlockPermutation::repeat(0);
-    static constexpr std::uint8_t kLastCell = 0;
+    static constexpr int block_before() { return 1; }
+    static constexpr int last_block() { return 0; }
+    static constexpr std::uint8_t last_cell() { return 0; }
 };
-
-HWY_INLINE VecU8 outside_of(const BlockPermutation& permutation) {
-    return hn::BitCast(kU8, hn::LoadU(kU32, permutation.outside));
-}
-
-HWY_INLINE VecU8 permuted(VecU8 v, const BlockPermutation& permutation) {
-    return hn::BitCast(kU8, hn::TableLookupLanes(hn::BitCast(kU32, v),
-                                                 hn::SetTableIndices(kU32, permutation.from)));
-}
 
 // Each cell takes the cell kDistance before it unless that is blocked; `blocked` becomes what is
 // blocked over twice the distance.
@@ -153,18 +148,18 @@ struct BlockEnds {
 
 template <class Direction>
 HWY_INLINE BlockEnds ends_of_blocks(VecU8 cells, VecU8 closed) {
-    const VecU8 last_cell = hn::Set(kU8, Direction::kLastCell);
+    const VecU8 last_cell = hn::Set(kU8, Direction::last_cell());
     return {hn::TableLookupBytes(cells, last_cell), hn::TableLookupBytes(closed, last_cell)};
 }
 
 // step() for ends of blocks. Nothing comes in from outside of the vector.
 template <class Direction, int kDistance>
 HWY_INLINE void block_step(BlockEnds& ends) {
-    constexpr const BlockPermutation& kMove = Direction::template kMoveBlocks<kDistance>;
-    const VecU8 outside = outside_of(kMove);
-    const VecU8 arriving = hn::Or(permuted(ends.values, kMove), outside);
+    static constexpr auto kMove = BlockPermutation::move(kDistance * Direction::block_before());
+    const VecU8 outside = kMove.from_outside();
+    const VecU8 arriving = hn::Or(kMove.of(ends.values), outside);
     ends.values = hn::Min(ends.values, hn::Or(arriving, ends.closed));
-    ends.closed = hn::Or(ends.closed, hn::AndNot(outside, permuted(ends.closed, kMove)));
+    ends.closed = hn::Or(ends.closed, hn::AndNot(outside, kMove.of(ends.closed)));
 }
 
 // The second level. Afterwards the ends tell of all blocks up to each one.
@@ -180,10 +175,10 @@ HWY_INLINE VecU8 entering_blocks(const BlockEnds& ends, VecU8 before) {
     if constexpr (kBlocks == 1) {
         return before;
     } else {
-        constexpr const BlockPermutation& kNext = Direction::template kMoveBlocks<1>;
-        const VecU8 outside = outside_of(kNext);
-        return hn::Min(hn::Or(permuted(ends.values, kNext), outside),
-                       hn::Or(before, hn::AndNot(outside, permuted(ends.closed, kNext))));
+        static constexpr auto kMove = BlockPermutation::move(Direction::block_before());
+        const VecU8 outside = kMove.from_outside();
+        return hn::Min(hn::Or(kMove.of(ends.values), outside),
+                       hn::Or(before, hn::AndNot(outside, kMove.of(ends.closed))));
     }
 }
 
@@ -193,8 +188,8 @@ HWY_INLINE VecU8 leaving_vector(const BlockEnds& ends, VecU8 before) {
     if constexpr (kBlocks == 1) {
         return hn::Min(ends.values, hn::Or(before, ends.closed));
     } else {
-        constexpr const BlockPermutation& kLast = Direction::kRepeatLastBlock;
-        return hn::Min(permuted(ends.values, kLast), hn::Or(before, permuted(ends.closed, kLast)));
+        static constexpr auto kLast = BlockPermutation::repeat(Direction::last_block());
+        return hn::Min(kLast.of(ends.values), hn::Or(before, kLast.of(ends.closed)));
     }
 }
 
