@@ -1,10 +1,13 @@
-// Sums over the pixels and the edge pixels of 4 x 4 blocks, one row of blocks at a time.
+// Sums over the pixels and over the edge pixels of 4 x 4 blocks, one row of blocks at a time.
+// plain/edge_block_sums.h says what is summed up.
 //
-// An edge pixel has a strong gradient (both 3 x 3 Sobel responses, undivided: gx * gx + gy * gy is
-// the measure) and enough contrast (difference of the largest and the smallest of the nine greys
-// around it). The pixels at the page's edge, which lack neighbours, are none.
+// An edge pixel has a steep gradient (gx * gx + gy * gy, of the two 3 x 3 Sobel responses,
+// undivided, reaches a limit) and enough contrast (the difference of the largest and the smallest
+// of the nine greys around and at it). The pixels at the page's edge, which lack neighbours, are
+// none.
 //
-// Use: one call per row of blocks; sums[j] is the block of columns 4 j .. 4 j + 3.
+// Use: one call per row of blocks; sums[j] is that of the block of columns 4 j .. 4 j + 3. Nothing
+// is read beyond the pixels of a row.
 #pragma once
 
 #include <cstddef>
@@ -12,12 +15,12 @@
 
 namespace simd {
 
-// The four rows of a row of blocks with the row above and the row below: six rows of `width` bytes.
-// Rows from .. to - 1 of the four can hold edge pixels; a row above or below that the page has not
-// may be any other row of it.
+// The four rows of a row of blocks, between the row above and the row below: six rows of `width`
+// pixels. Only rows edges_from .. edges_to - 1 of the four can have edge pixels. Where the page has
+// no row above or below, any other row of it stands in.
 struct BlockRows {
     const std::uint8_t* row[6];
-    std::size_t width;  // pixels of the page; what is left behind the last whole block is left out
+    std::size_t width;  // of the page; pixels behind the last full block are left out
     std::size_t edges_from = 0;
     std::size_t edges_to = 4;
 };
@@ -27,8 +30,8 @@ struct EdgeLimits {
     std::uint8_t contrast;          // at least
 };
 
-// An array for each sum, a number for every whole block. `minima` and `maxima` are those of the
-// 3 x 3 pixels around each edge pixel.
+// An array for each sum, with a number for every full block. `minima` and `maxima` are the least
+// and the greatest of the 3 x 3 pixels around each edge pixel.
 struct EdgeBlockSums {
     std::int32_t* grey;  // of all sixteen pixels; the others are of the edge pixels only
     std::int32_t* count;

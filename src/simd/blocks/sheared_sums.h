@@ -1,8 +1,9 @@
 // Sums over the lines of an image of cells that are shifted against each other by a slope, and what
-// surrounds them: the kernels of the skew search.
+// goes with them: the kernels of the skew search. plain/sheared_sums.h says what each function
+// computes.
 //
 // Use: lay the cells out in lines along the direction in which the sums are indexed, so that a
-// candidate slope moves each line as a whole; see deskew::EdgeLines.
+// candidate slope moves each line by a number of cells.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +11,8 @@
 
 namespace simd {
 
-// Zero cells that must stand before and behind every line: the kernels read whole blocks of sums.
-// Neighbouring lines share them.
+// The number of zero cells that must stand before and behind every line, since the kernels work on
+// whole blocks of sums. Neighbouring lines share them.
 template <class Cell>
 constexpr std::size_t kLineMargin = 256 / sizeof(Cell);
 
@@ -28,12 +29,12 @@ struct CellLines {
     std::uint32_t largest = 0;    // at least 1; no cell is greater
 };
 
-// Cells by which a line moves, rounded toward zero.
+// The number of cells by which a line moves, rounded towards zero.
 constexpr std::int64_t line_shift(std::int64_t line, int slope) {
     return line * slope / kSlopeScale;
 }
 
-// Number of different sums of sum_sheared_lines().
+// The number of sums of sum_sheared_lines().
 constexpr std::size_t sheared_length(std::size_t lines, std::size_t length, int slope) {
     const std::int64_t shift = line_shift(static_cast<std::int64_t>(lines) - 1, slope);
     return length + static_cast<std::size_t>(shift < 0 ? -shift : shift);
@@ -46,8 +47,8 @@ constexpr std::size_t sheared_length(std::size_t lines, std::size_t length, int 
 void sum_sheared_lines(const CellLines<std::uint8_t>& image, int slope, double* sums);
 void sum_sheared_lines(const CellLines<std::uint16_t>& image, int slope, double* sums);
 
-// Sum of the squares in any order: equal to the sum in ascending order whenever the values are
-// whole numbers and the result is below 2^53.
+// The sum of the squares, added up in any order: it is exact when the values are integers and it is
+// below 2^53.
 double sum_of_squares(const double* values, std::size_t count);
 
 // out[i] = the four cells 2i and 2i + 1 of both lines together, which must fit in a cell.

@@ -1,10 +1,11 @@
 // Rows on their way from colour to a smoothed grey page: luminance, the clamp on strongly coloured
-// light pixels, the search for contrast and the two kinds of 3 x 3 smoothing.
+// light pixels, the search for contrast and the two kinds of 3 x 3 smoothing. plain/grey_rows.h
+// says what each function computes.
 //
-// Use: one call per row. The forms in simd::plain say what each computes; the vector forms give the
-// same bytes.
+// Use: one call per row of `width` pixels; a colour row has three bytes per pixel.
 //
 // Keep true: input and output rows do not overlap, except that clamp_saturated() works in place.
+// Nothing is read or written beyond the pixels of a row.
 #pragma once
 
 #include <cstddef>
@@ -15,11 +16,11 @@ namespace simd {
 // Which of a pixel's three bytes comes first.
 enum class ChannelOrder { kRedFirst, kBlueFirst };
 
-constexpr int kSaturatedMaximum = 200;  // lighter pixels of strong colour are clamped to this
+constexpr int kSaturatedMaximum = 200;  // grey value that pixels of strong colour are clamped to
 constexpr int kSaturatedChroma = 84;  // difference between channels above which a colour is strong
 
-// Weight of the neighbours in smooth_row(), of 1024 for all nine; 1 .. 127. The centre keeps the
-// rest.
+// Weight of each of the 8 neighbours in smooth_row(), in 1024ths; 1 .. 127. The pixel itself has
+// the rest of the 1024.
 using NeighbourWeight = std::int16_t;
 
 // The luminance of each of `width` pixels of 3 bytes.
@@ -33,12 +34,13 @@ void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t
 bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::size_t count,
                    std::uint8_t limit);
 
-// Inner pixels of `row` drawn towards their 8 neighbours; the first and the last pixel are copied.
+// The weighted mean of each inner pixel of `row` and its 8 neighbours, rounded down; the first and
+// the last pixel are copied.
 void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                 std::size_t width, NeighbourWeight weight, std::uint8_t* out);
 
-// Inner pixels of `row` under the weights 1 2 1 / 2 4 2 / 1 2 1, rounded, halves up. The first and
-// the last pixel of `out` are not written.
+// The mean of the 3 x 3 pixels around each inner pixel of `row` with the weights 1 2 1 / 2 4 2 /
+// 1 2 1, rounded, halves up. The first and the last pixel of `out` are not written.
 void gaussian_row(const std::uint8_t* above, const std::uint8_t* row, const std::uint8_t* below,
                   std::size_t width, std::uint8_t* out);
 

@@ -1,6 +1,6 @@
-// How often each of the 256 levels occurs among bytes.
+// How often each of the 256 grey levels occurs among bytes. plain/histogram.h is the plain form.
 //
-// Use: Histogram counts{}; add_to_histogram(pixels, count, counts) adds to it.
+// Use: Histogram histogram{}; add_to_histogram(pixels, count, histogram) adds to it.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace simd {
 
 using Histogram = std::array<std::uint64_t, 256>;
 
-// counts[v] += number of the `count` bytes that equal v.
+// counts[v] += the number of those of the `count` bytes that are v.
 void add_to_histogram(const std::uint8_t* pixels, std::size_t count, Histogram& counts);
 
 }  // namespace simd

@@ -1,11 +1,12 @@
-// Turns of whole images of one or more bytes per pixel: the exchange of rows and columns, and the
-// half turn.
+// Turns of images of one or more bytes per pixel: the exchange of rows and columns, and the half
+// turn. plain/turn_pixels.h says what each function computes.
 //
 // Use: the strides are signed, so an image is mirrored on the way by handing over its last row and
 // a negative stride: that makes the exchange a quarter turn in either direction.
 //
 // Keep true: source and destination do not overlap; pixel_bytes >= 1. 1, 2, 3 and 4 bytes per pixel
-// are fast, any other size is copied pixel by pixel.
+// are fast, any other number is copied pixel by pixel. Nothing is read or written beyond the pixels
+// of the image.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 // Rows of grey or colour pixels scanned for what is not white, and pixels repainted. White is 255
-// in every byte.
+// in every byte. plain/white_scan.h says what each function computes. Nothing is read or written
+// beyond the pixels.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +8,11 @@
 
 namespace simd {
 
-// Index of the first, or last, byte that is not 255; `count` if there is none.
+// The index of the first, or last, byte that is not 255; `count` if there is none.
 std::size_t first_not_white(const std::uint8_t* bytes, std::size_t count);
 std::size_t last_not_white(const std::uint8_t* bytes, std::size_t count);
 
-// Sums of pixels, per byte of a pixel.
+// The sum of some pixels, for each byte of a pixel, and their number.
 struct PixelSums {
     std::uint64_t bytes[3] = {};
     std::uint64_t count = 0;
@@ -22,16 +23,16 @@ struct PixelSums {
     }
 };
 
-// Adds the pixels that are not white and whose bit in `pending` is set, and clears those bits:
-// pixel x has bit x % 64, counted from the least significant, of word x / 64. Returns whether any
-// bit is left. Bits beyond the width are 0. A pixel has 1 or 3 bytes.
+// Adds those of the pixels whose bit in `pending` is set that are not white, and clears their bits.
+// Returns whether any bit is left. Pixel x has bit x % 64, counted from the least significant one,
+// of word x / 64; bits behind the last pixel are 0. A pixel has 1 or 3 bytes.
 bool take_not_white(const std::uint8_t* row, std::size_t width, std::size_t pixel_bytes,
                     std::uint64_t* pending, PixelSums& sums);
 
-// Sets the bytes that are `from` to `to`.
+// Every byte that is `from` becomes `to`.
 void replace_bytes(std::uint8_t* bytes, std::size_t count, std::uint8_t from, std::uint8_t to);
 
-// Sets the triples that are equal to that of `from` at the same place to that of `to`.
+// Every triple that equals the one of `from` at the same place becomes the one of `to` there.
 void replace_triples(std::uint8_t* triples, std::size_t count, const std::uint8_t* from,
                      const std::uint8_t* to);
 
