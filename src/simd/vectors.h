@@ -38,7 +38,7 @@ HWY_INLINE VecU16 odd_bytes(VecU8 bytes) {
     return hn::ShiftRight<8>(hn::BitCast(kU16, bytes));
 }
 
-// The reverse, for numbers below 256.
+// The bytes of even and odd numbers, which are below 256.
 HWY_INLINE VecU8 interleave(VecU16 even, VecU16 odd) {
     return hn::BitCast(kU8, hn::Or(even, hn::ShiftLeft<8>(odd)));
 }
@@ -57,7 +57,7 @@ HWY_INLINE std::uint64_t bits_of(Mask mask) {
     return bits;
 }
 
-// Lanes of a word from pixel `at` of the word on.
+// A mask of the lanes whose bits are set in a word, from bit `at` on.
 HWY_INLINE hn::Mask<U8> mask_of(std::uint64_t word, std::size_t at) {
     const std::uint64_t bits = word >> at;
     std::uint8_t bytes[8];
@@ -94,8 +94,8 @@ HWY_INLINE void exchange_bits(V& a, V& b, std::uint64_t low) {
     a = hn::Xor(a, hn::ShiftLeft<kBits>(changed));
 }
 
-// For every place the bytes of the 3 x 3 around it that are not 0: their sum in the low 12 bits,
-// which nine bytes do not fill, and how many they are in the high 4.
+// Of the 3 x 3 bytes around and at each place: their sum in the low 12 bits, which nine bytes do
+// not fill, and in the high 4 bits the number of those that are not 0.
 struct SumsAndCounts {
     VecU16 even;
     VecU16 odd;
@@ -107,9 +107,8 @@ HWY_INLINE SumsAndCounts counted(VecU8 bytes) {
             hn::Or(odd_bytes(bytes), hn::ShiftLeft<12>(odd_bytes(ones)))};
 }
 
-// With the rows from one byte to the left on and from one to the right on, the four columns that
-// the bytes x and x + 1 of a lane need, x even, are x - 1 and x in the first and x + 1 and x + 2 in
-// the second.
+// The rows are loaded from one byte to the left on and from one to the right on. For the bytes x
+// and x + 1 of a lane, x even, the former have the columns x - 1 and x, the latter x + 1 and x + 2.
 HWY_INLINE SumsAndCounts sums_around(const std::uint8_t* above, const std::uint8_t* row,
                                      const std::uint8_t* below) {
     const auto column_sums = [&](std::ptrdiff_t from) HWY_ATTR {

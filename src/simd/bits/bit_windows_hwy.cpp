@@ -1,5 +1,5 @@
-// A vector of words at a time, in the direction in which the words that are read have not changed
-// yet: upwards for pixels that follow, downwards for those that precede.
+// Vector forms of bit_windows.h. The words are walked so that those that are read have not been
+// changed yet: upwards for pixels that follow, downwards for pixels that precede.
 #include "simd/bits/bit_windows.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -31,7 +31,7 @@ bool swap_word_bytes(std::uint64_t* words, std::size_t count) {
     return !hn::AllTrue(d, hn::Eq(any, hn::Zero(d)));
 }
 
-// Combines every vector at i with what load_moved(i) gives.
+// Combines every vector with what load_moved(its address) gives.
 template <bool kAnd, bool kFollowing, class LoadMoved>
 HWY_INLINE bool combine_moved(std::uint64_t* words, std::size_t count, LoadMoved load_moved) {
     const U64 d;

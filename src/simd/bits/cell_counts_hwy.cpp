@@ -1,9 +1,10 @@
 // Ink counts of a band of sixteen rows, for cells of 2 x 16 and of 16 x 2 pixels in one pass.
 //
-// A block of bytes of the sixteen rows yields eight rows of wide cells, by the bit counts of bytes,
-// and one row of tall cells, by adding the bits of a byte pairwise and the pairs down the rows in
-// fields of four bits, then eight. The edges of the wide cells leave the kernel transposed, eight
-// cells down a column at a time, because the skew search moves whole columns of them.
+// Sixteen rows of a block of bytes give eight rows of wide cells and one row of tall cells. Wide
+// cells are sums of the bit counts of bytes. For tall cells the bits of a byte are added in pairs,
+// and the pairs down the rows, in fields of four bits at first and of eight in the end. The edges
+// of the wide cells are stored transposed, eight cells down a column side by side, because the skew
+// search moves columns of them.
 #include "simd/bits/cell_counts.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 using U8 = hn::CappedTag<std::uint8_t, kCountBlock>;
 using U16 = hn::Repartition<std::uint16_t, U8>;
 
-// Ink of 2 rows x 16 pixels per 16-bit lane.
+// The ink of 2 rows x 16 pixels in each lane of 16 bits.
 HWY_INLINE hn::Vec<U16> wide_cells(const std::uint8_t* upper, const std::uint8_t* lower) {
     const U8 d8;
     const U16 d16;
@@ -34,8 +35,8 @@ HWY_INLINE hn::Vec<U16> wide_cells(const std::uint8_t* upper, const std::uint8_t
     return hn::Add(hn::And(bytes, hn::Set(d16, 0xFF)), hn::ShiftRight<8>(bytes));
 }
 
-// Eight rows of cells, a vector each, to eight bytes down each column: three perfect shuffles turn
-// (row, column) into (column, row) in every 128-bit block.
+// Stores eight rows of cells, a vector each, as eight bytes for each column: three perfect shuffles
+// exchange rows and columns in every block of 128 bits.
 HWY_INLINE void store_transposed(const std::uint16_t* rows, std::uint8_t* out, std::size_t pitch,
                                  std::size_t columns) {
     const U16 d;
@@ -69,7 +70,7 @@ HWY_INLINE void store_transposed(const std::uint16_t* rows, std::uint8_t* out, s
         std::memcpy(out + column * pitch, tile + column % 8 * lanes + column / 8 * 8, kBandPairs);
 }
 
-// Ink of 16 rows x 2 pixels, four cells per byte.
+// The ink of 16 rows x 2 pixels: four cells for every byte.
 HWY_INLINE void store_tall_cells(const std::uint8_t* const (&from)[kBandRows], std::uint8_t* out) {
     const U8 d8;
     const auto even_bits = hn::Set(d8, 0x55);
@@ -94,7 +95,7 @@ HWY_INLINE void store_tall_cells(const std::uint8_t* const (&from)[kBandRows], s
     hn::StoreInterleaved4(cell0, cell1, cell2, cell3, d8, out);
 }
 
-// One vector of bytes of every row, which starts at byte `byte` of the band.
+// Counts one vector of bytes of every row; it starts at byte `byte` of the band.
 HWY_INLINE void count_block(const CountBand& band, const std::uint8_t* const (&from)[kBandRows],
                             std::size_t byte) {
     const U16 d16;

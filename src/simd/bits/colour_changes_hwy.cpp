@@ -1,6 +1,7 @@
-// A row XOR itself moved left by a pixel has a 1 where the colour changes along the row, XOR the
-// row below where it changes along the column; the ones are counted per byte. A block of columns
-// goes through all its rows before the next one, so that its sums stay in registers.
+// Vector form of colour_changes.h. A row XOR itself moved left by a pixel has a 1 where the colour
+// changes along the row; a row XOR the row below has one where it changes along the column. The
+// ones are counted in each byte. All rows of a block of columns are done before the next block, so
+// that its sums stay in registers.
 #include "simd/bits/colour_changes.h"
 
 #include <cstring>
@@ -19,7 +20,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 using U8 = hn::ScalableTag<std::uint8_t>;
 using VecU8 = hn::Vec<U8>;
 
-// Every byte shifted; there is no shift of bytes.
+// The bits of every byte moved left by one, without a shift: there is none for bytes.
 HWY_INLINE VecU8 doubled(VecU8 bytes) {
     return hn::Add(bytes, bytes);
 }
@@ -30,8 +31,9 @@ HWY_INLINE VecU8 first_pixel(VecU8 bytes) {
     return hn::And(moved, hn::Set(d, 1));
 }
 
-// One block of columns. load(y, moved) gives its bytes in row y, or those `moved` bytes further
-// right; `pixels` and `pairs` mask what counts.
+// Counts one block of columns. load(y, moved) gives its bytes in row y, or those `moved` bytes
+// further to the right. `pixels` has ones for what is in the page, `pairs` for pixels that have a
+// right neighbour there.
 template <class Load>
 HWY_INLINE void count_block(int row_count, bool row_below, VecU8 pixels, VecU8 pairs, Load load,
                             const ChangeCounts& to, std::size_t at) {
@@ -56,7 +58,7 @@ HWY_INLINE void count_block(int row_count, bool row_below, VecU8 pixels, VecU8 p
     hn::StoreU(left, d, to.down_left + at);
 }
 
-// The last columns, fewer than would fill a block and its neighbour to the right.
+// Counts the last columns, which do not fill a block and the byte to its right, by way of copies.
 void count_tail(const std::uint8_t* rows, std::ptrdiff_t stride, int row_count, bool row_below,
                 std::size_t bytes, int last_pixels, const ChangeCounts& to, std::size_t at) {
     const U8 d;

@@ -1,4 +1,4 @@
-// Vectors of 64-bit lanes are counted lane by lane into two sums, which do not wait for each other.
+// Vector form of count_bits.h. Two sums are taken in turn, which do not wait for each other.
 #include "simd/bits/count_bits.h"
 
 #include <bit>

@@ -1,6 +1,6 @@
-// Bit shifts of rows: whole bytes by moving the start of the copy, the remaining 1 .. 7 bits by
-// joining each byte with its right neighbour. The last vector of a row overlaps the one before it
-// instead of running beyond the end.
+// Vector form of shift_bits.h. Eights of pixels are moved by where the copy starts; for the other 1
+// to 7, each byte is joined with its neighbour. The last vector of a row overlaps the one before
+// it, so as not to run beyond the end.
 #include "simd/bits/shift_bits.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// dst[i] = src[i] << left | src[i + 1] >> (8 - left) for i < count; reads src[0] .. src[count].
-// left is 1 .. 7.
+// dst[i] = src[i] << left | src[i + 1] >> (8 - left) for i < count, with left 1 .. 7. Reads src[0]
+// .. src[count].
 void join_neighbours(const std::uint8_t* src, std::size_t count, unsigned left, std::uint8_t* dst) {
     const hn::ScalableTag<std::uint8_t> d;
     const hn::Repartition<std::uint16_t, decltype(d)> d16;

@@ -14,8 +14,8 @@ HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
 
-// Each of the thresholds of Lanes / 4 blocks four times. Widened by zeros, a threshold has the
-// lowest byte of a lane of 32 bits, and shifts copy it to the others.
+// The thresholds of as many blocks as a vector has pixels of, each four times. When a threshold is
+// widened to 32 bits, it stands in the lowest byte of its lane; shifts copy it to the others.
 HWY_INLINE VecU8 four_times(const std::uint8_t* thresholds) {
     const hn::Repartition<std::uint32_t, U8> quads;
     const hn::Rebind<std::uint8_t, decltype(quads)> quarter;
@@ -37,7 +37,7 @@ void set_below_blocks(const std::uint8_t* grey, const std::uint8_t* thresholds, 
     }
 }
 
-// All ones where the sum of the nine pixels is below the limit.
+// All ones where the sum of the nine pixels around and at a pixel is below the limit.
 HWY_INLINE VecU8 sum_below(const ThreeRows& grey, std::size_t x, VecU16 limit) {
     VecU16 column[4];
     for (int side = 0; side < 2; ++side) {
@@ -54,7 +54,7 @@ HWY_INLINE VecU8 sum_below(const ThreeRows& grey, std::size_t x, VecU16 limit) {
     return hn::BitCast(kU8, hn::Or(hn::ShiftRight<8>(even), hn::ShiftLeft<8>(odd)));
 }
 
-// Where all dark pixels are black already, which is nearly everywhere, nothing is left to find out.
+// In nearly all words every dark pixel is black already; their surroundings need not be looked at.
 void set_dark_areas(const ThreeRows& grey, std::size_t width, std::uint8_t level,
                     std::uint64_t* bits) {
     const VecU8 levels = hn::Set(kU8, level);
@@ -88,9 +88,9 @@ HWY_INLINE VecU8 reversed_bits(VecU8 bytes) {
     return hn::Or(hn::BitCast(kU8, moved), hn::TableLookupBytes(table, high));
 }
 
-// The bytes of a word are in the order of the machines that the library is for, the least
-// significant one first. The last vector overlaps the one before it: setting a pixel again changes
-// nothing.
+// Words have their least significant byte first (see common/byte_order.h), so that byte i of the
+// words belongs to byte i of the row. The last vector overlaps the one before it: setting a pixel
+// again changes nothing.
 void set_pixels(std::uint64_t* bits, std::size_t width, std::uint8_t* row) {
     const std::size_t lanes = hn::Lanes(kU8);
     const std::size_t count = (width + 7) / 8;

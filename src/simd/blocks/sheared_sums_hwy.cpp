@@ -1,10 +1,10 @@
-// Kernels of the skew search.
+// Vector forms of sheared_sums.h.
 //
-// Sheared sums are taken block by block of the result: the block stays in registers while every
-// line that meets it is added from its own offset, so that a vector of cells costs one unaligned
-// load and one addition. Lanes of a cell hold as many lines as the largest cell allows (7 lines of
-// bitonal edges); then they are widened to lanes twice as wide, which hold many more (2047 of
-// them), and these to doubles, in which whole numbers below 2^53 add exactly.
+// The sums are taken a block at a time. The block stays in registers while every line that meets it
+// is added from that line's offset, so that a vector of cells costs one unaligned load and one
+// addition. Sums are of the width of a cell for as many lines as the largest cell allows (7 lines
+// of bitonal edges), then of twice that width for many more (2047 of them), and doubles in the end,
+// in which integers below 2^53 add exactly.
 #include "simd/blocks/sheared_sums.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Vectors of cells and of sums twice as wide.
+// Vectors of cells, and of sums that are twice as wide.
 template <class Cell>
 using Cells = hn::CappedTag<Cell, kLineMargin<Cell> / 4>;
 template <class Cell>
@@ -131,7 +131,7 @@ HWY_INLINE hn::Vec<hn::ScalableTag<double>> load_doubles(const std::int32_t* fro
     return hn::PromoteTo(d64, hn::LoadU(hn::Rebind<std::int32_t, decltype(d64)>(), from));
 }
 
-// sums[i] += the wide sums, in order.
+// Adds the wide sums to `sums`, in the order of the cells.
 template <class Cell>
 HWY_INLINE void add_to_doubles(const WideSums<Cell>& wide, double* sums) {
     // Wide sums of 16-bit cells leave the sign bit free: the conversion of signed values is

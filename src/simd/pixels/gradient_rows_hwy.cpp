@@ -1,9 +1,8 @@
 // Vector forms of gradient_rows.h, a word of 64 pixels at a time.
 //
-// Pixels are worked on in 16 bits, two to a lane of 16 bits where that is possible: the even
-// pixels of a vector of bytes and the odd ones apart, so that nothing has to be widened or packed.
-//
-// Magnitudes start from an approximate root, which whole numbers then put right.
+// The even and the odd pixels of a vector of bytes are worked on apart, in lanes of 16 bits, so
+// that nothing has to be widened or packed. Magnitudes start from an approximate root in single
+// precision, which is then corrected in integers.
 #include "simd/pixels/gradient_rows.h"
 
 #include "simd/fetch_ahead.h"
@@ -37,7 +36,7 @@ HWY_INLINE VecU16 as_u16(VecI16 words) {
     return hn::BitCast(kU16, words);
 }
 
-// The two halves of each lane of 32 bits: the even and the odd ones of the numbers.
+// The numbers at even and at odd places, in lanes of 32 bits.
 HWY_INLINE hn::Vec<I32> low_halves(VecU16 words) {
     return hn::And(hn::BitCast(kI32, words), hn::Set(kI32, 0xFFFF));
 }
@@ -46,9 +45,9 @@ HWY_INLINE hn::Vec<I32> high_halves(VecU16 words) {
     return hn::ShiftRight<16>(hn::BitCast(kI32, words));
 }
 
-// In the low 16 bits, at most 1 from the nearest root of a square above 0, on any machine: a
-// relative error of 1 / 256 would do. A number that is added to 2^23 is rounded to a whole one, and
-// stands in the lowest bits of the sum.
+// The root of a square above 0 in the low 16 bits of each lane, at most 1 away from the nearest
+// integer root on any machine: for that a relative error of 1 / 256 would do. A number that is
+// added to 2^23 is rounded to an integer, which stands in the lowest bits of the sum.
 HWY_INLINE VecU16 approximate_root(hn::Vec<I32> squares) {
     const auto x = hn::ConvertTo(kF32, squares);
     const auto root = hn::Mul(x, hn::ApproximateReciprocalSqrt(x));
@@ -61,7 +60,8 @@ HWY_INLINE VecU16 halves(VecU16 low, VecU16 high) {
     return hn::BitCast(kU16, hn::Or(low_half, hn::ShiftLeft<16>(hn::BitCast(kI32, high))));
 }
 
-// Of squares below 2^15. A root r is the nearest one for squares r * r - r + 1 .. r * r + r.
+// The nearest integer roots of squares below 2^15. A root r is the nearest one of the squares from
+// r * r - r + 1 to r * r + r.
 HWY_INLINE VecU16 rounded_roots(VecU16 squares) {
     const VecU16 one = hn::Set(kU16, std::uint16_t{1});
     const VecU16 positive = hn::Max(squares, one);
@@ -79,14 +79,14 @@ HWY_INLINE VecU16 component(VecI16 response) {
     return hn::Min(hn::ShiftRight<2>(size), hn::Set(kU16, std::uint16_t{127}));
 }
 
-// Of squares up to 15: the table has their rounded roots.
+// The nearest roots of squares up to 15, from a table.
 HWY_INLINE VecU8 small_roots(VecU16 even, VecU16 odd) {
     alignas(16) constexpr std::uint8_t kRoots[16] = {0, 1, 1, 2, 2, 2, 2, 3,
                                                      3, 3, 3, 3, 3, 4, 4, 4};
     return hn::TableLookupBytes(hn::LoadDup128(kU8, kRoots), interleave(even, odd));
 }
 
-// On most of the paper of a page all gradients of a vector are small.
+// On most of the paper of a page, all gradients of a vector are so small that the table will do.
 HWY_INLINE VecU8 magnitudes(VecU16 even, VecU16 odd) {
     const VecU16 small = hn::Set(kU16, std::uint16_t{15});
     if (hn::AllTrue(kU16, hn::Eq(hn::Max(hn::Max(even, odd), small), small))) {
@@ -102,8 +102,8 @@ struct Gradient {
     VecU16 down;
 };
 
-// `right`, `left`: sums of three pixels of the columns beside, weighted 1 2 1; `lower`, `upper`:
-// likewise of the rows.
+// From the sums of three pixels, weighted 1 2 1, of the columns beside a pixel and of the rows
+// above and below it.
 HWY_INLINE Gradient gradient(VecU16 left, VecU16 right, VecU16 upper, VecU16 lower) {
     const VecI16 gx = as_i16(hn::Sub(right, left));
     const VecI16 gy = as_i16(hn::Sub(lower, upper));
@@ -116,9 +116,9 @@ HWY_INLINE Gradient gradient(VecU16 left, VecU16 right, VecU16 upper, VecU16 low
     return {squares, hn::Or(across, opposite), down};
 }
 
-// With `before` the rows from one pixel to the left on and `behind` from one to the right, the lane
-// of pixels x and x + 1, x even, has x - 1 and x in the bytes of `before` and x + 1 and x + 2 in
-// those of `behind`: the four columns that the two pixels need.
+// The rows are loaded from one pixel to the left on (`before`) and from one to the right on
+// (`behind`). For the pixels x and x + 1 of a lane, x even, its bytes are x - 1 and x in the
+// former, x + 1 and x + 2 in the latter: the four columns that the two pixels need.
 HWY_INLINE void gradient_vector(const std::uint8_t* above, const std::uint8_t* row,
                                 const std::uint8_t* below, const GradientRow& out, std::size_t x) {
     const VecU8 above_before = hn::LoadU(kU8, above - 1);

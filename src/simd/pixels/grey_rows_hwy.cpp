@@ -10,7 +10,7 @@
 // floor(weight * d / 1024), and floor(weight * d / 1024) is the high half of the 16-bit product (64
 // * weight) * d; |d| <= 2040 and 64 * weight <= 8128.
 //
-// A row that is not a whole number of vectors ends with a vector that overlaps the one before it:
+// A row that is not a number of full vectors ends with a vector that overlaps the one before it:
 // all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
 
@@ -207,16 +207,17 @@ bool differs_above(const std::uint8_t* first, const std::uint8_t* second, std::s
     return !hn::AllTrue(kU8, hn::Eq(found, hn::Zero(kU8)));
 }
 
-// `sum` of the nine pixels around and at `centre`.
+// The weighted means; `sum` is of the nine pixels around and at `centre`.
 HWY_INLINE VecU16 drawn_to_neighbours(VecU16 sum, VecU16 centre, hn::Vec<I16> scale) {
     const VecU16 nine = hn::Add(hn::ShiftLeft<3>(centre), centre);
     const auto difference = hn::BitCast(kI16, hn::Sub(sum, nine));
     return hn::Add(centre, hn::BitCast(kU16, hn::MulHigh(difference, scale)));
 }
 
-// Lanes pixels from `row` on. With `left` the three rows one pixel to the left and `right` one
-// pixel to the right, the even lane x has x - 1 and x in the bytes of `left`, x + 1 and x + 2 in
-// those of `right`: the columns that the even and the odd pixel need, two of them in common.
+// Smooths a vector of pixels from `row` on. The rows are loaded from one pixel to the left on and
+// from one to the right on. For the pixels x and x + 1 of a lane, x even, its bytes are x - 1 and x
+// in the former, x + 1 and x + 2 in the latter: the columns that the two pixels need, two of them
+// in common.
 HWY_INLINE void smooth_vector(const std::uint8_t* above, const std::uint8_t* row,
                               const std::uint8_t* below, hn::Vec<I16> scale, std::uint8_t* out) {
     const VecU8 above_left = hn::LoadU(kU8, above - 1);
@@ -255,7 +256,7 @@ void smooth_row(const std::uint8_t* above, const std::uint8_t* row, const std::u
     out[width - 1] = row[width - 1];
 }
 
-// Lanes pixels from `row` on; the columns are those of smooth_vector().
+// Smooths a vector of pixels from `row` on; the columns are those of smooth_vector().
 HWY_INLINE void gaussian_vector(const std::uint8_t* above, const std::uint8_t* row,
                                 const std::uint8_t* below, std::uint8_t* out) {
     const auto columns = [=](std::ptrdiff_t from, VecU16& even, VecU16& odd) HWY_ATTR {

@@ -1,4 +1,5 @@
-// Vector forms of midpoint_rows.h. Most words of most pages have no edge in or around them.
+// Vector forms of midpoint_rows.h. Most words of most pages have no edge in or around them, and are
+// passed over.
 #include "simd/pixels/midpoint_rows.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -62,8 +63,9 @@ bool midpoint_row(const ThreeRows& grey, const std::uint64_t* edges, std::size_t
     return hidden;
 }
 
-// The mean of `count` bytes of which `sum` is made up is above a grey exactly when the sum is at
-// least count * (grey + 1), so that nothing has to be divided; without any byte the sum is 0.
+// All ones where the mean, rounded down, of the bytes that are not 0 is above the grey. It is
+// exactly when their sum is at least their number times grey + 1, so nothing has to be divided;
+// without any such byte the sum is 0.
 HWY_INLINE hn::Vec<U16> above_grey(VecU16 sums_and_counts, VecU16 grey) {
     const VecU16 one = hn::Set(kU16, std::uint16_t{1});
     const VecU16 sums = sums_of(sums_and_counts);

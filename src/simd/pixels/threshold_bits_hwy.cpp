@@ -16,7 +16,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Whole vectors from pixel `x` on; returns where they end.
+// Packs vectors from pixel `x` on, as long as they are full; returns where they end.
 template <class Tag>
 HWY_INLINE std::size_t pack_vectors(Tag bytes, const std::uint8_t* grey, std::size_t x,
                                     std::size_t width, std::uint8_t threshold, std::uint8_t* bits) {

@@ -228,6 +228,12 @@ HWY_INLINE bool fits(const Exchange& exchange) {
     return exchange.rows >= Kernel::kRows && exchange.columns >= Kernel::kColumns + 2;
 }
 
+// An image that is smaller than a block. Apart, so that it does not weigh on the loops above.
+HWY_NOINLINE void copy_singly(const Exchange& exchange, std::size_t pixel_bytes) {
+    plain::transpose_pixels(exchange.src, exchange.src_stride, exchange.rows, exchange.columns,
+                            pixel_bytes, exchange.dst, exchange.dst_stride);
+}
+
 template <class Wide, class Narrow>
 void transpose(const Exchange& exchange) {
     if (fits<Wide>(exchange)) {
@@ -235,8 +241,7 @@ void transpose(const Exchange& exchange) {
     } else if (fits<Narrow>(exchange)) {
         run_tiles<Narrow>(exchange, kTileRows, kTileColumns);
     } else {
-        plain::transpose_pixels(exchange.src, exchange.src_stride, exchange.rows, exchange.columns,
-                                Narrow::kPixelBytes, exchange.dst, exchange.dst_stride);
+        copy_singly(exchange, Narrow::kPixelBytes);
     }
 }
 

@@ -1,5 +1,5 @@
-// Vector forms of white_scan.h. Scans read whole vectors as far as they go and finish byte by byte;
-// a vector without a match is passed over without a write.
+// Vector forms of white_scan.h. Scans read full vectors as long as there are any, and finish byte
+// by byte. A vector without a match is not written.
 #include "simd/pixels/white_scan.h"
 
 #include <bit>
@@ -40,7 +40,7 @@ std::size_t last_not_white(const std::uint8_t* bytes, std::size_t count) {
     return found == end ? count : found;
 }
 
-// Bits of the pixels among 64 that are not white.
+// A bit for each of 64 pixels that is not white.
 HWY_INLINE std::uint64_t not_white_bits(const std::uint8_t* pixels, std::size_t pixel_bytes) {
     std::uint8_t stored[8 + 8] = {};  // StoreMaskBits may write a whole vector's worth
     for (std::size_t i = 0; i < 64; i += hn::Lanes(kU8)) {
