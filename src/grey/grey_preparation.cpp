@@ -158,8 +158,10 @@ void write_grey(const Source& source, const Region& region, const GreyOptions& o
         std::copy_n(pixels.data(), size, out);
         return;
     }
+    const MutableGreyView grey{out, region.height(), region.width(), region.width()};
     Finish finish(region, options);
-    read_rows(source, region, {out, region.height(), region.width(), region.width()}, finish);
+    read_rows(source, region, grey, finish);
+    finish.undither_and_smooth(grey);
 }
 
 }  // namespace grey

@@ -14,7 +14,6 @@
 // all four are functions of their input pixels alone (clamping twice changes nothing).
 #include "simd/pixels/grey_rows.h"
 
-#include "simd/fetch_ahead.h"
 #include "simd/pixels/plain/grey_rows.h"
 
 #undef HWY_TARGET_INCLUDE
