@@ -1,5 +1,5 @@
 // The transparent colour of a PNG file: without its chunk the file is as it was before and behind
-// it, and in an image of the file's depth the pixels of that colour, and no others, become white.
+// it.
 //
 // Input: the file.
 #include <algorithm>
@@ -27,37 +27,13 @@ void check_file_without(std::FILE* file, const PngColourKey& key, const std::uin
     check(std::equal(chunk, rest.end(), data + key.chunk_at + key.chunk_size));
 }
 
-void check_painting(const PngColourKey& key) {
-    const bool colour = key.samples.size() == 3;
-    const int depth = colour ? 32 : key.depth;
-    if (!colour && depth != 2 && depth != 4 && depth != 8) return;
-    const l_uint32 white = colour ? 0xFFFFFF00 : (1U << depth) - 1;
-    l_uint32 wanted = key.samples[0];
-    if (colour) {
-        const auto part = [&](std::size_t i) {
-            return key.depth == 16 ? key.samples[i] >> 8 : key.samples[i] & 255;
-        };
-        wanted = part(0) << 24 | part(1) << 16 | part(2) << 8;
-    }
+// An image of the file's depth is painted without harm; what becomes white, the tests of formats
+// say.
+void paint(const PngColourKey& key) {
+    const int depth = key.samples.size() == 3 ? 32 : key.depth;
+    if (depth != 1 && depth != 2 && depth != 4 && depth != 8 && depth != 32) return;
     const tool::files::PixOwner image = tool::files::make_pix(3, 2, depth);
-    const l_uint32 others[] = {wanted ^ (colour ? 0x100U : 1U), white, 0};
-    const auto set = [&](int x, int y, l_uint32 value) {
-        pixSetPixel(image.get(), x, y, colour ? value : value & white);
-    };
-    for (int x = 0; x < 3; ++x) {
-        set(x, 0, wanted);
-        set(x, 1, others[x]);
-    }
-    const tool::files::PixOwner before(pixCopy(nullptr, image.get()));
     tool::files::paint_colour_key(image.get(), key);
-    for (int y = 0; y < 2; ++y) {
-        for (int x = 0; x < 3; ++x) {
-            l_uint32 old = 0, now = 0;
-            pixGetPixel(before.get(), x, y, &old);
-            pixGetPixel(image.get(), x, y, &now);
-            check(now == (old == wanted ? white : old));
-        }
-    }
 }
 
 }  // namespace
@@ -69,6 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!key) return 0;
     check(key->samples.size() == 1 || key->samples.size() == 3);
     check_file_without(file.get(), *key, data, size);
-    check_painting(*key);
+    paint(*key);
     return 0;
 }

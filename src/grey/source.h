@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "common/callbacks.h"
+#include "common/rectangle.h"
 #include "frame/buffer.h"
 
 namespace grey {
@@ -34,23 +35,14 @@ struct Source {
     std::size_t row_bytes() const { return static_cast<std::size_t>(width) * (colour() ? 3 : 1); }
 };
 
-// Pixels x0 <= x < x1 of rows y0 <= y < y1.
-struct Region {
-    int x0 = 0;
-    int x1 = 0;
-    int y0 = 0;
-    int y1 = 0;
-
-    int width() const { return x1 - x0; }
-    int height() const { return y1 - y0; }
-};
+// The part of the source that is wanted.
+using Region = common::Rectangle;
 
 // Whether the region can be taken from rows of this width. A region that reaches beyond the right
 // end of the row is refused: there is nothing there to binarize. There is no such check for the
 // bottom, since only the reader knows where the page ends.
 inline bool acceptable(int width, const Region& region) {
-    return width >= 1 && region.x0 >= 0 && region.y0 >= 0 && region.x1 > region.x0 &&
-           region.y1 > region.y0 && region.x1 <= width;
+    return width >= 1 && region.x0 >= 0 && region.y0 >= 0 && !region.empty() && region.x1 <= width;
 }
 
 inline bool known_type(int type) {

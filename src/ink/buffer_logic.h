@@ -1,7 +1,8 @@
 // Whole bitonal buffers combined byte by byte, their ink counted, and spans of a row painted.
 //
 // The buffers have rows * stride bytes and the same geometry; padding bits take part. All but the
-// count are fixed to return a status, which is always 0.
+// count are fixed to return a status, which is always 0. Nothing calls or_buffers() and
+// xor_buffers() yet.
 #pragma once
 
 #include <cstddef>

@@ -36,6 +36,7 @@ void dilate(Along along, std::int32_t n, common::MutableBitonalView page,
             const common::Rectangle& zone);
 
 // Takes `n` pixels from both ends of every run of more than 2 n pixels and clears the others.
+// Nothing in the library calls it yet.
 void erode(Along along, std::int32_t n, common::MutableBitonalView page,
            const common::Rectangle& zone);
 

@@ -42,6 +42,12 @@ int guess_lightest_common(const common::GreyView& grey) {
     return lightest_common(histogram({grey.data, rows, grey.width, grey.stride * kSampledRows}));
 }
 
+// Halfway, rounded up, between the darkest level that occurs and the lightest one that more than a
+// sixteenth of the pixels reach.
+int halfway_up(int lightest_common, int darkest) {
+    return (lightest_common + darkest + 1) >> 1;
+}
+
 // What is known of the light and the dark end of a set of pixels.
 class Ends {
   public:
@@ -63,7 +69,7 @@ class Ends {
     int white_level() const {
         std::size_t k = simd::kLightLevels - 1;
         while (!make_white(counts_.at_least[k], pixels_)) --k;
-        return binarization::white_level(first_ + static_cast<int>(k), counts_.least);
+        return halfway_up(first_ + static_cast<int>(k), counts_.least);
     }
 
   private:
@@ -76,7 +82,7 @@ int counted_white_level(const common::GreyView& grey) {
     const Histogram counts = histogram(grey);
     int darkest = 0;
     while (counts[static_cast<std::size_t>(darkest)] == 0) ++darkest;
-    return white_level(lightest_common(counts), darkest);
+    return halfway_up(lightest_common(counts), darkest);
 }
 
 std::uint8_t to_page_scale(int scaled) {
@@ -103,10 +109,6 @@ int white_for(int black1, const common::GreyView& grey) {
 }
 
 }  // namespace
-
-int white_level(int lightest_common, int darkest) {
-    return (lightest_common + darkest + 1) >> 1;
-}
 
 DarkLevels page_levels(const common::GreyView& grey, const DarkLevels& settings) {
     if (settings.black1 == 0) return {};

@@ -14,10 +14,6 @@ struct DarkLevels {
     std::uint8_t black2 = 0;  // the lowest threshold that a block may have
 };
 
-// Halfway, rounded up, between the darkest level that occurs and the lightest one that more than a
-// sixteenth of the pixels reach.
-int white_level(int lightest_common, int darkest);
-
 // The settings on the scale of the page. The whole image is looked at, and the image without its
 // outer twelfth on each side, whose darkness is often the scanner's and not the paper's.
 DarkLevels page_levels(const common::GreyView& grey, const DarkLevels& settings);
