@@ -166,7 +166,8 @@ TEST(Despeckle, RefusesWhatCannotBeWorkedOn) {
                                  {2, 8, 131072},  {65538, 65544, 65537},
                                  {INT_MIN, 8, 1}, {2, 65545, 65537}};
     const auto keep = [](void*, int, int, int) { return 0; };
-    for (const auto& [height, width, stride] : kCases) {
+    for (const auto& size : kCases) {
+        const int height = size[0], width = size[1], stride = size[2];
         for (const bool null_image : {false, true}) {
             for (const int distance : {0, 1, -1}) {
                 SCOPED_TRACE(testing::Message() << height << " x " << width << " / " << stride

@@ -103,8 +103,8 @@ HWY_INLINE VecU8 is_steep(const std::uint8_t* above, const std::uint8_t* row,
     return hn::BitCast(kU8, hn::Or(hn::ShiftRight<8>(even_steep), hn::ShiftLeft<8>(odd_steep)));
 }
 
-// The sums of a strip's blocks while rows are added. The halves hold sums of two columns: at most
-// 4 rows of 2 * 255.
+// The sums of a strip's blocks while rows are added. Lanes of 16 bits are sums of two columns: at
+// most 4 rows of 2 * 255.
 struct StripSums {
     VecU16 count;
     VecU16 minima;

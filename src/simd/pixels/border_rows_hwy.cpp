@@ -27,7 +27,7 @@ HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {
 namespace {
 
-static_assert(kMaskBlock == 64);  // whole vectors of word_vectors.h
+static_assert(kMaskBlock == 64);  // a number of full vectors
 constexpr hn::CappedTag<std::uint64_t, 8> kMarks;
 
 HWY_INLINE VecU16 u16(std::uint16_t value) {

@@ -1,6 +1,6 @@
 // Vector form of light_counts.h. How many of the levels a pixel reaches is a number from 0 to 8,
 // and a table tells what that adds to the counts, two of which share a byte of each lane; they are
-// added up before they can pass 15. A row that is not a whole number of vectors ends with one that
+// added up before they can pass 15. A row that is not a number of full vectors ends with one that
 // overlaps the one before; what it has in common with that is counted as 0, which reaches no level.
 #include "simd/pixels/light_counts.h"
 

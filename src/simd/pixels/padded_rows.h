@@ -1,7 +1,7 @@
 // Rows of bytes with padding, for kernels that look at three rows of pixels or of blocks at once.
 //
 // Keep true: every row has kRowPad readable and writable bytes before its first byte, and kRowPad
-// behind its last one, counted from the next multiple of 64. Kernels work on whole vectors, and
+// behind its last one, counted from the next multiple of 64. Kernels work on full vectors, and
 // read and write there; a value that stands there has an effect only where a kernel says so.
 #pragma once
 
