@@ -18,11 +18,11 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-// Mostly small, sometimes far off.
+// Mostly small, sometimes large enough for bands and for wide vectors, or far off.
 int number(std::uint8_t value) {
     if (value == 255) return INT32_MAX;
     if (value == 254) return INT32_MIN;
-    return value - 10;
+    return value < 220 ? value % 55 - 5 : value;
 }
 
 int drop_some(void*, const unsigned char* colour) {
@@ -46,6 +46,9 @@ struct Case {
     std::size_t columns() const { return plausible() ? static_cast<std::size_t>(x1 - x0) : 1; }
     std::size_t rows() const { return plausible() ? static_cast<std::size_t>(y1 - y0) : 1; }
     std::size_t stride() const { return (columns() + 31) / 32 * 4; }
+
+    // The search for screens takes long, on large pages too long.
+    int undithering() const { return columns() * rows() <= 4000 ? settings[6] & 4 : 0; }
 
     std::uint8_t at(std::size_t y, std::size_t i) const {
         return count == 0 ? 200 : pixels[(y * row_bytes() + i) % count];
@@ -88,7 +91,7 @@ Bytes with_settings(Case& c, const void* image, Call call) {
     bi_set_normalize_magnitude(handle, s[5] % 4);
     bi_set_internal_gaussian_smoothing(handle, s[6] & 1);
     bi_set_fill_mean(handle, s[6] & 2);
-    bi_set_undithering(handle, s[6] & 4);
+    bi_set_undithering(handle, static_cast<unsigned char>(c.undithering()));
     bi_set_sigma(handle, static_cast<signed char>(s[7]));
     bi_set_thresh(handle, s[8]);
     bi_set_nb_threads(handle, c.threads);
@@ -126,7 +129,7 @@ void region_calls(Case& c, const void* image) {
 }
 
 void one_shots(Case& c) {
-    const int mode = c.settings[9] % 3;
+    const int mode = c.undithering() != 0 ? 2 : c.settings[9] % 2;
     checked(c, [&](std::uint8_t* out) {
         return bi_gradl(mode, Case::read, &c, c.type, c.width, c.x0, c.x1, c.y0, c.y1, out);
     });
@@ -141,7 +144,8 @@ void grey_image(Case& c, const void* image) {
     const void* record[4] = {nullptr, nullptr, nullptr, image};
     const int size = static_cast<int>(grey.size()) - c.settings[10] % 2;
     if (bi_color2greybuf(c.settings[0], Case::read, &c, record, c.type, c.width, c.resolution, c.x0,
-                         c.x1, c.y0, c.y1, grey.data(), size, c.threads, c.settings[6] & 4) != 0) {
+                         c.x1, c.y0, c.y1, grey.data(), size, c.threads,
+                         static_cast<unsigned char>(c.undithering())) != 0) {
         for (const std::uint8_t byte : grey) require(byte == kUntouched);
     }
 }
