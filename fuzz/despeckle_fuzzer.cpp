@@ -1,15 +1,14 @@
-// Despeckling and the text filter through the exported functions, on a page in a block of exactly
-// its size. Nothing may add ink or touch padding, and the kinds of passes must agree with each
-// other.
+// Despeckling and the text filter beside their slow models, on a page in a block of exactly its
+// size: the same page, and the same questions in the same order.
 //
 // Input: 8 bytes of arguments, then ink, repeated over the page.
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <utility>
 #include <vector>
 
-#include "ink/run_labels.h"
+#include "models/despeckle_model.h"
 #include "vemoprepro/cleaning.h"
 
 namespace {
@@ -18,96 +17,67 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t kArguments = 8;
 
-struct Geometry {
-    int height;
-    int width;
-    int stride;
+// Answers by the shape of a component, and keeps what it was asked.
+struct Judge {
+    int max_area;
+    std::vector<std::array<int, 3>> asked = {};
+
+    static int ask(void* user, int height, int width, int area) {
+        auto* self = static_cast<Judge*>(user);
+        self->asked.push_back({height, width, area});
+        return area <= self->max_area || (height * 3 + width) % 5 == 0 ? 1 : 0;
+    }
 };
 
-void check(bool holds) {
-    if (!holds) std::abort();
-}
+struct Page {
+    Bytes bytes;
+    int height, width, stride;
+};
 
-void check_only_ink_went(const Bytes& before, const Bytes& after, const Geometry& page) {
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        const unsigned gone = before[i] ^ after[i];
-        check((gone & ~static_cast<unsigned>(before[i])) == 0);
-        const int inside = page.width - static_cast<int>(i) % page.stride * 8;  // pixels from here
-        check(inside >= 8 || (gone & (0xFFU >> (inside < 0 ? 0 : inside))) == 0);
-    }
-}
-
-template <class Call>
-Bytes cleaned(const Bytes& before, const Geometry& page, Call call) {
-    Bytes image = before;
-    check(call(image.data(), page.height, page.width, page.stride) == 0);
-    check_only_ink_went(before, image, page);
+// Calls a function on a page of its own, with the arguments that follow those of the page.
+template <class Function, class... More>
+Bytes cleaned(const Page& page, Function function, More... more) {
+    Bytes image = page.bytes;
+    if (function(image.data(), page.height, page.width, page.stride, more...) != 0) std::abort();
     return image;
 }
 
-// The callback that says what the area rule says.
-struct AreaJudge {
-    int max_area;
-    long long asked;
-
-    static int ask(void* user, int height, int width, int area) {
-        auto* self = static_cast<AreaJudge*>(user);
-        check(height > 0 && width > 0 && area > 0);
-        check(area <= height * width && area >= (height > width ? height : width));
-        ++self->asked;
-        return area <= self->max_area ? 1 : 0;
-    }
-};
-
-void check_areas(const Bytes& ink, const Geometry& page, int max_area) {
-    const ink::PageComponents left =
-        ink::find_components({ink.data(), page.height, page.width, page.stride});
-    for (std::int32_t i = 0; i < left.count; ++i) {
-        check(left.components[static_cast<std::size_t>(i)].area > max_area);
-    }
+template <class Function, class... More>
+void compare(const Page& page, Function function, Function theirs, More... more) {
+    if (cleaned(page, function, more...) != cleaned(page, theirs, more...)) std::abort();
 }
 
-void check_despeckling(const Bytes& before, const Geometry& page, int max_area, int distance) {
-    const auto by_area =
-        cleaned(before, page, [=](auto... image) { return despeckl_mem(image..., max_area); });
-    check_areas(by_area, page, max_area);
-    AreaJudge judge{max_area, 0};
-    check(by_area == cleaned(before, page, [&judge](auto... image) {
-              return despeckl_cb_mem(image..., AreaJudge::ask, &judge);
-          }));
-    check(judge.asked ==
-          ink::find_components({before.data(), page.height, page.width, page.stride}).count);
-    const auto near = cleaned(
-        before, page, [=](auto... image) { return despeckl_c_mem(image..., max_area, distance); });
-    check(near == cleaned(before, page, [&judge, distance](auto... image) {
-              return despeckl_ccb_mem(image..., AreaJudge::ask, &judge, distance);
-          }));
-    check_only_ink_went(near, by_area, page);
+template <class Function, class... More>
+void compare_by_rule(const Page& page, Function function, Function theirs, int max_area,
+                     More... more) {
+    Judge judge{max_area};
+    Judge other{max_area};
+    void* const user = &judge;
+    void* const other_user = &other;
+    const Bytes image = cleaned(page, function, Judge::ask, user, more...);
+    const Bytes expected = cleaned(page, theirs, Judge::ask, other_user, more...);
+    if (image != expected || judge.asked != other.asked) std::abort();
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size <= kArguments) return 0;
-    Geometry page{data[0] % 90 + 1, data[1] % 200 + 1, 0};
+    Page page{{}, data[0] % 90 + 1, data[1] % 200 + 1, 0};
     page.stride = (page.width + 7) / 8 + data[2] % 4;
+    page.bytes.resize(model::offset(page.height, page.stride, 0));
+    for (std::size_t i = 0; i < page.bytes.size(); ++i) {
+        page.bytes[i] = data[kArguments + i % (size - kArguments)];
+    }
     const int max_area = data[3] == 255 ? INT32_MAX : data[3] - 2;
     const int distance = data[4] == 255 ? INT32_MAX : data[4] % 40 - 1;
     const int density = data[5] == 255 ? INT32_MAX : data[5] - 20;
-
-    Bytes before(static_cast<std::size_t>(page.height) * static_cast<std::size_t>(page.stride));
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        before[i] = data[kArguments + i % (size - kArguments)];
-    }
-    check_despeckling(before, page, max_area, distance);
-    cleaned(before, page,
-            [=](auto... image) { return despeckl_selective(image..., 0, max_area, density); });
-    const short height = static_cast<short>(data[6]);
-    const short text_density = static_cast<short>(data[7] - 2);
-    const auto text = cleaned(
-        before, page, [=](auto... image) { return pre_tva(image..., height, text_density); });
-    // What is kept once is kept again.
-    check(text == cleaned(text, page,
-                          [=](auto... image) { return pre_tva(image..., height, text_density); }));
+    compare(page, despeckl_mem, model::despeckl_mem, max_area);
+    compare(page, despeckl_c_mem, model::despeckl_c_mem, max_area, distance);
+    compare(page, despeckl_selective, model::despeckl_selective, 0, max_area, density);
+    compare_by_rule(page, despeckl_cb_mem, model::despeckl_cb_mem, max_area);
+    compare_by_rule(page, despeckl_ccb_mem, model::despeckl_ccb_mem, max_area, distance);
+    compare(page, pre_tva, model::pre_tva, static_cast<short>(data[6]),
+            static_cast<short>(data[7] - 2));
     return 0;
 }
