@@ -1,5 +1,5 @@
-// Line removal and underline extraction against the pixel model, over random ruled pages and noise;
-// what they take of drawn lines; and what they refuse.
+// Line removal and underline extraction beside the pixel model, over random ruled pages and noise;
+// which drawn lines are removed; and what is refused.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "models/lines_model.h"
+#include "models/lines_comparison.h"
 #include "support/bitonal_page.h"
 #include "support/random_page.h"
 #include "vemoprepro/cleaning.h"
@@ -16,10 +16,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 using Page = support::BitonalPage;
-using support::GuardedBuffer;
 using support::Random;
-
-constexpr int kRounds = 300;
 
 // Noise, text or white under some ruled lines; the padding is dirty.
 Page random_page(Random& random) {
@@ -48,24 +45,20 @@ Page random_page(Random& random) {
     return page;
 }
 
-// Mostly small, at times beyond the page.
-int random_setting(Random& random) {
-    if (random.chance(0.2)) return random.between(0, 2);
-    return random.chance(0.9) ? random.between(0, 40) : random.between(40, 65535);
-}
-
-// Calls check(page, its copy for the library) for random pages, which `check` changes like the
-// copy.
-template <class Check>
-void on_random_pages(Random& random, Check check) {
-    for (int round = 0; round < kRounds; ++round) {
-        SCOPED_TRACE(round);
-        Page page = random_page(random);
-        GuardedBuffer changed(page.bytes);
-        check(page, changed);
-        ASSERT_EQ(changed.contents(), page.bytes)
-            << page.height << " x " << page.width << ", stride " << page.stride;
-        ASSERT_TRUE(changed.guards_intact());
+TEST(Lines, EqualTheModel) {
+    Random random(31);
+    for (int round = 0; round < 900; ++round) {
+        const Page page = random_page(random);
+        model::LineCall call{random.byte(), {}};
+        for (std::uint8_t& number : call.numbers) {  // mostly small, at times beyond the page
+            number =
+                random.chance(0.1)
+                    ? random.byte()
+                    : static_cast<std::uint8_t>(random.between(0, random.chance(0.2) ? 2 : 40));
+        }
+        for (int i = 8; i < 12; ++i) call.numbers[i] = random.byte();
+        ASSERT_TRUE(model::lines_agree(page, call))
+            << "round " << round << ", choice " << static_cast<int>(call.choice);
     }
 }
 
@@ -88,79 +81,6 @@ constexpr Setter kHorizontal[] = {lrm_set_horz_min_length, lrm_set_horz_max_thic
 constexpr Setter kVertical[] = {lrm_set_vert_min_length, lrm_set_vert_max_thickness,
                                 lrm_set_vert_max_gap,    lrm_set_vert_dilate,
                                 lrm_set_vert_clean_y,    lrm_set_vert_clean_x};
-constexpr int model::LrmDirection::*kValues[] = {
-    &model::LrmDirection::min_length,  &model::LrmDirection::max_thickness,
-    &model::LrmDirection::max_gap,     &model::LrmDirection::dilate,
-    &model::LrmDirection::clean_along, &model::LrmDirection::clean_across};
-
-TEST(LinesModel, HandleMatchesInRandomZones) {
-    Random random(31);
-    on_random_pages(random, [&](Page& page, GuardedBuffer& changed) {
-        const Handle lrm = handle_of(changed.data(), page.height, page.width, page.stride);
-        ASSERT_NE(lrm, nullptr);
-        model::LrmSettings settings{page.bytes.data(), page.height, page.width, page.stride};
-        if (random.chance(0.6)) {
-            settings.x0 = random.between(0, page.width - 1);
-            settings.x1 = random.between(settings.x0 + 1, page.width);
-            settings.y0 = random.between(0, page.height - 1);
-            settings.y1 = random.between(settings.y0 + 1, page.height);
-            ASSERT_EQ(lrm_set_zone(lrm.get(), static_cast<Short>(settings.x0),
-                                   static_cast<Short>(settings.x1), static_cast<Short>(settings.y0),
-                                   static_cast<Short>(settings.y1)),
-                      0);
-        }
-        for (const bool horizontal : {true, false}) {
-            model::LrmDirection& direction = horizontal ? settings.horz : settings.vert;
-            for (std::size_t i = 0; i < 6; ++i) {
-                if (random.chance(0.2)) continue;
-                const int value = random_setting(random);
-                (horizontal ? kHorizontal : kVertical)[i](lrm.get(), static_cast<Short>(value));
-                direction.*kValues[i] = value;
-            }
-        }
-        for (int calls = random.between(1, 2); calls > 0; --calls) {
-            const bool horizontal = random.chance(0.5);
-            ASSERT_EQ(horizontal ? lrm_do_horz(lrm.get()) : lrm_do_vert(lrm.get()), 0);
-            ASSERT_EQ(model::lrm_do(settings, horizontal), 0);
-        }
-    });
-}
-
-TEST(LinesModel, CarefulRemovalMatches) {
-    Random random(32);
-    on_random_pages(random, [&](Page& page, GuardedBuffer& changed) {
-        int n[6];
-        for (int& value : n) value = random.chance(0.02) ? -3 : random_setting(random);
-        const bool horizontal = random.chance(0.5);
-        const auto call = [&](auto function, std::uint8_t* image) {
-            return function(image, page.height, page.width, page.stride, n[0], n[1], n[2], n[3],
-                            n[4], n[5]);
-        };
-        ASSERT_EQ(call(horizontal ? linerm_h : linerm_v, changed.data()), 0);
-        ASSERT_EQ(call(horizontal ? model::linerm_h : model::linerm_v, page.bytes.data()), 0);
-    });
-}
-
-TEST(LinesModel, UnderlinesMatch) {
-    Random random(33);
-    on_random_pages(random, [&](Page& page, GuardedBuffer& target) {
-        const Bytes source = page.bytes;
-        const int ink_value = random.chance(0.85) ? 0 : random.between(-1, 2);
-        const int vertical = random.chance(0.5) ? 0 : random.between(-1, 2);
-        const int x0 = random.chance(0.4) ? 0 : random.between(0, 8 * page.stride);
-        const int x1 = random.chance(0.4) ? 8 * page.stride : random.between(0, 8 * page.stride);
-        int n[4];
-        for (int& value : n) value = random_setting(random);
-        if (random.chance(0.03)) n[0] = -1;
-        const auto call = [&](auto function, std::uint8_t* lines) {
-            return function(ink_value, vertical, n[0], n[1], n[2], n[3], source.data(), lines,
-                            page.height, page.stride, x0, x1);
-        };
-        ASSERT_EQ(call(extract_underline, target.data()),
-                  call(model::extract_underline, page.bytes.data()));
-    });
-}
-
 TEST(LineRemoval, TakesLongThinLinesOnly) {
     struct Case {
         const char* name;
