@@ -19,9 +19,11 @@ auto cropped(int type, int most_rows = 1 << 15) {
     return [=](Desk& desk) {
         const Bytes& original = type == PREPRO_CROP_GREY ? desk.grey : desk.colour;
         int* const box = desk.numbers;
+        std::fill_n(box, 4, -7);
         const int status = cropimg(desk.copy(original), type, std::min(desk.height, most_rows),
                                    desk.width, desk.width * (type == PREPRO_CROP_GREY ? 1 : 3), 99,
                                    200, 100, box, box + 1, box + 2, box + 3);
+        EXPECT_TRUE(status == 0 || std::count(box, box + 4, -7) == 4) << "a failure left traces";
         return desk.wrote_page_or_kept(status, original);
     };
 }

@@ -74,13 +74,6 @@ Handle handle_of(Page& page) {
     return handle_of(page.bytes.data(), page.height, page.width, page.stride);
 }
 
-using Setter = int (*)(lrm_settings*, Short);
-constexpr Setter kHorizontal[] = {lrm_set_horz_min_length, lrm_set_horz_max_thickness,
-                                  lrm_set_horz_max_gap,    lrm_set_horz_dilate,
-                                  lrm_set_horz_clean_x,    lrm_set_horz_clean_y};
-constexpr Setter kVertical[] = {lrm_set_vert_min_length, lrm_set_vert_max_thickness,
-                                lrm_set_vert_max_gap,    lrm_set_vert_dilate,
-                                lrm_set_vert_clean_y,    lrm_set_vert_clean_x};
 TEST(LineRemoval, TakesLongThinLinesOnly) {
     struct Case {
         const char* name;
@@ -112,6 +105,7 @@ TEST(LineRemoval, HandlesAreChecked) {
         EXPECT_EQ(lrm_do_horz(empty.get()), -1);
         EXPECT_EQ(lrm_do_vert(empty.get()), -1);
     }
+    EXPECT_EQ(lrm_do_horz(handle_of(nullptr, 2, 33, 5).get()), -1);
     const Handle handle = handle_of(page);
     struct Case {
         Short x0, x1, y0, y1;
@@ -124,7 +118,7 @@ TEST(LineRemoval, HandlesAreChecked) {
         EXPECT_EQ(lrm_set_zone(handle.get(), c.x0, c.x1, c.y0, c.y1), c.result);
         EXPECT_EQ(lrm_set_zone(nullptr, c.x0, c.x1, c.y0, c.y1), -1);
     }
-    for (const auto& setters : {kHorizontal, kVertical}) {
+    for (const auto& setters : model::kLineSetters) {
         for (std::size_t i = 0; i < 6; ++i) {
             EXPECT_EQ(setters[i](nullptr, 1), -1);
             EXPECT_EQ(setters[i](handle.get(), 65535), 0);

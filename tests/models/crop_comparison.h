@@ -22,15 +22,15 @@ template <class Function, class Model, class Call>
 bool agree(const std::vector<std::uint8_t>& before, Function function, Model theirs, Call call) {
     support::GuardedBuffer image(before);
     std::vector<std::uint8_t> expected = before;
-    return call(function, image.data()) == call(theirs, expected.data()) &&
-           image.guards_intact() && image.contents() == expected;
+    return call(function, image.data()) == call(theirs, expected.data()) && image.guards_intact() &&
+           image.contents() == expected;
 }
 
 inline bool bitonal_crops_agree(const CropPage& page, int ink_value) {
     return agree(std::vector<std::uint8_t>(page.bytes.size(), 0x5C), ::cropbmp, cropbmp,
                  [&](auto crop, std::uint8_t* target) {
-                     return crop(ink_value, page.bytes.data(), page.height, page.width,
-                                 page.stride, target);
+                     return crop(ink_value, page.bytes.data(), page.height, page.width, page.stride,
+                                 target);
                  });
 }
 

@@ -65,35 +65,35 @@ inline int crop_grey_value(const unsigned char* pixel, int type) {
     return (299 * pixel[red] + 587 * pixel[green] + 114 * pixel[blue]) / 1000;
 }
 
-struct BorderRule {
+struct BorderLimits {
     int dark, light, step;
 };
 
 // Grows the border into the page; the pixels of (x, y) that were visited before lie at x - dx and
 // y - dy, outside the page where (x, y) is on the edge that the pass starts from.
-inline bool joins_border(const Field& g, const Bits& border, const BorderRule& rule, int x, int y,
-                         int dx, int dy) {
+inline bool joins_border(const Field& g, const Bits& border, const BorderLimits& limits, int x,
+                         int y, int dx, int dy) {
     const int value = g.at(y, x);
     const bool first_column = x - dx < 0 || x - dx >= g.width;
     const bool first_row = y - dy < 0 || y - dy >= g.height;
-    const auto like = [&](int nx, int ny) { return std::abs(value - g.at(ny, nx)) < rule.step; };
+    const auto like = [&](int nx, int ny) { return std::abs(value - g.at(ny, nx)) < limits.step; };
     const auto next_to = [&](int nx, int ny) {
-        return value < rule.light && border.get(nx, ny) && like(nx, ny);
+        return value < limits.light && border.get(nx, ny) && like(nx, ny);
     };
-    if (first_column && first_row) return value < rule.dark;
-    if (first_row) return value < rule.dark || next_to(x - dx, y);
-    if (first_column) return value < rule.dark || next_to(x, y - dy);
+    if (first_column && first_row) return value < limits.dark;
+    if (first_row) return value < limits.dark || next_to(x - dx, y);
+    if (first_column) return value < limits.dark || next_to(x, y - dy);
     const bool reached =
         border.get(x - dx, y) || border.get(x, y - dy) || border.get(x - dx, y - dy);
-    return value < rule.light && reached && like(x - dx, y) && like(x, y - dy) &&
+    return value < limits.light && reached && like(x - dx, y) && like(x, y - dy) &&
            like(x - dx, y - dy);
 }
 
-inline void grow_border(const Field& g, Bits& border, const BorderRule& rule) {
+inline void grow_border(const Field& g, Bits& border, const BorderLimits& limits) {
     for (const int d : {1, -1, 1})
         for (int y = d > 0 ? 0 : g.height - 1; y >= 0 && y < g.height; y += d)
             for (int x = d > 0 ? 0 : g.width - 1; x >= 0 && x < g.width; x += d)
-                if (joins_border(g, border, rule, x, y, d, d)) border.set(x, y, true);
+                if (joins_border(g, border, limits, x, y, d, d)) border.set(x, y, true);
 }
 
 // Every pixel with border in the square of `d` pixels to each side joins it.

@@ -120,8 +120,8 @@ inline bool is_busy(const Bits& page, int x0, int y0, int density) {
     return static_cast<float>(std::min(horizontal, vertical)) > threshold;
 }
 
-// Blocks of 8 x 8 pixels are busy whole, but of a busy block whose right neighbour is not only the
-// first column stays busy.
+// All pixels of a busy block of 8 x 8 are busy, but only the first column of one whose right
+// neighbour is not.
 inline Bits busy_mask(const Bits& page, int density) {
     const int across = ceil_div(page.width, 8);
     Bits mask(page.height, 8 * across);
@@ -129,9 +129,9 @@ inline Bits busy_mask(const Bits& page, int density) {
         for (int block = 0; block < across; ++block) {
             if (!is_busy(page, 8 * block, y0, density)) continue;
             const bool last = block + 1 == across;
-            const bool whole = last || is_busy(page, 8 * block + 8, y0, density);
+            const int columns = last || is_busy(page, 8 * block + 8, y0, density) ? 8 : 1;
             for (int y = y0; y < y0 + 8; ++y)
-                for (int x = 8 * block; x < 8 * block + (whole ? 8 : 1); ++x) mask.set(x, y, true);
+                for (int x = 8 * block; x < 8 * block + columns; ++x) mask.set(x, y, true);
         }
     return mask;
 }

@@ -24,12 +24,19 @@ struct LineCall {
     int place(int i, int size) const { return numbers[i] * size / 255; }
 };
 
+// The setters for horizontal and for vertical lines, in the order of LrmDirection.
+inline constexpr int (*kLineSetters[2][6])(lrm_settings*, unsigned short) = {
+    {lrm_set_horz_min_length, lrm_set_horz_max_thickness, lrm_set_horz_max_gap, lrm_set_horz_dilate,
+     lrm_set_horz_clean_x, lrm_set_horz_clean_y},
+    {lrm_set_vert_min_length, lrm_set_vert_max_thickness, lrm_set_vert_max_gap, lrm_set_vert_dilate,
+     lrm_set_vert_clean_y, lrm_set_vert_clean_x}};
+
 inline bool handle_agrees(const support::BitonalPage& page, const LineCall& call) {
     support::GuardedBuffer changed(page.bytes);
     support::BitonalPage expected = page;
     const auto narrow = [](int value) { return static_cast<unsigned short>(value); };
-    lrm_settings* const lrm = lrm_init_mem(changed.data(), narrow(page.height), narrow(page.width),
-                                           narrow(page.stride));
+    lrm_settings* const lrm =
+        lrm_init_mem(changed.data(), narrow(page.height), narrow(page.width), narrow(page.stride));
     if (lrm == nullptr) return false;
     LrmSettings settings{expected.bytes.data(), page.height, page.width, page.stride};
     bool done = true;
@@ -42,21 +49,14 @@ inline bool handle_agrees(const support::BitonalPage& page, const LineCall& call
                             narrow(settings.y1)) == 0;
     }
     const bool horizontal = call.bit(0);
-    using Setter = int (*)(lrm_settings*, unsigned short);
-    constexpr Setter kSetters[2][6] = {
-        {lrm_set_vert_min_length, lrm_set_vert_max_thickness, lrm_set_vert_max_gap,
-         lrm_set_vert_dilate, lrm_set_vert_clean_y, lrm_set_vert_clean_x},
-        {lrm_set_horz_min_length, lrm_set_horz_max_thickness, lrm_set_horz_max_gap,
-         lrm_set_horz_dilate, lrm_set_horz_clean_x, lrm_set_horz_clean_y}};
-    constexpr int LrmDirection::*kValues[] = {&LrmDirection::min_length,
-                                              &LrmDirection::max_thickness, &LrmDirection::max_gap,
-                                              &LrmDirection::dilate, &LrmDirection::clean_along,
-                                              &LrmDirection::clean_across};
+    constexpr int LrmDirection::*kValues[] = {
+        &LrmDirection::min_length, &LrmDirection::max_thickness, &LrmDirection::max_gap,
+        &LrmDirection::dilate,     &LrmDirection::clean_along,   &LrmDirection::clean_across};
     LrmDirection& direction = horizontal ? settings.horz : settings.vert;
     for (int i = 0; i < 6; ++i) {
         if (call.numbers[i] == 254) continue;  // the default
         const int value = call.numbers[i] == 255 ? 65535 : call.numbers[i];
-        done = done && kSetters[horizontal ? 1 : 0][i](lrm, narrow(value)) == 0;
+        done = done && kLineSetters[horizontal ? 0 : 1][i](lrm, narrow(value)) == 0;
         direction.*kValues[i] = value;
     }
     for (const bool first : {true, false}) {

@@ -1,7 +1,8 @@
 // The mask of a page's dark border: one bit per pixel, 1 = border.
 //
-// Use: BorderMask mask(height, width); grow_border(page, limits, mask); mask.dilate();
-// mask.mark_frame(); then content_of() and row() read it.
+// Use: BorderMask mask(height, width), then in this order
+//
+//     grow_border dilate mark_frame (content_of | row)*
 //
 // Rows are words of 64 pixels in the bit order of simd/pixels/border_rows.h; bits beyond the width
 // are 0. Blank rows lie above and below, so that every row has a neighbour.
