@@ -78,7 +78,7 @@ TEST(Despeckle, EqualsTheModel) {
             const int stride = (width + 7) / 8 + random.between(0, 3);
             const auto seed = static_cast<std::uint32_t>(random.between(0, 1 << 20));
             const support::BitonalPage page = hard_page(kind, height, width, stride, seed);
-            for (int round = 0; round < 30; ++round) {
+            for (int round = 0; round < 20; ++round) {
                 const model::SpeckArguments n{any(kAreas),   any(kDistances),    any(kDensities),
                                               any(kHeights), any(kMinDensities), round % 4 - 1};
                 ASSERT_STREQ(model::differing_despeckling(page, n), nullptr)

@@ -22,7 +22,7 @@ std::size_t find_pixel(const std::uint64_t* row, std::size_t x, std::size_t widt
     return width;
 }
 
-// The byte in front of each pixel's colours keeps its value.
+// Makes the colours of the pixels white and keeps the byte in front of each.
 void whiten_after_first(std::uint8_t* pixels, std::size_t count) {
     constexpr std::uint8_t kColours[4] = {0, 255, 255, 255};
     std::uint32_t colours = 0;
