@@ -18,9 +18,10 @@ class GuardedBuffer {
         std::fill_n(bytes_.begin() + kGuard, size, fill);
     }
 
-    explicit GuardedBuffer(const std::vector<std::uint8_t>& contents)
-        : size_(contents.size()), bytes_(contents.size() + 2 * kGuard, kGuardByte) {
-        std::copy(contents.begin(), contents.end(), data());
+    explicit GuardedBuffer(const std::vector<std::uint8_t>& contents) : size_(contents.size()) {
+        bytes_.assign(kGuard, kGuardByte);
+        bytes_.insert(bytes_.end(), contents.begin(), contents.end());
+        bytes_.insert(bytes_.end(), kGuard, kGuardByte);
     }
 
     std::uint8_t* data() { return bytes_.data() + kGuard; }
