@@ -81,57 +81,42 @@ bench::Sides half_turn_colour() {
 
 constexpr std::size_t kPixels = std::size_t{2480} * 3508;
 
+bool add_turn(const char* name, const char* peer, double required, std::size_t page_bytes,
+              std::function<bench::Sides()> prepare) {
+    return bench::add({.name = name,
+                       .peer = peer,
+                       .required = required,
+                       .floor_bytes = 2 * page_bytes,
+                       .prepare = std::move(prepare)});
+}
+
+bool add_bitonal(const char* name, double required, int mode, int quarters) {
+    return add_turn(name, "Leptonica pixRotateOrth", required, kPixels / 8,
+                    [=] { return turn_bitonal(mode, quarters); });
+}
+
+bool add_grey(const char* name, int mode, libyuv::RotationMode rotation) {
+    return add_turn(name, "libyuv RotatePlane", 1.0, kPixels,
+                    [=] { return turn_grey(mode, rotation); });
+}
+
+bool add_colour(const char* name, int mode, int rotation) {
+    return add_turn(name, "OpenCV rotate", 3.0, 3 * kPixels,
+                    [=] { return turn_colour(mode, rotation); });
+}
+
 const bool registered =
-    bench::add({.name = "quarter turn clockwise, bitonal",
-                .peer = "Leptonica pixRotateOrth",
-                .required = 10.0,
-                .floor_bytes = 2 * kPixels / 8,
-                .prepare = [] { return turn_bitonal(PREPRO_TURN_CLOCKWISE, 1); }}) &&
-    bench::add({.name = "quarter turn counter-clockwise, bitonal",
-                .peer = "Leptonica pixRotateOrth",
-                .required = 10.0,
-                .floor_bytes = 2 * kPixels / 8,
-                .prepare = [] { return turn_bitonal(PREPRO_TURN_COUNTER_CLOCKWISE, 3); }}) &&
-    bench::add({.name = "half turn, bitonal",
-                .peer = "Leptonica pixRotateOrth",
-                .required = 6.0,
-                .floor_bytes = 2 * kPixels / 8,
-                .prepare = [] { return turn_bitonal(PREPRO_TURN_HALF, 2); }}) &&
-    bench::add({.name = "quarter turn clockwise, grey",
-                .peer = "libyuv RotatePlane",
-                .required = 1.0,
-                .floor_bytes = 2 * kPixels,
-                .prepare = [] { return turn_grey(PREPRO_TURN_CLOCKWISE, libyuv::kRotate90); }}) &&
-    bench::add(
-        {.name = "quarter turn counter-clockwise, grey",
-         .peer = "libyuv RotatePlane",
-         .required = 1.0,
-         .floor_bytes = 2 * kPixels,
-         .prepare = [] { return turn_grey(PREPRO_TURN_COUNTER_CLOCKWISE, libyuv::kRotate270); }}) &&
-    bench::add({.name = "half turn, grey",
-                .peer = "libyuv RotatePlane",
-                .required = 1.0,
-                .floor_bytes = 2 * kPixels,
-                .prepare = [] { return turn_grey(PREPRO_TURN_HALF, libyuv::kRotate180); }}) &&
-    bench::add(
-        {.name = "quarter turn clockwise, colour",
-         .peer = "OpenCV rotate",
-         .required = 3.0,
-         .floor_bytes = 6 * kPixels,
-         .prepare = [] { return turn_colour(PREPRO_TURN_CLOCKWISE, cv::ROTATE_90_CLOCKWISE); }}) &&
-    bench::add({.name = "quarter turn counter-clockwise, colour",
-                .peer = "OpenCV rotate",
-                .required = 3.0,
-                .floor_bytes = 6 * kPixels,
-                .prepare =
-                    [] {
-                        return turn_colour(PREPRO_TURN_COUNTER_CLOCKWISE,
-                                           cv::ROTATE_90_COUNTERCLOCKWISE);
-                    }}) &&
-    bench::add({.name = "half turn, colour",
-                .peer = "libyuv ARGBRotate",
-                .required = 1.2,
-                .floor_bytes = 6 * kPixels,
-                .prepare = half_turn_colour});
+    add_bitonal("quarter turn clockwise, bitonal", 10.0, PREPRO_TURN_CLOCKWISE, 1) &&
+    add_bitonal("quarter turn counter-clockwise, bitonal", 10.0, PREPRO_TURN_COUNTER_CLOCKWISE,
+                3) &&
+    add_bitonal("half turn, bitonal", 6.0, PREPRO_TURN_HALF, 2) &&
+    add_grey("quarter turn clockwise, grey", PREPRO_TURN_CLOCKWISE, libyuv::kRotate90) &&
+    add_grey("quarter turn counter-clockwise, grey", PREPRO_TURN_COUNTER_CLOCKWISE,
+             libyuv::kRotate270) &&
+    add_grey("half turn, grey", PREPRO_TURN_HALF, libyuv::kRotate180) &&
+    add_colour("quarter turn clockwise, colour", PREPRO_TURN_CLOCKWISE, cv::ROTATE_90_CLOCKWISE) &&
+    add_colour("quarter turn counter-clockwise, colour", PREPRO_TURN_COUNTER_CLOCKWISE,
+               cv::ROTATE_90_COUNTERCLOCKWISE) &&
+    add_turn("half turn, colour", "libyuv ARGBRotate", 1.2, 3 * kPixels, half_turn_colour);
 
 }  // namespace

@@ -29,29 +29,26 @@ void find_with_leptonica(PIX* page) {
     boxaDestroy(&boxes);
 }
 
-const bool components = bench::add(
-    {.name = "components of a text page with boxes and counts",
-     .peer = "Leptonica pixConnCompBB",
-     .required = 4.0,
-     .floor_bytes = page_bytes(),
-     .prepare = [] {
-         const bench::Page& page = bench::bitonal_page();
-         return bench::Sides{
-             .ours = [&page] { ink::find_components(view(page)); },
-             .theirs = [pix = bench::to_leptonica(page)] { find_with_leptonica(pix.get()); }};
-     }});
+bool add_labelling(const char* name, double required, void (*ours)(const bench::Page&)) {
+    return bench::add(
+        {.name = name,
+         .peer = "Leptonica pixConnCompBB",
+         .required = required,
+         .floor_bytes = page_bytes(),
+         .prepare = [=] {
+             const bench::Page& page = bench::bitonal_page();
+             return bench::Sides{
+                 .ours = [=, &page] { ours(page); },
+                 .theirs = [pix = bench::to_leptonica(page)] { find_with_leptonica(pix.get()); }};
+         }});
+}
 
-const bool labelled_runs = bench::add(
-    {.name = "components of a text page with labelled runs",
-     .peer = "Leptonica pixConnCompBB",
-     .required = 0,
-     .floor_bytes = page_bytes(),
-     .prepare = [] {
-         const bench::Page& page = bench::bitonal_page();
-         return bench::Sides{
-             .ours = [&page] { ink::label_runs(view(page)); },
-             .theirs = [pix = bench::to_leptonica(page)] { find_with_leptonica(pix.get()); }};
-     }});
+const bool components =
+    add_labelling("components of a text page with boxes and counts", 4.0,
+                  [](const bench::Page& page) { ink::find_components(view(page)); });
+const bool labelled_runs =
+    add_labelling("components of a text page with labelled runs", 0,
+                  [](const bench::Page& page) { ink::label_runs(view(page)); });
 
 const bool engine =
     bench::add({.name = "component engine over a text page",

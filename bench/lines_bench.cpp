@@ -47,51 +47,48 @@ struct Bricks {
     bool horizontal;
 
     using Operation = PIX* (*)(PIX*, PIX*, l_int32, l_int32);
-    Pix along(Operation operation, const Pix& pix, int n) const {
-        return own(operation(nullptr, pix.get(), horizontal ? n : 1, horizontal ? 1 : n));
+    Pix along(Operation operation, PIX* pix, int n) const {
+        return own(operation(nullptr, pix, horizontal ? n : 1, horizontal ? 1 : n));
     }
-    Pix across(Operation operation, const Pix& pix, int n) const {
-        return own(operation(nullptr, pix.get(), horizontal ? 1 : n, horizontal ? n : 1));
+    Pix across(Operation operation, PIX* pix, int n) const {
+        return own(operation(nullptr, pix, horizontal ? 1 : n, horizontal ? n : 1));
     }
 };
 
 void remove_with_leptonica(PIX* page, bool horizontal) {
     const Bricks bricks{horizontal};
-    const Pix image = own(pixClone(page));
-    Pix mask = bricks.along(pixCloseBrickDwa, image, 2);
-    mask = bricks.across(pixDilateBrickDwa, mask, 3);
-    mask = bricks.along(pixOpenCompBrickDwa, mask, 128);
+    Pix mask = bricks.along(pixCloseBrickDwa, page, 2);
+    mask = bricks.across(pixDilateBrickDwa, mask.get(), 3);
+    mask = bricks.along(pixOpenCompBrickDwa, mask.get(), 128);
     pixAnd(mask.get(), mask.get(), page);
     mask = own(pixDilateBrickDwa(nullptr, mask.get(), 3, 3));
-    const Pix strokes = bricks.across(pixOpenCompBrickDwa, image, 16);
+    const Pix strokes = bricks.across(pixOpenCompBrickDwa, page, 16);
     pixSubtract(page, page, mask.get());
     pixOr(page, page, strokes.get());
 }
 
 void remove_carefully_with_leptonica(PIX* page) {
     const Bricks bricks{true};
-    const Pix image = own(pixClone(page));
-    Pix lines = bricks.along(pixOpenCompBrickDwa, image, 60);
-    lines = bricks.across(pixCloseBrickDwa, lines, 3);
-    lines = bricks.across(pixOpenCompBrickDwa, lines, 8);
+    Pix lines = bricks.along(pixOpenCompBrickDwa, page, 60);
+    lines = bricks.across(pixCloseBrickDwa, lines.get(), 3);
+    lines = bricks.across(pixOpenCompBrickDwa, lines.get(), 8);
     pixXor(lines.get(), lines.get(), page);
-    lines = bricks.along(pixCloseCompBrickDwa, lines, 5);
-    lines = bricks.along(pixOpenCompBrickDwa, lines, 128);
-    lines = bricks.across(pixDilateBrickDwa, lines, 3);
-    const Pix strokes = bricks.across(pixOpenCompBrickDwa, image, 8);
+    lines = bricks.along(pixCloseCompBrickDwa, lines.get(), 5);
+    lines = bricks.along(pixOpenCompBrickDwa, lines.get(), 128);
+    lines = bricks.across(pixDilateBrickDwa, lines.get(), 3);
+    const Pix strokes = bricks.across(pixOpenCompBrickDwa, page, 8);
     pixSubtract(lines.get(), lines.get(), strokes.get());
     Pix cut = own(pixSubtract(nullptr, page, lines.get()));
-    cut = bricks.across(pixCloseCompBrickDwa, cut, 8);
+    cut = bricks.across(pixCloseCompBrickDwa, cut.get(), 8);
     pixAnd(page, page, cut.get());
 }
 
 void extract_with_leptonica(PIX* page) {
     const Bricks bricks{true};
-    const Pix image = own(pixClone(page));
-    Pix lines = bricks.across(pixDilateBrickDwa, image, 3);
-    lines = bricks.along(pixOpenCompBrickDwa, lines, 60);
+    Pix lines = bricks.across(pixDilateBrickDwa, page, 3);
+    lines = bricks.along(pixOpenCompBrickDwa, lines.get(), 60);
     pixAnd(lines.get(), lines.get(), page);
-    const Pix thick = bricks.across(pixOpenCompBrickDwa, lines, 8);
+    const Pix thick = bricks.across(pixOpenCompBrickDwa, lines.get(), 8);
     pixSubtract(lines.get(), lines.get(), thick.get());
     const Pix kept =
         own(pixSelectBySize(lines.get(), 101, 0, 8, L_SELECT_WIDTH, L_SELECT_IF_GTE, nullptr));
@@ -113,40 +110,35 @@ bench::Sides on_copies(void (*ours)(bench::Page&), void (*theirs)(PIX*)) {
                 }};
 }
 
-const bool lrm = bench::add({.name = "lrm_do_horz and lrm_do_vert on a ruled page",
-                             .peer = "Leptonica pixOpenCompBrickDwa and others",
-                             .required = 5.0,
-                             .floor_bytes = 2 * bench::bitonal_page().data.size(),
-                             .prepare = [] {
-                                 return on_copies(
-                                     [](bench::Page& page) {
-                                         lrm_settings* const handle =
-                                             lrm_init_mem(page.data.data(),
-                                                          static_cast<unsigned short>(page.height),
-                                                          static_cast<unsigned short>(page.width),
-                                                          static_cast<unsigned short>(page.stride));
-                                         lrm_do_horz(handle);
-                                         lrm_do_vert(handle);
-                                         lrm_exit(handle);
-                                     },
-                                     [](PIX* page) {
-                                         remove_with_leptonica(page, true);
-                                         remove_with_leptonica(page, false);
-                                     });
-                             }});
+bool add_removal(const char* name, void (*ours)(bench::Page&), void (*theirs)(PIX*)) {
+    return bench::add({.name = name,
+                       .peer = "Leptonica pixOpenCompBrickDwa and others",
+                       .required = 5.0,
+                       .floor_bytes = 2 * bench::bitonal_page().data.size(),
+                       .prepare = [=] { return on_copies(ours, theirs); }});
+}
 
-const bool careful = bench::add({.name = "linerm_h on a ruled page",
-                                 .peer = "Leptonica pixOpenCompBrickDwa and others",
-                                 .required = 5.0,
-                                 .floor_bytes = 2 * bench::bitonal_page().data.size(),
-                                 .prepare = [] {
-                                     return on_copies(
-                                         [](bench::Page& page) {
-                                             linerm_h(page.data.data(), page.height, page.width,
-                                                      page.stride, 8, 128, 5, 60, 3, 1);
-                                         },
-                                         remove_carefully_with_leptonica);
-                                 }});
+const bool lrm = add_removal(
+    "lrm_do_horz and lrm_do_vert on a ruled page",
+    [](bench::Page& page) {
+        lrm_settings* const handle = lrm_init_mem(
+            page.data.data(), static_cast<unsigned short>(page.height),
+            static_cast<unsigned short>(page.width), static_cast<unsigned short>(page.stride));
+        lrm_do_horz(handle);
+        lrm_do_vert(handle);
+        lrm_exit(handle);
+    },
+    [](PIX* page) {
+        remove_with_leptonica(page, true);
+        remove_with_leptonica(page, false);
+    });
+
+const bool careful = add_removal(
+    "linerm_h on a ruled page",
+    [](bench::Page& page) {
+        linerm_h(page.data.data(), page.height, page.width, page.stride, 8, 128, 5, 60, 3, 1);
+    },
+    remove_carefully_with_leptonica);
 
 const bool underlines = bench::add(
     {.name = "extract_underline on a ruled page",

@@ -50,6 +50,17 @@ Page from_bits(const Pix* pix) {
     return page;
 }
 
+// The text page in black and white, straight.
+PixOwner straight_bits() {
+    const PixOwner grey = own(pixConvertRGBToLuminance(const_cast<Pix*>(text_page())));
+    const PixOwner bits = own(pixConvertTo1(grey.get(), 140));
+    return own(pixDeskew(bits.get(), 0));
+}
+
+Page at_full_size(const PixOwner& bits) {
+    return from_bits(own(pixResizeToMatch(bits.get(), nullptr, kWidth, kHeight)).get());
+}
+
 }  // namespace
 
 const Page& colour_page() {
@@ -88,26 +99,14 @@ const Page& grey_page() {
 }
 
 const Page& bitonal_page() {
-    static const Page page = [] {
-        const PixOwner grey = own(pixConvertRGBToLuminance(const_cast<Pix*>(text_page())));
-        const PixOwner bits = own(pixConvertTo1(grey.get(), 140));
-        const PixOwner straight = own(pixDeskew(bits.get(), 0));
-        const PixOwner sized = own(pixResizeToMatch(straight.get(), nullptr, kWidth, kHeight));
-        return from_bits(sized.get());
-    }();
+    static const Page page = at_full_size(straight_bits());
     return page;
 }
 
 const Page& skewed_bitonal_page() {
-    static const Page page = [] {
-        const PixOwner grey = own(pixConvertRGBToLuminance(const_cast<Pix*>(text_page())));
-        const PixOwner bits = own(pixConvertTo1(grey.get(), 140));
-        const PixOwner straight = own(pixDeskew(bits.get(), 0));
-        const PixOwner turned = own(pixRotate(straight.get(), static_cast<float>(-kSkewRadians),
-                                              L_ROTATE_SHEAR, L_BRING_IN_WHITE, kWidth, kHeight));
-        const PixOwner sized = own(pixResizeToMatch(turned.get(), nullptr, kWidth, kHeight));
-        return from_bits(sized.get());
-    }();
+    static const Page page =
+        at_full_size(own(pixRotate(straight_bits().get(), static_cast<float>(-kSkewRadians),
+                                   L_ROTATE_SHEAR, L_BRING_IN_WHITE, kWidth, kHeight)));
     return page;
 }
 
