@@ -1,9 +1,9 @@
-// A strip is a column of 64-bit words, two words wide so that the cache lines it walks down serve
-// both. Its words of the row-sheared page are read straight out of the source, at any bit offset,
-// into arrays from top to bottom; a shear of columns then is, for each group of columns that move
-// together, "or the array under the group's mask into a second array, some places further": a loop
-// over consecutive words that compilers turn into vectors. No page-sized working image is needed,
-// and the result is written once.
+// A strip is a column of 64-bit words, two words wide so that every cache line on the way down
+// serves both. Its words of the row-sheared page are read straight out of the source, at any bit
+// offset, into arrays from top to bottom; a shear of columns then is, for each group of columns
+// that move together, "or the array under the group's mask into a second array, some places
+// further": a loop over consecutive words that compilers turn into vectors. No page-sized working
+// image is needed, and the result is written once.
 #include "deskew/strip_shear.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 // that it touches; the components of further ones are merged into that one's.
 //
 // The segments of a component are a tree besides a chain: a merge hangs the root of the one tree
-// below the root of the other, which names the component, so that no chain is walked. Each row of a
-// page may merge all that there is.
+// below the root of the other, which names the component, so that no chain is followed. Each row of
+// a page may merge all that there is.
 
 #include "ink/component_engine.h"
 

@@ -89,7 +89,7 @@ inline Field highest_of_each(const Field& a, const Field& b) {
     return result;
 }
 
-inline Field spread(const Field& before) {
+inline Field filled_from_neighbours(const Field& before) {
     Field after = before;
     for_each_cell(before, [&](int y, int x) {
         if (before.interior(y, x) && before.at(y, x) == 0)

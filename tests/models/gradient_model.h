@@ -33,7 +33,7 @@ inline Field fill_with_lowest(const Field& before) {
 }
 
 inline Field fill_with_means(Field field) {
-    for (int pass = 0; pass < 8 && field.is_grid(); ++pass) field = spread(field);
+    for (int pass = 0; pass < 8 && field.is_grid(); ++pass) field = filled_from_neighbours(field);
     const auto take_mean = [&](int y, int x) {
         if (field.at(y, x) == 0) field.at(y, x) = mean_of_non_zero(window(field, y, x, 2));
     };
@@ -219,7 +219,7 @@ inline Field block_midpoints(const Field& grey, const Field& high_contrast, int 
 }
 
 inline Field spread_grid(const Field& map) {
-    return map.is_grid() ? spread(map) : map;
+    return map.is_grid() ? filled_from_neighbours(map) : map;
 }
 
 // From the thresholds at edge pixels and the contrast there, by the (raised or scaled) delta1.
@@ -259,7 +259,7 @@ inline Field threshold_map(const Field& grey, GradientParameters p, Bits& ink) {
         thresholds.at(y, x) = (highest(around) + lowest(around)) >> 1;
         contrast.at(y, x) = highest(around) - lowest(around);
     });
-    thresholds = spread(thresholds);
+    thresholds = filled_from_neighbours(thresholds);
     for_each_cell(grey, [&](int y, int x) {
         if (grey.at(y, x) < thresholds.at(y, x)) ink.set(x, y, true);
     });

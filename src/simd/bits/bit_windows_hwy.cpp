@@ -1,5 +1,5 @@
-// Vector forms of bit_windows.h. The words are walked so that those that are read have not been
-// changed yet: upwards for pixels that follow, downwards for pixels that precede.
+// Vector forms of bit_windows.h. The words are taken in an order in which those that are read have
+// not been changed yet: upwards for pixels that follow, downwards for pixels that precede.
 #include "simd/bits/bit_windows.h"
 
 #undef HWY_TARGET_INCLUDE

@@ -3,7 +3,7 @@
 // Exchange of rows and columns: a 16-byte block of n pixels of 16 / n bytes, from n neighbouring
 // rows, is exchanged by log2(n) rounds of interleaving. A vector holds blocks of rows n apart, so
 // that a result vector is one piece of a destination row. Pixels of three bytes become four
-// on the way in and packed on the way out. The image is walked in tiles whose source and
+// on the way in and packed on the way out. The image is taken in tiles whose source and
 // destination lines stay in the first cache.
 //
 // Where an image is not a multiple of the block, the last blocks overlap the ones before them; an
@@ -44,7 +44,7 @@ struct Exchange {
 
 }  // namespace
 }  // namespace simd
-#endif  // HWY_ONCE
+#endif  // VEMOPREPRO_SIMD_TURN_PIXELS_COMMON
 
 HWY_BEFORE_NAMESPACE();
 namespace simd::HWY_NAMESPACE {

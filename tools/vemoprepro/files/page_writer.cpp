@@ -1,5 +1,5 @@
 // TIFF is written through libtiff itself, which keeps the file open from page to page; appending
-// through Leptonica would reopen it and walk the chain of pages each time.
+// through Leptonica would reopen it and follow the chain of pages each time.
 #include "files/page_writer.h"
 
 #include <cstring>
