@@ -48,6 +48,9 @@ class Errors(ToolCase):
                  ("t.tif", colour, {}), ("l.tif", colour, {"compression": "tiff_lzw"}),
                  ("j.tif", colour, {"compression": "jpeg"}), ("g.tif", bits, {"compression": "group4"}),
                  ("t.ppm", colour, {}), ("t.pbm", bits, {})]
+        self.save("four.tif", *[text_page(i) for i in range(4)], compression="raw")
+        self.write("four.tif", self.read("four.tif")[:-300000])
+        self.one_error("clean", "four.tif", "-o", ".", "--format", "png")    # no page of it is written
         for name, image, options in files:
             self.save(name, image, **options)
             whole = self.read(name)
@@ -61,11 +64,6 @@ class Errors(ToolCase):
                     self.write(name, data)
                     self.assertRegex(self.one_error("clean", name, "-o", "out.tif"),
                                      f"^vemoprepro: {name}: damaged or truncated [A-Z]+ file")
-
-    def test_a_damaged_page_fails_the_whole_file(self):
-        self.save("in.tif", *[text_page(i) for i in range(4)], compression="raw")
-        self.write("in.tif", self.read("in.tif")[:-300000])
-        self.one_error("clean", "in.tif", "-o", ".", "--format", "png")
 
     def test_pages_that_are_too_large(self):
         self.save("w.png", Image.new("1", (32768, 3)))

@@ -133,10 +133,6 @@ class Words(ToolCase):
         self.assertIn("crop skipped: smaller than 24 pixels a side", words)
         self.assertNotIn("crop", self.good("clean", "a.png", "-o", "b.tif").stdout.decode())
 
-    def test_quiet(self):
-        self.save("a.png", text_page())
-        self.assertEqual(self.good("clean", "a.png", "-o", "a.tif", "-q").stdout, b"")
-
     def test_progress_on_a_terminal(self):
         """One line that fits, but what was held back stays, and so does the last page."""
         self.save("a.tif", text_page(1), text_page(2), text_page(3))
@@ -162,8 +158,9 @@ class Words(ToolCase):
         self.assertEqual([len(line) for line in held_back], [1] * 3)
         self.assertTrue(all("despeckle skipped: it would take" in line[0] for line in held_back))
 
-    def test_verbose(self):
+    def test_quiet_and_verbose(self):
         self.save("a.png", text_page(2), dpi=(300, 300))
+        self.assertEqual(self.good("clean", "a.png", "-o", "b.tif", "-q").stdout, b"")
         lines = self.good("clean", "a.png", "-o", "a.tif", "-v").stdout.decode().splitlines()
         self.assertEqual(lines[:2], ["a.png: grey, 600 x 800 pixels, 300 dpi",
                                      "  orientation: skipped: already upright"])
