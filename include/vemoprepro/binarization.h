@@ -73,7 +73,8 @@ VEMOPREPRO_API int bi_upset(bi_settings* settings);
 
 /* ---- Setters
  *
- * Values are stored as given, 0 .. 255 where the argument is a byte. Each setter returns
+ * The first argument is the settings object. Values are stored as given, 0 .. 255 where the argument
+ * is a byte. Each setter returns
  *   0 the value is stored,
  *  -1 null object; nothing is stored. */
 
@@ -105,7 +106,7 @@ VEMOPREPRO_API int bi_set_thresh(bi_settings* settings, unsigned char thresh);
  * How the gradient method gives thresholds to areas without edges.
  *
  * @param fill_mean 0 (default): the lowest threshold of those that touch the area; any other value:
- * the mean of the thresholds around
+ *                  the mean of the thresholds around
  */
 VEMOPREPRO_API int bi_set_fill_mean(bi_settings* settings, unsigned char fill_mean);
 
@@ -150,7 +151,7 @@ VEMOPREPRO_API int bi_set_brightness(bi_settings* settings, unsigned char bright
  * The level below which dark areas are filled.
  *
  * @param black1 the level (default 0). In the gradient method 128 stands for the white of the
- * region, and 0 switches black1 and black2 off
+ *               region, and 0 switches black1 and black2 off
  */
 VEMOPREPRO_API int bi_set_black1(bi_settings* settings, unsigned char black1);
 
@@ -225,7 +226,8 @@ VEMOPREPRO_API void bi_set_image_pointer(bi_settings* settings, const void* imag
 
 /* ---- Getters
  *
- * They store the value of a setting at their second argument and return
+ * They store the value of a setting of the object, their first argument, at the second one, and
+ * return
  *   0 the value is stored,
  *  -1 null object or null target; nothing is stored. */
 
