@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "models/rotation_model.h"
+#include "models/rotation_comparison.h"
 #include "vemoprepro/geometry.h"
 
 namespace {
@@ -44,22 +44,7 @@ void turn_bitonal(Input& input) {
         mode == PREPRO_TURN_HALF ? rows * row_bytes : row_bytes / 4 * ((rows + 31) / 32) * 128;
     const Bytes src = input.image(static_cast<std::size_t>(rows * row_bytes));
     const int dst_size = size > shortage ? size - shortage : 0;
-    Bytes dst(static_cast<std::size_t>(dst_size));
-    Bytes expected = dst;
-    unsigned out = 0;
-    if (kyd_rotate_bitmap(mode, src.data(), height, width, stride, dst.data(), dst_size, &out) ==
-            0 &&
-        mode >= PREPRO_TURN_COUNTER_CLOCKWISE && mode <= PREPRO_TURN_CLOCKWISE) {
-        unsigned expected_out = 0;
-        check(model::kyd_rotate_bitmap(mode, src.data(), height, width, stride, expected.data(),
-                                       dst_size, &expected_out) == 0);
-        check(out == expected_out);
-        // What lies behind the rows is work area.
-        const int turned_rows = mode == PREPRO_TURN_HALF ? height : width;
-        dst.resize(static_cast<std::size_t>(turned_rows) * out);
-        expected.resize(dst.size());
-    }
-    check(dst == expected);
+    check(model::bitonal_turns_agree(mode, src, height, width, stride, dst_size));
 }
 
 void turn_packed(Input& input) {
@@ -70,16 +55,7 @@ void turn_packed(Input& input) {
     const bool empty = height < 1 || width < 1;
     const Bytes src =
         input.image(empty ? 0 : static_cast<std::size_t>(height * width * pixel_bytes));
-    Bytes turned(src.size());
-    Bytes expected = turned;
-    int size[2] = {};
-    int expected_size[2] = {};
-    if (kyd_rotate_color(mode, pixel_bytes, src.data(), height, width, turned.data(), &size[0],
-                         &size[1]) == 0) {
-        model::kyd_rotate_color(mode, pixel_bytes, src.data(), height, width, expected.data(),
-                                &expected_size[0], &expected_size[1]);
-    }
-    check(turned == expected && size[0] == expected_size[0] && size[1] == expected_size[1]);
+    check(model::packed_turns_agree(mode, pixel_bytes, src, height, width));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Pictures and block maps of plain numbers for the slow models of adaptive binarization, and what
-// they do with them: neighbourhoods, the spreading of thresholds, Sobel responses, bitonal rows.
+// they do with them: neighbourhoods, the filling of empty blocks, Sobel responses, bitonal rows.
 //
 // A missing threshold is 0. Missing neighbours at the border are left out, except by the Sobel
 // operator, which repeats the nearest pixel.
