@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -13,7 +12,7 @@
 #include <string>
 
 #include "deskew/skew_search.h"
-#include "models/skew_model.h"
+#include "models/skew_comparison.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
 #include "vemoprepro/deskew.h"
@@ -23,21 +22,18 @@ namespace {
 using deskew::Direction;
 using Bytes = std::vector<std::uint8_t>;
 
-struct SkewPage {
-    int height;
-    int width;
-    int stride;
-    Bytes bytes;
+using model::estimated_skew;
+using model::modelled_skew;
+using model::SkewOutputs;
+using support::BitonalPage;
 
-    void ink(int x, int y) {
-        if (x >= 0 && y >= 0 && x < width && y < height)
-            model::set_bit(bytes.data(), stride, x, y, true);
-    }
-};
+void ink(BitonalPage& page, int x, int y) {
+    page.fill(x, x + 1, y, y + 1);
+}
 
 // Ink everywhere beyond the width, and nowhere else: none of it may count.
-SkewPage white_page(int height, int width, int stride) {
-    SkewPage page{height, width, stride, Bytes(model::offset(height, stride, 0))};
+BitonalPage white_page(int height, int width, int stride) {
+    BitonalPage page{height, width, stride};
     for (int y = 0; y < height; ++y)
         for (int x = width; x < stride * 8; ++x)
             model::set_bit(page.bytes.data(), stride, x, y, true);
@@ -45,15 +41,15 @@ SkewPage white_page(int height, int width, int stride) {
 }
 
 // Lines of letter-like stems and bars, turned so that they rise by `rise` pixels in 512.
-SkewPage turned_text(int height, int width, int stride, int rise, std::uint32_t seed) {
-    SkewPage page = white_page(height, width, stride);
+BitonalPage turned_text(int height, int width, int stride, int rise, std::uint32_t seed) {
+    BitonalPage page = white_page(height, width, stride);
     support::Random random(seed);
     const double slope = rise / 512.0;
     const auto box = [&](int left, int top, int w, int h) {
         for (int v = top; v < top + h; ++v)
             for (int u = left; u < left + w; ++u)
-                page.ink(static_cast<int>(std::lround(u + slope * v)),
-                         static_cast<int>(std::lround(v - slope * u)));
+                ink(page, static_cast<int>(std::lround(u + slope * v)),
+                    static_cast<int>(std::lround(v - slope * u)));
     };
     for (int top = -height; top < 2 * height; top += 24)
         for (int left = -width / 4; left < width + width / 4; left += 9) {
@@ -65,51 +61,16 @@ SkewPage turned_text(int height, int width, int stride, int rise, std::uint32_t 
     return page;
 }
 
-SkewPage noise(int height, int width, int stride, double density, std::uint32_t seed) {
+BitonalPage noise(int height, int width, int stride, double density, std::uint32_t seed) {
     return {height, width, stride,
             support::random_bitonal(height, static_cast<std::size_t>(stride), density, seed)};
 }
 
-struct Outputs {
-    int result = 77;
-    int yskew = -7;
-    int scale = -7;
-    double confidence = -7;
-    int out_height = -7;
-    int out_width = -7;
-};
-
-constexpr Outputs kRefused{-1, 0, 512, 1.0, -7, -7};
-
-Outputs estimate(const SkewPage& page, int debug = 0, const char* folder = nullptr) {
-    Outputs out;
-    out.result = estimate_skew_of_binary_image(debug, folder, page.bytes.data(), page.height,
-                                               page.width, page.stride, &out.yskew, &out.scale,
-                                               &out.confidence, &out.out_height, &out.out_width);
-    return out;
-}
-
-Outputs expected(const SkewPage& page, std::ostream* trace = nullptr) {
-    Outputs out;
-    out.result = model::estimate_skew_of_binary_image(
-        trace, page.bytes.data(), page.height, page.width, page.stride, &out.yskew, &out.scale,
-        &out.confidence, &out.out_height, &out.out_width);
-    return out;
-}
-
-void expect_same(const Outputs& got, const Outputs& want) {
-    EXPECT_EQ(got.result, want.result);
-    EXPECT_EQ(got.yskew, want.yskew);
-    EXPECT_EQ(got.scale, want.scale);
-    EXPECT_EQ(std::memcmp(&got.confidence, &want.confidence, sizeof(double)), 0)
-        << got.confidence << " " << want.confidence;
-    EXPECT_EQ(got.out_height, want.out_height);
-    EXPECT_EQ(got.out_width, want.out_width);
-}
+constexpr SkewOutputs kRefused{-1, 0, 512, 1.0, -7, -7};
 
 TEST(SkewEstimate, EqualsTheModelOnEveryInstructionSet) {
-    std::vector<SkewPage> pages{turned_text(263, 611, 100, 17, 5),
-                                turned_text(301, 450, 60, -88, 6), noise(333, 517, 68, 0.5, 7)};
+    std::vector<BitonalPage> pages{turned_text(263, 611, 100, 17, 5),
+                                   turned_text(301, 450, 60, -88, 6), noise(333, 517, 68, 0.5, 7)};
     support::Random random(1);
     for (std::uint32_t seed = 0; seed < 60; ++seed) {
         const int height = random.between(32, 130);
@@ -119,18 +80,18 @@ TEST(SkewEstimate, EqualsTheModelOnEveryInstructionSet) {
                             ? turned_text(height, width, stride, random.between(-90, 90), seed)
                             : noise(height, width, stride, 0.1 + 0.02 * (seed % 40), seed));
     }
-    for (const SkewPage& page : pages) {
+    for (const BitonalPage& page : pages) {
         SCOPED_TRACE(testing::Message()
                      << page.height << " x " << page.width << ", " << page.stride);
-        const Outputs want = expected(page);
-        support::on_every_target([&] { expect_same(estimate(page), want); });
+        const SkewOutputs want = modelled_skew(page);
+        support::on_every_target([&] { EXPECT_EQ(estimated_skew(page), want); });
     }
 }
 
 TEST(SkewEstimate, FindsTheSlopeOfText) {
     for (const int rise : {-90, -10, 0, 3, 26, 95}) {
         SCOPED_TRACE(rise);
-        const Outputs found = estimate(turned_text(700, 1000, 128, rise, 11));
+        const SkewOutputs found = estimated_skew(turned_text(700, 1000, 128, rise, 11));
         EXPECT_NEAR(found.yskew, rise, 1);
         EXPECT_GT(found.confidence, 1.5);
     }
@@ -138,23 +99,23 @@ TEST(SkewEstimate, FindsTheSlopeOfText) {
 
 TEST(SkewEstimate, PageWithoutInkHasNoSkewAndNoConfidence) {
     for (const int height : {32, 33, 47, 48, 200}) {
-        SkewPage page = white_page(height, 100, 16);
+        BitonalPage page = white_page(height, 100, 16);
         // The bits of the last byte that is not whole do not count either.
         for (int y = 0; y < height; ++y)
-            for (int x = 96; x < 100; ++x) page.ink(x, y);
-        expect_same(estimate(page),
-                    {0, 0, 512, -std::numeric_limits<double>::quiet_NaN(), height, 100});
+            for (int x = 96; x < 100; ++x) ink(page, x, y);
+        EXPECT_EQ(estimated_skew(page),
+                  (SkewOutputs{0, 0, 512, -std::numeric_limits<double>::quiet_NaN(), height, 100}));
     }
 }
 
 TEST(SkewEstimate, VeryWideAndVeryTallPages) {
     // More lines than 16-bit sums of edges can hold, in both directions.
-    for (SkewPage page : {noise(34, 70'000, 8752, 0.4, 3), noise(40'000, 36, 8, 0.4, 4)}) {
+    for (BitonalPage page : {noise(34, 70'000, 8752, 0.4, 3), noise(40'000, 36, 8, 0.4, 4)}) {
         // Half-black stripes give the largest edges there are.
         for (int y = 0; y < page.height; ++y)
             for (int x = 0; x < page.width; ++x)
-                if (y / 2 % 2 == 0 || x / 2 % 2 == 0) page.ink(x, y);
-        expect_same(estimate(page), expected(page));
+                if (y / 2 % 2 == 0 || x / 2 % 2 == 0) ink(page, x, y);
+        EXPECT_EQ(estimated_skew(page), modelled_skew(page));
     }
 }
 
@@ -165,12 +126,12 @@ TEST(SkewEstimate, RefusalsKeepTheInitialValues) {
                               {32, 64, 10}, {32, 0, 4},  {INT_MIN, 32, 4}, {32, INT_MAX, 64}};
     for (const auto& [height, width, stride] : refused) {
         SCOPED_TRACE(testing::Message() << height << " " << width << " " << stride);
-        expect_same(estimate({height, width, stride, bytes}), kRefused);
+        EXPECT_EQ(estimated_skew({height, width, stride, bytes}), kRefused);
     }
-    EXPECT_EQ(estimate({32, 32, 4, bytes}).result, 0);
+    EXPECT_EQ(estimated_skew({32, 32, 4, bytes}).result, 0);
 
     for (int absent = 0; absent < 6; ++absent) {
-        Outputs out;
+        SkewOutputs out;
         const auto unless = [&](int index, auto* pointer) {
             return index == absent ? nullptr : pointer;
         };
@@ -179,15 +140,15 @@ TEST(SkewEstimate, RefusalsKeepTheInitialValues) {
                       unless(1, &out.scale), unless(2, &out.confidence), unless(3, &out.out_height),
                       unless(4, &out.out_width)),
                   -1);
-        expect_same(out, {77, absent == 0 ? -7 : 0, absent == 1 ? -7 : 512, absent == 2 ? -7 : 1.0,
-                          -7, -7});
+        EXPECT_EQ(out, (SkewOutputs{-7, absent == 0 ? -7 : 0, absent == 1 ? -7 : 512,
+                                    absent == 2 ? -7 : 1.0, -7, -7}));
     }
 }
 
 TEST(SkewEstimate, ShortFormGivesTheSame) {
-    const SkewPage page = turned_text(300, 333, 48, 30, 9);
-    const Outputs full = estimate(page);
-    Outputs brief;
+    const BitonalPage page = turned_text(300, 333, 48, 30, 9);
+    const SkewOutputs full = estimated_skew(page);
+    SkewOutputs brief;
     const auto run = [&](int height) {
         return skbitmap_mem(page.bytes.data(), height, page.width, page.stride, &brief.yskew,
                             &brief.scale, &brief.out_height, &brief.out_width);
@@ -195,8 +156,9 @@ TEST(SkewEstimate, ShortFormGivesTheSame) {
     EXPECT_EQ(run(31), -1);
     EXPECT_EQ(run(page.height), 0);
     EXPECT_NE(brief.yskew, 0);
-    expect_same({0, brief.yskew, brief.scale, full.confidence, brief.out_height, brief.out_width},
-                full);
+    EXPECT_EQ((SkewOutputs{0, brief.yskew, brief.scale, full.confidence, brief.out_height,
+                           brief.out_width}),
+              full);
 }
 
 // Traces into a folder that disappears with the test.
@@ -214,10 +176,10 @@ constexpr char kTraceName[] = "/estimate_skew_of_binary_image.log";
 
 TEST_F(SkewTrace, IsTheModelsByteForByte) {
     const std::string deep = in("one/two/three");  // none of the three exists
-    for (const SkewPage& page : {turned_text(210, 240, 36, 24, 2), noise(97, 75, 24, 0.5, 3),
-                                 turned_text(65, 32, 4, -60, 4), white_page(40, 64, 8)}) {
+    for (const BitonalPage& page : {turned_text(210, 240, 36, 24, 2), noise(97, 75, 24, 0.5, 3),
+                                    turned_text(65, 32, 4, -60, 4), white_page(40, 64, 8)}) {
         std::ostringstream want;
-        expect_same(estimate(page, 1, deep.c_str()), expected(page, &want));
+        EXPECT_EQ(estimated_skew(page, 1, deep.c_str()), modelled_skew(page, &want));
         // The second and later pages replace the file of the one before.
         std::ostringstream got;
         got << std::ifstream(deep + kTraceName, std::ios::binary).rdbuf();
@@ -226,26 +188,26 @@ TEST_F(SkewTrace, IsTheModelsByteForByte) {
 }
 
 TEST_F(SkewTrace, OnlyTheLowByteOfDebugAsksForIt) {
-    const SkewPage page = turned_text(64, 64, 8, 0, 1);
-    EXPECT_EQ(estimate(page, 0x7FFF'FF00, in("a").c_str()).result, 0);
+    const BitonalPage page = turned_text(64, 64, 8, 0, 1);
+    EXPECT_EQ(estimated_skew(page, 0x7FFF'FF00, in("a").c_str()).result, 0);
     EXPECT_FALSE(std::filesystem::exists(in("a")));
-    EXPECT_EQ(estimate(page, 0x100 | 0x80, in("a").c_str()).result, 0);
+    EXPECT_EQ(estimated_skew(page, 0x100 | 0x80, in("a").c_str()).result, 0);
     EXPECT_TRUE(std::filesystem::exists(in("a") + kTraceName));
 }
 
 TEST_F(SkewTrace, FailsTheCallWhereItCannotBeMade) {
     std::ofstream(in("file")) << "in the way";
     std::filesystem::create_directories(in("taken") + kTraceName + "/full");
-    const SkewPage page = turned_text(64, 64, 8, 0, 1);
+    const BitonalPage page = turned_text(64, 64, 8, 0, 1);
     for (const char* name : {"file", "file/below", "taken"}) {
         SCOPED_TRACE(name);
         testing::internal::CaptureStdout();  // a file that cannot be removed is also reported there
-        const Outputs found = estimate(page, 1, in(name).c_str());
+        const SkewOutputs found = estimated_skew(page, 1, in(name).c_str());
         testing::internal::GetCapturedStdout();
-        expect_same(found, kRefused);
+        EXPECT_EQ(found, kRefused);
     }
     // Bad arguments are found before the folder is touched.
-    EXPECT_EQ(estimate({31, 64, 8, page.bytes}, 1, in("untouched").c_str()).result, -1);
+    EXPECT_EQ(estimated_skew({31, 64, 8, page.bytes}, 1, in("untouched").c_str()).result, -1);
     EXPECT_FALSE(std::filesystem::exists(in("untouched")));
 }
 
