@@ -10,7 +10,9 @@
 namespace cleaning {
 namespace {
 
-// The first pixel from x on that is marked, or that is not; width if there is none.
+// The first pixel from x on that is marked, or that is not; width if there is none. Rows of a mask
+// begin with the least significant bit; border_ink.cpp searches bitonal rows, which begin with the
+// most significant one.
 std::size_t find_pixel(const std::uint64_t* row, std::size_t x, std::size_t width, bool marked) {
     while (x < width) {
         const std::uint64_t word = (marked ? row[x / 64] : ~row[x / 64]) >> (x % 64);

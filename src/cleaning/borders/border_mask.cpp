@@ -63,7 +63,8 @@ void dilate_row(std::uint64_t* row, std::size_t words) {
     }
 }
 
-// Marks the pixels begin <= x < end of a row.
+// Marks the pixels begin <= x < end of a row: what ink::paint_span() does in rows that begin with
+// the most significant bit.
 void mark_span(std::uint64_t* row, std::size_t begin, std::size_t end) {
     for (std::size_t x = begin; x < end;) {
         const std::size_t count = std::min(end - x, 64 - x % 64);

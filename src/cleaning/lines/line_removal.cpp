@@ -37,19 +37,19 @@ class WorkingPages {
     frame::Buffer<std::uint8_t> bytes_;
 };
 
-// Each byte of a page becomes combine(it, the byte of the other). Both have one geometry; padding
-// takes part.
+// Each byte of a page becomes combine(it, the byte of the other). Unlike in ink/page_logic.h both
+// have one geometry, and padding takes part: one loop over all bytes does.
 template <class Combine>
-void combine_pages(MutableBitonalView page, BitonalView other, Combine combine) {
+void combine_blocks(MutableBitonalView page, BitonalView other, Combine combine) {
     ink::combine_bytes(page.data, other.data, page.size(), combine);
 }
 
-void copy_page(BitonalView page, MutableBitonalView copy) {
+void copy_block(BitonalView page, MutableBitonalView copy) {
     std::memcpy(copy.data, page.data, page.size());
 }
 
-void and_page(MutableBitonalView page, BitonalView other) {
-    combine_pages(page, other, [](int a, int b) { return a & b; });
+void and_block(MutableBitonalView page, BitonalView other) {
+    combine_blocks(page, other, [](int a, int b) { return a & b; });
 }
 
 }  // namespace
@@ -59,20 +59,20 @@ void remove_lines(MutableBitonalView page, LineDirection direction, const common
     WorkingPages work(page);
 
     const MutableBitonalView lines = work.first();
-    copy_page(page, lines);
+    copy_block(page, lines);
     ink::fill_gaps(along(direction), settings.max_gap, lines, zone);
     ink::dilate(across(direction), settings.dilate, lines, zone);
     ink::remove_short(along(direction), settings.min_length, lines, zone);
-    and_page(lines, page);
+    and_block(lines, page);
     ink::dilate(across(direction), settings.clean_across, lines, zone);
     ink::dilate(along(direction), settings.clean_along, lines, zone);
 
     // Outside of the zone all ink counts as a stroke and stays.
     const MutableBitonalView kept = work.second();
-    copy_page(page, kept);
+    copy_block(page, kept);
     ink::remove_short(across(direction), settings.max_thickness, kept, zone);
-    combine_pages(kept, lines, [](int strokes, int line) { return strokes | ~line; });
-    and_page(page, kept);
+    combine_blocks(kept, lines, [](int strokes, int line) { return strokes | ~line; });
+    and_block(page, kept);
 }
 
 void remove_lines_carefully(MutableBitonalView page, LineDirection direction,
@@ -83,11 +83,11 @@ void remove_lines_carefully(MutableBitonalView page, LineDirection direction,
     // Lines are looked for in the page without the thick parts of long strokes. Gaps that were
     // bridged to find these stay bridged.
     const MutableBitonalView lines = work.first();
-    copy_page(page, lines);
+    copy_block(page, lines);
     ink::remove_short(along(direction), settings.min_run, lines, zone);
     ink::fill_gaps(across(direction), settings.join, lines, zone);
     ink::remove_short(across(direction), settings.thickness, lines, zone);
-    combine_pages(lines, page, [](int thick, int ink) { return thick ^ ink; });
+    combine_blocks(lines, page, [](int thick, int ink) { return thick ^ ink; });
 
     ink::fill_gaps(along(direction), settings.max_gap, lines, zone);
     ink::remove_short(along(direction), settings.min_length, lines, zone);
@@ -95,14 +95,14 @@ void remove_lines_carefully(MutableBitonalView page, LineDirection direction,
 
     // Only thin ink is cut away.
     const MutableBitonalView cut = work.second();
-    copy_page(page, cut);
+    copy_block(page, cut);
     ink::remove_short(across(direction), settings.thickness, cut, zone);
-    combine_pages(cut, lines, [](int thick, int line) { return thick | ~line; });
-    and_page(cut, page);
+    combine_blocks(cut, lines, [](int thick, int line) { return thick | ~line; });
+    and_block(cut, page);
 
     // Strokes are bridged across the cut. What of a bridge was ink before is a crossing and stays.
     ink::fill_gaps(across(direction), settings.thickness, cut, zone);
-    and_page(page, cut);
+    and_block(page, cut);
 }
 
 }  // namespace cleaning

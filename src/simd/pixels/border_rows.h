@@ -53,7 +53,7 @@ struct JoinLimits {
     std::uint8_t steepest;
 };
 
-// The direction in which a pass walks along a row. A pixel has three neighbours: the pixel before
+// The direction in which a pass goes along a row. A pixel has three neighbours: the pixel before
 // it on that way, the one in its column of the neighbouring row, and the one before that.
 //
 //     n n       n n     n: the neighbours of x in passes to the right and to the left, here with

@@ -147,7 +147,7 @@ HWY_INLINE bool blank(const std::uint64_t* neighbour_marks, const std::uint64_t*
     return hn::AllTrue(kMarks, hn::Eq(both, hn::Zero(kMarks)));
 }
 
-// A pass to the right walks up the bits and the words of a row.
+// A pass to the right goes up the bits and the words of a row.
 struct PassRight {
     static constexpr std::ptrdiff_t kBefore = -1;
 
@@ -171,7 +171,7 @@ struct PassRight {
     }
 };
 
-// A pass to the left walks down the bits and the words.
+// A pass to the left goes down the bits and the words.
 struct PassLeft {
     static constexpr std::ptrdiff_t kBefore = 1;
 
