@@ -5,8 +5,8 @@
 // Delight, 7-3). A vector holds the words of one row in several neighbouring blocks, so no step
 // ever moves anything between lanes. The six sizes are done in two passes of three over eight
 // registers each. Tiles of 512 rows are collected before they are written, so that the destination
-// is written in padded_bytes cache lines; tiles at the right and lower edge are padded with zeros
-// in a copy.
+// is written in full cache lines; tiles at the right and lower edge are padded with zeros in a
+// copy.
 //
 // Half turn: rows from last to first, each shifted right until its last pixel is the last bit of a
 // byte, then reversed bytewise and bitwise, all in one pass.
