@@ -42,7 +42,6 @@ class LineShifts {
     std::int64_t operator()(std::int64_t line) const { return floored(displacement(line)) + base_; }
 
     std::int64_t growth() const { return growth_; }  // pixels that the lines become longer
-    std::int64_t base() const { return base_; }      // makes every shift at least 0
 
   private:
     static std::int64_t floored(double pixels) {
@@ -51,7 +50,7 @@ class LineShifts {
 
     double factor_;
     std::int64_t growth_;
-    std::int64_t base_ = 0;
+    std::int64_t base_ = 0;  // makes every shift at least 0
 };
 
 struct ShearedSize {
