@@ -73,8 +73,8 @@ VEMOPREPRO_API int bi_upset(bi_settings* settings);
 
 /* ---- Setters
  *
- * The first argument is the settings object. Values are stored as given, 0 .. 255 where the argument
- * is a byte. Each setter returns
+ * The first argument is the settings object. Values are stored as given, 0 .. 255 where the
+ * argument is a byte. Each setter returns
  *   0 the value is stored,
  *  -1 null object; nothing is stored. */
 
@@ -226,8 +226,8 @@ VEMOPREPRO_API void bi_set_image_pointer(bi_settings* settings, const void* imag
 
 /* ---- Getters
  *
- * They store the value of a setting of the object, their first argument, at the second one, and
- * return
+ * They store the value of a setting of the object, their first argument, at the second one. Each
+ * returns
  *   0 the value is stored,
  *  -1 null object or null target; nothing is stored. */
 
