@@ -192,14 +192,14 @@ struct FirstMet {
         return true;
     }
     // From (x, y) on, `pixels` pixels.
-    void walk(int x, int y, int dx, int dy, int pixels) {
+    void scan(int x, int y, int dx, int dy, int pixels) {
         for (int i = 0; i < pixels; ++i)
             if (meet(x + i * dx, y + i * dy)) return;
     }
-    void walk_columns(int height, int width) {
+    void scan_columns(int height, int width) {
         for (int x = 0; x < width; ++x) {
-            walk(x, 0, 0, 1, height);
-            walk(x, height - 1, 0, -1, height);
+            scan(x, 0, 0, 1, height);
+            scan(x, height - 1, 0, -1, height);
         }
     }
 };
@@ -208,10 +208,10 @@ inline int cropgrey_get(unsigned char* value, const unsigned char* grey, int hei
                         int stride) {
     FirstMet met{grey, stride, 1};
     for (int y = 1; y <= height - 2; ++y) {
-        met.walk(1, y, 1, 0, width - 2);
-        met.walk(width - 1, y, -1, 0, width);
+        met.scan(1, y, 1, 0, width - 2);
+        met.scan(width - 1, y, -1, 0, width);
     }
-    met.walk_columns(height, width);
+    met.scan_columns(height, width);
     *value = static_cast<unsigned char>(met.count == 0 ? 255 : met.sums[0] / met.count);
     return 0;
 }
@@ -220,10 +220,10 @@ inline int cropcolor_get(unsigned char* value, const unsigned char* colour, int 
                          int row_pixels) {
     FirstMet met{colour, std::ptrdiff_t{3} * row_pixels, 3};
     for (int y = 0; y < height; ++y) {
-        met.walk(0, y, 1, 0, width);
-        met.walk(width - 1, y, -1, 0, width);
+        met.scan(0, y, 1, 0, width);
+        met.scan(width - 1, y, -1, 0, width);
     }
-    met.walk_columns(height, width);
+    met.scan_columns(height, width);
     for (int i = 0; i < 3; ++i)
         value[i] = static_cast<unsigned char>(met.count == 0 ? 0 : met.sums[i] / met.count);
     return 0;
