@@ -87,9 +87,10 @@ VEMOPREPRO_API int despeckl_cb_mem(unsigned char* image, int height, int width, 
 /**
  * Erases the components that a rule wants erased, but not those near ink that it keeps.
  *
- * With a distance the rule is asked about the page, and then about a second one: the ink that it
- * has kept, dilated by `distance`, together with all ink of the page. What it wants erased there is
- * erased from the page, when all has been asked.
+ * With a distance the rule is asked about the components of the page. Then the ink that it has kept
+ * is dilated by `distance` and joined by all ink of the page, and the rule is asked about the
+ * components of that; what it does not want erased of the page's ink stays. The page holds these
+ * states while the rule is asked.
  *
  * @param image the page, as for despeckl_mem(); when a call with a distance fails it is as it was
  * @param height, width, stride as there

@@ -84,7 +84,9 @@ VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int*
  * Straightens a bitonal page by two shears. Up to 32 units of skew, each connected piece of ink
  * that is small enough moves as a whole and keeps its shape; everything else is sheared.
  *
- * The strides are checked first and the size of the destination last.
+ * The strides are checked first and the size of the destination last. Where the page is sheared or
+ * copied, the padding bits in the last byte of a row come along as if they were pixels beyond its
+ * right edge: clear them where that matters.
  *
  * @param skew numerator of the skew
  * @param scale its denominator

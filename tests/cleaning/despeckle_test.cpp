@@ -145,24 +145,34 @@ TEST(TextFilter, TakesLargeSizesModulo65536) {
     EXPECT_EQ(page, expected);
 }
 
-// A rule sees the page with everything erased that it has wanted erased so far, and no more.
+// A rule sees the page with everything erased that it has wanted erased so far, and no more; near
+// other ink it is asked again, about what has grown together.
 TEST(Despeckle, ErasesEachComponentBeforeTheNextQuestion) {
     struct Watch {
         Bytes page = {0xA5, 0x00, 0x18, 0x00};
-        std::vector<Bytes> seen;
-    } watch;
-    const auto ask = [](void* user, int, int width, int) {
-        auto* self = static_cast<Watch*>(user);
-        self->seen.push_back(self->page);
-        return width == 1 ? 1 : 0;
+        std::vector<Bytes> seen = {};
+        static int ask(void* user, int, int width, int) {
+            auto* self = static_cast<Watch*>(user);
+            self->seen.push_back(self->page);
+            return width == 1 ? 1 : 0;
+        }
     };
-    ASSERT_EQ(despeckl_cb_mem(watch.page.data(), 4, 8, 1, ask, &watch), 0);
-    EXPECT_EQ(watch.seen, (std::vector<Bytes>{{0xA5, 0, 0x18, 0},
-                                              {0x25, 0, 0x18, 0},
-                                              {0x05, 0, 0x18, 0},
-                                              {0x01, 0, 0x18, 0},
-                                              {0x00, 0, 0x18, 0}}));
-    EXPECT_EQ(watch.page, (Bytes{0x00, 0, 0x18, 0}));
+    std::vector<Bytes> erased_one_by_one = {{0xA5, 0, 0x18, 0},
+                                            {0x25, 0, 0x18, 0},
+                                            {0x05, 0, 0x18, 0},
+                                            {0x01, 0, 0x18, 0},
+                                            {0x00, 0, 0x18, 0}};
+    Watch alone;
+    ASSERT_EQ(despeckl_cb_mem(alone.page.data(), 4, 8, 1, Watch::ask, &alone), 0);
+    EXPECT_EQ(alone.seen, erased_one_by_one);
+    EXPECT_EQ(alone.page, (Bytes{0x00, 0, 0x18, 0}));
+    Watch near;
+    ASSERT_EQ(despeckl_ccb_mem(near.page.data(), 4, 8, 1, Watch::ask, &near, 1), 0);
+    for (const auto top : Bytes{0xA5, 0x25, 0x24}) {
+        erased_one_by_one.push_back({top, 0x3C, 0x3C, 0x3C});
+    }
+    EXPECT_EQ(near.seen, erased_one_by_one);
+    EXPECT_EQ(near.page, (Bytes{0x24, 0, 0x18, 0}));
 }
 
 TEST(Despeckle, ARuleThatThrowsIsAFailure) {
@@ -170,6 +180,7 @@ TEST(Despeckle, ARuleThatThrowsIsAFailure) {
     const auto ask = [](void*, int, int, int) -> int { throw std::runtime_error("no"); };
     EXPECT_EQ(despeckl_cb_mem(page.data(), 2, 8, 1, ask, nullptr), -1);
     EXPECT_EQ(despeckl_ccb_mem(page.data(), 2, 8, 1, ask, nullptr, 2), -1);
+    EXPECT_EQ(page, (Bytes{0x80, 0x00}));
 }
 
 }  // namespace

@@ -55,14 +55,37 @@ void dilate(common::MutableBitonalView page, std::int32_t distance) {
     ink::dilate(ink::Along::kColumns, distance, page, common::whole(page));
 }
 
+// A page that gets its pixels back unless the work on it has come to its end.
+class UndoneOnFailure {
+  public:
+    // Throws std::bad_alloc.
+    explicit UndoneOnFailure(common::MutableBitonalView page)
+        : page_(page), before_(ink::copy_of(page)) {}
+    ~UndoneOnFailure() {
+        if (!done_) ink::combine_pages(page_, before(), [](int, int was) { return was; });
+    }
+    UndoneOnFailure(const UndoneOnFailure&) = delete;
+    UndoneOnFailure& operator=(const UndoneOnFailure&) = delete;
+
+    common::BitonalView before() const { return before_.view(); }
+    void done() { done_ = true; }
+
+  private:
+    common::MutableBitonalView page_;
+    common::BitonalPage before_;
+    bool done_ = false;
+};
+
+// The passes run on the page itself: a rule that looks at it sees what has been erased so far.
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
-    common::BitonalPage kept = ink::copy_of(page);
-    ink::stream_components(kept.view(), rule);
-    dilate(kept.view(), distance);
-    ink::or_page(kept.view(), page);
-    ink::stream_components(kept.view(), rule);
-    ink::and_page(page, kept.view());
+    UndoneOnFailure undone(page);
+    ink::stream_components(page, rule);
+    dilate(page, distance);
+    ink::or_page(page, undone.before());
+    ink::stream_components(page, rule);
+    ink::and_page(page, undone.before());
+    undone.done();
 }
 
 void erase_specks_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
