@@ -60,14 +60,20 @@ inline std::uint64_t word_at(const std::uint8_t* row, std::int64_t pixels, std::
            static_cast<std::uint64_t>(from[kWordBytes] >> (8 - offset));
 }
 
+// aligned_word() where fewer than 64 pixels are left. Out of line, so that the other words of a row
+// are read where they are used.
+[[gnu::noinline]] inline std::uint64_t aligned_word_at_end(const std::uint8_t* row,
+                                                           std::int64_t pixels, std::int64_t x) {
+    const std::int64_t left = pixels - x;
+    std::uint64_t word = 0;
+    std::memcpy(&word, row + (x >> 3), static_cast<std::size_t>((left + 7) / 8));
+    return common::swap_bytes(word) & span_mask(0, left);
+}
+
 // word_at() for an x of the row that is a multiple of 64. Reads the bytes of these pixels only.
 inline std::uint64_t aligned_word(const std::uint8_t* row, std::int64_t pixels, std::int64_t x) {
-    const std::uint8_t* const from = row + (x >> 3);
-    const std::int64_t left = pixels - x;
-    if (left >= kWordPixels) return common::load_big_endian(from);
-    std::uint64_t word = 0;
-    std::memcpy(&word, from, static_cast<std::size_t>((left + 7) / 8));
-    return common::swap_bytes(word) & span_mask(0, left);
+    if (x + kWordPixels > pixels) return aligned_word_at_end(row, pixels, x);
+    return common::load_big_endian(row + (x >> 3));
 }
 
 }  // namespace ink
