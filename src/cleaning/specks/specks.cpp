@@ -12,7 +12,6 @@
 
 #include <bit>
 
-#include "common/byte_order.h"
 #include "frame/buffer.h"
 #include "ink/bit_words.h"
 

@@ -14,6 +14,7 @@ constexpr long kSignature = 8;
 constexpr std::size_t kFrame = 12;  // length, type and check sum
 constexpr int kGrey = 0;
 constexpr int kRgb = 2;
+constexpr int kDeepest = 16;  // bits per sample of any PNG file
 
 std::uint32_t big_endian(const std::uint8_t* bytes, int count) {
     std::uint32_t value = 0;
@@ -72,7 +73,7 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
         if (chunk.is("IDAT")) break;
         if (chunk.is("IHDR")) {
             key.depth = chunk.contents()[8];
-            colours = chunk.contents()[9];
+            colours = key.depth <= kDeepest ? chunk.contents()[9] : -1;
         }
         const std::size_t wanted = colours == kGrey ? 1 : colours == kRgb ? 3 : 0;
         if (!chunk.is("tRNS") || wanted == 0 || chunk.size() != 2 * wanted) continue;

@@ -13,7 +13,7 @@ namespace tool::files {
 struct PngColourKey {
     std::size_t chunk_at = 0;  // where its chunk starts in the file
     std::size_t chunk_size = 0;
-    int depth = 0;                       // bits per sample
+    int depth = 0;                       // bits per sample, at most 16
     std::vector<std::uint32_t> samples;  // one or three
 };
 
