@@ -1,6 +1,13 @@
 #include "report/page_record.h"
 
+#include <algorithm>
+
 namespace tool::report {
+
+bool has_warning(const PageRecord& record) {
+    return std::any_of(record.steps.begin(), record.steps.end(),
+                       [](const steps::StepNote& step) { return step.outcome.warning; });
+}
 
 PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds) {
     PageRecord record;

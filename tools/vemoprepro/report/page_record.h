@@ -23,6 +23,9 @@ struct PageRecord {
     double seconds = 0;
 };
 
+// Whether a step on the page has something to warn about.
+bool has_warning(const PageRecord& record);
+
 // Of a page that has gone through all of its steps.
 PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds);
 

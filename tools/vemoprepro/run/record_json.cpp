@@ -83,11 +83,9 @@ steps::Findings findings_of(const Json& page) {
 
 Json step_json(const steps::StepNote& step) {
     const steps::Outcome& outcome = step.outcome;
-    return {{"name", step.name},
-            {"status", outcome.done ? "done" : "skipped"},
-            {"why", outcome.why},
-            {"ink_removed", share_json(outcome.ink_removed)},
-            {"seconds", rounded(step.seconds)}};
+    return {{"name", step.name},          {"status", outcome.done ? "done" : "skipped"},
+            {"why", outcome.why},         {"ink_removed", share_json(outcome.ink_removed)},
+            {"warning", outcome.warning}, {"seconds", rounded(step.seconds)}};
 }
 
 }  // namespace

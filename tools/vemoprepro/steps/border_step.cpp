@@ -94,9 +94,7 @@ Outcome crop_greys(PageWork& work, bool force) {
     if (nothing_left(content)) return {false, "all of the page would be border"};
     const double lost = dark_lost(work.page, cropped);
     if (!force && lost > kMostInk) {
-        return {false,
-                "would take " + percent(lost) + " of the ink inside the page (--force does it)",
-                lost};
+        return {false, "would take " + percent(lost) + " of the ink inside the page", lost, true};
     }
     repaint_white_as_paper(cropped);
     work.page = std::move(cropped);

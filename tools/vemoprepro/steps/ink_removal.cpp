@@ -60,7 +60,7 @@ Outcome remove_ink(Page& page, bool force, const Box& counted, const std::string
     change(changed);
     const double share = count_ink(page, changed, counted).share();
     if (!force && share > kMostInk) {
-        return {false, "would take " + percent(share) + " of the ink (--force does it)", share};
+        return {false, "would take " + percent(share) + " of the ink", share, true};
     }
     page = std::move(changed);
     return {true, what + ", " + percent(share) + " of the ink", share};

@@ -1,7 +1,8 @@
 // Steps that take ink off a bitonal page, and the limit that none may take too much unnoticed.
 //
 // Use: require_bitonal(page, "step"); then remove_ink(page, ...) runs a change on a copy and keeps
-// it when it takes no more than a tenth of the ink, or when `force` says so.
+// it when it takes no more than a tenth of the ink, or when `force` says so. A step that is held
+// back is something to warn about.
 #pragma once
 
 #include <functional>

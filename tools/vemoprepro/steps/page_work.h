@@ -28,6 +28,7 @@ struct Outcome {
     bool done;
     std::string why;                         // what was done, or why it was skipped
     std::optional<double> ink_removed = {};  // share of the ink before the step
+    bool warning = false;                    // the user should look at the page before trusting it
 };
 
 struct StepNote {
