@@ -199,7 +199,7 @@ class ReportFile(ToolCase):
     def test_folder_that_cannot_be(self):
         self.save("a.png", text_page())
         arguments = ("clean", "a.png", "-o", "a.tif", "--report")
-        self.fails(*arguments, "no/look", lines=["no/look: No such file or directory"])
+        self.fails(*arguments, "no/look", lines=["--report no/look: the folder to make it in does not exist"])
         self.fails(*arguments, "a.png", lines=["a.png: Not a directory"])
         self.usage(*arguments, "")
 

@@ -73,23 +73,13 @@ class TiffWriter final : public PageWriter {
     TIFF* tiff_ = nullptr;
 };
 
-PixOwner bitonal_pix_of(const Page& page) {
-    PixOwner image = make_pix(page.width, page.height, 1);
-    std::memcpy(pixGetData(image.get()), page.bytes.get(), page.size());
-    pixEndianByteSwap(image.get());
-    return image;
-}
-
 // The file is made in memory: Leptonica loses a block whenever it cannot write to a stream.
 class PngWriter final : public PageWriter {
   public:
     explicit PngWriter(const OutputFile& file) : file_(file) {}
 
     void append(Page page) override {
-        const PixOwner image = page.kind == PageKind::kBitonal
-                                   ? bitonal_pix_of(page)
-                                   : pix_of(page.bytes.get(), page.width, page.height,
-                                            page.kind == PageKind::kGrey ? 1 : 3);
+        const PixOwner image = pix_of(page);
         pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
         page.bytes.reset();
         const std::string bytes = png_of(image.get());

@@ -45,6 +45,17 @@ PixOwner pix_of(const unsigned char* pixels, int width, int height, int channels
     return image;
 }
 
+PixOwner pix_of(const Page& page) {
+    if (page.kind != PageKind::kBitonal) {
+        return pix_of(page.bytes.get(), page.width, page.height,
+                      page.kind == PageKind::kGrey ? 1 : 3);
+    }
+    PixOwner image = make_pix(page.width, page.height, 1);
+    std::memcpy(pixGetData(image.get()), page.bytes.get(), page.size());
+    pixEndianByteSwap(image.get());
+    return image;
+}
+
 std::string png_of(PIX* image) {
     return file_made_by(
         [&](l_uint8** bytes, std::size_t* size) { return pixWriteMemPng(bytes, size, image, 0); });

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "page/page.h"
+
 namespace tool::files {
 
 struct DestroyPix {
@@ -18,6 +20,7 @@ PixOwner make_pix(int width, int height, int depth);
 
 // channels: 1 for greys, 3 for colours, 4 for colours with alpha. Throws std::bad_alloc.
 PixOwner pix_of(const unsigned char* pixels, int width, int height, int channels);
+PixOwner pix_of(const Page& page);
 
 // The bytes of a file. Throw std::bad_alloc.
 std::string png_of(PIX* image);

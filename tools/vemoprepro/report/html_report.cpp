@@ -19,7 +19,10 @@ bool is_same_file(const std::string& path, const struct stat& other) {
 // The path of the report in its folder, which is there afterwards.
 std::string report_path(const std::string& folder, const std::vector<std::string>& inputs,
                         bool overwrite) {
-    if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) throw files::system_error_of(folder);
+    if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) {
+        if (errno != ENOENT) throw files::system_error_of(folder);
+        throw files::FileError("--report " + folder, "the folder to make it in does not exist");
+    }
     struct stat status {};
     if (stat(folder.c_str(), &status) != 0) throw files::system_error_of(folder);
     if (!S_ISDIR(status.st_mode)) throw files::system_error_of(folder, ENOTDIR);

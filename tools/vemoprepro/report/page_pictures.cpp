@@ -41,9 +41,9 @@ void PagePainter::source(const Page& page) {
     first_ = last_;
 }
 
-void PagePainter::after(const steps::Step& step, const Page& page) {
+void PagePainter::after(const steps::Step& step, const steps::PageWork& work) {
     const CountedTime counted(seconds_);
-    ScaledPicture now = scaled_down(page);
+    ScaledPicture now = scaled_down(work.page);
     switch (step.effect) {
         case steps::Effect::kBringsUpright:
             first_ = now;

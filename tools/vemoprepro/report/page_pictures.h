@@ -34,7 +34,7 @@ Colour mark_colour(const std::string& step);
 class PagePainter final : public steps::PageWatcher {
   public:
     void source(const Page& page) override;
-    void after(const steps::Step& step, const Page& page) override;
+    void after(const steps::Step& step, const steps::PageWork& work) override;
 
     // fan: of the skew search; none when the skew was not measured.
     PagePictures take(std::optional<steps::SkewFan> fan);

@@ -43,7 +43,8 @@ struct PageWork {
     Findings given;
     bool wants_fan = false;  // the skew fan is to be kept
 
-    PageShape source;  // of the page before its first step
+    PageShape source;       // of the page before its first step
+    int quarter_turns = 0;  // clockwise, that the steps have made
 
     std::optional<Skew> skew;
     std::optional<double> confidence;  // none when the skew was not measured

@@ -57,7 +57,7 @@ void process(const Pipeline& pipeline, PageWork& work, PageWatcher* watcher) {
         const Outcome outcome = step.run(work);
         if (step.name == nullptr) continue;
         work.notes.push_back({step.name, outcome, watch.seconds()});
-        if (watcher != nullptr && outcome.done) watcher->after(step, work.page);
+        if (watcher != nullptr && outcome.done) watcher->after(step, work);
     }
 }
 

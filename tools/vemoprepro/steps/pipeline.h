@@ -20,7 +20,7 @@ class PageWatcher {
   public:
     virtual ~PageWatcher() = default;
     virtual void source(const Page& page) = 0;
-    virtual void after(const Step& step, const Page& page) = 0;
+    virtual void after(const Step& step, const PageWork& work) = 0;
 };
 
 // watcher: may be null.

@@ -8,8 +8,9 @@
 namespace tool::steps {
 namespace {
 
-Outcome turn_by(Page& page, int quarter_turns, const std::string& why) {
-    turn(page, quarter_turns);
+Outcome turn_by(PageWork& work, int quarter_turns, const std::string& why) {
+    turn(work.page, quarter_turns);
+    work.quarter_turns += quarter_turns;
     return {true, "turned " + std::to_string(quarter_turns * 90) + " degrees clockwise" + why};
 }
 
@@ -19,13 +20,13 @@ Step orientation_step() {
     return {"orientation", Effect::kBringsUpright, [](PageWork& work) -> Outcome {
                 const int turns = std::exchange(work.page.quarter_turns, 0);
                 if (turns == 0) return {false, "already upright"};
-                return turn_by(work.page, turns, ", as the file asks for");
+                return turn_by(work, turns, ", as the file asks for");
             }};
 }
 
 Step rotate_step(int quarter_turns) {
     return {"rotate", Effect::kTurnsPage,
-            [quarter_turns](PageWork& work) { return turn_by(work.page, quarter_turns, ""); }};
+            [quarter_turns](PageWork& work) { return turn_by(work, quarter_turns, ""); }};
 }
 
 }  // namespace tool::steps
