@@ -88,6 +88,9 @@ VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int*
  * copied, the padding bits in the last byte of a row come along as if they were pixels beyond its
  * right edge: clear them where that matters.
  *
+ * Up to 32 units the working memory holds the runs of ink of 1,024 / |units| rows, at most 48 bytes
+ * for each, or up to 6 MB where these are few; beyond, half a megabyte.
+ *
  * @param skew numerator of the skew
  * @param scale its denominator
  * @param src the page: `height` rows of `bytes_per_line` bytes

@@ -4,6 +4,9 @@
 // byte columns moving down by the shift of the fourth pixel of the byte. Neighbouring components
 // may move by shifts that differ by one; where they then overlap, ink is ink.
 //
+// Whether a component is small enough is known as many rows below each of its runs as it may be
+// high. So the runs are kept for a window of rows, and the memory grows with the width of the page.
+//
 // The box's ends are exclusive here as everywhere, in the test of its size and for its centre.
 #include <algorithm>
 #include <cstdlib>
@@ -13,7 +16,7 @@
 #include "deskew/bitonal_shears.h"
 #include "deskew/page_shear.h"
 #include "deskew/strip_shear.h"
-#include "ink/run_labels.h"
+#include "ink/run_windows.h"
 
 namespace deskew {
 namespace {
@@ -28,6 +31,12 @@ struct Placement {
     std::int32_t right;   // pixels
     bool rigid;           // as one; otherwise sheared, and the other members mean nothing
 };
+
+// No component of so many rows moves rigidly.
+constexpr std::int32_t lowest_sheared(int yskew) {
+    const int steepness = yskew < 0 ? -yskew : yskew;
+    return (kSkewScale + steepness - 1) / steepness;
+}
 
 bool moves_rigidly(const ink::ComponentBox& box, int yskew) {
     const std::int64_t steepness = std::abs(yskew);
@@ -62,15 +71,11 @@ class ComponentShear {
     ComponentShear(common::BitonalView source, int yskew, common::MutableBitonalView destination)
         : page_(yskew, source.height, source.width),
           destination_(destination),
-          labels_(ink::label_runs(source)),
-          placements_(static_cast<std::size_t>(labels_.component_count)),
+          windows_(source, lowest_sheared(yskew)),
           steps_(
               column_steps(page_.size().width, kBytePixels,
                            [this](std::int64_t x) { return page_.column_shift(x + kByteMiddle); })),
           step_of_byte_(static_cast<std::size_t>(common::bitonal_bytes(page_.size().width))) {
-        for (std::size_t i = 0; i < placements_.size(); ++i) {
-            placements_[i] = placement(labels_.components[i]);
-        }
         for (std::size_t i = 0; i < steps_.size(); ++i) {
             for (std::int64_t x = steps_[i].begin; x < steps_[i].end; x += kBytePixels) {
                 step_of_byte_[static_cast<std::size_t>(x / kBytePixels)] = i;
@@ -78,14 +83,39 @@ class ComponentShear {
         }
     }
 
+    // Calls before_row(y) in front of each row.
+    template <class BeforeRow>
+    void run(BeforeRow before_row) {
+        while (windows_.next()) {
+            place_components();
+            for (std::int32_t y = windows_.begin(); y < windows_.end(); ++y) {
+                before_row(y);
+                place_row(y);
+            }
+        }
+    }
+
+  private:
+    void place_components() {
+        const auto count = static_cast<std::size_t>(windows_.label_count());
+        if (count > placements_.size()) {
+            placements_ = frame::Buffer<Placement>(count + count / 8);
+        }
+        for (std::int32_t label = 0; label < windows_.label_count(); ++label) {
+            const std::int32_t root = windows_.root(label);
+            placements_[static_cast<std::size_t>(label)] =
+                root == label ? placement(windows_.component(root))
+                              : placements_[static_cast<std::size_t>(root)];
+        }
+    }
+
     void place_row(std::int32_t y) {
         std::uint8_t* row = destination_.row(y);
         const auto row_right = static_cast<std::int32_t>(page_.row_shift(y));
-        const auto index = static_cast<std::size_t>(y);
-        for (std::size_t i = labels_.row_offsets[index]; i < labels_.row_offsets[index + 1]; ++i) {
-            const auto [x0, x1] = labels_.runs[i];
-            const auto label = static_cast<std::size_t>(labels_.label_of_run[i]);
-            const Placement& placed = placements_[label];
+        const ink::RowRuns found = windows_.row(y);
+        for (std::size_t i = 0; i < found.count; ++i) {
+            const auto [x0, x1] = found.runs[i];
+            const Placement& placed = placements_[static_cast<std::size_t>(found.labels[i])];
             if (placed.rigid) {
                 add_ink(row + placed.down, x0 + placed.right, x1 + placed.right);
             } else {
@@ -94,7 +124,6 @@ class ComponentShear {
         }
     }
 
-  private:
     Placement placement(const ink::ComponentBox& box) const {
         if (!moves_rigidly(box, page_.yskew())) return {};
         const std::int64_t right = page_.row_shift((box.y0 + box.y1) / 2);
@@ -114,8 +143,8 @@ class ComponentShear {
 
     PageShear page_;
     common::MutableBitonalView destination_;
-    ink::RunLabels labels_;
-    frame::Buffer<Placement> placements_;      // of each component
+    ink::RunWindows windows_;
+    frame::Buffer<Placement> placements_;      // of each label of the window
     std::vector<ColumnStep> steps_;            // of the straight page, whole bytes
     frame::Buffer<std::size_t> step_of_byte_;  // the step that each byte column belongs to
 };
@@ -124,12 +153,10 @@ class ComponentShear {
 
 void component_shear(common::BitonalView source, int yskew, common::MutableBitonalView destination,
                      const Progress& progress) {
-    ComponentShear shear(source, yskew, destination);
     const std::int64_t total = (source.height + kReportInterval - 1) / kReportInterval;
-    for (std::int32_t y = 0; y < source.height; ++y) {
+    ComponentShear(source, yskew, destination).run([&](std::int32_t y) {
         if (y % kReportInterval == 0) progress(y / kReportInterval, total);
-        shear.place_row(y);
-    }
+    });
     progress(total, total);
 }
 

@@ -1,8 +1,10 @@
 // The labels of a page labelling (row_labels.h), with the box that each label has collected.
 //
-// Use, where label_row() is that of row_labels.h for every row:
+// Use, where label_row() is that of row_labels.h for every row, for a whole page or a window of
+// rows at a time:
 //
-//     label_row* resolve number* take_components
+//     label_row* resolve take_components
+//     (label_row* fold (root | component)* keep)*
 //
 // Keep true: labels are given in raster order. Roots are the smallest of their trees, so a label is
 // never below its parent, one ascending pass resolves the forest, and the numbering follows the
@@ -69,11 +71,44 @@ class LabelForest {
         return count;
     }
 
-    std::int32_t number(std::int32_t label) const {
-        return parents_[static_cast<std::size_t>(label)];
+    frame::Buffer<ComponentBox> take_components() { return std::move(boxes_); }
+
+    // Makes every label name its root, and gives the roots all boxes.
+    void fold() {
+        for (std::int32_t label = 0; label < size_; ++label) {
+            if (parent(label) == label) continue;
+            parent(label) = parent(parent(label));
+            box(parent(label)).add(box(label));
+        }
     }
 
-    frame::Buffer<ComponentBox> take_components() { return std::move(boxes_); }
+    std::int32_t size() const { return size_; }
+
+    // Of a folded forest.
+    std::int32_t folded_root(std::int32_t label) const {
+        return parents_[static_cast<std::size_t>(label)];
+    }
+    const ComponentBox& component(std::int32_t root) const {
+        return boxes_[static_cast<std::size_t>(root)];
+    }
+
+    // Keeps of a folded forest the components that some labels name, and renames the labels to the
+    // new ones of these.
+    void keep(std::int32_t* labels, std::size_t count) {
+        constexpr std::int32_t kDropped = -1;
+        for (std::size_t i = 0; i < count; ++i) labels[i] = parent(labels[i]);
+        std::fill_n(parents_.begin(), size_, kDropped);
+        for (std::size_t i = 0; i < count; ++i) parent(labels[i]) = labels[i];
+        std::int32_t kept = 0;
+        for (std::int32_t label = 0; label < size_; ++label) {
+            if (parent(label) == kDropped) continue;
+            box(kept) = box(label);
+            parent(label) = kept++;
+        }
+        for (std::size_t i = 0; i < count; ++i) labels[i] = parent(labels[i]);
+        for (std::int32_t label = 0; label < kept; ++label) parent(label) = label;
+        size_ = kept;
+    }
 
   private:
     // More labels than nearly any page of text has: memory that is not touched costs nothing,

@@ -45,7 +45,7 @@ TEST(Components, AreThoseOfAFloodFill) {
     }
     const Bytes page(8, 0);
     for (const auto& [height, width] : {std::pair{2, 32}, {0, 32}, {2, 0}})
-        EXPECT_EQ(ink::label_runs({page.data(), height, width, 4}).component_count, 0);
+        EXPECT_EQ(ink::find_components({page.data(), height, width, 4}).count, 0);
 }
 
 TEST(ComponentEngine, SettledComponentsKeepFewRecords) {
@@ -149,7 +149,10 @@ TEST(Components, ThrowWithoutMemoryAndTheEngineLogsIt) {
     EXPECT_GT(allocations, 12);
     EXPECT_EQ(counter.matching, allocations);
     EXPECT_EQ(counter.others, 0);
-    EXPECT_GE(fail_each_allocation_of([&] { ink::label_runs(page); }), 5);
+    EXPECT_GE(fail_each_allocation_of([&] {
+                  for (ink::RunWindows windows(page, 9, 0); windows.next();) continue;
+              }),
+              5);
     EXPECT_GE(fail_each_allocation_of([&] { ink::find_components(page); }), 6);
 }
 

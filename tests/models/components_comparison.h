@@ -10,6 +10,7 @@
 #include "components_model.h"
 #include "ink/component_engine.h"
 #include "ink/run_labels.h"
+#include "ink/run_windows.h"
 
 namespace model {
 
@@ -71,27 +72,47 @@ inline bool engine_finds(common::BitonalView page, int ink_value, std::uint32_t 
     return rule.found == expected;
 }
 
-inline bool labels_are(common::BitonalView page, int ink_value,
-                       const std::vector<Component>& expected) {
-    const ink::RunLabels labels = ink::label_runs(page, ink_value);
+inline bool boxes_are(common::BitonalView page, int ink_value,
+                      const std::vector<Component>& expected) {
     const ink::PageComponents found = ink::find_components(page, ink_value);
-    const auto count = static_cast<std::int32_t>(expected.size());
-    if (labels.component_count != count || found.count != count) return false;
-    if (labels.row_offsets[static_cast<std::size_t>(page.height)] != labels.run_count) return false;
-    std::vector<std::vector<Run>> runs(expected.size());
-    for (int y = 0; y < page.height; ++y) {
-        const auto row = static_cast<std::size_t>(y);
-        for (std::size_t i = labels.row_offsets[row]; i < labels.row_offsets[row + 1]; ++i) {
-            runs.at(static_cast<std::size_t>(labels.label_of_run[i]))
-                .push_back({labels.runs[i].x0, labels.runs[i].x1, y});
-        }
-    }
+    if (found.count != static_cast<std::int32_t>(expected.size())) return false;
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        for (const ink::ComponentBox& c : {labels.components[i], found.components[i]}) {
-            if (Component{c.x0, c.y0, c.x1, c.y1, c.area, runs[i]} != expected[i]) return false;
-        }
+        const ink::ComponentBox& c = found.components[i];
+        if (Component{c.x0, c.y0, c.x1, c.y1, c.area, expected[i].runs} != expected[i])
+            return false;
     }
     return true;
+}
+
+// Whether the windows cover the page's runs once, from the top down, and give each the box of its
+// component, or a part of that of so many rows that it counts as tall.
+inline bool windows_give(common::BitonalView page, std::int32_t tall, std::size_t runs_at_once,
+                         const std::vector<Component>& expected) {
+    std::vector<std::pair<Run, const Component*>> runs;
+    for (const Component& c : expected)
+        for (const Run& r : c.runs) runs.emplace_back(r, &c);
+    std::sort(runs.begin(), runs.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.first.y, a.first.x0) < std::tie(b.first.y, b.first.x0);
+    });
+    std::size_t next = 0;
+    std::int32_t end = 0;
+    ink::RunWindows windows(page, tall, runs_at_once);
+    for (; windows.next(); end = windows.end()) {
+        if (windows.begin() != end) return false;
+        for (std::int32_t y = windows.begin(); y < windows.end(); ++y) {
+            const ink::RowRuns row = windows.row(y);
+            for (std::size_t i = 0; i < row.count; ++i, ++next) {
+                if (next == runs.size()) return false;
+                const auto& [run, c] = runs[next];
+                if (Run{row.runs[i].x0, row.runs[i].x1, y} != run) return false;
+                const ink::ComponentBox box = windows.component(windows.root(row.labels[i]));
+                const Component seen{box.x0, box.y0, box.x1, box.y1, box.area, c->runs};
+                const bool part = box.height() >= tall && c->y1 - c->y0 > box.height();
+                if (seen != *c && !part) return false;
+            }
+        }
+    }
+    return end == page.height && next == runs.size();
 }
 
 // All of it for a page of at least one row, of which the last may end with its pixels. Null, or
@@ -102,7 +123,11 @@ inline const char* differing_components(common::BitonalView page, int ink_value,
     for (char& pixel : bits.pixels) pixel = static_cast<char>((pixel != 0) == (ink_value == 0));
     const std::vector<Component> expected = components(bits);
     if (!engine_finds(page, ink_value, most, settle, expected)) return "component engine";
-    return labels_are(page, ink_value, expected) ? nullptr : "labels of a page";
+    if (!boxes_are(page, ink_value, expected)) return "components of a page";
+    if (ink_value != 0) return nullptr;
+    const auto tall = static_cast<std::int32_t>(most) + 1;
+    return windows_give(page, tall, page.height % 2 == 0 ? 100 : 0, expected) ? nullptr
+                                                                              : "windows of runs";
 }
 
 }  // namespace model
