@@ -7,6 +7,7 @@
 
 #include <numeric>
 
+#include "files/tiff_bounds.h"
 #include "files/tiff_pages.h"
 #include "files/tiff_unusual.h"
 #include "memory_file.h"
@@ -19,23 +20,20 @@ using namespace tool::files;
 
 constexpr int kLongestSide = 300;
 constexpr std::size_t kMostPages = 8;
-constexpr tmsize_t kLargestBlock = 1 << 20;  // of pixels that libtiff reads at once
 
 class MemoryFile {
   public:
-    MemoryFile(const std::uint8_t* data, std::size_t size)
-        : file_(memfd_create("fuzz", 0)), path_("/proc/self/fd/" + std::to_string(file_)) {
+    MemoryFile(const std::uint8_t* data, std::size_t size) : file_(memfd_create("fuzz", 0)) {
         check(file_ >= 0 && write(file_, data, size) == static_cast<ssize_t>(size));
     }
     ~MemoryFile() { close(file_); }
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
 
-    const std::string& path() const { return path_; }
+    std::string path() const { return "/proc/self/fd/" + std::to_string(file_); }
 
   private:
     int file_;
-    std::string path_;
 };
 
 void check_page(const Page& page, const PagePlace& place, bool good) {
@@ -46,13 +44,12 @@ void check_page(const Page& page, const PagePlace& place, bool good) {
     static_cast<void>(sum);
 }
 
-void read_page(const MemoryFile& file, const PagePlace& place, TiffAccess access,
+void read_page(const SeekableFile& file, const PagePlace& place, TiffAccess access,
                std::optional<Page> (*read)(TIFF*)) {
     const TiffErrors errors;
-    const TiffFile tiff = open_tiff_at(file.path(), access, place.offset);
+    const TiffFile tiff = open_tiff(file, access, place.offset);
     if (!tiff) return;
-    const bool tiled = TIFFIsTiled(tiff.get()) != 0;
-    if ((tiled ? TIFFTileSize(tiff.get()) : TIFFStripSize(tiff.get())) > kLargestBlock) return;
+    if (!excessive_blocks(tiff.get()).empty()) return;
     if (const auto page = read(tiff.get())) check_page(*page, place, errors.first().empty());
 }
 
@@ -61,10 +58,9 @@ void read_page(const MemoryFile& file, const PagePlace& place, TiffAccess access
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool collected = (collect_tiff_errors(), true);
     static_cast<void>(collected);
-    const MemoryFile file(data, size);
-    const TiffFile tiff = open_tiff(file.path(), TiffAccess::kRead);
-    if (!tiff) return 0;
-    auto places = list_tiff_pages(tiff.get());
+    const MemoryFile bytes(data, size);
+    const SeekableFile file(bytes.path());
+    auto places = list_tiff_pages(file);
     if (places.size() > kMostPages) places.resize(kMostPages);
     for (const PagePlace& place : places) {
         if (place.width < 1 || place.height < 1 || place.width > kLongestSide ||

@@ -7,9 +7,11 @@
 #include <cstring>
 #include <utility>
 
+#include "files/file_view.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/png_colour_key.h"
+#include "files/tiff_chain.h"
 #include "files/tiff_file.h"
 #include "files/word_rows.h"
 
@@ -86,9 +88,10 @@ Decoded decode_pnm(std::FILE* file) {
     return decoded_by(pixReadStreamPnm(file));
 }
 
-Decoded decode_tiff(const std::string& path, std::size_t offset) {
+Decoded decode_tiff(const SeekableFile& file, std::size_t directory) {
     const TiffErrors errors;
-    Decoded decoded = decoded_by(pixReadFromMultipageTiff(path.c_str(), &offset));
+    const Stream stream = open_stream(file, first_directory(file, directory));
+    Decoded decoded = decoded_by(pixReadStreamTiff(stream.get(), 0));
     decoded.premultiplied = true;
     if (!errors.first().empty()) {
         decoded.image.reset();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "files/pix.h"
+#include "files/seekable_file.h"
 #include "page/page.h"
 
 namespace tool::files {
@@ -21,7 +22,8 @@ Decoded decode_png(std::FILE* file);
 Decoded decode_jpeg(std::FILE* file);
 // Plain (ASCII) PNM and PAM.
 Decoded decode_pnm(std::FILE* file);
-Decoded decode_tiff(const std::string& path, std::size_t offset);
+// Of the directory there.
+Decoded decode_tiff(const SeekableFile& file, std::size_t directory);
 
 // The image as a page of the least kind, oriented by the tag (see orientation.h). Transparent parts
 // lie on white paper; 16 bits become 8. The pixels stay in the decoder's block wherever they can.

@@ -9,30 +9,24 @@
 #include <leptonica/allheaders.h>
 
 #include <cstdio>
-#include <memory>
+#include <new>
 
 #include "files/decode.h"
 #include "files/exif_orientation.h"
 #include "files/file_error.h"
+#include "files/file_view.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/pnm_pages.h"
+#include "files/tiff_bounds.h"
+#include "files/tiff_chain.h"
 #include "files/tiff_pages.h"
 #include "files/tiff_unusual.h"
 
 namespace tool::files {
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-File open_file(const std::string& path, const std::string& name) {
-    File file(std::fopen(path.c_str(), "rb"));
-    if (!file) throw system_error_of(name);
-    return file;
-}
+constexpr char kNoMemory[] = "not enough memory";
 
 // The page of a file that holds just one.
 std::vector<PagePlace> one_page(l_ok failed, int width, int height) {
@@ -52,29 +46,18 @@ std::vector<PagePlace> png_page(std::FILE* file) {
     return one_page(failed, width, height);
 }
 
-// None when the chain of pages is damaged.
-std::vector<PagePlace> tiff_places(const std::string& path) {
-    const TiffErrors errors;
-    const TiffFile tiff = open_tiff(path, TiffAccess::kRead);
-    if (!tiff) return {};
-    std::vector<PagePlace> places = list_tiff_pages(tiff.get());
-    if (!errors.first().empty()) places.clear();
-    return places;
-}
-
-// The two ways round Leptonica: a short one for the most common shape of large pages, and one for
-// shapes that it cannot read. None for all others.
-std::optional<Page> read_raw_tiff(const std::string& path, std::size_t offset) {
-    const TiffFile tiff = open_tiff_at(path, TiffAccess::kRead, offset);
-    std::optional<Page> page = tiff ? read_packed_tiff(tiff.get()) : std::nullopt;
-    if (page) return page;
-    const TiffFile mapped = open_tiff_at(path, TiffAccess::kMapped, offset);
+// The two ways round Leptonica: a short one for the most common shapes, and one for shapes that it
+// cannot read. None for all others.
+std::optional<Page> read_raw_tiff(const SeekableFile& file, std::size_t directory, TIFF* tiff) {
+    if (std::optional<Page> page = read_packed_tiff(tiff)) return page;
+    if (TIFFIsTiled(tiff) == 0) return read_unusual_tiff(tiff);
+    const TiffFile mapped = open_tiff(file, TiffAccess::kMapped, directory);
     return mapped ? read_unusual_tiff(mapped.get()) : std::nullopt;
 }
 
-FileFormat format_of(std::FILE* file, const std::string& name) {
+FileFormat format_of(const SeekableFile& file, const std::string& name) {
     l_int32 format = IFF_UNKNOWN;
-    findFileFormatStream(file, &format);
+    findFileFormatStream(open_stream(file).get(), &format);
     switch (format) {
         case IFF_PNG:
             return FileFormat::kPng;
@@ -85,7 +68,6 @@ FileFormat format_of(std::FILE* file, const std::string& name) {
         default:
             break;
     }
-    std::rewind(file);
     if (starts_as_tiff(file)) return FileFormat::kTiff;
     throw FileError(name, "not a TIFF, PNG, JPEG or PNM file");
 }
@@ -112,28 +94,31 @@ void prepare_decoders() {
 }
 
 ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
-    list_pages();
-    if (places_.empty()) {
-        throw FileError(name_, std::string("damaged or truncated ") + name_of(format_) + " file");
+    const TiffErrors errors;
+    try {
+        list_pages();
+    } catch (const std::bad_alloc&) {
+        throw FileError(name_, kNoMemory);
     }
+    if (!errors.first().empty()) places_.clear();
+    if (places_.empty()) throw FileError(name_, damaged_file(errors.first()));
 }
 
 void ImageFile::list_pages() {
-    const File file = open_file(file_.path(), name_);
-    format_ = format_of(file.get(), name_);
-    std::rewind(file.get());
+    format_ = format_of(file_, name_);
+    const Stream stream = open_stream(file_);
     switch (format_) {
         case FileFormat::kTiff:
-            places_ = tiff_places(file_.path());
+            places_ = list_tiff_pages(file_);
             break;
         case FileFormat::kPng:
-            places_ = png_page(file.get());
+            places_ = png_page(stream.get());
             break;
         case FileFormat::kJpeg:
-            places_ = jpeg_page(file.get());
+            places_ = jpeg_page(stream.get());
             break;
         case FileFormat::kPnm:
-            places_ = list_pnm_pages(file.get());
+            places_ = list_pnm_pages(stream.get());
             break;
     }
 }
@@ -154,53 +139,69 @@ void ImageFile::check_size(std::size_t index) const {
     }
 }
 
-std::string ImageFile::damage(std::size_t index, const std::string& reason) const {
-    return page_prefix(index) + "damaged or truncated " + name_of(format_) + " file" +
+std::string ImageFile::damaged_file(const std::string& reason) const {
+    return std::string("damaged or truncated ") + name_of(format_) + " file" +
            (reason.empty() ? "" : " (" + reason + ")");
 }
 
-std::optional<Page> ImageFile::read_raw_page(std::FILE* file, std::size_t index) const {
-    if (format_ == FileFormat::kPnm) return read_raw_pnm(file, places_[index]);
-    if (format_ != FileFormat::kTiff) return std::nullopt;
+FileError ImageFile::damage(std::size_t index, const std::string& reason) const {
+    return {name_, page_prefix(index) + damaged_file(reason)};
+}
+
+std::optional<Page> ImageFile::read_raw_tiff_page(std::size_t index) const {
+    const std::size_t directory = places_[index].offset;
     const TiffErrors errors;
-    std::optional<Page> page = read_raw_tiff(file_.path(), places_[index].offset);
-    if (page && !errors.first().empty()) throw FileError(name_, damage(index, errors.first()));
+    const TiffFile tiff = open_tiff(file_, TiffAccess::kRead, directory);
+    if (!tiff) throw damage(index, errors.first());
+    const std::string excess = excessive_blocks(tiff.get());
+    if (!excess.empty()) throw FileError(name_, page_prefix(index) + excess);
+    std::optional<Page> page = read_raw_tiff(file_, directory, tiff.get());
+    if (page && !errors.first().empty()) throw damage(index, errors.first());
     return page;
 }
 
+std::optional<Page> ImageFile::read_raw_page(std::size_t index) const {
+    if (format_ == FileFormat::kTiff) return read_raw_tiff_page(index);
+    if (format_ == FileFormat::kPnm) return read_raw_pnm(open_stream(file_).get(), places_[index]);
+    return std::nullopt;
+}
+
 Page ImageFile::read_page(std::size_t index) const {
-    Page page = decode_page(index);
-    page.dpi = plausible(page.dpi);
-    return page;
+    try {
+        Page page = decode_page(index);
+        page.dpi = plausible(page.dpi);
+        return page;
+    } catch (const std::bad_alloc&) {
+        throw FileError(name_, page_prefix(index) + kNoMemory);
+    }
 }
 
 Page ImageFile::decode_page(std::size_t index) const {
     check_size(index);
-    const File file = open_file(file_.path(), name_);
-    if (std::optional<Page> page = read_raw_page(file.get(), index)) {
+    if (std::optional<Page> page = read_raw_page(index)) {
         reduce_kind(*page);
         return std::move(*page);
     }
-    std::rewind(file.get());
+    const Stream stream = open_stream(file_);
     Decoded decoded;
     int orientation_tag = kUprightTag;
     switch (format_) {
         case FileFormat::kTiff:
-            decoded = decode_tiff(file_.path(), places_[index].offset);
+            decoded = decode_tiff(file_, places_[index].offset);
             break;
         case FileFormat::kPng:
-            decoded = decode_png(file.get());
+            decoded = decode_png(stream.get());
             break;
         case FileFormat::kJpeg:
-            orientation_tag = jpeg_orientation(file.get());
-            std::rewind(file.get());
-            decoded = decode_jpeg(file.get());
+            orientation_tag = jpeg_orientation(stream.get());
+            std::rewind(stream.get());
+            decoded = decode_jpeg(stream.get());
             break;
         case FileFormat::kPnm:
-            decoded = decode_pnm(file.get());
+            decoded = decode_pnm(stream.get());
             break;
     }
-    if (!decoded.image) throw FileError(name_, damage(index, decoded.reason));
+    if (!decoded.image) throw damage(index, decoded.reason);
     return page_of(std::move(decoded), orientation_tag);
 }
 

@@ -9,11 +9,11 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "files/file_error.h"
 #include "files/page_place.h"
 #include "files/seekable_file.h"
 #include "page/page.h"
@@ -44,8 +44,10 @@ class ImageFile {
     void list_pages();
     void check_size(std::size_t index) const;
     Page decode_page(std::size_t index) const;
-    std::string damage(std::size_t index, const std::string& reason) const;
-    std::optional<Page> read_raw_page(std::FILE* file, std::size_t index) const;
+    std::string damaged_file(const std::string& reason) const;
+    FileError damage(std::size_t index, const std::string& reason) const;
+    std::optional<Page> read_raw_page(std::size_t index) const;
+    std::optional<Page> read_raw_tiff_page(std::size_t index) const;
 
     std::string name_;
     SeekableFile file_;

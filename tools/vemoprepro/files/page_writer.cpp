@@ -3,8 +3,11 @@
 #include "files/page_writer.h"
 
 #include <cstring>
+#include <new>
 #include <string>
+#include <utility>
 
+#include "files/bit_rows.h"
 #include "files/file_error.h"
 #include "files/pix.h"
 #include "files/temporary_file.h"
@@ -79,15 +82,23 @@ class PngWriter final : public PageWriter {
     explicit PngWriter(const OutputFile& file) : file_(file) {}
 
     void append(Page page) override {
-        const PixOwner image = pix_of(page);
-        pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
-        page.bytes.reset();
-        const std::string bytes = png_of(image.get());
-        write_all(file_.descriptor(), bytes.data(), bytes.size(), file_.name());
+        try {
+            const std::string bytes = packed(std::move(page));
+            write_all(file_.descriptor(), bytes.data(), bytes.size(), file_.name());
+        } catch (const std::bad_alloc&) {
+            throw FileError(file_.name(), "not enough memory");
+        }
     }
     void finish() override {}
 
   private:
+    static std::string packed(Page page) {
+        const PixOwner image = pix_of(page);
+        pixSetResolution(image.get(), page.dpi.x, page.dpi.y);
+        page.bytes.reset();
+        return png_of(image.get());
+    }
+
     const OutputFile& file_;
 };
 
@@ -101,8 +112,7 @@ class PnmWriter final : public PageWriter {
         header += std::to_string(page.width) + " " + std::to_string(page.height) + "\n";
         if (!bitonal) header += "255\n";
         write_all(file_.descriptor(), header.data(), header.size(), file_.name());
-        const std::size_t row_size =
-            bitonal ? (static_cast<std::size_t>(page.width) + 7) / 8 : page.stride();
+        const std::size_t row_size = bitonal ? bytes_of_bits(page.width) : page.stride();
         // Rows of bitonal pages move together to lose their padding.
         for (int y = 1; y < page.height; ++y) {
             std::memmove(page.bytes.get() + row_size * static_cast<std::size_t>(y), page.row(y),

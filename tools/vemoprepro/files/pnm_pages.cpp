@@ -8,6 +8,9 @@
 #include <cctype>
 #include <cstring>
 
+#include "files/bit_rows.h"
+#include "files/file_view.h"
+
 namespace tool::files {
 namespace {
 
@@ -44,7 +47,7 @@ struct RawHeader {
 
     std::size_t row_size() const {
         const auto pixels = static_cast<std::size_t>(width);
-        if (type == '4') return (pixels + 7) / 8;
+        if (type == '4') return bytes_of_bits(width);
         return pixels * (type == '6' ? 3 : 1) * (largest_value > 255 ? 2 : 1);
     }
 };
@@ -83,24 +86,10 @@ void scale_samples(const unsigned char* samples, std::size_t count, int largest,
     }
 }
 
-// The bits of the last byte that lie beyond the width; the bytes after it are 0 from the start.
-void clear_padding(std::vector<unsigned char>& row, int width) {
-    if (width % 8 == 0) return;
-    unsigned char& last = row[static_cast<std::size_t>(width) / 8];
-    last = static_cast<unsigned char>(last & (0xFF00 >> width % 8));
-}
-
 bool list_other_page(std::FILE* file, PagePlace& place) {
     std::rewind(file);
     return freadHeaderPnm(file, &place.width, &place.height, nullptr, nullptr, nullptr, nullptr) ==
            0;
-}
-
-std::size_t size_of(std::FILE* file) {
-    std::fseek(file, 0, SEEK_END);
-    const long size = std::ftell(file);
-    std::rewind(file);
-    return size < 0 ? 0 : static_cast<std::size_t>(size);
 }
 
 }  // namespace
@@ -141,8 +130,8 @@ std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
             return std::nullopt;
         }
         if (header.type == '4') {
-            clear_padding(row, header.width);
             std::memcpy(page.row(y), row.data(), page.stride());
+            clear_padding(page.row(y), page.width);
         } else if (header.largest_value == 255) {
             std::memcpy(page.row(y), row.data(), page.stride());
         } else {

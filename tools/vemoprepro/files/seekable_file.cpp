@@ -8,30 +8,56 @@
 #include "files/temporary_file.h"
 
 namespace tool::files {
+namespace {
 
-SeekableFile::SeekableFile(const std::string& name) : path_(name) {
+// Closes the descriptor unless it is taken.
+class Descriptor {
+  public:
+    explicit Descriptor(int file) : file_(file) {}
+    ~Descriptor() {
+        if (file_ >= 0) close(file_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const { return file_; }
+    int take() {
+        const int file = file_;
+        file_ = -1;
+        return file;
+    }
+
+  private:
+    int file_;
+};
+
+struct stat status_of(int file, const std::string& name) {
     struct stat status {};
-    if (name != "-") {
-        if (stat(name.c_str(), &status) != 0) throw system_error_of(name);
-        if (S_ISDIR(status.st_mode)) throw system_error_of(name, EISDIR);
-        if (S_ISREG(status.st_mode)) return;
+    if (fstat(file, &status) != 0) throw system_error_of(name);
+    return status;
+}
+
+}  // namespace
+
+SeekableFile::SeekableFile(const std::string& name) {
+    Descriptor source(name == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                  : open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    if (source.get() < 0) throw system_error_of(name);
+    const struct stat status = status_of(source.get(), name);
+    if (S_ISDIR(status.st_mode)) throw system_error_of(name, EISDIR);
+    if (name != "-" && S_ISREG(status.st_mode)) {
+        size_ = static_cast<std::size_t>(status.st_size);
+        file_ = source.take();
+        return;
     }
-    const int source = name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (source < 0) throw system_error_of(name);
-    copy_ = open_nameless_file(name);
-    path_ = "/proc/self/fd/" + std::to_string(copy_);
-    try {
-        copy_all(source, copy_, name);
-    } catch (...) {
-        if (source != STDIN_FILENO) close(source);
-        close(copy_);
-        throw;
-    }
-    if (source != STDIN_FILENO) close(source);
+    Descriptor copy(open_nameless_file(name));
+    copy_all(source.get(), copy.get(), name);
+    size_ = static_cast<std::size_t>(status_of(copy.get(), name).st_size);
+    file_ = copy.take();
 }
 
 SeekableFile::~SeekableFile() {
-    if (copy_ >= 0) close(copy_);
+    if (file_ >= 0) close(file_);
 }
 
 }  // namespace tool::files

@@ -1,26 +1,28 @@
-// An input that can be read from any position.
+// An input that can be read from any position, by any thread.
 //
-// Use: open path() as often as wanted, from any thread, as long as this object lives. It is the
-// input itself or, for standard input and pipes, a nameless temporary copy.
+// Use: a FileView or a stream for each reader (files/file_view.h).
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace tool::files {
 
 class SeekableFile {
   public:
-    // name: a path, or "-" for standard input. Throws FileError.
+    // name: a path, or "-" for standard input. What is no file, such as a pipe, is copied to a
+    // nameless temporary one. Throws FileError.
     explicit SeekableFile(const std::string& name);
     ~SeekableFile();
     SeekableFile(const SeekableFile&) = delete;
     SeekableFile& operator=(const SeekableFile&) = delete;
 
-    const std::string& path() const { return path_; }
+    int descriptor() const { return file_; }
+    std::size_t size() const { return size_; }
 
   private:
-    std::string path_;
-    int copy_ = -1;
+    int file_ = -1;
+    std::size_t size_ = 0;
 };
 
 }  // namespace tool::files

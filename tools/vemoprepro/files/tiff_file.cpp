@@ -2,9 +2,14 @@
 // collected per thread through the extended handler, the only one that Leptonica leaves in place.
 #include "files/tiff_file.h"
 
+#include <sys/mman.h>
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+
+#include "files/file_view.h"
+#include "files/tiff_chain.h"
 
 namespace tool::files {
 namespace {
@@ -28,15 +33,49 @@ int dots_per_inch(TIFF* tiff, std::uint32_t tag) {
     return static_cast<int>(value * (metric ? 2.54F : 1.0F) + 0.5F);
 }
 
-}  // namespace
-
-TiffFile open_tiff(const std::string& path, TiffAccess access) {
-    return TiffFile(TIFFOpen(path.c_str(), access == TiffAccess::kMapped ? "r" : "rm"));
+FileView& view_of(thandle_t handle) {
+    return *static_cast<FileView*>(handle);
 }
 
-TiffFile open_tiff_at(const std::string& path, TiffAccess access, std::size_t offset) {
-    TiffFile tiff = open_tiff(path, access);
-    if (tiff && TIFFSetSubDirectory(tiff.get(), offset) == 0) tiff.reset();
+tmsize_t read_view(thandle_t handle, void* bytes, tmsize_t size) {
+    return view_of(handle).read(bytes, static_cast<std::size_t>(size));
+}
+
+tmsize_t write_view(thandle_t, void*, tmsize_t) {
+    return -1;
+}
+
+toff_t seek_view(thandle_t handle, toff_t place, int from) {
+    return static_cast<toff_t>(view_of(handle).seek(static_cast<ssize_t>(place), from));
+}
+
+int close_view(thandle_t handle) {
+    delete &view_of(handle);
+    return 0;
+}
+
+toff_t size_of_view(thandle_t handle) {
+    return view_of(handle).size();
+}
+
+int map_view(thandle_t handle, void** bytes, toff_t* size) {
+    *size = view_of(handle).size();
+    *bytes = view_of(handle).map();
+    return *bytes != nullptr ? 1 : 0;
+}
+
+void unmap_view(thandle_t, void* bytes, toff_t size) {
+    munmap(bytes, size);
+}
+
+}  // namespace
+
+TiffFile open_tiff(const SeekableFile& file, TiffAccess access, std::size_t directory) {
+    auto view = std::make_unique<FileView>(file, first_directory(file, directory));
+    const char* mode = access == TiffAccess::kMapped ? "r" : "rm";
+    TiffFile tiff(TIFFClientOpen("TIFF", mode, view.get(), read_view, write_view, seek_view,
+                                 close_view, size_of_view, map_view, unmap_view));
+    if (tiff) static_cast<void>(view.release());
     return tiff;
 }
 

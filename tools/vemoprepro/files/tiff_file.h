@@ -13,6 +13,7 @@
 #include <string>
 
 #include "files/page_place.h"
+#include "files/seekable_file.h"
 #include "page/page.h"
 
 namespace tool::files {
@@ -25,10 +26,8 @@ using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
 // libtiff may be given the file as a whole, mapped into memory, or read it piece by piece.
 enum class TiffAccess { kRead, kMapped };
 
-// At the first page; null when the file cannot be opened as TIFF.
-TiffFile open_tiff(const std::string& path, TiffAccess access);
-// At the page whose directory lies at that offset; null when there is none.
-TiffFile open_tiff_at(const std::string& path, TiffAccess access, std::size_t offset);
+// At the page whose directory lies there; null when there is none.
+TiffFile open_tiff(const SeekableFile& file, TiffAccess access, std::size_t directory);
 
 // Keeps libtiff's errors, thread by thread, from now on, and its warnings for itself.
 void collect_tiff_errors();

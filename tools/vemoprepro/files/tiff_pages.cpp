@@ -1,8 +1,8 @@
 #include "files/tiff_pages.h"
 
-#include <cstring>
-
+#include "files/bit_rows.h"
 #include "files/orientation.h"
+#include "files/tiff_chain.h"
 
 namespace tool::files {
 namespace {
@@ -13,13 +13,20 @@ bool is_thumbnail(TIFF* tiff) {
     return (type & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0;
 }
 
+bool has_upright_bits(TIFF* tiff) {
+    std::uint16_t colours = 0;
+    return tag_of(tiff, TIFFTAG_BITSPERSAMPLE) == 1 && tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 1 &&
+           TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &colours) == 1 &&
+           (colours == PHOTOMETRIC_MINISWHITE || colours == PHOTOMETRIC_MINISBLACK) &&
+           tag_of(tiff, TIFFTAG_ORIENTATION) == kUprightTag;
+}
+
 // True when scan lines are packed grey or red, green, blue bytes. JPEG data becomes so on request.
-bool is_packed(TIFF* tiff) {
+bool has_packed_bytes(TIFF* tiff) {
     int colours = tag_of(tiff, TIFFTAG_PHOTOMETRIC);
     const int samples = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL);
     const int compression = tag_of(tiff, TIFFTAG_COMPRESSION);
-    if (TIFFIsTiled(tiff) != 0 || compression == COMPRESSION_OJPEG ||
-        tag_of(tiff, TIFFTAG_BITSPERSAMPLE) != 8 ||
+    if (compression == COMPRESSION_OJPEG || tag_of(tiff, TIFFTAG_BITSPERSAMPLE) != 8 ||
         tag_of(tiff, TIFFTAG_PLANARCONFIG) != PLANARCONFIG_CONTIG) {
         return false;
     }
@@ -31,35 +38,52 @@ bool is_packed(TIFF* tiff) {
            (colours == PHOTOMETRIC_MINISBLACK && samples == 1);
 }
 
-}  // namespace
-
-bool starts_as_tiff(std::FILE* file) {
-    static constexpr char kStarts[4][5] = {"II\x2A\0", "MM\0\x2A", "II\x2B\0", "MM\0\x2B"};
-    char start[4] = {};
-    if (std::fread(start, 1, sizeof start, file) != sizeof start) return false;
-    for (const char* known : kStarts) {
-        if (std::memcmp(start, known, sizeof start) == 0) return true;
+// False when that fails.
+bool read_rows(TIFF* tiff, Page& page) {
+    for (int y = 0; y < page.height; ++y) {
+        if (TIFFReadScanline(tiff, page.row(y), static_cast<std::uint32_t>(y), 0) != 1) {
+            return false;
+        }
     }
-    return false;
+    return true;
 }
 
-std::vector<PagePlace> list_tiff_pages(TIFF* tiff) {
+// From the file's bits to words with 1 = black and nothing behind the width.
+void settle_bits(Page& page, bool inverted) {
+    for (int y = 0; y < page.height; ++y) {
+        unsigned char* row = page.row(y);
+        for (std::size_t i = 0; inverted && i < page.stride(); ++i) {
+            row[i] = static_cast<unsigned char>(~row[i]);
+        }
+        clear_padding(row, page.width);
+    }
+}
+
+}  // namespace
+
+std::vector<PagePlace> list_tiff_pages(const SeekableFile& file) {
     std::vector<PagePlace> places;
-    do {
-        if (!is_thumbnail(tiff)) places.push_back(place_of(tiff));
-    } while (TIFFReadDirectory(tiff) != 0);
+    for (const std::size_t directory : list_directories(file)) {
+        const TiffFile tiff = open_tiff(file, TiffAccess::kRead, directory);
+        if (!tiff) return {};
+        if (!is_thumbnail(tiff.get())) places.push_back(place_of(tiff.get()));
+    }
     return places;
 }
 
 std::optional<Page> read_packed_tiff(TIFF* tiff) {
-    if (!is_packed(tiff)) return std::nullopt;
+    if (TIFFIsTiled(tiff) != 0) return std::nullopt;
+    const bool bits = has_upright_bits(tiff);
+    if (!bits && !has_packed_bytes(tiff)) return std::nullopt;
     Page page = frame_of(tiff);
-    page.kind = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 3 ? PageKind::kColour : PageKind::kGrey;
-    if (static_cast<std::size_t>(TIFFScanlineSize(tiff)) != page.stride()) return std::nullopt;
+    page.kind = bits                                         ? PageKind::kBitonal
+                : tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 3 ? PageKind::kColour
+                                                             : PageKind::kGrey;
+    const std::size_t row_size = bits ? bytes_of_bits(page.width) : page.stride();
+    if (static_cast<std::size_t>(TIFFScanlineSize(tiff)) != row_size) return std::nullopt;
     page.bytes = allocate_pixels(page.size());
-    for (int y = 0; y < page.height; ++y) {
-        if (TIFFReadScanline(tiff, page.row(y), static_cast<std::uint32_t>(y), 0) != 1) break;
-    }
+    if (!read_rows(tiff, page)) TiffErrors::note("it cannot be decoded");
+    if (bits) settle_bits(page, tag_of(tiff, TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_MINISBLACK);
     orient(page, tag_of(tiff, TIFFTAG_ORIENTATION));
     return page;
 }
