@@ -8,7 +8,6 @@
 #include <random>
 
 #include "drawn_page.h"
-#include "reading/border_print.h"
 #include "reading/even_light.h"
 #include "reading/impulses.h"
 #include "reading/ink_contrast.h"
@@ -90,19 +89,6 @@ TEST(InkContrast, IsThatOfTheStrongInk) {
     }
     const Page noise = tool::grey_page(200, 200, [](int x, int y) { return 240 - x * y % 19; });
     EXPECT_EQ(reading::ink_contrast(noise), 0);
-}
-
-TEST(BorderPrint, IsFoundWherePaperWasPaintedOver) {
-    const auto shaded = [](int x) { return x < 120 ? 80 : 230; };
-    for (const bool print : {false, true}) {
-        const Page grey = tool::grey_page(400, 300, [&](int x, int y) {
-            return print || x >= 120 ? printed(shaded(x), x, y) : shaded(x);
-        });
-        const Page cropped =
-            tool::grey_page(400, 300, [&](int x, int y) { return x < 120 ? 255 : grey.row(y)[x]; });
-        EXPECT_EQ(reading::print_was_painted(grey, cropped), print);
-        EXPECT_FALSE(reading::print_was_painted(grey, grey));
-    }
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 namespace tool::reading {
 
-// Whether something is printed where `cropped`, a page of the same size, has been painted white.
-// Then it was no border but paper in the dark. Both are grey.
-bool print_was_painted(const Page& grey, const Page& cropped);
+// Whether something is printed where the mask of a border is set. Then that is no border but paper
+// in the dark. Of the same size.
+bool covers_print(const Page& mask, const Page& grey);
 
 }  // namespace tool::reading

@@ -95,7 +95,6 @@ void take_binarization(const CLI::App& command, Options& options, const RawOptio
 void take_steps(const CLI::App& command, Options& options, const RawOptions& raw) {
     const bool reading = raw.purpose == "ocr";
     options.steps.for_reading = reading;
-    options.steps.force |= reading;
     options.steps.prepare = reading && !raw.no_prepare;
     options.steps.crop_border |= reading && !raw.no_crop_border;
     options.steps.crop_border |= options.steps.command == steps::Command::kCrop;

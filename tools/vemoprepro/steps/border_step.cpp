@@ -6,13 +6,14 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "page/ink.h"
+#include "reading/border_mask.h"
 #include "reading/border_print.h"
+#include "reading/luminance.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/step.h"
@@ -20,15 +21,11 @@
 namespace tool::steps {
 namespace {
 
-// Borders start at greys below `dark` on the page's edge and go on through greys below `light` that
-// differ by less than `step`.
-struct BorderGreys {
-    int dark, light, step;
-};
-constexpr BorderGreys kBorder = {110, 190, 32};
+constexpr reading::BorderGreys kBorder = {110, 190, 32};
 // Told from paper that lies in deep shade.
-constexpr BorderGreys kDeepBorder = {40, 90, 16};
+constexpr reading::BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
+constexpr int kLongestCropped = kLongestSide - 18;  // a margin is put around
 
 std::string text_of(const Box& content) {
     return "content " + std::to_string(content.width) + " x " + std::to_string(content.height) +
@@ -40,87 +37,94 @@ Box box_between(int x0, int x1, int y0, int y1) {
     return {x0, y0, x1 - x0 + 1, y1 - y0 + 1};
 }
 
-Box paint_border_white(Page& page, const BorderGreys& border) {
-    const bool grey = page.kind == PageKind::kGrey;
-    int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
-    if (cropimg(page.bytes.get(), grey ? PREPRO_CROP_GREY : PREPRO_CROP_RGB, page.height,
-                page.width, static_cast<int>(page.stride()), border.dark, border.light, border.step,
-                &x0, &x1, &y0, &y1) != 0) {
-        throw std::bad_alloc();
+// Calls paint(y, x, end) for every run of the mask.
+template <typename Paint>
+void for_runs(const Page& mask, Paint paint) {
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = next_pixel(mask, 0, y, true); x < mask.width;) {
+            const int end = next_pixel(mask, x, y, false);
+            paint(y, x, end);
+            x = next_pixel(mask, end, y, true);
+        }
     }
+}
+
+// Paints what the mask covers like the paper inside of it.
+void paint_as_paper(Page& page, const Page& mask) {
+    const int channels = page.kind == PageKind::kGrey ? 1 : 3;
+    const auto bytes = [&](int y, int x) { return page.row(y) + std::ptrdiff_t{x} * channels; };
+    // White is what the library looks for the paper behind.
+    for_runs(mask, [&](int y, int x, int end) { std::fill(bytes(y, x), bytes(y, end), 255); });
+    std::array<unsigned char, 3> paper{255};
+    if (channels == 1) {
+        cropgrey_get(paper.data(), page.bytes.get(), page.height, page.width, page.width);
+    } else {
+        cropcolor_get(paper.data(), page.bytes.get(), page.height, page.width, page.width);
+    }
+    for_runs(mask, [&](int y, int x, int end) {
+        for (unsigned char* pixel = bytes(y, x); pixel < bytes(y, end); pixel += channels) {
+            std::copy_n(paper.data(), channels, pixel);
+        }
+    });
+}
+
+// The smallest rectangle that holds all that the mask does not cover; none when it covers all.
+std::optional<Box> box_outside(const Page& mask) {
+    int x0 = mask.width, x1 = -1, y0 = -1, y1 = -1;
+    for (int y = 0; y < mask.height; ++y) {
+        const int first = next_pixel(mask, 0, y, false);
+        if (first == mask.width) continue;
+        int last = mask.width - 1;
+        while (is_ink(mask, last, y)) --last;
+        x0 = std::min(x0, first);
+        x1 = std::max(x1, last);
+        if (y0 < 0) y0 = y;
+        y1 = y;
+    }
+    if (y1 < 0) return std::nullopt;
     return box_between(x0, x1, y0, y1);
 }
 
-// The library's answer when it takes all of the page for border.
-bool nothing_left(const Box& content) {
-    return content.width <= 2 && content.height <= 2;
-}
-
-void repaint_white_as_paper(Page& page) {
-    if (page.kind == PageKind::kGrey) {
-        unsigned char paper = 255;
-        cropgrey_get(&paper, page.bytes.get(), page.height, page.width, page.width);
-        cropgrey_replace(255, paper, page.bytes.get(), page.height, page.width, page.width);
-        return;
-    }
-    std::array<unsigned char, 3> paper{};
-    cropcolor_get(paper.data(), page.bytes.get(), page.height, page.width, page.width);
-    const std::vector<unsigned char> from(static_cast<std::size_t>(page.width) * 3, 255);
-    std::vector<unsigned char> to(from.size());
-    for (std::size_t i = 0; i < to.size(); ++i) to[i] = paper[i % 3];
-    cropcolor_replace(from.data(), to.data(), page.bytes.get(), page.height, page.width,
-                      page.width);
-}
-
-// Share of the dark pixels in the inner part of the page that became white.
-double dark_lost(const Page& before, const Page& after) {
-    const int channels = before.kind == PageKind::kGrey ? 1 : 3;
-    std::int64_t dark = 0, lost = 0;
-    for (int y = before.height / 8; y < before.height - before.height / 8; ++y) {
-        const unsigned char* old_row = before.row(y);
-        const unsigned char* new_row = after.row(y);
-        for (int x = before.width / 8; x < before.width - before.width / 8; ++x) {
-            if (old_row[x * channels] >= kBorder.dark) continue;
+// The mask's share of the dark pixels in the inner part of the page.
+double dark_covered(const Page& grey, const Page& mask) {
+    const Box inner = inner_part(grey);
+    std::int64_t dark = 0, covered = 0;
+    for (int y = inner.y; y < inner.y + inner.height; ++y) {
+        const unsigned char* row = grey.row(y);
+        const unsigned char* bits = mask.row(y);
+        for (int x = inner.x; x < inner.x + inner.width; ++x) {
+            if (row[x] >= kBorder.dark) continue;
             ++dark;
-            lost += new_row[x * channels] == 255;
+            covered += is_ink(bits, x) ? 1 : 0;
         }
     }
-    return dark > 0 ? static_cast<double>(lost) / static_cast<double>(dark) : 0;
+    return dark > 0 ? static_cast<double>(covered) / static_cast<double>(dark) : 0;
 }
 
+bool is_empty(const Page& mask) {
+    return std::all_of(mask.bytes.get(), mask.bytes.get() + mask.size(),
+                       [](unsigned char byte) { return byte == 0; });
+}
+
+// No print may go with the border, whatever share of the dark it is. What deep dark alone gives is
+// tried when print lies in the shade.
 Outcome crop_greys(PageWork& work, bool force) {
-    Page cropped = copy_of(work.page);
-    const Box content = paint_border_white(cropped, kBorder);
-    if (nothing_left(content)) return {false, "all of the page would be border"};
-    const double lost = dark_lost(work.page, cropped);
-    if (!force && lost > kMostInk) {
-        return {false, "would take " + percent(lost) + " of the ink inside the page", lost, true};
-    }
-    repaint_white_as_paper(cropped);
-    work.page = std::move(cropped);
-    work.content = content;
-    return {true, text_of(content), lost};
-}
-
-// Whether no more than the frame of 8 pixels, which is always painted, was taken for border.
-bool only_frame(const Page& page, const Box& content) {
-    constexpr int kFrame = 9;
-    return content.x < kFrame && content.y < kFrame &&
-           content.x + content.width >= page.width - 2 * kFrame &&
-           content.y + content.height >= page.height - 2 * kFrame;
-}
-
-// For reading no print may go with the border, whatever share of the ink it is.
-Outcome crop_around_print(PageWork& work) {
-    for (const BorderGreys& border : {kBorder, kDeepBorder}) {
-        Page cropped = copy_of(work.page);
-        const Box content = paint_border_white(cropped, border);
-        if (only_frame(work.page, content)) return {false, "no border"};
-        if (nothing_left(content) || reading::print_was_painted(work.page, cropped)) continue;
-        repaint_white_as_paper(cropped);
-        work.page = std::move(cropped);
+    const bool colour = work.page.kind == PageKind::kColour;
+    const Page copy = colour ? reading::grey_of(work.page) : Page{};
+    const Page& grey = colour ? copy : work.page;
+    for (const reading::BorderGreys& greys : {kBorder, kDeepBorder}) {
+        const Page mask = reading::border_of_greys(grey, greys);
+        if (is_empty(mask)) return {false, "no border"};
+        const std::optional<Box> content = box_outside(mask);
+        if (!content || (!force && reading::covers_print(mask, grey))) continue;
+        const double dark = dark_covered(grey, mask);
+        paint_as_paper(work.page, mask);
         work.content = content;
-        return {true, text_of(content)};
+        const bool much = dark > kMostInk;
+        return {
+            true,
+            text_of(*content) + (much ? ", " + percent(dark) + " of the dark inside the page" : ""),
+            dark, much};
     }
     return {false, "print lies in the dark at the edges"};
 }
@@ -143,14 +147,14 @@ std::optional<Box> box_of_ink(const Page& page) {
 }
 
 Outcome crop_bits(PageWork& work, bool force) {
-    const auto crop = [](Page& changed) {
-        const Page source = copy_of(changed);
-        if (cropbmp(0, source.bytes.get(), source.height, source.width,
-                    static_cast<int>(source.stride()), changed.bytes.get()) != 0) {
-            throw std::bad_alloc();
-        }
-    };
-    Outcome outcome = remove_ink(work.page, force, inner_part(work.page), "border", crop);
+    const Page mask = reading::border_of_bits(work.page);
+    Outcome outcome = remove_ink(work.page, force ? Excess::kAllowed : Excess::kHeldBack,
+                                 inner_part(work.page), "border", [&](Page& changed) {
+                                     for (std::size_t i = 0; i < changed.size(); ++i) {
+                                         changed.bytes[i] &=
+                                             static_cast<unsigned char>(~mask.bytes[i]);
+                                     }
+                                 });
     if (!outcome.done) return outcome;
     const std::optional<Box> content = box_of_ink(work.page);
     if (!content) return {true, "no ink left inside the border"};
@@ -164,17 +168,19 @@ Outcome crop_bits(PageWork& work, bool force) {
 Step border_step(const StepOptions& options) {
     const bool wanted = options.crop_border;
     const bool force = options.force;
-    const bool reading = options.for_reading;
-    return {"crop", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
-                const Page& page = work.page;
-                if (!wanted) return {false, kSwitchedOff};
-                if (page.width < kShortestSide || page.height < kShortestSide) {
-                    return {false, "smaller than 24 pixels a side"};
-                }
-                if (page.kind == PageKind::kBitonal) return crop_bits(work, force);
-                if (reading) return crop_around_print(work);
-                return crop_greys(work, force);
-            }};
+    return {
+        "crop", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
+            const Page& page = work.page;
+            if (!wanted) return {false, kSwitchedOff};
+            if (page.width < kShortestSide || page.height < kShortestSide) {
+                return {false, "smaller than 24 pixels a side"};
+            }
+            if (page.width > kLongestCropped || page.height > kLongestCropped) {
+                return {false, "larger than " + std::to_string(kLongestCropped) + " pixels a side"};
+            }
+            if (page.kind == PageKind::kBitonal) return crop_bits(work, force);
+            return crop_greys(work, force);
+        }};
 }
 
 }  // namespace tool::steps

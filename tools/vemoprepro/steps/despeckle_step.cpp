@@ -58,7 +58,11 @@ Step despeckle_step(const StepOptions& options) {
                 if (area == 0) return {false, "no specks at this resolution"};
                 std::string what = "specks of up to " + std::to_string(area) + " pixels";
                 if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
-                return remove_ink(work.page, force, box_of(work.page), what,
+                // A heavily specked page has more ink in its specks than in its letters.
+                const Excess excess = force                             ? Excess::kAllowed
+                                      : reading && work.heavily_specked ? Excess::kWarnedOf
+                                                                        : Excess::kHeldBack;
+                return remove_ink(work.page, excess, box_of(work.page), what,
                                   [=](Page& changed) { remove_specks(changed, area, near); });
             }};
 }
@@ -71,13 +75,14 @@ Step textmask_step(const StepOptions& options) {
                     32767, asked.max_height.value_or(scaled_length(work.page, kTallestText)));
                 const std::string what =
                     "all but text of up to " + std::to_string(height) + " pixels height";
-                return remove_ink(work.page, true, box_of(work.page), what, [=](Page& changed) {
-                    if (pre_tva(changed.bytes.get(), changed.height, changed.width,
-                                static_cast<int>(changed.stride()), static_cast<short>(height),
-                                static_cast<short>(asked.min_density)) != 0) {
-                        throw std::bad_alloc();
-                    }
-                });
+                return remove_ink(
+                    work.page, Excess::kAllowed, box_of(work.page), what, [=](Page& changed) {
+                        if (pre_tva(changed.bytes.get(), changed.height, changed.width,
+                                    static_cast<int>(changed.stride()), static_cast<short>(height),
+                                    static_cast<short>(asked.min_density)) != 0) {
+                            throw std::bad_alloc();
+                        }
+                    });
             }};
 }
 

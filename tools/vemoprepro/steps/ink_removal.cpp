@@ -39,6 +39,12 @@ InkCount count_ink(const Page& before, const Page& after, const Box& box) {
     return count;
 }
 
+bool is_nearly_blank(const Page& page) {
+    std::int64_t ink = 0;
+    for (std::size_t i = 0; i < page.size(); ++i) ink += std::popcount(page.bytes[i]);
+    return ink * kNearlyBlank < std::int64_t{page.width} * page.height;
+}
+
 }  // namespace
 
 Box inner_part(const Page& page) {
@@ -54,16 +60,21 @@ void require_bitonal(const Page& page, const char* step) {
     }
 }
 
-Outcome remove_ink(Page& page, bool force, const Box& counted, const std::string& what,
+Outcome remove_ink(Page& page, Excess excess, const Box& counted, const std::string& what,
                    const std::function<void(Page&)>& change) {
     Page changed = copy_of(page);
     change(changed);
     const double share = count_ink(page, changed, counted).share();
-    if (!force && share > kMostInk) {
+    const bool allowed = excess == Excess::kAllowed;
+    const bool much = share > kMostInk && !allowed;
+    if (much && excess == Excess::kHeldBack) {
         return {false, "would take " + percent(share) + " of the ink", share, true};
     }
+    if (!allowed && is_nearly_blank(changed) && !is_nearly_blank(page)) {
+        return {false, "would leave the page nearly blank", share, true};
+    }
     page = std::move(changed);
-    return {true, what + ", " + percent(share) + " of the ink", share};
+    return {true, what + ", " + percent(share) + " of the ink", share, much};
 }
 
 }  // namespace tool::steps

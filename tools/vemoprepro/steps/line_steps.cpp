@@ -58,12 +58,14 @@ std::string directions(const LineOptions& wanted) {
 
 Step unline_step(const StepOptions& options) {
     const LineOptions asked = options.lines;
-    const bool force = options.force;
+    const Excess excess = options.force         ? Excess::kAllowed
+                          : options.for_reading ? Excess::kWarnedOf
+                                                : Excess::kHeldBack;
     return {"unline", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
                 if (!asked.wanted()) return {false, kSwitchedOff};
                 require_bitonal(work.page, "unline");
                 return remove_ink(
-                    work.page, force, box_of(work.page), directions(asked), [&](Page& changed) {
+                    work.page, excess, box_of(work.page), directions(asked), [&](Page& changed) {
                         const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
                         if (faint) remove_stubs(changed, *faint, asked);
                         remove_lines(changed, asked);

@@ -1,0 +1,101 @@
+#include "reading/border_mask.h"
+
+#include <vemoprepro/cleaning.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "page/ink.h"
+#include "page/paper_scale.h"
+#include "reading/thick_parts.h"
+
+namespace tool::reading {
+namespace {
+
+// At 300 dots per inch: 2 mm. Rules and the strokes of all but the largest letters are thinner, the
+// shadow of a lid is thicker.
+constexpr double kThick = 24;
+// The library grows the border of greys by this, and paints a frame of as many pixels in any case.
+constexpr int kGrown = 8;
+// So pages get a margin that takes the frame.
+constexpr int kMargin = kGrown + 1;
+
+int least_thickness(const Page& page) {
+    return std::max(4, scaled_length(page, kThick));
+}
+
+// The page with a margin of the greys at its edges. White is 254: 255 is left to what is painted.
+Page with_margin(const Page& grey) {
+    Page wide =
+        make_page(PageKind::kGrey, grey.width + 2 * kMargin, grey.height + 2 * kMargin, grey.dpi);
+    for (int y = 0; y < wide.height; ++y) {
+        const unsigned char* from = grey.row(std::clamp(y - kMargin, 0, grey.height - 1));
+        unsigned char* to = wide.row(y);
+        std::memset(to, from[0], kMargin);
+        std::memcpy(to + kMargin, from, static_cast<std::size_t>(grey.width));
+        std::memset(to + kMargin + grey.width, from[grey.width - 1], kMargin);
+        for (int x = 0; x < wide.width; ++x) to[x] = std::min<unsigned char>(to[x], 254);
+    }
+    return wide;
+}
+
+Page white_inside_margin(const Page& wide, const Page& like) {
+    Page mask = make_page_like(like, PageKind::kBitonal);
+    for (int y = 0; y < mask.height; ++y) {
+        const unsigned char* from = wide.row(y + kMargin) + kMargin;
+        unsigned char* to = mask.row(y);
+        std::memset(to, 0, mask.stride());
+        for (int x = 0; x < mask.width; ++x) {
+            if (from[x] == 255) set_ink(to, x);
+        }
+    }
+    return mask;
+}
+
+// What the library let grow, without the white that it grew over in the end: between letters that
+// touch the edge.
+Page darker_part(const Page& mask, const Page& grey, int light) {
+    Page core = copy_of(mask);
+    for (int y = 0; y < core.height; ++y) {
+        const unsigned char* greys = grey.row(y);
+        for (int x = next_pixel(mask, 0, y, true); x < mask.width;
+             x = next_pixel(mask, x + 1, y, true)) {
+            if (greys[x] >= light) erase_ink(core, x, y);
+        }
+    }
+    return core;
+}
+
+}  // namespace
+
+Page border_of_bits(const Page& bits) {
+    Page mask = make_page_like(bits, PageKind::kBitonal);
+    if (cropbmp(0, bits.bytes.get(), bits.height, bits.width, static_cast<int>(bits.stride()),
+                mask.bytes.get()) != 0) {
+        throw std::bad_alloc();
+    }
+    for (std::size_t i = 0; i < mask.size(); ++i) mask.bytes[i] ^= bits.bytes[i];
+    const int thick = least_thickness(bits);
+    keep_thick_at_edges(mask, mask, thick, thick / 2);
+    return mask;
+}
+
+Page border_of_greys(const Page& grey, const BorderGreys& greys) {
+    Page wide = with_margin(grey);
+    int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
+    if (cropimg(wide.bytes.get(), PREPRO_CROP_GREY, wide.height, wide.width,
+                static_cast<int>(wide.stride()), greys.dark, greys.light, greys.step, &x0, &x1, &y0,
+                &y1) != 0) {
+        throw std::bad_alloc();
+    }
+    Page mask = white_inside_margin(wide, grey);
+    const Page core = darker_part(mask, grey, greys.light);
+    const int thick = least_thickness(grey);
+    keep_thick_at_edges(mask, core, thick, thick / 2 + kGrown);
+    return mask;
+}
+
+}  // namespace tool::reading

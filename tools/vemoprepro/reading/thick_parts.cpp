@@ -1,0 +1,143 @@
+// The core is looked at in square cells of a sixth of the least thickness, of which one is set when
+// three quarters of its pixels are: borders have specks. Thick is what an opening by six cells a
+// side leaves; from the edges it is followed by flooding.
+#include "reading/thick_parts.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "page/ink.h"
+
+namespace tool::reading {
+namespace {
+
+constexpr int kCellsOfThickness = 6;
+
+// Cells with a margin around them that stands for what lies outside of the page.
+class Cells {
+  public:
+    Cells(int columns, int rows, int margin)
+        : width_(columns + 2 * margin),
+          height_(rows + 2 * margin),
+          margin_(margin),
+          set_(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_), 1) {}
+
+    // Rows and columns of the page; the margin has negative ones and those beyond the last.
+    unsigned char* row(int y) { return &at(margin_, y + margin_); }
+
+    // An opening is an erosion and a dilation by the same size: the square of cells that a cell
+    // looks at reaches half the size back and the rest ahead, and for dilating the other way
+    // round. What lies beyond the margin counts as set.
+    void erode(int size) { spread(0, size / 2, size - 1 - size / 2); }
+    void dilate(int size) { spread(1, size - 1 - size / 2, size / 2); }
+
+    // Of the page's cells; the margin's are unset afterwards.
+    void keep_flooded_from_margin();
+
+  private:
+    // From the margin's first cell on.
+    unsigned char& at(int x, int y) {
+        return set_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                    static_cast<std::size_t>(x)];
+    }
+
+    // A cell becomes `value` when one of the cells from `back` before it to `ahead` after it is.
+    void spread(unsigned char value, int back, int ahead);
+
+    int width_, height_, margin_;
+    std::vector<unsigned char> set_;
+};
+
+// The same along one line, whose cells are `step` apart.
+void spread_along(unsigned char* line, std::size_t step, int count, unsigned char value, int back,
+                  int ahead) {
+    int last = -1 - back;  // the last cell that was `value`; none yet
+    for (int i = 0; i < count + ahead; ++i) {
+        if (i < count && line[step * static_cast<std::size_t>(i)] == value) last = i;
+        const int target = i - ahead;
+        if (target >= 0 && last >= target - back) {
+            line[step * static_cast<std::size_t>(target)] = value;
+        }
+    }
+}
+
+void Cells::spread(unsigned char value, int back, int ahead) {
+    const auto width = static_cast<std::size_t>(width_);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y) {
+        spread_along(&set_[y * width], 1, width_, value, back, ahead);
+    }
+    for (std::size_t x = 0; x < width; ++x) {
+        spread_along(&set_[x], width, height_, value, back, ahead);
+    }
+}
+
+void Cells::keep_flooded_from_margin() {
+    constexpr unsigned char kFlooded = 2;
+    std::vector<std::pair<int, int>> open = {{0, 0}};
+    set_[0] = kFlooded;
+    while (!open.empty()) {
+        const auto [x, y] = open.back();
+        open.pop_back();
+        for (int v = std::max(0, y - 1); v <= std::min(height_ - 1, y + 1); ++v) {
+            for (int u = std::max(0, x - 1); u <= std::min(width_ - 1, x + 1); ++u) {
+                unsigned char& cell = at(u, v);
+                if (cell != 1) continue;
+                cell = kFlooded;
+                open.emplace_back(u, v);
+            }
+        }
+    }
+    for (int y = 0; y < height_; ++y) {
+        for (int x = 0; x < width_; ++x) {
+            const bool in_page =
+                x >= margin_ && x < width_ - margin_ && y >= margin_ && y < height_ - margin_;
+            unsigned char& cell = at(x, y);
+            cell = in_page && cell == kFlooded ? 1 : 0;
+        }
+    }
+}
+
+void clear_cells_with_holes(Cells& cells, const Page& core, int side) {
+    std::vector<int> holes(static_cast<std::size_t>(core.width / side + 1));
+    for (int y = 0; y < core.height; ++y) {
+        if (y % side == 0) std::fill(holes.begin(), holes.end(), 0);
+        unsigned char* row = cells.row(y / side);
+        for (int x = next_pixel(core, 0, y, false); x < core.width;) {
+            const int end = next_pixel(core, x, y, true);
+            for (int cell = x / side; cell * side < end; ++cell) {
+                int& hole = holes[static_cast<std::size_t>(cell)];
+                hole += std::min(end, (cell + 1) * side) - std::max(x, cell * side);
+                if (hole * 4 > side * side) row[cell] = 0;
+            }
+            x = next_pixel(core, end, y, false);
+        }
+    }
+}
+
+void erase_outside_cells(Page& mask, Cells& cells, int side) {
+    for (int y = 0; y < mask.height; ++y) {
+        const unsigned char* row = cells.row(y / side);
+        for (int x = next_pixel(mask, 0, y, true); x < mask.width;
+             x = next_pixel(mask, x + 1, y, true)) {
+            if (row[x / side] == 0) erase_ink(mask, x, y);
+        }
+    }
+}
+
+}  // namespace
+
+void keep_thick_at_edges(Page& mask, const Page& core, int least, int fringe) {
+    const int side = std::max(1, least / kCellsOfThickness);
+    const auto cells_of = [side](int pixels) { return (pixels + side - 1) / side; };
+    Cells cells(cells_of(mask.width), cells_of(mask.height), kCellsOfThickness);
+    clear_cells_with_holes(cells, core, side);
+    cells.erode(kCellsOfThickness);
+    cells.dilate(kCellsOfThickness);
+    cells.keep_flooded_from_margin();
+    cells.dilate(2 * cells_of(fringe) + 1);
+    erase_outside_cells(mask, cells, side);
+}
+
+}  // namespace tool::reading
