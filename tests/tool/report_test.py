@@ -46,8 +46,14 @@ class Report(ToolCase):
 
     def report_on(self, *arguments):
         done = self.run_tool(*arguments, "--json", "--report", "look")
-        self.browser.get("file://" + self.path("look/index.html"))
+        self.open("index.html")
         return json.loads(done.stdout)["files"]
+
+    def open(self, name):
+        self.browser.get("file://" + self.path("look/" + name))
+
+    def open_page(self, number=1):
+        self.open("pages/%04d.html" % number)
 
     def all(self, selector):
         return self.browser.find_elements(By.CSS_SELECTOR, selector)
@@ -63,10 +69,21 @@ class Report(ToolCase):
         data = base64.b64decode(url.partition(",")[2])
         return np.asarray(Image.open(io.BytesIO(data)).convert("RGBA")).astype(int)
 
+    def picture(self, name):
+        picture, = self.pages("look/pages/" + name)
+        return picture
+
+    def shown(self, cut):
+        """The greys of the stage with the slider at one of its ends."""
+        self.all("#cut")[0].send_keys(cut)
+        stage, = self.all(".stage")
+        return np.asarray(Image.open(io.BytesIO(stage.screenshot_as_png)).convert("L")).astype(int)
+
     def page_with_marks(self):
         self.save("a.png", ruled_page(0, 20), dpi=(300, 300))
-        return self.report_on("clean", "a.png", "-o", "a.tif", "--remove-lines", "horizontal",
-                              "--no-deskew", "--force")
+        self.report_on("clean", "a.png", "-o", "a.tif", "--remove-lines", "horizontal",
+                       "--no-deskew", "--force")
+        self.open_page()
 
     def tearDown(self):
         self.assertEqual(self.browser.get_log("browser"), [])
@@ -74,27 +91,62 @@ class Report(ToolCase):
     def test_slider_shows_both_pages(self):
         self.page_with_marks()
         self.assertTrue(self.browser.title.startswith("a.png"))
-        before, after = self.all(".layer.before > img, .layer.after > img")[::-1]
-        slider, = self.all("input[type=range]")
-        stage, = self.all(".stage")
+        after, before = self.all(".layer.before img.small, .layer.after img.small")
         scan = np.asarray(Image.open(self.path("a.png"))).astype(int)
         self.assertLess(np.abs(self.pixels(before)[..., 0] - scan).mean(), 4)
         self.assertSamePixels(self.pixels(after)[..., 0] == 255, as_array(self.pages("a.tif")[0]))
         for end, paper in ((Keys.HOME, 255), (Keys.END, 235)):
-            slider.send_keys(end)
-            shown = np.asarray(Image.open(io.BytesIO(stage.screenshot_as_png)).convert("L"))[:, 20:-20]
+            shown = self.shown(end)[:, 20:-20]
             self.assertLess(shown.min(), 60)
             self.assertAlmostEqual(np.median(shown), paper, delta=3)
-        webdriver.ActionChains(self.browser).move_to_element_with_offset(
-            stage, -stage.size["width"] // 4, 0).click().perform()
-        self.assertAlmostEqual(float(slider.get_property("value")), 25, delta=1)
+        sheet, = self.all(".sheet")
+        drag = webdriver.ActionChains(self.browser).move_to_element(sheet).click_and_hold()
+        width = self.browser.execute_script("return arguments[0].getBoundingClientRect().width", sheet)
+        drag.move_by_offset(-int(width / 4), 0).release().perform()
+        self.assertAlmostEqual(float(self.all("#cut")[0].get_property("value")), 25, delta=1)
+
+    def test_page_before_lies_where_the_page_after_does(self):
+        self.save("turned.png", text_page(4), dpi=(300, 300))
+        self.save("coarse.png", text_page(), dpi=(100, 100))
+        self.save("sideways.png", text_page(), dpi=(300, 300))
+        for arguments in (("clean", "turned.png"), ("clean", "turned.png", "--for", "ocr"),
+                          ("clean", "coarse.png", "--for", "ocr"), ("rotate", 90, "sideways.png")):
+            with self.subTest(arguments=arguments):
+                self.report_on(*arguments, "-o", "a.png", "--overwrite")
+                self.open_page()
+                for keys in ("0", "++"):
+                    self.all(".stage")[0].send_keys(keys)
+                    before, after = (self.shown(end)[:, 40:-40] < 128 for end in (Keys.END, Keys.HOME))
+                    self.assertGreater((before & after).sum() / (before | after).sum(), 0.6)
+
+    def test_zooms_to_the_full_pictures(self):
+        page = np.full((1600, 1200), 250, np.uint8)
+        page[300:800:40, 200:1000] = page[305:800:40, 200:1000] = 0
+        page[1300, 1100] = 0
+        self.save("a.png", page, dpi=(300, 300))
+        self.report_on("clean", "a.png", "-o", "a.tif", "--no-deskew")
+        result, = self.pages("a.tif")
+        self.assertSamePixels(self.picture("0001-after.png"), result)
+        self.assertLess(np.abs(np.asarray(self.picture("0001-before.jpg")).astype(int) - page).mean(), 2)
+        removed = np.asarray(self.picture("0001-removed-despeckle.png").convert("RGBA"))[..., 3]
+        self.assertEqual(np.argwhere(removed).tolist(), [[1300, 1100]])
+        self.open_page()
+        self.assertEqual(self.all("img.full[src]"), [])
+        self.all(".spots")[0].click()
+        stage, = self.all(".stage")
+        shot = np.asarray(Image.open(io.BytesIO(stage.screenshot_as_png)).convert("RGB")).astype(int)
+        mark = np.argwhere((shot[..., 0] == 214) & (shot[..., 1] == 40))
+        self.assertEqual(len(mark), 4)  # a pixel at 200 %
+        stage.send_keys("0")
+        self.assertFalse(any(image.is_displayed() for image in self.all("img.full")))
 
     def test_large_pages_are_averaged(self):
         page = np.full((2300, 1201), 255, np.uint8)
         page[::2] = 0
         self.save("a.png", page)
         self.report_on("clean", "a.png", "-o", "a.tif", "--threshold", 128, "--no-deskew")
-        after, = self.all(".layer.after > img")
+        self.open_page()
+        after, = self.all(".layer.after img.small")
         greys = self.pixels(after)[..., 0]
         self.assertEqual(greys.shape, (767, 401))
         self.assertEqual(set(greys[:-1].ravel()), {85, 170})
@@ -102,27 +154,33 @@ class Report(ToolCase):
     def test_removed_ink_is_marked_where_it_was_and_can_be_hidden(self):
         self.page_with_marks()
         found = {image.get_attribute("data-step"): np.nonzero(self.pixels(image)[..., 3])[0]
-                 for image in self.all("img.marks")}
+                 for image in self.all(".marks img.small")}
         self.assertEqual((found["despeckle"] == 780).sum(), 40)
         self.assertEqual(found["despeckle"].max(), 780)
         self.assertGreaterEqual(np.isin(found["unline"], range(28, 35)).sum(), 1000)
         boxes = {box.get_attribute("data-step"): box for box in self.all(".steps input[type=checkbox]")}
         self.assertEqual((list(boxes), set(found)), (["despeckle", "unline"], set(boxes)))
         for step, box in boxes.items():
-            marks, = self.all(f"img.marks[data-step={step}]")
+            marks, = self.all(f".marks img.small[data-step={step}]")
             for shown in (False, True):
                 box.click()
-                self.assertEqual(marks.value_of_css_property("display") != "none", shown)
+                self.assertEqual(marks.is_displayed(), shown)
 
     def test_fan_peaks_at_the_skew(self):
         self.save("a.png", text_page(3))
         page = self.report_on("clean", "a.png", "-o", "a.tif")[0]["pages"][0]
+        self.open_page()
         points = [title.get_attribute("textContent") for title in self.all(".fan .fine circle > title")]
         scores = [tuple(map(float, re.fullmatch(r".*, (.*)°: (.*)", point).groups())) for point in points]
         degrees, score = max(scores, key=lambda point: point[1])
         self.assertAlmostEqual(degrees, page["skew"]["degrees"], delta=0.01)
         self.assertAlmostEqual(score, page["skew"]["confidence"], delta=0.01)
         self.assertEqual(self.all(".fan .found text")[0].text, "%.2f°" % page["skew"]["degrees"])
+
+    def rows(self):
+        """The rows of the table as their cells, by the names of the files."""
+        rows = [row.find_elements(By.CSS_SELECTOR, "td, th") for row in self.all("#figures tbody tr")]
+        return {cells[1].text: cells for cells in rows}
 
     def test_figures_are_those_of_the_record_and_sort(self):
         names = [self.save(f"{number}.png", ruled_page(degrees, 2 * number))
@@ -131,8 +189,11 @@ class Report(ToolCase):
         os.mkdir(self.path("out"))
         files = self.report_on("clean", *names, "bad & <b>.png", "-o", "out", "-j", 2,
                                "--binarize", "otsu")
+        name, failed = list(self.rows().items())[0]
+        self.assertEqual(name, "bad & <b>.png")
+        self.assertIn(files[-1]["error"], failed[2].text)
         pages = {file["input"]: file["pages"][0] for file in files if file["pages"]}
-        heads = {head.text: (index, head) for index, head in enumerate(self.all("#figures th"))}
+        heads = {head.text: (index, head) for index, head in enumerate(self.all("#figures thead tr > *"))}
         for name, value in (("Skew", lambda page: page["skew"]["degrees"]),
                             ("Confidence", lambda page: page["skew"]["confidence"]),
                             ("Threshold", lambda page: page["threshold"]),
@@ -143,16 +204,57 @@ class Report(ToolCase):
             for order in ("ascending", "descending"):
                 head.find_element(By.TAG_NAME, "button").click()
                 self.assertEqual(head.get_attribute("aria-sort"), order)
-                rows = [row.find_elements(By.TAG_NAME, "td") for row in self.all("#figures tbody tr")]
-                shown = {row[0].text: float(row[index].get_attribute("data-value"))
-                         for row in rows if len(row) == len(heads)}
+                shown = {file: float(cells[index].get_attribute("data-value"))
+                         for file, cells in self.rows().items() if len(cells) == len(heads)}
                 self.assertEqual(set(shown), set(pages))
                 for file, figure in shown.items():
                     self.assertAlmostEqual(figure, value(pages[file]), delta=1e-4, msg=name)
                 self.assertEqual(list(shown.values()), sorted(shown.values(), reverse=order[0] == "d"))
-        failed, = self.all("article.failed")
-        self.assertIn("bad & <b>.png", failed.text)
-        self.assertIn(files[-1]["error"], failed.text)
+
+    def test_pages_to_look_at_come_first(self):
+        plain = np.asarray(ruled_page(0, 1)).copy()
+        dotted = plain.copy()
+        dotted[10:790:2, 3:50:2] = dotted[10:790:2, 550:597:2] = 0
+        names = [self.save("plain.png", plain, dpi=(300, 300)),
+                 self.save("dotted.png", dotted, dpi=(300, 300)),
+                 self.save("erased.png", dotted, dpi=(300, 300))]
+        os.mkdir(self.path("out"))
+        files = self.report_on("clean", *names[:2], "-o", "out", "--threshold", 128)
+        page = files[1]["pages"][0]
+        self.assertEqual([step["name"] for step in page["steps"] if step["warning"]], ["despeckle"])
+        rows = self.rows()
+        self.assertEqual(list(rows), ["dotted.png", "plain.png"])
+        why = [step["why"] for step in page["steps"] if step["name"] == "despeckle"][0]
+        self.assertIn(why, rows["dotted.png"][3].text)
+        rows["dotted.png"][1].find_element(By.TAG_NAME, "a").click()
+        self.assertIn(why, self.all(".warning")[0].text)
+        self.report_on("clean", "plain.png", "erased.png", "-o", "out", "--threshold", 128, "--overwrite",
+                       "--force")
+        marked = {name: [cell.text for cell in cells if "much" in (cell.get_attribute("class") or "")]
+                  for name, cells in self.rows().items()}
+        self.assertEqual((len(marked["plain.png"]), len(marked["erased.png"])), (0, 1))
+        self.assertRegex(marked["erased.png"][0], r"\d+ %")
+
+    def test_all_columns_can_be_reached_in_a_narrow_window(self):
+        self.save("a.png", ruled_page(1, 5))
+        self.report_on("clean", "a.png", "-o", "a.tif", "--crop-border", "--remove-lines", "horizontal")
+        metrics = {"width": 400, "height": 700, "deviceScaleFactor": 1, "mobile": False}
+        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", metrics)
+        self.addCleanup(self.browser.execute_cdp_cmd, "Emulation.clearDeviceMetricsOverride", {})
+        names = []
+        for _ in self.all("#figures thead button"):
+            while True:
+                webdriver.ActionChains(self.browser).send_keys(Keys.TAB).perform()
+                focused = self.browser.switch_to.active_element
+                if focused.tag_name == "button":
+                    break
+            names.append(focused.text)
+            left, right = self.browser.execute_script(
+                "const box = arguments[0].getBoundingClientRect(); return [box.left, box.right];", focused)
+            self.assertTrue(0 <= left < right <= 400, (focused.text, left, right))
+        self.assertEqual((names[0], names[-1]), ("File", "Seconds"))
+        self.open_page()
+        self.assertLessEqual(self.browser.execute_script("return document.body.scrollWidth"), 400)
 
     def test_works_for_commands_on_kinds_and_pages(self):
         bits = text_page(1).convert("1")
@@ -166,20 +268,28 @@ class Report(ToolCase):
                                  (("crop", "b.jpg"), 1)):
             with self.subTest(command=arguments[0]):
                 self.report_on(*arguments, "-o", "out.tif", "--overwrite")
-                self.assertEqual(len(self.all("article")), count)
-                for image in self.all("img"):
-                    self.assertGreater(image.get_property("naturalWidth"), 0)
+                self.assertEqual(len(self.all("tbody tr")), count)
+                for number in range(1, count + 1):
+                    self.open_page(number)
+                    links = [link.text for link in self.all("nav a")]
+                    self.assertEqual(("Next →" in links, "← Previous" in links), (number < count, number > 1))
+                    self.all(".stage")[0].send_keys("+")
+                    self.browser.execute_async_script(
+                        "Promise.all([...document.images].map(image => image.decode())).then(arguments[0])")
+                    for image in self.all("img"):
+                        self.assertGreater(image.get_property("naturalWidth"), 0)
 
-    def test_nothing_outside_is_referred_to(self):
+    def test_refers_to_nothing_but_its_own_files(self):
         self.page_with_marks()
-        text = self.read("look/index.html").decode()
-        self.assertEqual(os.listdir(self.path("look")), ["index.html"])
-        for target in re.findall(r"(?:src|href|srcset|action)=\"([^\"]*)\"", text):
-            self.assertTrue(target.startswith(("data:", "#")), target[:80])
-        self.assertNotRegex(re.sub(r"base64,[^\"]*", "", text), r"https?:|url\(|@import|fetch\(")
-        self.assertEqual(self.browser.execute_script(
-            "return performance.getEntriesByType('resource')"
-            ".filter(entry => !entry.name.startsWith('data:')).length"), 0)
+        for folder, _, names in os.walk(self.path("look")):
+            for name in names:
+                if not name.endswith(".html"):
+                    continue
+                text = self.read(os.path.join(folder, name)).decode()
+                for target in re.findall(r"(?:src|href|srcset|action)=\"([^\"]*)\"", text):
+                    if not target.startswith("data:"):
+                        self.assertTrue(os.path.exists(os.path.join(folder, target)), target[:80])
+                self.assertNotRegex(re.sub(r"base64,[^\"]*", "", text), r"https?:|url\(|@import|fetch\(")
 
 
 class ReportFile(ToolCase):
@@ -195,6 +305,20 @@ class ReportFile(ToolCase):
         self.save("b.png", text_page(2))
         self.good("clean", "b.png", "-o", "a.tif", "--report", "look", "--overwrite")
         self.assertNotEqual(self.read("look/index.html"), first)
+
+    def test_nothing_of_an_earlier_report_is_left(self):
+        bits = text_page().convert("1")
+        self.save("a.tif", bits, bits, compression="group4")
+        self.good("clean", "a.tif", "-o", "b.tif", "--report", "look")
+        self.write("look/pages/notes.txt", b"mine")
+        self.save("c.png", text_page())
+        self.good("clean", "c.png", "-o", "c.tif", "--report", "look", "--overwrite")
+        stems = {name.partition(".")[0].partition("-")[0] for name in os.listdir(self.path("look/pages"))}
+        self.assertEqual(stems, {"0001", "notes"})
+        page = self.path("look/pages/0001-before.jpg")
+        self.fails("clean", page, "-o", "d.tif", "--report", "look", "--overwrite",
+                   lines=["look/pages/0001-before.jpg: the report would overwrite an input"])
+        self.assertTrue(os.path.exists(page))
 
     def test_folder_that_cannot_be(self):
         self.save("a.png", text_page())

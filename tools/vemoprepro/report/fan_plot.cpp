@@ -82,7 +82,7 @@ std::string fan_markup(const steps::SkewFan& fan, const PageRecord& record) {
     const Plot plot(fan);
     const double degrees = record.skew ? record.skew->degrees() : 0;
     std::string text =
-        "<figure class=\"fan\"><h3>Skew</h3><svg viewBox=\"0 0 480 194\" role=\"img\" "
+        "<figure class=\"fan\"><h2>Skew</h2><svg viewBox=\"0 0 480 194\" role=\"img\" "
         "aria-label=\"Alignment of the ink over the candidate angles; found: " +
         steps::with_digits("%.2f", degrees) + " degrees\">" + plot.axes() +
         plot.curves(fan.stems, "stems") + plot.curves(fan.lines, "lines");

@@ -1,10 +1,10 @@
-// The table of figures. Every cell has the value that it is sorted by; those without one are empty
-// and go last.
+// Every cell has the exact value that it is sorted by; those without one are empty and go last.
 #include "report/figures_table.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "report/figure_text.h"
 #include "report/html_text.h"
 #include "steps/number_text.h"
 
@@ -16,7 +16,7 @@ std::string cell(const std::string& value, const std::string& text) {
 }
 
 std::string number_cell(double value, const std::string& text) {
-    return cell(steps::with_digits("%.10g", value), text);
+    return cell(steps::with_digits("%.17g", value), escaped(text));
 }
 
 std::string empty_cell() {
@@ -39,20 +39,22 @@ std::vector<std::string> counting_steps(const std::vector<FigureRow>& rows) {
 
 std::string removed_cell(const PageRecord& record, const std::string& name) {
     for (const steps::StepNote& step : record.steps) {
-        if (step.name == name && step.outcome.done && step.outcome.ink_removed) {
-            return number_cell(std::round(*step.outcome.ink_removed * 1e5) / 1e5,
-                               steps::with_digits("%.3g", *step.outcome.ink_removed * 100) + " %");
-        }
+        if (step.name != name || !step.outcome.done || !step.outcome.ink_removed) continue;
+        const double share = *step.outcome.ink_removed;
+        if (share <= kMuchInk) return number_cell(share, share_text(share));
+        return "<td class=\"much\" data-value=\"" + steps::with_digits("%.17g", share) +
+               "\"><strong title=\"more than a tenth of the ink\">" + escaped(share_text(share)) +
+               "</strong></td>";
     }
     return empty_cell();
 }
 
-std::string size_text(int width, int height) {
-    return std::to_string(width) + " × " + std::to_string(height);
-}
-
-std::string dpi_text(Resolution dpi) {
-    return dpi.x == dpi.y ? std::to_string(dpi.x) : size_text(dpi.x, dpi.y);
+std::string warning_cell(const PageRecord& record) {
+    const std::vector<std::string> warnings = warnings_of(record);
+    if (warnings.empty()) return empty_cell();
+    std::string text;
+    for (const std::string& warning : warnings) text += "<p>" + escaped(warning) + "</p>";
+    return "<td class=\"words\" data-value=\"" + escaped(warnings.front()) + "\">" + text + "</td>";
 }
 
 std::string content_cell(const std::optional<Box>& box) {
@@ -63,10 +65,9 @@ std::string content_cell(const std::optional<Box>& box) {
 }
 
 std::string measured_cells(const PageRecord& record) {
-    std::string text = record.skew
-                           ? number_cell(record.skew->degrees(),
-                                         steps::with_digits("%.2f°", record.skew->degrees()))
-                           : empty_cell();
+    std::string text =
+        record.skew ? number_cell(record.skew->degrees(), degrees_text(record.skew->degrees()))
+                    : empty_cell();
     text += record.confidence && std::isfinite(*record.confidence)
                 ? number_cell(*record.confidence, steps::with_digits("%.2f", *record.confidence))
                 : empty_cell();
@@ -75,46 +76,108 @@ std::string measured_cells(const PageRecord& record) {
                        : empty_cell());
 }
 
-std::string row_markup(const FigureRow& row, const std::vector<std::string>& steps) {
-    const PageRecord& record = row.record;
-    const std::string file =
-        cell(row.input, "<a href=\"#" + row.anchor + "\">" + escaped(row.input) + "</a>");
-    if (!row.error.empty()) {
-        return "<tr class=\"failed\">" + file + "<td class=\"none\" colspan=\"" +
-               std::to_string(9 + steps.size()) + "\">" + escaped(row.error) + "</td></tr>\n";
+std::string dpi_cell(const PageRecord& record) {
+    const std::string text = dpi_text(record.source.dpi);
+    if (record.resolution_source == steps::ResolutionSource::kFile) {
+        return number_cell(record.source.dpi.x, text);
     }
-    std::string text =
-        "<tr>" + file +
-        number_cell(static_cast<double>(record.number), std::to_string(record.number)) +
-        number_cell(double{1} * record.source.width * record.source.height,
-                    size_text(record.source.width, record.source.height)) +
-        number_cell(record.source.dpi.x, dpi_text(record.source.dpi)) +
-        cell(name_of(record.source.kind), name_of(record.source.kind)) + measured_cells(record);
-    for (const std::string& step : steps) text += removed_cell(record, step);
-    return text + content_cell(record.content) +
-           number_cell(record.seconds, steps::with_digits("%.3f", record.seconds)) + "</tr>\n";
+    return "<td class=\"narrow\" data-value=\"" + std::to_string(record.source.dpi.x) + "\">" +
+           text + " <small>" + escaped(source_text(record)) + "</small></td>";
 }
 
-std::string column(const std::string& name) {
-    return "<th scope=\"col\" aria-sort=\"none\"><button type=\"button\">" + escaped(name) +
-           "</button></th>";
+// The name of the file stands out from the folder that it is in.
+std::string name_markup(const std::string& input) {
+    const std::size_t end = input.rfind('/') + 1;
+    const std::string folder =
+        end == 0 ? "" : "<span class=\"folder\">" + escaped(input.substr(0, end)) + "</span>";
+    return folder + escaped(input == "-" ? "standard input" : input.substr(end));
+}
+
+std::string failure_row(const FigureRow& row, std::size_t number, std::size_t columns) {
+    return "<tr class=\"failed\" data-number=\"" + std::to_string(number) +
+           "\"><td></td><th scope=\"row\" data-value=\"" + escaped(row.input) + "\">" +
+           name_markup(row.input) + "</th><td class=\"words\" colspan=\"" +
+           std::to_string(columns - 2) + "\"><p><b>Failed:</b> " + escaped(row.error) +
+           ". Nothing was written for this file.</p></td></tr>\n";
+}
+
+std::string page_row(const FigureRow& row, std::size_t number,
+                     const std::vector<std::string>& steps) {
+    const PageRecord& record = row.record;
+    const std::string link = "<a href=\"" + row.page_file + "\"";
+    std::string text =
+        std::string("<tr") + (has_warning(record) ? " class=\"warned\"" : "") + " data-number=\"" +
+        std::to_string(number) + "\"><td>" + link +
+        " tabindex=\"-1\" aria-hidden=\"true\"><img src=\"" + row.thumbnail +
+        "\" alt=\"\" loading=\"lazy\"></a></td><th scope=\"row\" data-value=\"" +
+        escaped(row.input) + "\">" + link + ">" + name_markup(row.input) + "</a></th>" +
+        number_cell(static_cast<double>(record.number), std::to_string(record.number)) +
+        warning_cell(record);
+    for (const std::string& step : steps) text += removed_cell(record, step);
+    return text + measured_cells(record) + dpi_cell(record) +
+           number_cell(double{1} * record.source.width * record.source.height,
+                       size_text(record.source.width, record.source.height)) +
+           cell(name_of(record.source.kind), name_of(record.source.kind)) +
+           content_cell(record.content) +
+           number_cell(record.seconds, seconds_text(record.seconds)) + "</tr>\n";
+}
+
+std::vector<std::string> column_names(const std::vector<std::string>& steps) {
+    std::vector<std::string> names = {"File", "Page", "Warning"};
+    for (const std::string& step : steps) names.push_back("Ink off, " + step);
+    for (const char* name :
+         {"Skew", "Confidence", "Threshold", "Dpi", "Size", "Kind", "Content", "Seconds"}) {
+        names.emplace_back(name);
+    }
+    return names;
+}
+
+bool failed(const FigureRow& row) {
+    return !row.error.empty();
+}
+
+// Failures, then warnings, then the rest, each in the order of the run: their indices.
+std::vector<std::size_t> reading_order(const std::vector<FigureRow>& rows) {
+    std::vector<std::size_t> order(rows.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    const auto urgency = [&](std::size_t i) {
+        return failed(rows[i]) ? 0 : has_warning(rows[i].record) ? 1 : 2;
+    };
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t one, std::size_t other) {
+        return urgency(one) < urgency(other);
+    });
+    return order;
 }
 
 }  // namespace
 
+std::string summary_text(const std::vector<FigureRow>& rows) {
+    const auto failures = std::count_if(rows.begin(), rows.end(), failed);
+    const auto warnings = std::count_if(
+        rows.begin(), rows.end(), [](const FigureRow& row) { return has_warning(row.record); });
+    const auto pages = static_cast<std::ptrdiff_t>(rows.size()) - failures;
+    std::string text = std::to_string(pages) + (pages == 1 ? " page" : " pages");
+    if (failures > 0) text += ", " + std::to_string(failures) + " failed";
+    if (warnings > 0) text += ", " + std::to_string(warnings) + " to look at";
+    return text;
+}
+
 std::string figures_markup(const std::vector<FigureRow>& rows) {
     const std::vector<std::string> steps = counting_steps(rows);
+    const std::vector<std::string> columns = column_names(steps);
     std::string text =
-        "<section id=\"figures\"><h2>Figures</h2><div class=\"scroll\"><table><thead><tr>";
-    for (const char* name :
-         {"File", "Page", "Size", "Dpi", "Kind", "Skew", "Confidence", "Threshold"}) {
-        text += column(name);
+        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Figures of all "
+        "pages\"><table id=\"figures\"><thead><tr><td>Before, after</td>";
+    for (const std::string& name : columns) {
+        text += "<th scope=\"col\" aria-sort=\"none\"><button type=\"button\">" + escaped(name) +
+                "</button></th>";
     }
-    for (const std::string& step : steps) text += column("Ink off, " + step);
-    for (const char* name : {"Content", "Seconds"}) text += column(name);
     text += "</tr></thead><tbody>\n";
-    for (const FigureRow& row : rows) text += row_markup(row, steps);
-    return text + "</tbody></table></div></section>\n";
+    for (const std::size_t i : reading_order(rows)) {
+        text += failed(rows[i]) ? failure_row(rows[i], i, columns.size() + 1)
+                                : page_row(rows[i], i, steps);
+    }
+    return text + "</tbody></table></div>\n";
 }
 
 }  // namespace tool::report

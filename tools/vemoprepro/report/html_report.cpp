@@ -1,42 +1,12 @@
-// Writes the pieces of markup aside, in their order, and renames at the end.
 #include "report/html_report.h"
 
-#include <sys/stat.h>
+#include <utility>
 
-#include "files/temporary_file.h"
 #include "report/page_markup.h"
 #include "report/report_frame.h"
 
 namespace tool::report {
 namespace {
-
-bool is_same_file(const std::string& path, const struct stat& other) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && status.st_dev == other.st_dev &&
-           status.st_ino == other.st_ino;
-}
-
-// The path of the report in its folder, which is there afterwards.
-std::string report_path(const std::string& folder, const std::vector<std::string>& inputs,
-                        bool overwrite) {
-    if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) {
-        if (errno != ENOENT) throw files::system_error_of(folder);
-        throw files::FileError("--report " + folder, "the folder to make it in does not exist");
-    }
-    struct stat status {};
-    if (stat(folder.c_str(), &status) != 0) throw files::system_error_of(folder);
-    if (!S_ISDIR(status.st_mode)) throw files::system_error_of(folder, ENOTDIR);
-    std::string path = folder + (folder.back() == '/' ? "" : "/") + "index.html";
-    if (stat(path.c_str(), &status) != 0) return path;
-    if (S_ISDIR(status.st_mode)) throw files::system_error_of(path, EISDIR);
-    for (const std::string& input : inputs) {
-        if (is_same_file(input, status)) {
-            throw files::FileError(path, "the report would overwrite an input");
-        }
-    }
-    if (!overwrite) throw files::FileError(path, "exists already (--overwrite replaces it)");
-    return path;
-}
 
 // "letter.jpg", or "letter.jpg and 3 more"
 std::string title_of(const std::vector<std::string>& inputs) {
@@ -49,45 +19,61 @@ std::string title_of(const std::vector<std::string>& inputs) {
 
 HtmlReport::HtmlReport(const std::string& folder, const std::vector<std::string>& inputs,
                        bool overwrite)
-    : file_(report_path(folder, inputs, overwrite), overwrite) {
-    write(report_start(title_of(inputs)));
-}
+    : folder_(folder, inputs, overwrite), title_(title_of(inputs)) {}
 
 void HtmlReport::page(const std::string& input, std::size_t page_count, const PageRecord& record,
                       const PagePictures& pictures) {
     if (error_) return;
-    write(page_markup(next_anchor(), input, page_count, record, pictures));
-    rows_.push_back({next_anchor(), input, record, ""});
+    try {
+        write_page(input, page_count, record, pictures);
+    } catch (const files::FileError& error) {
+        error_ = error;
+    }
+}
+
+void HtmlReport::write_page(const std::string& input, std::size_t page_count,
+                            const PageRecord& record, const PagePictures& pictures) {
+    write_waiting_page(true);
+    const std::string stem = page_stem(page_count_ + 1);
+    const PictureNames names{stem};
+    const auto write = [&](const std::string& name, const EncodedPicture& picture) {
+        folder_.write(kPagesFolder + name, picture.bytes);
+    };
+    write(names.before(pictures), pictures.before.full);
+    write(names.after(pictures), pictures.after.full);
+    for (const RemovedInk& removed : pictures.removed) {
+        write(names.removed(removed), removed.marks.full);
+    }
+    write(names.thumbnail(pictures), pictures.thumbnail);
+    const std::string title = page_title(input, record.number, page_count);
+    waiting_ = {title, page_markup(title, names, record, pictures)};
+    rows_.push_back({input, record, kPagesFolder + stem + ".html",
+                     kPagesFolder + names.thumbnail(pictures), ""});
+    ++page_count_;
+}
+
+void HtmlReport::write_waiting_page(bool another_follows) {
+    if (!waiting_) return;
+    const std::string name = kPagesFolder + page_stem(page_count_) + ".html";
+    folder_.write(name, page_file(waiting_->title, waiting_->content,
+                                  page_count_ > 1 ? page_stem(page_count_ - 1) + ".html" : "",
+                                  another_follows ? page_stem(page_count_ + 1) + ".html" : ""));
+    waiting_.reset();
 }
 
 void HtmlReport::fail(const std::string& input, const std::string& what) {
-    if (error_) return;
-    write(failure_markup(next_anchor(), input, what));
-    rows_.push_back({next_anchor(), input, {}, what});
-}
-
-std::string HtmlReport::next_anchor() const {
-    return "page-" + std::to_string(rows_.size() + 1);
+    if (!error_) rows_.push_back({input, {}, "", "", what});
 }
 
 std::optional<files::FileError> HtmlReport::finish() {
-    write(figures_markup(rows_));
-    write(report_end());
+    if (error_) return error_;
     try {
-        if (!error_) file_.publish();
+        write_waiting_page(false);
+        folder_.write(kIndexName, index_file(title_, summary_text(rows_), figures_markup(rows_)));
     } catch (const files::FileError& error) {
         error_ = error;
     }
     return error_;
-}
-
-void HtmlReport::write(const std::string& text) {
-    if (error_) return;
-    try {
-        files::write_all(file_.descriptor(), text.data(), text.size(), file_.name());
-    } catch (const files::FileError& error) {
-        error_ = error;
-    }
 }
 
 }  // namespace tool::report

@@ -1,8 +1,12 @@
-// The report to look at: one HTML page with all that it needs inside.
+// The report to look at: an index of all pages, and for each page a file that shows it, with its
+// pictures at full size beside it.
 //
 // Use: (page | fail)* finish: page() for each page and fail() for each input that failed, in order;
-// finish() gives the report its name. Pages are written as they come; what is kept of them are
-// their figures. For one thread.
+// finish() at any time gives a report of what there is. Pages are written as they come; what is
+// kept of them are their figures. For one thread.
+//
+// Keep true: a file that is there is complete, and the index, which is written last, links to
+// nothing that is not.
 #pragma once
 
 #include <optional>
@@ -10,9 +14,9 @@
 #include <vector>
 
 #include "files/file_error.h"
-#include "files/output_file.h"
 #include "report/figures_table.h"
 #include "report/page_pictures.h"
+#include "report/report_folder.h"
 
 namespace tool::report {
 
@@ -22,6 +26,7 @@ class HtmlReport {
     // not be replaced or that is one of the inputs.
     HtmlReport(const std::string& folder, const std::vector<std::string>& inputs, bool overwrite);
 
+    // The first failure ends the report, but not the run.
     void page(const std::string& input, std::size_t page_count, const PageRecord& record,
               const PagePictures& pictures);
     void fail(const std::string& input, const std::string& what);
@@ -29,12 +34,20 @@ class HtmlReport {
     std::optional<files::FileError> finish();
 
   private:
-    std::string next_anchor() const;
-    // The first failure ends the report, but not the run.
-    void write(const std::string& text);
+    // A page's file waits until it is known whether another one follows.
+    struct WaitingPage {
+        std::string title, content;
+    };
 
-    files::OutputFile file_;
+    void write_page(const std::string& input, std::size_t page_count, const PageRecord& record,
+                    const PagePictures& pictures);
+    void write_waiting_page(bool another_follows);
+
+    ReportFolder folder_;
+    std::string title_;
     std::vector<FigureRow> rows_;
+    std::size_t page_count_ = 0;
+    std::optional<WaitingPage> waiting_;
     std::optional<files::FileError> error_;
 };
 

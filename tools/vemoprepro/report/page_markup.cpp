@@ -1,12 +1,12 @@
-// Pages of the report: pictures one above the other, the steps with what they removed, the fan.
 #include "report/page_markup.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "report/fan_plot.h"
+#include "report/figure_text.h"
 #include "report/html_text.h"
-#include "steps/ink_removal.h"
 #include "steps/number_text.h"
 
 namespace tool::report {
@@ -18,109 +18,117 @@ std::string css_colour(Colour colour) {
     return text;
 }
 
-// Both pictures at one scale, with their centres at the same place: a page is turned about it.
-struct Stage {
-    double width, height;
-
-    explicit Stage(const PagePictures& pictures)
-        : width(std::max(pictures.before.page_width, pictures.after.page_width)),
-          height(std::max(pictures.before.page_height, pictures.after.page_height)) {}
-
-    std::string place(const EncodedPicture& picture) const {
-        const auto share = [](double part, double whole) {
-            return steps::with_digits("%.4f%%", part * 100 / whole);
-        };
-        return "left:" + share((width - picture.page_width) / 2, width) +
-               ";top:" + share((height - picture.page_height) / 2, height) +
-               ";width:" + share(picture.covered_width, width) +
-               ";height:" + share(picture.covered_height, height);
-    }
-
-    std::string image(const EncodedPicture& picture, const std::string& attributes,
-                      const std::string& alternative) const {
-        return "<img " + attributes + " style=\"" + place(picture) + "\" alt=\"" +
-               escaped(alternative) + "\" draggable=\"false\" src=\"data:" + picture.type +
-               ";base64," + base64(picture.bytes) + "\">";
-    }
-};
-
-std::string marks_in(const PagePictures& pictures, const Stage& stage, bool before, bool after) {
-    std::string text;
-    for (const RemovedInk& removed : pictures.removed) {
-        if (removed.fits_before == before && removed.fits_after == after) {
-            text += stage.image(removed.marks,
-                                "class=\"marks\" data-step=\"" + escaped(removed.step) + "\"",
-                                "removed by " + removed.step);
-        }
-    }
-    return text;
+std::string warnings_markup(const PageRecord& record) {
+    const std::vector<std::string> warnings = warnings_of(record);
+    if (warnings.empty()) return "";
+    std::string text =
+        "<div class=\"warning\" role=\"note\"><b>Look at this page before trusting it.</b><ul>";
+    for (const std::string& warning : warnings) text += "<li>" + escaped(warning) + "</li>";
+    return text + "</ul></div>\n";
 }
 
-std::string stage_markup(const std::string& anchor, const std::string& name,
-                         const PagePictures& pictures) {
-    const Stage stage(pictures);
-    const std::string range = anchor + "-cut";
-    return "<div class=\"compare\"><div class=\"stage\" style=\"aspect-ratio:" +
-           steps::with_digits("%.0f", stage.width) + "/" +
-           steps::with_digits("%.0f", stage.height) + "\"><div class=\"layer after\">" +
-           stage.image(pictures.after, "", name + ", after") +
-           marks_in(pictures, stage, false, true) + "</div><div class=\"layer before\">" +
-           stage.image(pictures.before, "", name + ", before") +
-           marks_in(pictures, stage, true, false) + "</div><div class=\"layer\">" +
-           marks_in(pictures, stage, true, true) +
-           "</div><div class=\"edge\" aria-hidden=\"true\"></div></div><div class=\"cut\"><label "
-           "for=\"" +
-           range + "\">Before</label><input type=\"range\" id=\"" + range +
-           "\" min=\"0\" max=\"100\" step=\"0.5\" value=\"50\" aria-label=\"How much of the page "
-           "before shows, in percent\"><span>After</span></div></div>\n";
+std::string row(const std::string& name, const std::string& value) {
+    return "<div><dt>" + name + "</dt><dd>" + escaped(value) + "</dd></div>";
+}
+
+std::string shape_text(const PageShape& shape) {
+    return std::string(name_of(shape.kind)) + ", " + size_text(shape.width, shape.height) +
+           " pixels";
+}
+
+std::string figures_markup(const PageRecord& record) {
+    std::string text = "<h2>Figures</h2><dl class=\"figures\">";
+    text += row("Page", shape_text(record.source));
+    text += row("Resolution", dpi_text(record.source.dpi) + " dpi, " + source_text(record));
+    if (record.skew) text += row("Skew", degrees_text(record.skew->degrees()));
+    if (record.threshold) text += row("Threshold", std::to_string(*record.threshold));
+    if (record.content) {
+        text += row("Content", size_text(record.content->width, record.content->height) + " at " +
+                                   std::to_string(record.content->x) + ", " +
+                                   std::to_string(record.content->y));
+    }
+    text += row("Result", shape_text(record.output) + ", " + dpi_text(record.output.dpi) + " dpi");
+    return text + row("Time", seconds_text(record.seconds) + " s") + "</dl>\n";
+}
+
+std::string link(const std::string& target, const std::string& text) {
+    return "<a href=\"" + target + "\">" + text + "</a>";
+}
+
+std::string pictures_markup(const PictureNames& names, const PagePictures& pictures) {
+    std::string text = "<h2>Pictures at full size</h2><p class=\"files\">" +
+                       link(names.before(pictures), "Before") +
+                       link(names.after(pictures), "After");
+    for (const RemovedInk& removed : pictures.removed) {
+        text += link(names.removed(removed), "Removed by " + escaped(removed.step));
+    }
+    return text + "</p>\n";
+}
+
+std::string spots_button(const RemovedInk& removed) {
+    std::string spots;
+    for (const Point& spot : removed.spots) {
+        if (!spots.empty()) spots += ' ';
+        spots += steps::with_digits("%.0f", spot.x) + "," + steps::with_digits("%.0f", spot.y);
+    }
+    return "<button type=\"button\" class=\"spots\" data-step=\"" + escaped(removed.step) +
+           "\" data-spots=\"" + spots + "\">Look closer</button>";
+}
+
+// What was done, or why not, and how much ink went with it.
+std::string outcome_text(const steps::Outcome& outcome) {
+    std::string text = (outcome.done ? "" : "skipped: ") + escaped(outcome.why);
+    if (!outcome.done || !outcome.ink_removed) return text;
+    if (text.find("of the ink") == std::string::npos) {
+        text += ", " + escaped(share_text(*outcome.ink_removed)) + " of the ink";
+    }
+    if (*outcome.ink_removed <= kMuchInk) return text;
+    return "<strong class=\"much\">" + text + "</strong>";
 }
 
 std::string step_markup(const steps::StepNote& step, const std::vector<RemovedInk>& removed) {
-    const bool marked = std::any_of(removed.begin(), removed.end(),
-                                    [&](const RemovedInk& ink) { return ink.step == step.name; });
+    const auto marked = std::find_if(removed.begin(), removed.end(),
+                                     [&](const RemovedInk& ink) { return ink.step == step.name; });
+    const steps::Outcome& outcome = step.outcome;
     std::string name = escaped(step.name);
-    if (marked) {
+    if (marked != removed.end()) {
         name = "<label><input type=\"checkbox\" checked data-step=\"" + name +
                "\"><i class=\"swatch\" style=\"background:" + css_colour(mark_colour(step.name)) +
-               "\"></i>" + name + "</label>";
+               "\"></i>" + name + "</label>" + spots_button(*marked);
     }
-    std::string text = std::string("<li class=\"") + (step.outcome.done ? "done" : "skipped") +
-                       "\"><b>" + name + "</b><span>" + (step.outcome.done ? "" : "skipped: ") +
-                       escaped(step.outcome.why) + "</span>";
-    if (step.outcome.done)
-        text += "<small>" + steps::with_digits("%.0f ms", step.seconds * 1000) + "</small>";
+    std::string text = std::string("<li class=\"") + (outcome.done ? "done" : "skipped") +
+                       (outcome.warning ? " warned" : "") + "\"><b>" + name + "</b><span>" +
+                       outcome_text(outcome) + "</span>";
+    if (outcome.done) text += "<small>" + escaped(seconds_text(step.seconds)) + " s</small>";
     return text + "</li>";
 }
 
-std::string heading(const std::string& input, std::size_t number, std::size_t page_count) {
+std::string steps_markup(const PageRecord& record, const PagePictures& pictures) {
+    std::string text = "<h2>Steps</h2>";
+    if (!pictures.removed.empty()) {
+        text += "<p class=\"hint\">Coloured on the page: what a step took off it.</p>";
+    }
+    text += "<ol class=\"steps\">";
+    for (const steps::StepNote& step : record.steps) text += step_markup(step, pictures.removed);
+    return text + "</ol>\n";
+}
+
+}  // namespace
+
+std::string page_title(const std::string& input, std::size_t number, std::size_t page_count) {
     const std::string name = input == "-" ? "standard input" : input;
     if (page_count == 1) return name;
     return name + ", page " + std::to_string(number) + " of " + std::to_string(page_count);
 }
 
-}  // namespace
-
-std::string page_markup(const std::string& anchor, const std::string& input, std::size_t page_count,
+std::string page_markup(const std::string& title, const PictureNames& names,
                         const PageRecord& record, const PagePictures& pictures) {
-    const std::string name = heading(input, record.number, page_count);
-    std::string text = "<article id=\"" + anchor + "\"><h2>" + escaped(name) + "</h2><p>" +
-                       escaped(describe(record.source)) + "</p>\n<div class=\"columns\">" +
-                       stage_markup(anchor, name, pictures) + "<div class=\"notes\"><h3>Steps</h3>";
-    if (!pictures.removed.empty()) {
-        text += "<p class=\"hint\">Coloured: what a step took off the page.</p>";
-    }
-    text += "<ol class=\"steps\">";
-    for (const steps::StepNote& step : record.steps) text += step_markup(step, pictures.removed);
-    text += "</ol>\n";
+    std::string text = warnings_markup(record) + "<article class=\"columns\">" +
+                       stage_markup(title, names, pictures) + "<div class=\"notes\">" +
+                       steps_markup(record, pictures) + figures_markup(record) +
+                       pictures_markup(names, pictures);
     if (pictures.fan) text += fan_markup(*pictures.fan, record);
-    return text + "</div></div></article>\n";
-}
-
-std::string failure_markup(const std::string& anchor, const std::string& input,
-                           const std::string& what) {
-    return "<article class=\"failed\" id=\"" + anchor + "\"><h2>" + escaped(heading(input, 1, 1)) +
-           "</h2><p role=\"alert\"><b>Failed:</b> " + escaped(what) +
-           ". Nothing was written for this file.</p></article>\n";
+    return text + "</div></article>\n";
 }
 
 }  // namespace tool::report

@@ -1,5 +1,5 @@
-// The part of the report that shows one page: pictures one above the other, the steps with what
-// they removed, the skew fan.
+// The file of the report that shows one page: its figures and warnings, the pictures, the steps
+// with what they removed, the skew fan.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,15 @@
 
 #include "report/page_pictures.h"
 #include "report/page_record.h"
+#include "report/stage_markup.h"
 
 namespace tool::report {
 
-// anchor: the id that the figures link to.
-std::string page_markup(const std::string& anchor, const std::string& input, std::size_t page_count,
+// "scan.tif, page 3 of 12"
+std::string page_title(const std::string& input, std::size_t number, std::size_t page_count);
+
+// What stands below the heading.
+std::string page_markup(const std::string& title, const PictureNames& names,
                         const PageRecord& record, const PagePictures& pictures);
-// The same for an input that failed.
-std::string failure_markup(const std::string& anchor, const std::string& input,
-                           const std::string& what);
 
 }  // namespace tool::report

@@ -1,10 +1,10 @@
-// What a step removed is found by comparing the small pictures before and after it: they are exact
-// averages, so that a single pixel shows.
 #include "report/page_pictures.h"
 
 #include <map>
 #include <utility>
 
+#include "report/removed_pixels.h"
+#include "report/thumbnail.h"
 #include "steps/stopwatch.h"
 
 namespace tool::report {
@@ -23,6 +23,10 @@ class CountedTime {
     const steps::Stopwatch watch_;
 };
 
+Size size_of(const Page& page) {
+    return {page.width, page.height};
+}
+
 }  // namespace
 
 Colour mark_colour(const std::string& step) {
@@ -35,45 +39,63 @@ Colour mark_colour(const std::string& step) {
     return found == kColours.end() ? Colour{150, 110, 20} : found->second;
 }
 
+void PagePainter::paint_before(const Page& page) {
+    first_ = scaled_down(page);
+    pictures_.before = {encode(first_), encode(page), {}};
+}
+
+void PagePainter::move(const Placement& by) {
+    pictures_.before.placement = pictures_.before.placement.then(by);
+    for (RemovedInk& removed : pictures_.removed) {
+        removed.marks.placement = removed.marks.placement.then(by);
+        for (Point& spot : removed.spots) spot = by.of(spot);
+    }
+}
+
+// A page that its file wants turned is painted when it is upright.
 void PagePainter::source(const Page& page) {
     const CountedTime counted(seconds_);
-    last_ = scaled_down(page);
-    first_ = last_;
+    if (page.quarter_turns == 0) paint_before(page);
+    last_ = light_page(page);
 }
 
 void PagePainter::after(const steps::Step& step, const steps::PageWork& work) {
     const CountedTime counted(seconds_);
-    ScaledPicture now = scaled_down(work.page);
-    switch (step.effect) {
-        case steps::Effect::kBringsUpright:
-            first_ = now;
-            first_posture_ = ++posture_;
-            break;
-        case steps::Effect::kTurnsPage:
-            ++posture_;
-            break;
-        case steps::Effect::kTakesInk:
-            if (const auto marks = marks_of_removed(last_, now, mark_colour(step.name))) {
-                marks_.push_back({step.name, posture_, encode(*marks)});
-            }
-            break;
-        case steps::Effect::kChangesTone:
-            break;
+    const Page& page = work.page;
+    const int quarter_turns =
+        work.quarter_turns - std::exchange(quarter_turns_, work.quarter_turns);
+    if (first_.pixels.empty()) {
+        paint_before(page);
+    } else if (quarter_turns != 0) {
+        move(turned(90 * quarter_turns, size_of(last_), size_of(page)));
+    } else if (step.effect == steps::Effect::kTurnsPage) {
+        const double skew = work.skew ? work.skew->degrees() : 0;
+        move(turned(skew, size_of(last_), size_of(page)));
+    } else if (page.width != last_.width || page.height != last_.height) {
+        move(scaled_to(size_of(last_), size_of(page)));
+    }
+    Page now = light_page(page);
+    if (step.effect == steps::Effect::kTakesInk) {
+        if (const std::optional<Page> removed = removed_pixels(last_, now)) {
+            const Colour colour = mark_colour(step.name);
+            RemovedInk& ink = pictures_.removed.emplace_back();
+            ink.step = step.name;
+            ink.marks.small = marks_of(*removed, colour);
+            ink.marks.full = encode_ink(*removed, colour);
+            ink.spots = spots_of(*removed, now);
+        }
     }
     last_ = std::move(now);
 }
 
-PagePictures PagePainter::take(std::optional<steps::SkewFan> fan) {
+PagePictures PagePainter::take(const Page& page, std::optional<steps::SkewFan> fan) {
     const CountedTime counted(seconds_);
-    PagePictures pictures;
-    pictures.before = encode(first_);
-    pictures.after = encode(last_);
-    for (Marks& marks : marks_) {
-        pictures.removed.push_back({std::move(marks.step), std::move(marks.picture),
-                                    marks.posture == first_posture_, marks.posture == posture_});
-    }
-    pictures.fan = std::move(fan);
-    return pictures;
+    last_ = {};
+    const ScaledPicture small = scaled_down(page);
+    pictures_.after = {encode(small), encode(page), {}};
+    pictures_.thumbnail = thumbnail_of(first_, pictures_.before.placement, small);
+    pictures_.fan = std::move(fan);
+    return std::move(pictures_);
 }
 
 }  // namespace tool::report

@@ -1,30 +1,38 @@
-// What a report shows of one page: before, after, and what each step removed.
+// What a report shows of one page: before, after, and what each step removed, small and at full
+// size.
 //
 // Use: source after* take: a PagePainter watches the page go through its steps; take() gives the
-// pictures when the last one is done. Only small pictures are kept.
+// pictures when the last one is done. Kept are the bytes of picture files, and the page as it was
+// before the step that goes on.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "report/scaled_picture.h"
+#include "report/encoded_picture.h"
+#include "report/placement.h"
 #include "steps/pipeline.h"
 
 namespace tool::report {
 
+struct PageView {
+    EncodedPicture small;
+    EncodedPicture full;
+    Placement placement;  // on the page after the last step
+};
+
 struct RemovedInk {
     std::string step;
-    EncodedPicture marks;
-    // Whether the marks lie as the page does in the picture before, in the one after.
-    bool fits_before = false;
-    bool fits_after = false;
+    PageView marks;
+    std::vector<Point> spots;  // to look at, on the page after the last step
 };
 
 struct PagePictures {
-    EncodedPicture before;  // upright
-    EncodedPicture after;
+    PageView before;
+    PageView after;
     std::vector<RemovedInk> removed;
+    EncodedPicture thumbnail;           // before beside after
     std::optional<steps::SkewFan> fan;  // when the skew was measured
 };
 
@@ -36,24 +44,21 @@ class PagePainter final : public steps::PageWatcher {
     void source(const Page& page) override;
     void after(const steps::Step& step, const steps::PageWork& work) override;
 
-    // fan: of the skew search; none when the skew was not measured.
-    PagePictures take(std::optional<steps::SkewFan> fan);
+    // The page after its last step. fan: of the skew search; none when the skew was not measured.
+    PagePictures take(const Page& page, std::optional<steps::SkewFan> fan);
     // Time spent on pictures.
     double seconds() const { return seconds_; }
 
   private:
-    struct Marks {
-        std::string step;
-        int posture;
-        EncodedPicture picture;
-    };
+    void paint_before(const Page& page);
+    // All pictures so far move with the page.
+    void move(const Placement& by);
 
     double seconds_ = 0;
-    int posture_ = 0;  // goes up when the page is turned
-    int first_posture_ = 0;
+    Page last_;
+    int quarter_turns_ = 0;
     ScaledPicture first_;
-    ScaledPicture last_;
-    std::vector<Marks> marks_;
+    PagePictures pictures_;
 };
 
 }  // namespace tool::report

@@ -1,20 +1,23 @@
-// What is the same in every report: all that stands around the pages. The figures are written last,
-// when they are known; the script brings them to the top.
+// What is the same in every report: all that stands around the pages and their figures.
 //
-// Its source is report/template/: report.html, which style.css and script.js are put into when the
-// program is built.
+// Its source is report/template/: index.html and page.html, which the styles and scripts are put
+// into when the program is built, so that each file of a report has all that it needs inside but
+// for the pictures at full size.
 #pragma once
 
 #include <string>
 
 namespace tool::report {
 
-// With @title@ and @pages@ for what is put in.
-extern const char* const kReportTemplate;
+// With names between @ signs for what is put in.
+extern const char* const kIndexTemplate;
+extern const char* const kPageTemplate;
 
-// Up to the first page.
-std::string report_start(const std::string& title);
-// From behind the figures on.
-std::string report_end();
+// Texts are escaped here; markup is not.
+std::string index_file(const std::string& title, const std::string& summary,
+                       const std::string& figures_markup);
+// previous, next: files of the neighbouring pages, or empty.
+std::string page_file(const std::string& title, const std::string& page_markup,
+                      const std::string& previous, const std::string& next);
 
 }  // namespace tool::report

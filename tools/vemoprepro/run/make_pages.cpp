@@ -26,7 +26,7 @@ void work_on(const Options& options, const steps::Pipeline& pipeline, const Page
     steps::settle_resolution(work, options.steps.dpi);
     report::PagePainter painter;
     steps::process(pipeline, work, pictured ? &painter : nullptr);
-    if (pictured) result.pictures = painter.take(work.fan);
+    if (pictured) result.pictures = painter.take(work.page, work.fan);
     result.record = report::record_of(task.page + 1, work, watch.seconds() - painter.seconds());
     result.data = std::move(work.page);
 }

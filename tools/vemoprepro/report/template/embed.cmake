@@ -1,20 +1,25 @@
-# Makes the template of the report a constant of C++: report.html with the style and the script in their
-# places, so that a report needs no other file.
+# Makes the templates of the report constants of C++: index.html and page.html with their styles and scripts
+# in their places, so that a file of a report needs no other one to be read.
 #   cmake -DSOURCE=… -DOUTPUT=… -DVERSION=… -P embed.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
-file(READ ${SOURCE}/report.html text)
-file(READ ${SOURCE}/style.css style)
-file(READ ${SOURCE}/script.js script)
-string(REPLACE "@style@" "${style}" text "${text}")
-string(REPLACE "@script@" "${script}" text "${text}")
-string(REPLACE "@version@" "${VERSION}" text "${text}")
+set(constants "")
+foreach(template Index Page)
+    string(TOLOWER ${template} name)
+    file(READ ${SOURCE}/${name}.html text)
+    foreach(part common.css ${name}.css ${name}.js)
+        file(READ ${SOURCE}/${part} content)
+        string(REPLACE "@${part}@" "${content}" text "${text}")
+    endforeach()
+    string(REPLACE "@version@" "${VERSION}" text "${text}")
+    string(APPEND constants "const char* const k${template}Template = R\"template(${text})template\";\n")
+endforeach()
+
 file(WRITE ${OUTPUT} "#include \"report/report_frame.h\"
 
 namespace tool::report {
 
-const char* const kReportTemplate = R\"template(${text})template\";
-
+${constants}
 }  // namespace tool::report
 ")
