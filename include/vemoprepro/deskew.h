@@ -89,7 +89,7 @@ VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int*
  * right edge: clear them where that matters.
  *
  * Up to 32 units the working memory holds the runs of ink of 1,024 / |units| rows, at most 48 bytes
- * for each, or up to 6 MB where these are few; beyond, half a megabyte.
+ * for each, or up to 6 MB where these are few; beyond, 40 bytes for each row.
  *
  * @param skew numerator of the skew
  * @param scale its denominator

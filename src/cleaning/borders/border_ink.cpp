@@ -4,155 +4,205 @@
 // followed.
 //
 // The target is a copy of the page from which the reachable runs are erased, so that the reachable
-// ink of a row is what the page has there and the target has not. A row is searched only where it
-// may touch a reachable run: its cost grows with the ink on the edge, not with the width of the
-// page.
+// ink of a row is what the page has there and the target has not. Runs are followed in words of 64
+// pixels, however many of them a word has.
 #include "cleaning/borders/border_ink.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "frame/buffer.h"
 #include "ink/bit_words.h"
-#include "ink/buffer_logic.h"
-#include "ink/run.h"
 
 namespace cleaning {
 namespace {
 
-using ink::PixelRun;
-
 constexpr std::uint64_t kAll = ~std::uint64_t{0};
+constexpr std::uint64_t kFirstPixel = std::uint64_t{1} << 63;
+constexpr std::uint64_t kLastPixel = 1;
 
-// The ink of a row, by aligned words of 64 pixels.
-struct InkRow {
-    const std::uint8_t* row;
-    std::int32_t width;
-
-    std::uint64_t word(std::int64_t x) const { return ink::aligned_word(row, width, x); }
-};
-
-// The ink that the page has in a row and the target has no more.
-struct ErasedRow {
-    InkRow page;
-    InkRow target;
-
-    std::uint64_t word(std::int64_t x) const { return page.word(x) ^ target.word(x); }
-};
-
-// The first pixel from x on that is ink, or that is not; `end` if there is none before it.
-template <bool kInk, class Row>
-std::int32_t find(const Row& row, std::int32_t x, std::int32_t end) {
-    std::uint64_t from_x = kAll >> (x % 64);
-    for (std::int64_t i = x / 64 * 64; i < end; i += 64, from_x = kAll) {
-        const std::uint64_t word = (kInk ? row.word(i) : ~row.word(i)) & from_x;
-        if (word == 0) continue;
-        return static_cast<std::int32_t>(std::min<std::int64_t>(end, i + std::countl_zero(word)));
+// The runs of a word's ink that have one of `seeds`, which are pixels of the ink.
+//
+// A sum carries from each seed to the end of its run, towards the first pixel: what it flips of the
+// ink lies between. The other way goes in steps that double, over ink without a gap.
+std::uint64_t runs_with(std::uint64_t ink, std::uint64_t seeds) {
+    std::uint64_t reached = seeds | (((ink + seeds) ^ ink) & ink);
+    for (int step = 1; step < ink::kWordPixels; step *= 2) {
+        reached |= reached >> step & ink;
+        ink &= ink >> step;
     }
-    return end;
+    return reached;
 }
 
-// The first pixel of the run that has the pixel x.
-std::int32_t run_begin(const InkRow& row, std::int32_t x) {
-    std::int32_t i = x / 64 * 64;
-    std::uint64_t white = ~row.word(i) & ~(kAll >> 1 >> (x % 64));
-    for (; white == 0 && i > 0; white = ~row.word(i)) i -= 64;
-    return white == 0 ? 0 : i + 64 - std::countr_zero(white);
-}
-
-// Erases runs of one row, left to right, and lists them.
-class RowEraser {
+// The pixels of a row that have been reached, in words. Words before begin() and from end() on are
+// blank, and there is one on either side of the row.
+class ReachedRow {
   public:
-    RowEraser(std::uint8_t* row, std::int32_t width, PixelRun* erased)
-        : row_(row), ink_{row, width}, erased_(erased) {}
+    // Throws std::bad_alloc.
+    explicit ReachedRow(std::ptrdiff_t words)
+        : words_(frame::Buffer<std::uint64_t>::zeroed(static_cast<std::size_t>(words) + 2)) {}
 
-    // Erases the runs that have a pixel in begin <= x < end.
-    void erase_touching(std::int32_t begin, std::int32_t end) {
-        for (std::int32_t x = std::max(begin, next_); (x = find<true>(ink_, x, end)) < end;
-             x = next_) {
-            const PixelRun run{run_begin(ink_, x), find<false>(ink_, x, ink_.width)};
-            ink::paint_span(row_, run.x0, run.length(), 0);
-            erased_[count_++] = run;
-            next_ = run.x1;
+    std::ptrdiff_t begin() const { return begin_; }
+    std::ptrdiff_t end() const { return end_; }
+
+    void clear() {
+        if (begin_ < end_) std::fill(&word(begin_), &word(end_), std::uint64_t{0});
+        begin_ = end_ = 0;
+    }
+
+    void add(std::ptrdiff_t i, std::uint64_t pixels) {
+        word(i) |= pixels;
+        begin_ = begin_ < end_ ? std::min(begin_, i) : i;
+        end_ = std::max(end_, i + 1);
+    }
+
+    // The pixels of word i of a neighbouring row that touch one of these.
+    std::uint64_t touched(std::ptrdiff_t i) {
+        const std::uint64_t here = word(i);
+        return here | here << 1 | here >> 1 | word(i - 1) << 63 | word(i + 1) >> 63;
+    }
+
+  private:
+    std::uint64_t& word(std::ptrdiff_t i) { return words_[static_cast<std::size_t>(i + 1)]; }
+
+    frame::Buffer<std::uint64_t> words_;
+    std::ptrdiff_t begin_ = 0;
+    std::ptrdiff_t end_ = 0;
+};
+
+// Erases the reachable runs of one row after another.
+//
+// Use, for each pass:
+//     start (erase_touched (follow_erased | follow_difference))*
+class RunEraser {
+  public:
+    // Throws std::bad_alloc.
+    explicit RunEraser(std::int32_t width)
+        : width_(std::max(width, 0)),
+          words_((width_ + ink::kWordPixels - 1) / ink::kWordPixels),
+          before_(words_),
+          erased_(words_) {}
+
+    // The pass comes from a row that is reached all along.
+    void start() {
+        before_.clear();
+        for (std::ptrdiff_t i = 0; i < words_; ++i) before_.add(i, kAll);
+    }
+
+    // Erases the runs that touch a reached pixel of the row that the pass comes from, and with
+    // `ends` those that begin or end the row.
+    void erase_touched(std::uint8_t* row, bool ends) {
+        erased_.clear();
+        std::ptrdiff_t next = ends ? erase_in_words(row, 0, 1, true) : 0;
+        if (before_.begin() < before_.end()) {
+            next = std::max(next, before_.begin() - 1);
+            next = erase_in_words(row, next, before_.end() + 1, ends);
+        }
+        if (ends) erase_in_words(row, std::max(next, words_ - 1), words_, true);
+    }
+
+    // The pass goes on from what has been erased of the row.
+    void follow_erased() { std::swap(before_, erased_); }
+
+    // The pass goes on from the pixels in which the rows differ. Returns whether there are any.
+    bool follow_difference(const std::uint8_t* row, const std::uint8_t* other) {
+        const auto bytes = static_cast<std::size_t>(common::bitonal_bytes(width_));
+        before_.clear();
+        if (std::memcmp(row, other, bytes) == 0) return false;
+        for (std::ptrdiff_t i = 0; i < words_; ++i) {
+            const std::uint64_t different = word(row, i) ^ word(other, i);
+            if (different != 0) before_.add(i, different);
+        }
+        return true;
+    }
+
+  private:
+    std::uint64_t word(const std::uint8_t* row, std::ptrdiff_t i) const {
+        return ink::aligned_word(row, width_, i * ink::kWordPixels);
+    }
+
+    // Looks at the words i .. end - 1, and on as long as a run goes on. Returns the first word that
+    // it has not looked at.
+    std::ptrdiff_t erase_in_words(std::uint8_t* row, std::ptrdiff_t i, std::ptrdiff_t end,
+                                  bool ends) {
+        bool continued = false;  // the last pixel of the word before is reached
+        for (; i < words_ && (i < end || continued); ++i) {
+            std::uint64_t seeds = before_.touched(i);
+            if (continued || (ends && i == 0)) seeds |= kFirstPixel;
+            if (ends && i + 1 == words_) seeds |= kFirstPixel >> (width_ - 1) % ink::kWordPixels;
+            const std::uint64_t ink = seeds == 0 ? 0 : word(row, i);
+            seeds &= ink;
+            if (seeds == 0) {
+                continued = false;
+                continue;
+            }
+            const std::uint64_t runs = ink == kAll ? kAll : runs_with(ink, seeds);
+            erase(row, i, ink, runs);
+            if ((runs & kFirstPixel) != 0 && !continued) erase_backwards(row, i - 1);
+            continued = (runs & kLastPixel) != 0;
+        }
+        return i;
+    }
+
+    // Erases the run that ends with word i.
+    void erase_backwards(std::uint8_t* row, std::ptrdiff_t i) {
+        for (; i >= 0; --i) {
+            const std::uint64_t ink = word(row, i);
+            if ((ink & kLastPixel) == 0) return;
+            erase(row, i, ink, ink == kAll ? ink : ink & ~(kAll << std::countr_one(ink)));
+            if (ink != kAll) return;
         }
     }
 
-    std::size_t count() const { return count_; }
+    // The pixels are part of the ink of word i.
+    void erase(std::uint8_t* row, std::ptrdiff_t i, std::uint64_t ink, std::uint64_t pixels) {
+        erased_.add(i, pixels);
+        std::uint8_t* const bytes = row + i * ink::kWordBytes;
+        if ((i + 1) * ink::kWordPixels <= width_) {
+            return ink::store_word(bytes, ink & ~pixels, ink::kWordBytes);
+        }
+        for (std::ptrdiff_t b = 0; i * ink::kWordBytes + b < common::bitonal_bytes(width_); ++b) {
+            bytes[b] &= static_cast<std::uint8_t>(~(pixels >> (56 - 8 * b)));  // padding stays
+        }
+    }
 
-  private:
-    std::uint8_t* row_;
-    InkRow ink_;
-    PixelRun* erased_;
-    std::size_t count_ = 0;
-    std::int32_t next_ = 0;  // everything before this pixel has been looked at
+    std::int32_t width_;
+    std::ptrdiff_t words_;  // of a row
+    ReachedRow before_;     // the row that the pass comes from
+    ReachedRow erased_;     // of the current row
 };
 
-// Erases the runs of a row that touch the reachable runs of the row that the pass comes from, and
-// with `ends` those that begin or end the row. Lists them in `erased` and returns how many they
-// are.
-std::size_t erase_reachable(std::uint8_t* row, std::int32_t width, const PixelRun* reachable,
-                            std::size_t count, bool ends, PixelRun* erased) {
-    RowEraser eraser(row, width, erased);
-    if (ends) eraser.erase_touching(0, 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto [x0, x1] = reachable[i];
-        eraser.erase_touching(std::max(x0 - 1, 0), x1 == width ? width : x1 + 1);
-    }
-    if (ends) eraser.erase_touching(width - 1, width);
-    return eraser.count();
-}
-
-std::size_t list_erased(const ErasedRow& row, PixelRun* erased) {
-    std::size_t count = 0;
-    for (std::int32_t x = 0; (x = find<true>(row, x, row.page.width)) < row.page.width;) {
-        const std::int32_t end = find<false>(row, x, row.page.width);
-        erased[count++] = {x, end};
-        x = end;
-    }
-    return count;
-}
-
-void erase_downwards(const common::MutableBitonalView& result, frame::Buffer<PixelRun>& reachable,
-                     frame::Buffer<PixelRun>& erased) {
-    reachable[0] = {0, result.width};
-    std::size_t count = 1;
+void erase_downwards(common::MutableBitonalView result, RunEraser& eraser) {
+    eraser.start();
     for (std::ptrdiff_t y = 0; y < result.height; ++y) {
-        count = erase_reachable(result.row(y), result.width, reachable.data(), count, true,
-                                erased.data());
-        std::swap(reachable, erased);
+        eraser.erase_touched(result.row(y), true);
+        eraser.follow_erased();
     }
 }
 
 // In the row below, the runs that either pass has erased are reachable. The runs at the ends of the
 // rows are gone already.
-void erase_upwards(const common::BitonalView& page, const common::MutableBitonalView& result,
-                   PixelRun* reachable, PixelRun* erased) {
-    const auto row_bytes = static_cast<std::size_t>(common::bitonal_bytes(page.width));
-    reachable[0] = {0, page.width};
-    std::size_t count = 1;
+void erase_upwards(common::BitonalView page, common::MutableBitonalView result, RunEraser& eraser) {
+    eraser.start();
+    bool any = true;
     for (std::ptrdiff_t y = page.height - 1; y >= 0; --y) {
-        if (count > 0) {
-            erase_reachable(result.row(y), page.width, reachable, count, false, erased);
-        }
-        const bool untouched = std::memcmp(page.row(y), result.row(y), row_bytes) == 0;
-        const ErasedRow row{{page.row(y), page.width}, {result.row(y), page.width}};
-        count = untouched ? 0 : list_erased(row, reachable);
+        if (any) eraser.erase_touched(result.row(y), false);
+        any = eraser.follow_difference(page.row(y), result.row(y));
     }
 }
 
 }  // namespace
 
 void copy_without_edge_ink(common::BitonalView page, EdgeInk ink, std::uint8_t* target) {
-    const std::size_t most_runs = static_cast<std::size_t>(std::max(page.width, 0)) / 2 + 1;
-    frame::Buffer<PixelRun> reachable(most_runs);
-    frame::Buffer<PixelRun> erased(most_runs);
+    RunEraser eraser(page.width);
     if (page.height < 1 || page.stride < 1) return;
     std::memcpy(target, page.data, static_cast<std::size_t>(page.height * page.stride));
     if (page.width < 1 || ink == EdgeInk::kKept) return;
     const common::MutableBitonalView result{target, page.height, page.width, page.stride};
-    erase_downwards(result, reachable, erased);
-    erase_upwards(page, result, reachable.data(), erased.data());
+    erase_downwards(result, eraser);
+    erase_upwards(page, result, eraser);
 }
 
 }  // namespace cleaning
