@@ -76,4 +76,16 @@ inline std::uint64_t aligned_word(const std::uint8_t* row, std::int64_t pixels, 
     return common::load_big_endian(row + (x >> 3));
 }
 
+// Clears `erased` of the 64 pixels from x on, a multiple of 64: pixels that the row has.
+inline void erase_pixels(std::uint8_t* row, std::int64_t pixels, std::int64_t x,
+                         std::uint64_t erased) {
+    std::uint8_t* const bytes = row + (x >> 3);
+    if (x + kWordPixels <= pixels) {
+        return store_word(bytes, common::load_big_endian(bytes) & ~erased, kWordBytes);
+    }
+    for (std::int64_t i = 0; erased != 0; ++i, erased <<= 8) {
+        bytes[i] &= static_cast<std::uint8_t>(~(erased >> 56));
+    }
+}
+
 }  // namespace ink

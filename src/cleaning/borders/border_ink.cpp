@@ -58,6 +58,12 @@ class ReachedRow {
         end_ = std::max(end_, i + 1);
     }
 
+    // The first word from i on that is not blank; i or end() if there is none.
+    std::ptrdiff_t find(std::ptrdiff_t i) {
+        while (i < end_ && word(i) == 0) ++i;
+        return i;
+    }
+
     // The pixels of word i of a neighbouring row that touch one of these.
     std::uint64_t touched(std::ptrdiff_t i) {
         const std::uint64_t here = word(i);
@@ -136,10 +142,12 @@ class RunEraser {
             seeds &= ink;
             if (seeds == 0) {
                 continued = false;
+                // The word in front of the next one that is not blank may be touched.
+                i = std::max(i, before_.find(i + 1) - 2);
                 continue;
             }
             const std::uint64_t runs = ink == kAll ? kAll : runs_with(ink, seeds);
-            erase(row, i, ink, runs);
+            erase(row, i, runs);
             if ((runs & kFirstPixel) != 0 && !continued) erase_backwards(row, i - 1);
             continued = (runs & kLastPixel) != 0;
         }
@@ -151,21 +159,14 @@ class RunEraser {
         for (; i >= 0; --i) {
             const std::uint64_t ink = word(row, i);
             if ((ink & kLastPixel) == 0) return;
-            erase(row, i, ink, ink == kAll ? ink : ink & ~(kAll << std::countr_one(ink)));
+            erase(row, i, ink == kAll ? ink : ink & ~(kAll << std::countr_one(ink)));
             if (ink != kAll) return;
         }
     }
 
-    // The pixels are part of the ink of word i.
-    void erase(std::uint8_t* row, std::ptrdiff_t i, std::uint64_t ink, std::uint64_t pixels) {
+    void erase(std::uint8_t* row, std::ptrdiff_t i, std::uint64_t pixels) {
+        ink::erase_pixels(row, width_, i * ink::kWordPixels, pixels);
         erased_.add(i, pixels);
-        std::uint8_t* const bytes = row + i * ink::kWordBytes;
-        if ((i + 1) * ink::kWordPixels <= width_) {
-            return ink::store_word(bytes, ink & ~pixels, ink::kWordBytes);
-        }
-        for (std::ptrdiff_t b = 0; i * ink::kWordBytes + b < common::bitonal_bytes(width_); ++b) {
-            bytes[b] &= static_cast<std::uint8_t>(~(pixels >> (56 - 8 * b)));  // padding stays
-        }
     }
 
     std::int32_t width_;

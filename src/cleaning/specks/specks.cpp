@@ -1,6 +1,7 @@
 // The first pixel of a component in raster order has no ink to its left and none in the three
-// pixels above it. Pixels like that are found 64 at a time. From each of them the ink is flooded in
-// a window around it, one 64-bit word a row, until one of three things is known:
+// pixels above it. Pixels like that are found 64 at a time, and so are those among them that have
+// no ink around them at all: most specks are single pixels. From each of the others the ink is
+// flooded in a window around it, one 64-bit word a row, until one of three things is known:
 //
 //   - there are more pixels than a speck may have: it is none;
 //   - the ink touches ink above the row that the flood began in: another pixel is the first;
@@ -36,6 +37,8 @@ class PageWords {
   public:
     explicit PageWords(common::BitonalView page)
         : page_(page), row_bytes_(static_cast<std::ptrdiff_t>(common::bitonal_bytes(page.width))) {}
+
+    std::int32_t height() const { return page_.height; }
 
     // The pixels of row y from x on; both may lie anywhere.
     std::uint64_t at(std::int32_t x, std::int32_t y) const {
@@ -220,6 +223,16 @@ void for_each_one(std::uint64_t word, std::int32_t x, Visit visit) {
     }
 }
 
+// Those of some pixels of an aligned word that are all of a component. None of them has ink before
+// it or above it, nor behind it in the word.
+std::uint64_t single_pixels(const PageWords& page, std::int32_t x, std::int32_t y,
+                            std::uint64_t pixels) {
+    if (pixels == 0) return 0;
+    const std::int32_t next = x + kWordPixels;
+    if (pixels & 1 && page.at(next, y) >> 63 != 0) pixels &= ~std::uint64_t{1};
+    return y + 1 < page.height() ? pixels & ~page.aligned_dilated(x, y + 1) : pixels;
+}
+
 }  // namespace
 
 void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
@@ -234,6 +247,11 @@ void erase_specks(common::MutableBitonalView page, std::int32_t max_area) {
             pixel_before = ink & 1;
             if (first == 0) continue;
             if (y > 0) first &= ~words.aligned_dilated(x, y - 1);
+            const std::uint64_t single = single_pixels(words, x, y, first & ~(ink << 1));
+            if (single != 0) {
+                ink::erase_pixels(page.row(y), page.width, x, single);
+                first &= ~single;
+            }
             for_each_one(first, x, [&](std::int32_t first_x) {
                 if (speck.flood_from_first(words, first_x, y, max_area)) erase(page, speck);
             });
