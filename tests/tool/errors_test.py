@@ -131,8 +131,6 @@ class Errors(ToolCase):
             with open("/dev/full", "wb") as device:
                 self.fails("clean", "a.png", "-o", "-", "-q", "--format", name, stdout=device,
                            lines=[f"-: {full}"])
-        with open("/dev/full", "wb") as device:
-            self.one_error("info", "a.png", stdout=device)
 
     def test_file_size_limit(self):
         """A write that fails in the middle of a page, in every format."""

@@ -183,7 +183,7 @@ class FormatsOut(ToolCase):
             self.assertEqual((page["dpi"], page["dpi_source"]), ([dpi, dpi], source))
             self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
         words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
-        self.assertIn("300 dpi (the file has none)", words)
+        self.assertIn("300 dpi assumed (the file has none)", words)
 
     def test_a_resolution_that_no_scanner_has_counts_as_none(self):
         for dpi, found in (((1, 1), None), ((900000, 900000), None), ((200, 0), [200, 200]),

@@ -27,9 +27,14 @@ PageShape shape_of(const Page& page) {
     return {page.kind, page.width, page.height, page.dpi};
 }
 
+std::string describe_size(const PageShape& shape) {
+    const bool one = shape.width == 1 && shape.height == 1;
+    return std::string(name_of(shape.kind)) + ", " + std::to_string(shape.width) + " x " +
+           std::to_string(shape.height) + (one ? " pixel" : " pixels");
+}
+
 std::string describe(const PageShape& shape) {
-    std::string text = std::string(name_of(shape.kind)) + ", " + std::to_string(shape.width) +
-                       " x " + std::to_string(shape.height) + " pixels";
+    std::string text = describe_size(shape);
     if (shape.dpi.x == 0) return text + ", no resolution";
     text += ", " + std::to_string(shape.dpi.x);
     if (shape.dpi.y != shape.dpi.x) text += " x " + std::to_string(shape.dpi.y);

@@ -62,6 +62,8 @@ struct PageShape {
     Resolution dpi;
 };
 PageShape shape_of(const Page& page);
+// "colour, 2480 x 3508 pixels"
+std::string describe_size(const PageShape& shape);
 // "colour, 2480 x 3508 pixels, 300 dpi"
 std::string describe(const PageShape& shape);
 

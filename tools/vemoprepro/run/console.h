@@ -1,8 +1,8 @@
 // What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
-// complaints, and the record of --json at the end.
+// warnings and complaints, a last line about all files, and the record of --json at the end.
 //
-// Use: (start page* (finish_input | fail_input))* finish; finish() gives the exit status of the
-// run. For one thread.
+// Use: (start page* (finish_input | fail_input) | note)* finish;
+// finish() gives the exit status of the run. For one thread at a time.
 #pragma once
 
 #include <cstdio>
@@ -12,6 +12,7 @@
 #include "files/file_error.h"
 #include "run/options.h"
 #include "run/record_json.h"
+#include "run/tally.h"
 
 namespace tool::run {
 
@@ -25,6 +26,8 @@ class Console {
     void fail_input(const files::FileError& error);
     // What fails beside the inputs.
     void fail(const files::FileError& error);
+    // What is worth knowing beside the pages.
+    void note(const std::string& line);
     int finish();
 
   private:
@@ -32,6 +35,7 @@ class Console {
     void print_steps(const report::PageRecord& record, const std::string& output);
     // Ends the line of progress: the last page stays, with all that was said of it.
     void clear_progress();
+    void print_record();
 
     bool quiet_;
     bool verbose_;
@@ -40,8 +44,10 @@ class Console {
     std::FILE* record_;     // the JSON record
     bool terminal_;         // one line of progress instead of a line per page
     std::string progress_;  // the line that stands there, whole; empty: none
-    std::string input_;
+    std::string input_;     // the one in work
     std::size_t page_count_ = 0;
+    bool input_warned_ = false;
+    Tally tally_;
     Json files_ = Json::array();
     int status_ = kExitDone;
 };

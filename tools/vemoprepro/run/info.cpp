@@ -3,11 +3,13 @@
 #include "run/info.h"
 
 #include <cstdio>
+#include <exception>
 
-#include "files/file_error.h"
 #include "files/image_file.h"
+#include "page/counted.h"
 #include "run/messages.h"
 #include "run/record_json.h"
+#include "run/shown_text.h"
 
 namespace tool::run {
 namespace {
@@ -29,8 +31,8 @@ void print_file(const std::string& name, bool words, Json& json) {
     const files::ImageFile file(name);
     json["format"] = name_of(file.format());
     if (words) {
-        std::printf("%s: %s, %zu page%s\n", name.c_str(), name_of(file.format()), file.page_count(),
-                    file.page_count() == 1 ? "" : "s");
+        std::printf("%s: %s, %s\n", shown(name).c_str(), name_of(file.format()),
+                    counted(file.page_count(), "page").c_str());
     }
     for (std::size_t index = 0; index < file.page_count(); ++index) {
         const Page page = file.read_page(index);
@@ -49,17 +51,16 @@ int print_info(const Options& options) {
         files.push_back(file_json(name, ""));
         try {
             print_file(name, words, files.back());
-        } catch (const files::FileError& error) {
+        } catch (const std::exception& error) {
+            const std::string what = what_failed(error);
             std::fflush(stdout);
-            complain(error.file(), error.what());
-            files.back()["error"] = error.what();
+            complain(name, what);
+            files.back()["error"] = what;
             status = kExitFailed;
         }
     }
     if (options.json) std::fputs(document_text(files).c_str(), stdout);
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
-    complain("standard output", "cannot be written");
-    return kExitFailed;
+    return flush_output() ? status : kExitFailed;
 }
 
 }  // namespace tool::run

@@ -1,6 +1,8 @@
 // One input is open at a time here; pages still in work keep theirs open.
 #include "run/input_feeder.h"
 
+#include "page/counted.h"
+#include "run/messages.h"
 #include "run/record_json.h"
 
 namespace tool::run {
@@ -9,9 +11,8 @@ InputFeeder::InputFeeder(const Options& options) : options_(options), plan_(opti
     if (options.findings.empty()) return;
     findings_ = read_findings(options.findings);
     if (findings_.size() != 1 && findings_.size() != options.inputs.size()) {
-        throw files::FileError(options.findings,
-                               "records " + std::to_string(findings_.size()) +
-                                   " files, which fits neither one nor all inputs");
+        throw files::FileError(options.findings, "records " + counted(findings_.size(), "file") +
+                                                     ", which fits neither one nor all inputs");
     }
 }
 
@@ -35,6 +36,8 @@ PageTask InputFeeder::open_next() {
         next_page_ = 1;
     } catch (const files::FileError& error) {
         task.error = error;
+    } catch (const std::exception& error) {
+        task.error = files::FileError(task.input->name, what_failed(error));
     }
     return task;
 }
@@ -45,7 +48,7 @@ void InputFeeder::open(Input& input, std::size_t number) {
     if (!findings_.empty()) {
         input.findings = findings_.size() == 1 ? findings_.front() : findings_[number];
         if (input.findings.size() != pages) {
-            throw files::FileError(input.name, "holds " + std::to_string(pages) + " pages, but " +
+            throw files::FileError(input.name, "holds " + counted(pages, "page") + ", but " +
                                                    options_.findings + " records " +
                                                    std::to_string(input.findings.size()));
         }

@@ -23,7 +23,7 @@ int run_command(const tool::run::Options& options) {
     } catch (const tool::files::FileError& error) {
         tool::run::complain(error.file(), error.what());
     } catch (const std::exception& error) {
-        std::fprintf(tool::run::error_stream(), "vemoprepro: %s\n", error.what());
+        tool::run::complain(tool::run::what_failed(error));
     }
     return tool::run::kExitFailed;
 }

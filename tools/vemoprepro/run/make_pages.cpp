@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "report/page_pictures.h"
+#include "run/messages.h"
 #include "run/ordered_queue.h"
 #include "run/output_collector.h"
 #include "steps/pipeline.h"
@@ -43,12 +44,9 @@ PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
         return result;
     } catch (const files::FileError& error) {
         result.error = error;
-    } catch (const PageError& error) {
-        result.error = files::FileError(task.input->name,
-                                        task.input->file->page_prefix(task.page) + error.what());
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception& error) {
         result.error = files::FileError(
-            task.input->name, task.input->file->page_prefix(task.page) + "not enough memory");
+            task.input->name, task.input->file->page_prefix(task.page) + what_failed(error));
     }
     result.data = {};
     result.pictures.reset();

@@ -6,6 +6,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <new>
+
+#include "run/shown_text.h"
+
 namespace tool::run {
 namespace {
 
@@ -32,13 +36,26 @@ std::FILE* error_stream() {
     return errors;
 }
 
-void complain(const std::string& file, const std::string& what) {
-    std::string line = "vemoprepro: " + file + ": " + what;
-    for (char& letter : line) {
-        if (letter == '\n' || letter == '\r') letter = ' ';
-    }
-    std::fprintf(errors, "%s\n", line.c_str());
+void complain(const std::string& line) {
+    // Longer than every path that a system takes.
+    constexpr std::size_t kLongestLine = 5000;
+    std::fprintf(errors, "vemoprepro: %s\n", shown(shortened(line, kLongestLine)).c_str());
     std::fflush(errors);
+}
+
+void complain(const std::string& file, const std::string& what) {
+    complain(file + ": " + what);
+}
+
+std::string what_failed(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "not enough memory";
+    return error.what();
+}
+
+bool flush_output() {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+    complain("standard output", "cannot be written, lines are lost");
+    return false;
 }
 
 }  // namespace tool::run

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <exception>
 #include <string>
 
 namespace tool::run {
@@ -17,7 +18,16 @@ void take_standard_error();
 // Standard error, as it was before.
 std::FILE* error_stream();
 
-// "vemoprepro: FILE: what is wrong", on one line.
+// "vemoprepro: LINE", on one line of bounded length, whatever the text is.
+void complain(const std::string& line);
+// "vemoprepro: FILE: what is wrong"
 void complain(const std::string& file, const std::string& what);
+
+// The reason of an exception, in words for users.
+std::string what_failed(const std::exception& error);
+
+// Call at the end. False, with a complaint, when not all words of the run came out of standard
+// output.
+bool flush_output();
 
 }  // namespace tool::run

@@ -34,7 +34,7 @@ void add_inputs(CLI::App& command, Options& options) {
 }
 
 void add_words(CLI::App& command, Options& options) {
-    auto* quiet = command.add_flag("-q,--quiet", options.quiet, "Print errors only");
+    auto* quiet = command.add_flag("-q,--quiet", options.quiet, "Print errors and warnings only");
     command.add_flag("-v,--verbose", options.verbose, "Say for every step what was done and why")
         ->excludes(quiet);
 }

@@ -151,7 +151,7 @@ std::string version_text() {
 int answer(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
         app.exit(error);
-        return std::fflush(stdout) == 0 ? kExitDone : kExitFailed;
+        return flush_output() ? kExitDone : kExitFailed;
     }
     std::fprintf(error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n", error.what());
     return kExitUsage;

@@ -1,7 +1,9 @@
 #include "run/output_collector.h"
 
-#include <new>
+#include <exception>
 #include <utility>
+
+#include "run/messages.h"
 
 namespace tool::run {
 namespace {
@@ -57,8 +59,8 @@ void OutputCollector::deliver(PageResult& result) {
         write(result);
     } catch (const files::FileError& error) {
         fail(result, error);
-    } catch (const std::bad_alloc&) {
-        fail(result, files::FileError(result.input->name, "not enough memory"));
+    } catch (const std::exception& error) {
+        fail(result, files::FileError(result.input->name, what_failed(error)));
     }
 }
 
