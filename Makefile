@@ -41,6 +41,7 @@ reading:
 	@cmake --preset $(PRESET) > build/configure.log 2>&1 || { cat build/configure.log; exit 1; }
 	@cmake --build --preset $(PRESET) --target vemoprepro
 	@bench/reading/reading_test.py --program build/$(PRESET)/vemoprepro
+	@bench/reading/sure_words.py --program build/$(PRESET)/vemoprepro $(PAGES)
 
 clean:
 	rm -rf build out

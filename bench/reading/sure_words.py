@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 """How many words tesseract reads surely on real pages: as they are, after Leptonica's binarizations, and after this program.
 
-    bench/reading/sure_words.py --program build/release/vemoprepro PAGE... [--cache DIR]
+    bench/reading/sure_words.py --program build/release/vemoprepro [--cache DIR] [PAGE...]
 
-A sure word has three letters or more and a confidence of 80 or more. A real page has no known text; a word that
-is read surely is hardly ever one that does not stand there. A row is marked where `clean --for ocr` reads less than 95 %, or
-`clean` less than 90 %, of the best of the others. What was read is kept in the cache by the bytes of the page, so that a
-later run reads only what came out differently. --before PROGRAM adds the columns of another build.
+Without pages of one's own the drawn ones of pages.py are read. A sure word has three letters or more and a confidence of
+80 or more. A real page has no known text; a word that is read surely is hardly ever one that does not stand there. The
+difference of a few words on a page is chance. A row is marked where `clean --for ocr` reads less than 95 %, or `clean`
+less than 90 %, of the best of the others. What was read is kept in the cache by the bytes of the page, so that a later
+run reads only what came out differently. --before PROGRAM adds the columns of another build.
 """
 
 import argparse
@@ -19,6 +20,7 @@ import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
+import pages as drawn  # noqa: E402
 import peers  # noqa: E402
 
 LETTERS, CONFIDENCE = 3, 80
@@ -88,19 +90,21 @@ def print_row(name, counts, mark):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("pages", nargs="+", type=pathlib.Path)
+    parser.add_argument("pages", nargs="*", type=pathlib.Path)
     parser.add_argument("--program", required=True)
     parser.add_argument("--before")
     parser.add_argument("--cache", default=os.path.expanduser("~/.cache/vemoprepro-reading"))
     given = parser.parse_args()
     folder = pathlib.Path(given.cache) / "words"
     folder.mkdir(parents=True, exist_ok=True)
+    pages = given.pages or [drawn.draw(name, index, folder.parent)[0]
+                            for name in drawn.PAGES for index in range(len(drawn.PAGES[name]))]
     made = columns(given.program, given.before)
     print("| page |", " | ".join(made), "| short |")
     print("|---|" + "---:|" * len(made) + "---|")
     total, best = dict.fromkeys(made, 0), 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for source, counts in zip(given.pages, pool.map(lambda page: measure(page, made, folder), given.pages)):
+        for source, counts in zip(pages, pool.map(lambda page: measure(page, made, folder), pages)):
             print_row(source.name, counts, verdict(counts))
             total = {heading: total[heading] + counts[heading] for heading in made}
     print_row("all", total, "")
