@@ -23,7 +23,8 @@ using support::Random;
 
 // ---- cropbmp
 
-// Ink frames, strokes, noise and nested rings from the edge, in turn; padding is dirty.
+// Ink frames, strokes, noise and nested rings from the edge, in turn, with slanting hairs that step
+// from word to word; padding is dirty.
 support::BitonalPage inked_page(int height, int width, int stride, std::uint32_t seed) {
     const auto row = static_cast<std::size_t>(stride);
     Random random(seed);
@@ -49,6 +50,15 @@ support::BitonalPage inked_page(int height, int width, int stride, std::uint32_t
             page.fill(x, x + 1, x % 8, height - random.between(0, 9));
         for (int y = 5; y < height; y += 9)
             page.fill(3, random.between(3, std::max(width, 3)), y, y + 1);
+    }
+    for (int hair = random.between(0, 4); hair > 0; --hair) {
+        const int x0 = random.between(0, width - 1);
+        const int slope = random.between(-1, 1);
+        const int end = random.between(0, height);
+        for (int y = 0; y < end; ++y) {
+            const int x = x0 + slope * y;
+            if (x >= 0 && x < width) page.fill(x, x + 1, y, y + 1);
+        }
     }
     return page;
 }

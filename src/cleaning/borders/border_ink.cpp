@@ -143,7 +143,7 @@ class RunEraser {
             if (seeds == 0) {
                 continued = false;
                 // The word in front of the next one that is not blank may be touched.
-                i = std::max(i, before_.find(i + 1) - 2);
+                i = std::max(i, before_.find(i) - 2);
                 continue;
             }
             const std::uint64_t runs = ink == kAll ? kAll : runs_with(ink, seeds);
