@@ -166,16 +166,38 @@ class Report(ToolCase):
                 box.click()
                 self.assertEqual(marks.is_displayed(), shown)
 
+    def peaks(self):
+        """The highest points of the fan, by the names of its curves."""
+        points = [title.get_attribute("textContent") for title in self.all(".fan .fine circle > title")]
+        peaks = {}
+        for point in points:
+            name, degrees, score = re.fullmatch(r"(.*), (.*)°: (.*)", point).groups()
+            peaks[name] = max(peaks.get(name, (0, 0)), (float(score), degrees))
+        return peaks
+
     def test_fan_peaks_at_the_skew(self):
         self.save("a.png", text_page(3))
         page = self.report_on("clean", "a.png", "-o", "a.tif")[0]["pages"][0]
         self.open_page()
-        points = [title.get_attribute("textContent") for title in self.all(".fan .fine circle > title")]
-        scores = [tuple(map(float, re.fullmatch(r".*, (.*)°: (.*)", point).groups())) for point in points]
-        degrees, score = max(scores, key=lambda point: point[1])
-        self.assertAlmostEqual(degrees, page["skew"]["degrees"], delta=0.01)
+        score, degrees = self.peaks()["lines"]
+        self.assertAlmostEqual(float(degrees), page["skew"]["degrees"], delta=0.01)
         self.assertAlmostEqual(score, page["skew"]["confidence"], delta=0.01)
         self.assertEqual(self.all(".fan .found text")[0].text, "%.2f°" % page["skew"]["degrees"])
+
+    def test_fan_shows_a_peak_that_is_not_followed(self):
+        page = np.full((600, 600), 250, np.uint8)
+        random = np.random.default_rng(3)
+        for x, y, width, height in zip(*random.integers(20, 540, (2, 150)), *random.integers(4, 40, (2, 150))):
+            page[y:y + height, x:x + width] = 20
+        self.save("a.png", page, dpi=(300, 300))
+        step, = [step for step in self.report_on("clean", "a.png", "-o", "a.tif")[0]["pages"][0]["steps"]
+                 if step["name"] == "deskew"]
+        self.assertEqual(step["status"], "skipped")
+        self.open_page()
+        self.assertEqual(self.all(".fan .found"), [])
+        words = self.all(".fan .refused text")[0].text
+        self.assertIn(words, [degrees + "°, not followed" for _, degrees in self.peaks().values()])
+        self.assertIn(step["why"], self.all(".fan figcaption")[0].text)
 
     def rows(self):
         """The rows of the table as their cells, by the names of the files."""

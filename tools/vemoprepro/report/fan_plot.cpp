@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
+#include "report/figure_text.h"
+#include "report/html_text.h"
 #include "steps/number_text.h"
 
 namespace tool::report {
@@ -50,13 +53,14 @@ class Plot {
                "</g><g class=\"fine\">" + curve(curves.fine, name) + "</g></g>";
     }
 
-    std::string found(double degrees) const {
+    // A line at an angle with words beside it.
+    std::string mark(const char* name, double degrees, const std::string& words) const {
         const std::string at = number(x(degrees));
-        const bool right = degrees < 4;
-        return "<g class=\"found\"><line x1=\"" + at + "\" x2=\"" + at +
+        const bool right = degrees < 0;
+        return std::string("<g class=\"") + name + "\"><line x1=\"" + at + "\" x2=\"" + at +
                "\" y1=\"14\" y2=\"170\"/><text x=\"" + number(x(degrees) + (right ? 6 : -6)) +
-               "\" y=\"24\" text-anchor=\"" + (right ? "start" : "end") + "\">" +
-               steps::with_digits("%.2f", degrees) + "°</text></g>";
+               "\" y=\"24\" text-anchor=\"" + (right ? "start" : "end") + "\">" + words +
+               "</text></g>";
     }
 
   private:
@@ -76,23 +80,69 @@ class Plot {
     double highest_ = 1;
 };
 
+using Peak = std::optional<steps::FanPoint>;
+
+Peak highest_of(const steps::FanCurves& curves) {
+    const auto& points = curves.fine.empty() ? curves.coarse : curves.fine;
+    const auto highest = std::max_element(
+        points.begin(), points.end(), [](const steps::FanPoint& one, const steps::FanPoint& other) {
+            return one.score < other.score;
+        });
+    return highest == points.end() ? Peak() : *highest;
+}
+
+// The peak that decided, which is the one as high as the confidence says.
+Peak decisive_peak(const steps::SkewFan& fan, double confidence) {
+    const Peak lines = highest_of(fan.lines), stems = highest_of(fan.stems);
+    if (!lines || !stems) return lines ? lines : stems;
+    const bool of_stems = std::abs(stems->score - confidence) < std::abs(lines->score - confidence);
+    return of_stems ? stems : lines;
+}
+
+// The search and its words on a peak round differently.
+constexpr double kSameDegrees = 0.15;
+
+// The last word of the step that looked for the skew.
+std::string outcome_of_deskew(const PageRecord& record) {
+    for (const steps::StepNote& step : record.steps) {
+        if (step.name == "deskew") return step.outcome.why;
+    }
+    return "";
+}
+
+// What the fan came to: the mark in the drawing, and its words.
+struct Finding {
+    std::string mark, words;
+};
+
+Finding finding_of(const Plot& plot, const steps::SkewFan& fan, const PageRecord& record) {
+    const Peak peak = decisive_peak(fan, record.confidence.value_or(0));
+    if (record.skew) {
+        const double degrees = record.skew->degrees();
+        if (!peak || std::abs(peak->degrees - degrees) <= kSameDegrees) {
+            const std::string text = degrees_text(degrees);
+            return {plot.mark("found", degrees, text), "Skew " + text + "."};
+        }
+    }
+    if (!peak) return {};
+    const std::string text = degrees_text(peak->degrees);
+    return {plot.mark("refused", peak->degrees, text + ", not followed"),
+            "The peak at " + text + " was not followed: " + outcome_of_deskew(record) + "."};
+}
+
 }  // namespace
 
 std::string fan_markup(const steps::SkewFan& fan, const PageRecord& record) {
     const Plot plot(fan);
-    const double degrees = record.skew ? record.skew->degrees() : 0;
-    std::string text =
-        "<figure class=\"fan\"><h2>Skew</h2><svg viewBox=\"0 0 480 194\" role=\"img\" "
-        "aria-label=\"Alignment of the ink over the candidate angles; found: " +
-        steps::with_digits("%.2f", degrees) + " degrees\">" + plot.axes() +
-        plot.curves(fan.stems, "stems") + plot.curves(fan.lines, "lines");
-    if (record.skew) text += plot.found(degrees);
-    return text +
-           "</svg><figcaption>How well the ink lines up along each angle, in multiples of the "
-           "worst, and closer around the best: <span class=\"key lines\">text lines</span> <span "
-           "class=\"key stems\">stems"
-           "</span>. Confidence " +
-           steps::with_digits("%.2f", record.confidence.value_or(0)) + ".</figcaption></figure>\n";
+    const Finding finding = finding_of(plot, fan, record);
+    const std::string words = escaped(finding.words);
+    return "<figure class=\"fan\"><h2>Skew</h2><svg viewBox=\"0 0 480 194\" role=\"img\" "
+           "aria-label=\"How well the ink lines up along each angle. " +
+           words + "\">" + plot.axes() + plot.curves(fan.stems, "stems") +
+           plot.curves(fan.lines, "lines") + finding.mark + "</svg><figcaption>" + words +
+           " The curves show how well the ink lines up along each angle: <span class=\"key "
+           "lines\">text lines</span> <span class=\"key "
+           "stems\">stems</span>.</figcaption></figure>\n";
 }
 
 }  // namespace tool::report

@@ -1,5 +1,5 @@
 // The skew fan as an inline SVG: the score of every slope that was tried, for text lines and for
-// stems, and the skew that was found.
+// stems, and the angle that was taken; or the peak, and why it was not.
 #pragma once
 
 #include <string>
