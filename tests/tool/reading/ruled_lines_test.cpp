@@ -15,7 +15,7 @@ namespace {
 using tool::Page;
 namespace reading = tool::reading;
 
-constexpr reading::LineScale kScale = {150, 10, 5, 16, 16};
+constexpr reading::LineScale kScale = {150, 240, 10, 5, 16, 16, 26};
 
 Page letters() {
     Page page = tool::blank_bits(700, 200);
@@ -31,10 +31,10 @@ Page letters() {
 
 void expect_removed(Page page, const Page& wanted) {
     Page upright = copy_of(page);
-    reading::remove_level_lines(page, kScale);
+    reading::remove_ruled_lines(page, kScale, {true, false}, reading::Sureness::kSure);
     EXPECT_EQ(tool::text_of(page), tool::text_of(wanted));
     turn(upright, 3);
-    reading::remove_upright_lines(upright, kScale);
+    reading::remove_ruled_lines(upright, kScale, {false, true}, reading::Sureness::kLikely);
     turn(upright, 1);
     EXPECT_EQ(tool::text_of(upright), tool::text_of(wanted));
 }
@@ -67,13 +67,23 @@ TEST(RuledLines, LeaveLettersWhole) {
 }
 
 TEST(RuledLines, AreNoBarsAndNoScreens) {
-    Page page = tool::blank_bits(700, 200);
-    tool::draw(page, 10, 150, 10, 13);  // too short
-    tool::draw(page, 10, 690, 30, 42);  // too thick
-    for (int y = 60; y < 190; ++y) {    // a screen whose dots join
+    Page page = tool::blank_bits(700, 600);
+    tool::draw(page, 10, 150, 10, 13);   // too short
+    tool::draw(page, 250, 480, 10, 13);  // longer, but joins no other
+    tool::draw(page, 10, 690, 30, 42);   // too thick
+    for (int y = 60; y < 190; ++y) {     // a screen whose dots join
         for (int x = 10; x < 690; ++x) {
             if (y % 6 < 3 || x % 6 < 2) tool::draw(page, x, x + 1, y, y + 1);
         }
+    }
+    for (int y = 240; y < 340; y += 20) tool::draw(page, 10, 690, y, y + 2);  // a stave
+    for (int x = 100; x < 600; ++x) {                                         // a piece of a circle
+        const int y = 380 + (x - 350) * (x - 350) / 2000;
+        tool::draw(page, x, x + 1, y, y + 4);
+    }
+    for (int x = 10; x < 680; x += 24) {  // feet of letters
+        tool::draw(page, x, x + 20, 500, 503);
+        tool::draw(page, x + 8, x + 12, 460, 500);
     }
     const Page before = copy_of(page);
     expect_removed(std::move(page), before);

@@ -76,11 +76,36 @@ void drop_ragged_edges(const RuledLine& line, std::vector<bool>& letter) {
     }
 }
 
+// Ink that is shorter than a piece of the line and lies apart from it, in a gap, is a stroke that
+// the line would have passed through.
+void add_strokes_in_gaps(const RuledLine& line, const LineScale& scale, std::vector<bool>& letter) {
+    const std::size_t size = letter.size();
+    const auto gap = static_cast<std::size_t>(scale.gap);
+    const auto dash = static_cast<std::size_t>(scale.dash);
+    std::size_t paper = 0;  // columns without ink before this one
+    for (std::size_t i = 0; i < size;) {
+        const bool ink = line.columns[i].height() > 0;
+        std::size_t end = i;
+        while (end < size && (line.columns[end].height() > 0) == ink) ++end;
+        if (ink && end - i < dash && paper >= gap) {
+            std::size_t after = end;
+            while (after < size && after - end < gap && line.columns[after].height() == 0) ++after;
+            if (after - end == gap) {
+                std::fill(letter.begin() + static_cast<std::ptrdiff_t>(i),
+                          letter.begin() + static_cast<std::ptrdiff_t>(end), true);
+            }
+        }
+        paper = ink ? 0 : end - i;
+        i = end;
+    }
+}
+
 }  // namespace
 
-std::vector<bool> find_letters(const RuledLine& line) {
+std::vector<bool> find_letters(const RuledLine& line, const LineScale& scale) {
     std::vector<bool> letter = find_what_stands_out(line);
     drop_ragged_edges(line, letter);
+    add_strokes_in_gaps(line, scale, letter);
     return letter;
 }
 

@@ -2,14 +2,17 @@
 // run of ink at the line's row is looked up. Where that run is about as thick as the line, the
 // line's row moves towards the middle of the run; elsewhere, in gaps and under letters, it goes
 // straight on. Behind the end of the seed the line ends where no piece of it has come for a while;
-// what lies behind its last piece does not belong to it.
+// what lies behind its last piece does not belong to it. Neither does a piece that is shorter than
+// the paper before it: that is a letter's stroke.
 #include "reading/ruled_line.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstddef>
+#include <numeric>
 #include <utility>
 
 #include "page/ink.h"
+#include "reading/followed_lines.h"
 
 namespace tool::reading {
 namespace {
@@ -44,8 +47,13 @@ int tallest_looked_at(const LineScale& scale) {
 // Follows a line to one side.
 class LineFollower {
   public:
-    LineFollower(const Page& page, const LineScale& scale, const RuledLine& line, int y)
-        : page_(page), scale_(scale), line_(line), centre_(y * kRowParts + kRowParts / 2) {}
+    LineFollower(const Page& page, const LineScale& scale, const RuledLine& line,
+                 const FollowedLines& followed, int y)
+        : page_(page),
+          scale_(scale),
+          line_(line),
+          followed_(followed),
+          centre_(y * kRowParts + kRowParts / 2) {}
 
     // The columns of the line from x on, in the order in which they are reached; step: 1 or -1. All
     // columns of the seed, whose end in this direction is seed_end, belong to the line.
@@ -53,11 +61,12 @@ class LineFollower {
         std::vector<LineColumn> columns;
         std::size_t kept = 0;  // columns up to the last one that belongs to the line
         for (; x >= 0 && x < page_.width; x += step) {
-            columns.push_back(look(x));
             const bool on_seed = step > 0 ? x < seed_end : x > seed_end;
-            if (on_seed || piece_ >= scale_.dash) {
+            if (!on_seed && followed_.covers(x, centre_ / kRowParts)) break;
+            columns.push_back(look(x));
+            if (on_seed || piece_ >= std::max(scale_.dash, paper_)) {
                 kept = columns.size();
-                away_ = 0;
+                away_ = paper_ = 0;
             } else if (away_ > kAwayInDashes * scale_.dash) {
                 break;
             }
@@ -76,6 +85,7 @@ class LineFollower {
         } else {
             piece_ = 0;
             ++away_;
+            paper_ += column.height() == 0;
         }
         return column;
     }
@@ -89,10 +99,25 @@ class LineFollower {
     const Page& page_;
     const LineScale& scale_;
     const RuledLine& line_;
+    const FollowedLines& followed_;
     int centre_;     // in 1 / kRowParts of a row
     int piece_ = 0;  // columns of the line in a row, up to here
     int away_ = 0;   // columns without the line since the last piece that belongs to it
+    int paper_ = 0;  // of those, columns without ink
 };
+
+// By counting, since a page full of dots has millions of seeds.
+std::vector<Seed> longest_first(const std::vector<Seed>& seeds, int longest) {
+    std::vector<std::size_t> places(static_cast<std::size_t>(longest) + 2);
+    const auto shortness = [=](const Seed& seed) {
+        return static_cast<std::size_t>(longest - seed.length());
+    };
+    for (const Seed& seed : seeds) ++places[shortness(seed) + 1];
+    std::partial_sum(places.begin(), places.end(), places.begin());
+    std::vector<Seed> sorted(seeds.size());
+    for (const Seed& seed : seeds) sorted[places[shortness(seed)]++] = seed;
+    return sorted;
+}
 
 }  // namespace
 
@@ -102,18 +127,18 @@ std::vector<Seed> find_seeds(const Page& page, const LineScale& scale) {
         Seed seed{y, next_pixel(page, 0, y, true), 0};
         while (seed.x0 < page.width) {
             seed.x1 = next_pixel(page, seed.x0, y, false);
+            int longest = seed.length();
             int next = next_pixel(page, seed.x1, y, true);
             while (next < page.width && next - seed.x1 < scale.gap) {
                 seed.x1 = next_pixel(page, next, y, false);
+                longest = std::max(longest, seed.x1 - next);
                 next = next_pixel(page, seed.x1, y, true);
             }
-            if (seed.length() >= scale.shortest) seeds.push_back(seed);
+            if (seed.length() >= scale.shortest && longest >= scale.dash) seeds.push_back(seed);
             seed.x0 = next;
         }
     }
-    std::stable_sort(seeds.begin(), seeds.end(),
-                     [](const Seed& a, const Seed& b) { return a.length() > b.length(); });
-    return seeds;
+    return longest_first(seeds, page.width);
 }
 
 bool lies_in_dark_area(const Page& page, const Seed& seed, const LineScale& scale) {
@@ -137,14 +162,15 @@ int thickness_along(const Page& page, const Seed& seed, const LineScale& scale) 
     return *wanted;
 }
 
-RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale, int thickness) {
+RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale, int thickness,
+                      const FollowedLines& followed) {
     RuledLine line;
     line.thickness = thickness;
     const int middle = seed.middle();
     std::vector<LineColumn> left =
-        LineFollower(page, scale, line, seed.y).follow(middle - 1, seed.x0 - 1, -1);
+        LineFollower(page, scale, line, followed, seed.y).follow(middle - 1, seed.x0 - 1, -1);
     const std::vector<LineColumn> right =
-        LineFollower(page, scale, line, seed.y).follow(middle, seed.x1, 1);
+        LineFollower(page, scale, line, followed, seed.y).follow(middle, seed.x1, 1);
     line.x0 = middle - static_cast<int>(left.size());
     std::reverse(left.begin(), left.end());
     line.columns = std::move(left);

@@ -12,6 +12,8 @@
 
 namespace tool::reading {
 
+class FollowedLines;
+
 // A run of ink in one row, breaks closed: the start of a line.
 struct Seed {
     int y, x0, x1;  // x1 exclusive
@@ -47,7 +49,7 @@ struct RuledLine {
     }
 };
 
-// The longest first.
+// The longest first. A seed has an unbroken piece of some length.
 std::vector<Seed> find_seeds(const Page& page, const LineScale& scale);
 
 // Whether a look at some columns of a seed finds none that is thin enough for a line. Most seeds
@@ -57,6 +59,8 @@ bool lies_in_dark_area(const Page& page, const Seed& seed, const LineScale& scal
 // The thickness of a line is that of its thinner columns: in the others there are letters, too.
 int thickness_along(const Page& page, const Seed& seed, const LineScale& scale);
 
-RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale, int thickness);
+// Outside of its seed a line ends where it meets one that was followed before.
+RuledLine follow_line(const Page& page, const Seed& seed, const LineScale& scale, int thickness,
+                      const FollowedLines& followed);
 
 }  // namespace tool::reading

@@ -2,6 +2,7 @@
 // the library's search for lines of one thickness does.
 #include <vemoprepro/cleaning.h>
 
+#include <algorithm>
 #include <new>
 #include <optional>
 #include <string>
@@ -17,35 +18,49 @@ namespace tool::steps {
 namespace {
 
 // All of these are pixels at 300 dots per inch.
-// A line is longer than the bars of any letter: 13 mm. Thicker ones than 0.8 mm are bars.
+// A line is longer than the bars of any letter: 13 mm. One that joins no other may be an underline,
+// the bar of a fraction or a long dash unless it is longer: 20 mm. Thicker ones than 0.8 mm are
+// bars.
 constexpr double kShortestLine = 150;
+constexpr double kShortestAlone = 240;
 constexpr double kThickestLine = 10;
 // A line that is printed weakly has breaks of up to this length.
 constexpr double kGap = 5;
 // The pieces of a broken line are at least this long.
 constexpr double kDash = 16;
+// On a coarse page a row of small letters is hardly higher than a line; it is told by ink nearby
+// and by breaks, for which fewer pixels do not do.
+constexpr int kLeastDash = 8;
 // How far from a line other ink is counted: 1.4 mm.
 constexpr double kAround = 16;
+// The distance of the lines of a large stave, 2.2 mm; no line of text fits between them.
+constexpr double kPitch = 26;
 // A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
 // Ink of up to this area beside a faint line is no letter.
 constexpr double kCrumb = 4;
 
 reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
-    return {wanted.min_length.value_or(scaled_length(page, kShortestLine)),
-            wanted.max_thickness.value_or(scaled_length(page, kThickestLine)),
-            scaled_length(page, kGap), scaled_length(page, kDash), scaled_length(page, kAround)};
+    reading::LineScale scale;
+    scale.shortest = wanted.min_length.value_or(scaled_length(page, kShortestLine));
+    scale.shortest_alone = wanted.min_length.value_or(scaled_length(page, kShortestAlone));
+    scale.thickest = wanted.max_thickness.value_or(scaled_length(page, kThickestLine));
+    scale.gap = scaled_length(page, kGap);
+    scale.dash = std::max(kLeastDash, scaled_length(page, kDash));
+    scale.around = scaled_length(page, kAround);
+    scale.pitch = scaled_length(page, kPitch);
+    return scale;
 }
 
-void remove_lines(Page& page, const LineOptions& wanted) {
-    const reading::LineScale scale = line_scale(page, wanted);
-    if (wanted.horizontal) reading::remove_level_lines(page, scale);
-    if (wanted.vertical) reading::remove_upright_lines(page, scale);
+void remove_lines(Page& page, const LineOptions& wanted, reading::Sureness least) {
+    reading::remove_ruled_lines(page, line_scale(page, wanted),
+                                {wanted.horizontal, wanted.vertical}, least);
 }
 
-void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted) {
+void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted,
+                  reading::Sureness least) {
     Page without_lines = copy_of(with_faint_ink);
-    remove_lines(without_lines, wanted);
+    remove_lines(without_lines, wanted, least);
     reading::remove_line_stubs(page, with_faint_ink, without_lines, scaled_area(page, kCrumb));
 }
 
@@ -54,22 +69,33 @@ std::string directions(const LineOptions& wanted) {
     return wanted.vertical ? "horizontal and vertical lines" : "horizontal lines";
 }
 
+// Where all lines would be too much of the ink, those that are sure are taken none the less, since
+// a form may have more ink in its lines than in its text; but never in silence.
+Outcome take_lines(PageWork& work, const LineOptions& wanted, bool force) {
+    const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
+    const auto take = [&](reading::Sureness least, Excess excess) {
+        return remove_ink(work.page, excess, box_of(work.page), directions(wanted),
+                          [&](Page& changed) {
+                              if (faint) remove_stubs(changed, *faint, wanted, least);
+                              remove_lines(changed, wanted, least);
+                          });
+    };
+    const Outcome all =
+        take(reading::Sureness::kLikely, force ? Excess::kAllowed : Excess::kHeldBack);
+    if (all.done) return all;
+    const Outcome sure = take(reading::Sureness::kSure, Excess::kWarnedOf);
+    return sure.ink_removed > 0.0 ? sure : all;
+}
+
 }  // namespace
 
 Step unline_step(const StepOptions& options) {
     const LineOptions asked = options.lines;
-    const Excess excess = options.force         ? Excess::kAllowed
-                          : options.for_reading ? Excess::kWarnedOf
-                                                : Excess::kHeldBack;
+    const bool force = options.force;
     return {"unline", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
                 if (!asked.wanted()) return {false, kSwitchedOff};
                 require_bitonal(work.page, "unline");
-                return remove_ink(
-                    work.page, excess, box_of(work.page), directions(asked), [&](Page& changed) {
-                        const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
-                        if (faint) remove_stubs(changed, *faint, asked);
-                        remove_lines(changed, asked);
-                    });
+                return take_lines(work, asked, force);
             }};
 }
 
