@@ -21,7 +21,12 @@ extern "C" {
 /* ---- Specks
  *
  * A component is black ink that hangs together, corners included. The five despeckle functions take
- * height, width and stride modulo 65,536. */
+ * height, width and stride modulo 65,536.
+ *
+ * Working memory of these and of pre_tva(): some 100 bytes for each column of the page, and 6 bytes
+ * for each run of ink of a component's front while it is erased, which goes through the component
+ * from its last row on. For a distance other than 0, and for busy regions, one or two copies of the
+ * page on top. */
 
 /**
  * Decides about a component of a bitonal page. Called on the thread of the call, once for every
@@ -259,7 +264,8 @@ VEMOPREPRO_API int linerm_v(unsigned char* image, int height, int width, int str
 
 /**
  * Copies the long thin lines of one direction to an image of their own and measures what they
- * cover. All bits of a row are pixels here: an image has 8 * stride columns.
+ * cover. All bits of a row are pixels here: an image has 8 * stride columns. Working memory: a copy
+ * of the page, and what erasing components takes (above).
  *
  * @param ink_value which bits are ink when lines are measured: 0 the black ones, any other value
  *                  the white ones

@@ -1,45 +1,52 @@
 // Candidates are the runs of the page that are long along the line, once steps aside are bridged,
-// without the ink that is thick across it. The component engine drops the candidates of short
-// extent and marks the extents of the others in a row of bits.
+// without the ink that is thick across it. A pass over the components erases those of short extent
+// and marks the extents of the others in a row of bits.
 #include "cleaning/lines/underline.h"
 
+#include <algorithm>
 #include <cstring>
+#include <limits>
+#include <stdexcept>
 
 #include "common/page.h"
 #include "frame/buffer.h"
 #include "ink/buffer_logic.h"
-#include "ink/component_engine.h"
+#include "ink/component_stream.h"
 
 namespace cleaning {
 namespace {
 
-// Erases short components and marks the extents of the others.
-struct ExtentRule {
-    common::MutableBitonalView page;
-    bool horizontal;
-    int ink_value;
-    std::int32_t min_extent;
-    std::uint8_t* covered;  // a bit for each column of the page, or for each row
-    std::int32_t count = 0;
+// Erases short components and marks the extents of the others. When the most lines have been
+// counted, one more is left where it is, and with it the components that began after it.
+class ExtentRule {
+  public:
+    static constexpr bool kInOrder = true;
 
-    std::int32_t extent(const ink::component& c) const {
-        return horizontal ? c.width() : c.height();
-    }
+    // `covered` has a bit for each column of the page, or for each row of vertical lines.
+    ExtentRule(LineDirection direction, std::int32_t min_extent, std::uint8_t* covered)
+        : horizontal_(direction == LineDirection::kHorizontal),
+          min_extent_(min_extent),
+          covered_(covered) {}
 
-    bool finished(ink::ComponentEngine& engine, std::int32_t slot) {
-        const ink::component& found = engine.components[slot];
-        const std::int32_t length = extent(found);
-        if (length <= min_extent) {
-            engine.erase_ink(slot, ink_value, page.data, page.stride);
-            return true;
+    bool erases(const ink::OpenComponent& ended) {
+        if (ended.sequence > last_decided_) return false;
+        const std::int32_t extent = horizontal_ ? ended.width() : ended.height();
+        if (extent <= min_extent_) return true;
+        if (count_ == kMaxUnderlines) {
+            last_decided_ = ended.sequence;
+        } else {
+            ++count_;
+            ink::paint_span(covered_, horizontal_ ? ended.x0 : ended.y0, extent, 1);
         }
-        if (count == kMaxUnderlines) return false;
-        ++count;
-        ink::paint_span(covered, ink::unsigned_coordinate(horizontal ? found.x0 : found.y0), length,
-                        1);
-        return true;
+        return false;
     }
-    bool settled(const ink::component& open) const { return extent(open) > min_extent; }
+
+  private:
+    bool horizontal_;
+    std::int32_t min_extent_;
+    std::uint8_t* covered_;
+    std::int32_t count_ = 0;
+    std::uint32_t last_decided_ = std::numeric_limits<std::uint32_t>::max();
 };
 
 void extract_candidates(common::BitonalView source, common::MutableBitonalView target,
@@ -67,8 +74,11 @@ std::int32_t extract_underlines(common::BitonalView source, common::MutableBiton
     const auto covered_bytes =
         static_cast<std::size_t>(horizontal ? source.stride : common::bitonal_bytes(source.height));
     auto covered = frame::Buffer<std::uint8_t>::zeroed(covered_bytes);
-    ExtentRule rule{target, horizontal, settings.ink_value, settings.min_extent, covered.data()};
-    ink::scan_components(target, settings.x0, settings.x1, settings.ink_value, nullptr, rule);
+    if (std::max(target.height, settings.x1) > ink::kMaxRunCoordinate) {
+        throw std::length_error("components of a page beyond 65535 pixels");
+    }
+    ink::stream_components(ink::PageInk(target, settings.ink_value, settings.x0, settings.x1),
+                           ExtentRule(direction, settings.min_extent, covered.data()));
     return static_cast<std::int32_t>(
         ink::count_black_pixels(covered.data(), 1, static_cast<std::int32_t>(covered_bytes)));
 }

@@ -28,8 +28,7 @@ class AreaRule {
 
     explicit AreaRule(std::int32_t max_area) : max_area_(max_area) {}
 
-    bool settled(const ink::OpenComponent& open) const { return open.area > max_area_; }
-    bool erases(const ink::OpenComponent&) const { return true; }
+    bool erases(const ink::OpenComponent& ended) const { return ended.area <= max_area_; }
 
   private:
     std::int64_t max_area_;
@@ -41,7 +40,6 @@ class JudgedRule {
 
     explicit JudgedRule(const ComponentJudge& judge) : judge_(judge) {}
 
-    bool settled(const ink::OpenComponent&) const { return false; }
     bool erases(const ink::OpenComponent& ended) const {
         return judge_.erases(ended.height(), ended.width(), static_cast<std::uint32_t>(ended.area));
     }
@@ -80,10 +78,10 @@ class UndoneOnFailure {
 template <class Rule>
 void run_protected_pass(common::MutableBitonalView page, std::int32_t distance, Rule rule) {
     UndoneOnFailure undone(page);
-    ink::stream_components(page, rule);
+    ink::stream_components(ink::PageInk(page), rule);
     dilate(page, distance);
     ink::or_page(page, undone.before());
-    ink::stream_components(page, rule);
+    ink::stream_components(ink::PageInk(page), rule);
     ink::and_page(page, undone.before());
     undone.done();
 }
@@ -103,7 +101,7 @@ void erase_specks_away_from_ink(common::MutableBitonalView page, std::int32_t ma
 
 void despeckle(common::MutableBitonalView page, std::int32_t max_area) {
     if (max_area <= kMaxSpeckArea) return erase_specks(page, max_area);
-    ink::stream_components(page, AreaRule(max_area));
+    ink::stream_components(ink::PageInk(page), AreaRule(max_area));
 }
 
 void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_area,
@@ -114,7 +112,7 @@ void despeckle_away_from_ink(common::MutableBitonalView page, std::int32_t max_a
 }
 
 void despeckle_by_rule(common::MutableBitonalView page, const ComponentJudge& judge) {
-    ink::stream_components(page, JudgedRule(judge));
+    ink::stream_components(ink::PageInk(page), JudgedRule(judge));
 }
 
 void despeckle_by_rule_away_from_ink(common::MutableBitonalView page, const ComponentJudge& judge,

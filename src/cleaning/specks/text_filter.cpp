@@ -23,7 +23,6 @@ class TextRule {
 
     explicit TextRule(const TextShape& shape) : shape_(shape) {}
 
-    bool settled(const ink::OpenComponent&) const { return false; }
     bool erases(const ink::OpenComponent& ended) const {
         const std::int64_t height = ended.height();
         const std::int64_t width = ended.width();
@@ -55,12 +54,49 @@ void fill_single_gaps(const std::uint8_t* row, std::int32_t width, std::uint8_t*
     filled[last] = fill(row[last - 1], end, 0);
 }
 
+// The page's ink with the single white pixels between ink of its rows.
+class FilledInk {
+  public:
+    // Throws std::bad_alloc.
+    explicit FilledInk(common::MutableBitonalView page)
+        : page_(page), filled_(static_cast<std::size_t>(common::bitonal_bytes(page.width))) {}
+
+    std::int32_t height() const { return page_.height; }
+    std::int32_t x_end() const { return page_.width; }
+
+    void extract(std::int32_t y, ink::LabelledRuns& row) {
+        fill_single_gaps(page_.row(y), page_.width, filled_.data());
+        row.extract(0, filled_.data(), 0, page_.width);
+    }
+
+    // Erased runs are erased with their gaps, so that what is left has the gaps that it had.
+    std::uint64_t word(std::int32_t y, std::int64_t x) const {
+        const std::uint64_t ink = ink::aligned_word(page_.row(y), page_.width, x);
+        const std::uint64_t before = ink >> 1 | pixel(y, x - 1) << 63;
+        const std::uint64_t behind = ink << 1 | pixel(y, x + 64);
+        return ink | (before & behind);
+    }
+
+    void erase(std::int32_t y, const ink::PixelRun& run) const {
+        ink::paint_span(page_.row(y), run.x0, run.length(), 0);
+    }
+
+  private:
+    std::uint64_t pixel(std::int32_t y, std::int64_t x) const {
+        if (x < 0 || x >= page_.width) return 0;
+        return page_.row(y)[x / 8] >> (7 - x % 8) & 1;
+    }
+
+    common::MutableBitonalView page_;
+    frame::Buffer<std::uint8_t> filled_;  // a row
+};
+
 void filter_in_steps(common::MutableBitonalView page, const TextShape& shape) {
     const auto stride = static_cast<std::int32_t>(page.stride);
     common::BitonalPage copy = ink::copy_of(page);
     ink::fill_gaps(ink::Along::kRows, 2, page, common::whole(page));
-    ink::stream_components(wrapped_image(page.data, page.height, page.width, stride).view(),
-                           TextRule(shape));
+    const stt_image image = wrapped_image(page.data, page.height, page.width, stride);
+    ink::stream_components(ink::PageInk(image.view()), TextRule(shape));
     ink::and_page(page, copy.view());
 }
 
@@ -70,14 +106,7 @@ void keep_text(common::MutableBitonalView page, const TextShape& shape) {
     if (std::max<std::ptrdiff_t>({page.height, page.width, page.stride}) > ink::kMaxRunCoordinate) {
         return filter_in_steps(page, shape);
     }
-    TextRule rule(shape);
-    ink::ComponentStream<TextRule> stream(page, rule);
-    frame::Buffer<std::uint8_t> filled(static_cast<std::size_t>(common::bitonal_bytes(page.width)));
-    for (std::int32_t y = 0; y < page.height; ++y) {
-        fill_single_gaps(page.row(y), page.width, filled.data());
-        stream.add_row(filled.data(), y);
-    }
-    stream.finish();
+    ink::stream_components(FilledInk(page), TextRule(shape));
 }
 
 }  // namespace cleaning
