@@ -33,13 +33,21 @@ class Errors(ToolCase):
     def test_inputs_that_cannot_be_read(self):
         self.write("empty.png", b"")
         self.write("words.txt", b"not an image")
-        self.write("a.gif", b"GIF89a" + bytes(40))
         os.mkdir(self.path("folder"))
-        unknown = "not a TIFF, PNG, JPEG or PNM file"
+        unknown = "not a TIFF, PNG, JPEG, JPEG 2000, WebP, GIF, BMP or PNM file"
         for name, what in (("none.png", "No such file or directory"), ("folder", "Is a directory"),
-                           ("empty.png", unknown), ("words.txt", unknown), ("a.gif", unknown)):
+                           ("empty.png", unknown), ("words.txt", unknown)):
             self.fails("clean", name, "-o", "out.tif", lines=[f"{name}: {what}"])
         self.fails("clean", "-", "-o", "out.tif", lines=[f"-: {unknown}"])
+        for start, word in ((b"%PDF-1.7", "pdftoppm"), (b"\0\0\0\x18ftypheic", "heif-convert"),
+                            (b"\0\0\0\x18ftypavif", "heif-convert"), (b"AT&TFORM", "ddjvu")):
+            self.write("a.tif", start + bytes(100))
+            for name in ("a.tif", "-"):
+                self.assertIn(word, self.one_error("info", name, stdin=start + bytes(100)))
+        colour = Image.new("RGB", (20, 20))
+        for name in ("a.gif", "a.webp"):
+            self.save(name, colour, Image.new("RGB", (20, 20), "red"))
+            self.assertIn("files of their own", self.one_error("info", name))
 
     def test_damaged_files(self):
         colour = np.random.default_rng(5).integers(0, 256, (200, 300, 3), dtype=np.uint8)
@@ -47,7 +55,9 @@ class Errors(ToolCase):
         files = [("t.jpg", colour, {}), ("p.jpg", colour, {"progressive": True}), ("t.png", colour, {}),
                  ("t.tif", colour, {}), ("l.tif", colour, {"compression": "tiff_lzw"}),
                  ("j.tif", colour, {"compression": "jpeg"}), ("g.tif", bits, {"compression": "group4"}),
-                 ("t.ppm", colour, {}), ("t.pbm", bits, {})]
+                 ("t.ppm", colour, {}), ("t.pbm", bits, {}), ("t.gif", bits, {}), ("t.bmp", colour, {}),
+                 ("t.webp", colour, {}), ("l.webp", colour, {"lossless": True}), ("t.jp2", colour, {}),
+                 ("y.jp2", colour, {"irreversible": True})]
         self.save("four.tif", *[text_page(i) for i in range(4)], compression="raw")
         self.write("four.tif", self.read("four.tif")[:-300000])
         self.one_error("clean", "four.tif", "-o", ".", "--format", "png")    # no page of it is written
@@ -63,7 +73,7 @@ class Errors(ToolCase):
                 with self.subTest(name=name, size=len(data)):
                     self.write(name, data)
                     self.assertRegex(self.one_error("clean", name, "-o", "out.tif"),
-                                     f"^vemoprepro: {name}: damaged or truncated [A-Z]+ file")
+                                     f"^vemoprepro: {name}: damaged or truncated [A-Za-z0 2]+ file")
 
     def test_pages_that_are_too_large(self):
         self.save("w.png", Image.new("1", (32768, 3)))

@@ -1,5 +1,6 @@
 """Every kind of file in, every kind of file out, and what is kept on the way."""
 
+import struct
 import unittest
 
 import numpy as np
@@ -21,18 +22,20 @@ class FormatsIn(ToolCase):
         grey, colour = Image.fromarray(grey_sample()), Image.fromarray(colour_sample())
         bits = grey.point(lambda v: 255 * (v > 99))
         cases = [
-            ("grey", "L", grey, ["a.png", "a.tif", "a.jpg", "a.pgm"]),
-            ("colour", "RGB", colour, ["b.png", "b.tif", "b.jpg", "b.ppm"]),
-            ("bitonal", "1", bits, ["c.png", "c.tif", "c.pbm"]),
+            ("grey", "L", grey, ["a.png", "a.tif", "a.jpg", "a.pgm", "a.gif", "a.bmp", "a.jp2"]),
+            ("colour", "RGB", colour, ["b.png", "b.tif", "b.jpg", "b.ppm", "b.bmp", "b.jp2", "b.j2k",
+                                         "b.webp"]),
+            ("bitonal", "1", bits, ["c.png", "c.tif", "c.pbm", "c.gif", "c.bmp"]),
             ("bitonal", "L", bits, ["d.png", "d.tif", "d.pgm"]),
             ("bitonal", "RGB", bits, ["e.png", "e.tif", "e.ppm"]),
             ("grey", "RGB", grey, ["f.png", "f.tif", "f.ppm"]),
-            ("colour", "P", colour, ["g.png", "g.tif"]),
+            ("colour", "P", colour, ["g.png", "g.tif", "g.gif", "g.bmp"]),
             ("bitonal", "P", bits, ["h.png", "h.tif"]),
-            ("colour", "RGBA", colour, ["i.png", "i.tif"]),
+            ("colour", "RGBA", colour, ["i.png", "i.tif", "i.bmp", "i.jp2", "i.webp"]),
             ("colour", "CMYK", colour, ["j.jpg", "j.tif"]),
         ]
-        formats = {"png": "PNG", "tif": "TIFF", "jpg": "JPEG"}
+        formats = {"png": "PNG", "tif": "TIFF", "jpg": "JPEG", "jp2": "JPEG 2000", "j2k": "JPEG 2000",
+                   "webp": "WebP", "gif": "GIF", "bmp": "BMP"}
         for kind, mode, image, names in cases:
             for name in names:
                 with self.subTest(name=name, mode=mode):
@@ -41,7 +44,7 @@ class FormatsIn(ToolCase):
                     page, = file["pages"]
                     self.assertEqual(file["format"], formats.get(name[2:], "PNM"))
                     self.assertEqual((page["kind"], page["width"], page["height"], page["dpi"]),
-                                     (kind, 61, 45, None))
+                                     (kind, 61, 45, [96, 96] if name.endswith("bmp") else None))
 
     def test_pixels_arrive_unchanged(self):
         """A turn by 180 degrees, twice, through formats that lose nothing."""
@@ -64,11 +67,31 @@ class FormatsIn(ToolCase):
         pixels[:, :20] = (10, 20, 30, 255)
         pixels[:, 20:30] = (0, 0, 0, 0)
         pixels[:, 30:] = (100, 100, 100, 128)
-        for name in ("a.png", "a.tif"):
-            self.save(name, pixels)
+        for name in ("a.png", "a.tif", "a.webp", "a.jp2"):
+            self.save(name, pixels, **({"lossless": True} if name == "a.webp" else {}))
             row = np.asarray(self.decoded(name))[0].astype(int)
             for x, wanted in ((0, (10, 20, 30)), (25, (255, 255, 255)), (49, (177, 177, 177))):
                 self.assertLessEqual(abs(row[x] - wanted).max(), 1, (name, x))
+
+    def test_pixels_of_formats_that_are_only_read(self):
+        grey, colour = Image.fromarray(grey_sample()), Image.fromarray(colour_sample())
+        palette = colour.quantize(16)
+        for name, image, options in (
+                ("a.bmp", grey, {}), ("b.bmp", colour, {}), ("c.bmp", palette, {}), ("a.webp", colour, {"lossless": True}),
+                ("a.jp2", grey, {}), ("b.jp2", colour, {"tile_size": (32, 32)}), ("a.gif", grey, {"interlace": 1}),
+                ("b.gif", palette, {"interlace": 0})):
+            self.save(name, image, **options)
+            self.assertSamePixels(self.decoded(name), image.convert("RGB") if image.mode == "P" else image, name)
+        self.save("t.gif", palette, transparency=3)
+        numbers, wanted = np.asarray(palette), np.array(palette.convert("RGB"))
+        wanted[numbers == 3] = 255
+        self.assertSamePixels(self.decoded("t.gif"), wanted)
+        self.save("d.bmp", colour, dpi=(240, 120))
+        self.assertEqual(self.info("d.bmp")[0]["pages"][0]["dpi"], [240, 120])
+        deep = np.array([0xF800, 0x07E0, 0x001F, 0xFFFF], "<u2").tobytes()
+        header = struct.pack("<2sIHHIIiiHHIIiiII", b"BM", 74, 0, 0, 66, 40, 4, -1, 1, 16, 3, 8, 0, 0, 0, 0)
+        self.write("e.bmp", header + struct.pack("<III", 0xF800, 0x07E0, 0x001F) + deep)
+        self.assertSamePixels(self.decoded("e.bmp"), [[[255, 0, 0], [0, 255, 0], [0, 0, 255], [255, 255, 255]]])
 
     def test_sixteen_bits_keep_their_upper_byte(self):
         deep = grey_sample().astype(np.uint16) * 256 + 77

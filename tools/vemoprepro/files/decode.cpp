@@ -7,7 +7,9 @@
 #include <cstring>
 #include <utility>
 
+#include "files/file_error.h"
 #include "files/file_view.h"
+#include "files/jpeg_segments.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/png_colour_key.h"
@@ -18,8 +20,16 @@
 namespace tool::files {
 namespace {
 
-Decoded decoded_by(PIX* image) {
-    return {PixOwner(image), {}, false};
+// Each scan of a progressive picture passes over all of it. Programs write about ten.
+constexpr int kMostScans = 100;
+
+bool has_too_many_scans(std::FILE* file) {
+    JpegSegments segments(file);
+    int scans = 0;
+    for (int marker; scans <= kMostScans && (marker = segments.next()) >= 0;) {
+        scans += marker == JpegSegments::kStartOfScan ? 1 : 0;
+    }
+    return scans > kMostScans;
 }
 
 // No colour map, and 1, 8 or 32 bits per pixel.
@@ -65,33 +75,36 @@ void take_bitonal(Page& page, PIX* image) {
 
 }  // namespace
 
-Decoded decode_png(std::FILE* file) {
-    const std::optional<PngColourKey> key = find_colour_key(file);
-    std::rewind(file);
-    if (!key) return decoded_by(pixReadStreamPng(file));
-    const std::vector<std::uint8_t> bytes = without_colour_key(file, *key);
-    Decoded decoded =
-        decoded_by(bytes.empty() ? nullptr : pixReadMemPng(bytes.data(), bytes.size()));
+Decoded decode_png(const SeekableFile& file) {
+    const std::optional<PngColourKey> key = find_colour_key(open_stream(file).get());
+    if (!key) return {PixOwner(pixReadStreamPng(open_stream(file).get()))};
+    Decoded decoded{PixOwner(pixReadStreamPng(open_stream(file, hidden(*key)).get()))};
     if (decoded.image) paint_colour_key(decoded.image.get(), *key);
     return decoded;
 }
 
-Decoded decode_jpeg(std::FILE* file) {
+Decoded decode_jpeg(const SeekableFile& file) {
+    const Stream stream = open_stream(file);
+    if (has_too_many_scans(stream.get())) {
+        throw FileError(file.name(), "a JPEG file of more than " + std::to_string(kMostScans) +
+                                         " scans; save it anew as a baseline one");
+    }
+    std::rewind(stream.get());
     l_int32 warnings = 0;
-    Decoded decoded =
-        decoded_by(pixReadStreamJpeg(file, 0, 1, &warnings, L_JPEG_CONTINUE_WITH_BAD_DATA));
+    Decoded decoded{
+        PixOwner(pixReadStreamJpeg(stream.get(), 0, 1, &warnings, L_JPEG_CONTINUE_WITH_BAD_DATA))};
     if (warnings > 0) decoded.image.reset();
     return decoded;
 }
 
-Decoded decode_pnm(std::FILE* file) {
-    return decoded_by(pixReadStreamPnm(file));
+Decoded decode_pnm(const SeekableFile& file) {
+    return {PixOwner(pixReadStreamPnm(open_stream(file).get()))};
 }
 
 Decoded decode_tiff(const SeekableFile& file, std::size_t directory) {
     const TiffErrors errors;
     const Stream stream = open_stream(file, first_directory(file, directory));
-    Decoded decoded = decoded_by(pixReadStreamTiff(stream.get(), 0));
+    Decoded decoded{PixOwner(pixReadStreamTiff(stream.get(), 0))};
     decoded.premultiplied = true;
     if (!errors.first().empty()) {
         decoded.image.reset();

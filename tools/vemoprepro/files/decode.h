@@ -1,7 +1,6 @@
 // From an image file's bytes to a Page.
 #pragma once
 
-#include <cstdio>
 #include <string>
 
 #include "files/pix.h"
@@ -12,16 +11,17 @@ namespace tool::files {
 
 // What a decoder made of a page: no image, and perhaps the reason, when the file is damaged.
 struct Decoded {
-    PixOwner image;
-    std::string reason;
+    PixOwner image = nullptr;
+    std::string reason = {};
     // The colours are multiplied by the alpha channel already (TIFF) or not (PNG, PAM).
     bool premultiplied = false;
 };
 
-Decoded decode_png(std::FILE* file);
-Decoded decode_jpeg(std::FILE* file);
+Decoded decode_png(const SeekableFile& file);
+// Throws FileError for a file of very many scans.
+Decoded decode_jpeg(const SeekableFile& file);
 // Plain (ASCII) PNM and PAM.
-Decoded decode_pnm(std::FILE* file);
+Decoded decode_pnm(const SeekableFile& file);
 // Of the directory there.
 Decoded decode_tiff(const SeekableFile& file, std::size_t directory);
 

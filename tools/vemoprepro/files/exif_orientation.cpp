@@ -1,5 +1,4 @@
-// A JPEG file is a chain of segments: FF, a marker byte, and a big-endian length that counts
-// itself. The EXIF data is the segment FFE1 that starts with "Exif\0\0"; the rest of it is laid out
+// The EXIF data is the segment FFE1 that starts with "Exif\0\0"; the rest of it is laid out
 // as a TIFF file, of which only the first directory is of interest. Decoders of JPEG leave the tag
 // alone, so it is read here.
 #include "files/exif_orientation.h"
@@ -9,13 +8,13 @@
 #include <cstring>
 #include <vector>
 
+#include "files/jpeg_segments.h"
 #include "files/orientation.h"
 
 namespace tool::files {
 namespace {
 
 constexpr int kOrientationTag = 0x0112;
-constexpr int kStartOfScan = 0xDA;
 constexpr int kExifSegment = 0xE1;
 
 // Bounded reads of either byte order; 0 beyond the end.
@@ -62,28 +61,12 @@ int orientation_in(const std::vector<std::uint8_t>& segment) {
     return 0;
 }
 
-// The next segment's marker, or -1; `body` receives what follows its length.
-int next_segment(std::FILE* file, std::vector<std::uint8_t>& body) {
-    if (std::getc(file) != 0xFF) return -1;
-    int marker = std::getc(file);
-    while (marker == 0xFF) marker = std::getc(file);
-    const int high = std::getc(file), low = std::getc(file);
-    if (marker < 0 || high < 0 || low < 0) return -1;
-    const int length = high << 8 | low;
-    if (length < 2) return -1;
-    body.resize(static_cast<std::size_t>(length - 2));
-    return std::fread(body.data(), 1, body.size(), file) == body.size() ? marker : -1;
-}
-
 }  // namespace
 
 int jpeg_orientation(std::FILE* file) {
-    std::rewind(file);
-    if (std::getc(file) != 0xFF || std::getc(file) != 0xD8) return kUprightTag;
-    std::vector<std::uint8_t> body;
-    for (int marker; (marker = next_segment(file, body)) >= 0 && marker != kStartOfScan;) {
-        if (marker != kExifSegment) continue;
-        const int tag = orientation_in(body);
+    JpegSegments segments(file);
+    for (int marker; (marker = segments.next()) >= 0 && marker != JpegSegments::kStartOfScan;) {
+        const int tag = marker == kExifSegment ? orientation_in(segments.contents()) : 0;
         if (tag != 0) return tag;
     }
     return kUprightTag;

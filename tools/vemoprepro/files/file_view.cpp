@@ -27,9 +27,11 @@ int close_view(void* view) {
 
 }  // namespace
 
-FileView::FileView(const SeekableFile& file, Patch patch) : file_(file), patch_(std::move(patch)) {}
+FileView::FileView(const SeekableFile& file, Patch patch, std::size_t length)
+    : file_(file), size_(std::min(file.size(), length)), patch_(std::move(patch)) {}
 
 ssize_t FileView::read(void* bytes, std::size_t size) {
+    size = at_ < size_ ? std::min(size, size_ - at_) : 0;
     std::size_t done = 0;
     while (done < size) {
         char* next = static_cast<char*>(bytes) + done;
@@ -67,8 +69,8 @@ void FileView::put_patch(char* bytes, std::size_t at, std::size_t count) const {
     for (std::size_t i = start; i < end; ++i) bytes[i - at] = patch_.bytes[i - patch_.at];
 }
 
-Stream open_stream(const SeekableFile& file, Patch patch) {
-    auto view = std::make_unique<FileView>(file, std::move(patch));
+Stream open_stream(const SeekableFile& file, Patch patch, std::size_t length) {
+    auto view = std::make_unique<FileView>(file, std::move(patch), length);
     Stream stream(fopencookie(view.get(), "rb", {read_view, nullptr, seek_view, close_view}));
     if (!stream) throw std::bad_alloc();
     static_cast<void>(view.release());

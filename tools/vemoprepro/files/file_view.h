@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -22,9 +23,10 @@ struct Patch {
 // Keep true: the file outlives its views.
 class FileView {
   public:
-    explicit FileView(const SeekableFile& file, Patch patch = {});
+    // length: where the file seems to end, if not farther on than it does.
+    explicit FileView(const SeekableFile& file, Patch patch = {}, std::size_t length = SIZE_MAX);
 
-    std::size_t size() const { return file_.size(); }
+    std::size_t size() const { return size_; }
     // As the system's functions: the number of bytes, fewer only at the end, and the new position;
     // -1 on failure.
     ssize_t read(void* bytes, std::size_t size);
@@ -36,6 +38,7 @@ class FileView {
     void put_patch(char* bytes, std::size_t at, std::size_t count) const;
 
     const SeekableFile& file_;
+    std::size_t size_;
     std::size_t at_ = 0;
     Patch patch_;
 };
@@ -46,7 +49,7 @@ struct CloseStream {
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 // The same as a stream of the C library, for decoders that want one. Throws std::bad_alloc.
-Stream open_stream(const SeekableFile& file, Patch patch = {});
+Stream open_stream(const SeekableFile& file, Patch patch = {}, std::size_t length = SIZE_MAX);
 
 // Leaves the stream at its start.
 std::size_t size_of(std::FILE* stream);

@@ -1,4 +1,4 @@
-// Finds out what a file is, lists its pages and hands each one to its decoder.
+// Lists the pages of a file and hands each one to its decoder.
 //
 // The decoders are Leptonica's. Two things are kept away from it: a page that is too large is
 // refused from its header, before anything is allocated for it; and damage that it passes over is
@@ -11,39 +11,42 @@
 #include <cstdio>
 #include <new>
 
-#include "files/decode.h"
+#include "files/bmp_file.h"
 #include "files/exif_orientation.h"
 #include "files/file_error.h"
 #include "files/file_view.h"
+#include "files/gif_file.h"
+#include "files/jpeg2000_file.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/pnm_pages.h"
 #include "files/tiff_bounds.h"
-#include "files/tiff_chain.h"
 #include "files/tiff_pages.h"
 #include "files/tiff_unusual.h"
+#include "files/webp_file.h"
 
 namespace tool::files {
 namespace {
 
 constexpr char kNoMemory[] = "not enough memory";
 
-// The page of a file that holds just one.
-std::vector<PagePlace> one_page(l_ok failed, int width, int height) {
-    if (failed != 0) return {};
-    return {PagePlace{0, width, height}};
+std::vector<PagePlace> one_page(const std::optional<PagePlace>& place) {
+    if (!place) return {};
+    return {*place};
 }
 
-std::vector<PagePlace> jpeg_page(std::FILE* file) {
-    l_int32 width = 0, height = 0;
-    const l_ok failed = freadHeaderJpeg(file, &width, &height, nullptr, nullptr, nullptr);
-    return one_page(failed, width, height);
+std::optional<PagePlace> jpeg_page(const SeekableFile& file) {
+    PagePlace page;
+    const l_ok failed = freadHeaderJpeg(open_stream(file).get(), &page.width, &page.height, nullptr,
+                                        nullptr, nullptr);
+    return failed == 0 ? std::optional(page) : std::nullopt;
 }
 
-std::vector<PagePlace> png_page(std::FILE* file) {
-    l_int32 width = 0, height = 0;
-    const l_ok failed = freadHeaderPng(file, &width, &height, nullptr, nullptr, nullptr);
-    return one_page(failed, width, height);
+std::optional<PagePlace> png_page(const SeekableFile& file) {
+    PagePlace page;
+    const l_ok failed = freadHeaderPng(open_stream(file).get(), &page.width, &page.height, nullptr,
+                                       nullptr, nullptr);
+    return failed == 0 ? std::optional(page) : std::nullopt;
 }
 
 // The two ways round Leptonica: a short one for the most common shapes, and one for shapes that it
@@ -55,38 +58,7 @@ std::optional<Page> read_raw_tiff(const SeekableFile& file, std::size_t director
     return mapped ? read_unusual_tiff(mapped.get()) : std::nullopt;
 }
 
-FileFormat format_of(const SeekableFile& file, const std::string& name) {
-    l_int32 format = IFF_UNKNOWN;
-    findFileFormatStream(open_stream(file).get(), &format);
-    switch (format) {
-        case IFF_PNG:
-            return FileFormat::kPng;
-        case IFF_JFIF_JPEG:
-            return FileFormat::kJpeg;
-        case IFF_PNM:
-            return FileFormat::kPnm;
-        default:
-            break;
-    }
-    if (starts_as_tiff(file)) return FileFormat::kTiff;
-    throw FileError(name, "not a TIFF, PNG, JPEG or PNM file");
-}
-
 }  // namespace
-
-const char* name_of(FileFormat format) {
-    switch (format) {
-        case FileFormat::kTiff:
-            return "TIFF";
-        case FileFormat::kPng:
-            return "PNG";
-        case FileFormat::kJpeg:
-            return "JPEG";
-        case FileFormat::kPnm:
-            break;
-    }
-    return "PNM";
-}
 
 void prepare_decoders() {
     setMsgSeverity(L_SEVERITY_NONE);
@@ -96,7 +68,8 @@ void prepare_decoders() {
 ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
     const TiffErrors errors;
     try {
-        list_pages();
+        format_ = format_of(file_);
+        places_ = list_pages();
     } catch (const std::bad_alloc&) {
         throw FileError(name_, kNoMemory);
     }
@@ -104,23 +77,26 @@ ImageFile::ImageFile(const std::string& name) : name_(name), file_(name) {
     if (places_.empty()) throw FileError(name_, damaged_file(errors.first()));
 }
 
-void ImageFile::list_pages() {
-    format_ = format_of(file_, name_);
-    const Stream stream = open_stream(file_);
+std::vector<PagePlace> ImageFile::list_pages() const {
     switch (format_) {
         case FileFormat::kTiff:
-            places_ = list_tiff_pages(file_);
-            break;
+            return list_tiff_pages(file_);
         case FileFormat::kPng:
-            places_ = png_page(stream.get());
-            break;
+            return one_page(png_page(file_));
         case FileFormat::kJpeg:
-            places_ = jpeg_page(stream.get());
-            break;
+            return one_page(jpeg_page(file_));
+        case FileFormat::kJpeg2000:
+            return one_page(jpeg2000_page(file_));
+        case FileFormat::kWebp:
+            return one_page(webp_page(file_));
+        case FileFormat::kGif:
+            return one_page(gif_page(file_));
+        case FileFormat::kBmp:
+            return one_page(bmp_page(file_));
         case FileFormat::kPnm:
-            places_ = list_pnm_pages(stream.get());
             break;
     }
+    return list_pnm_pages(open_stream(file_).get());
 }
 
 std::string ImageFile::page_prefix(std::size_t index) const {
@@ -161,9 +137,38 @@ std::optional<Page> ImageFile::read_raw_tiff_page(std::size_t index) const {
 }
 
 std::optional<Page> ImageFile::read_raw_page(std::size_t index) const {
-    if (format_ == FileFormat::kTiff) return read_raw_tiff_page(index);
-    if (format_ == FileFormat::kPnm) return read_raw_pnm(open_stream(file_).get(), places_[index]);
-    return std::nullopt;
+    switch (format_) {
+        case FileFormat::kTiff:
+            return read_raw_tiff_page(index);
+        case FileFormat::kPnm:
+            return read_raw_pnm(open_stream(file_).get(), places_[index]);
+        case FileFormat::kBmp:
+            return read_bmp(file_);
+        default:
+            return std::nullopt;
+    }
+}
+
+Decoded ImageFile::decode(std::size_t index) const {
+    switch (format_) {
+        case FileFormat::kTiff:
+            return decode_tiff(file_, places_[index].offset);
+        case FileFormat::kPng:
+            return decode_png(file_);
+        case FileFormat::kJpeg:
+            return decode_jpeg(file_);
+        case FileFormat::kJpeg2000:
+            return decode_jpeg2000(file_);
+        case FileFormat::kWebp:
+            return decode_webp(file_);
+        case FileFormat::kGif:
+            return decode_gif(file_);
+        case FileFormat::kBmp:
+            return {};
+        case FileFormat::kPnm:
+            break;
+    }
+    return decode_pnm(file_);
 }
 
 Page ImageFile::read_page(std::size_t index) const {
@@ -182,27 +187,11 @@ Page ImageFile::decode_page(std::size_t index) const {
         reduce_kind(*page);
         return std::move(*page);
     }
-    const Stream stream = open_stream(file_);
-    Decoded decoded;
-    int orientation_tag = kUprightTag;
-    switch (format_) {
-        case FileFormat::kTiff:
-            decoded = decode_tiff(file_, places_[index].offset);
-            break;
-        case FileFormat::kPng:
-            decoded = decode_png(stream.get());
-            break;
-        case FileFormat::kJpeg:
-            orientation_tag = jpeg_orientation(stream.get());
-            std::rewind(stream.get());
-            decoded = decode_jpeg(stream.get());
-            break;
-        case FileFormat::kPnm:
-            decoded = decode_pnm(stream.get());
-            break;
-    }
+    Decoded decoded = decode(index);
     if (!decoded.image) throw damage(index, decoded.reason);
-    return page_of(std::move(decoded), orientation_tag);
+    const bool tagged = format_ == FileFormat::kJpeg;
+    return page_of(std::move(decoded),
+                   tagged ? jpeg_orientation(open_stream(file_).get()) : kUprightTag);
 }
 
 }  // namespace tool::files

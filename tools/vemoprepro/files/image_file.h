@@ -1,4 +1,4 @@
-// Reading image files page by page: PNG, JPEG, TIFF and PNM.
+// Reading image files page by page, whatever their format (files/file_format.h).
 //
 // Use: open a file, ask for the number of pages, read any of them. Opening lists the pages without
 // decoding any; each page is decoded on its own, so that memory does not grow with their number and
@@ -13,17 +13,14 @@
 #include <string>
 #include <vector>
 
+#include "files/decode.h"
 #include "files/file_error.h"
+#include "files/file_format.h"
 #include "files/page_place.h"
 #include "files/seekable_file.h"
 #include "page/page.h"
 
 namespace tool::files {
-
-enum class FileFormat { kTiff, kPng, kJpeg, kPnm };
-
-// "TIFF", "PNG", "JPEG" or "PNM".
-const char* name_of(FileFormat format);
 
 // Switches the messages of the decoders off: everything worth saying is in the FileError.
 void prepare_decoders();
@@ -41,9 +38,10 @@ class ImageFile {
     std::string page_prefix(std::size_t index) const;
 
   private:
-    void list_pages();
+    std::vector<PagePlace> list_pages() const;
     void check_size(std::size_t index) const;
     Page decode_page(std::size_t index) const;
+    Decoded decode(std::size_t index) const;
     std::string damaged_file(const std::string& reason) const;
     FileError damage(std::size_t index, const std::string& reason) const;
     std::optional<Page> read_raw_page(std::size_t index) const;

@@ -78,7 +78,6 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
         const std::size_t wanted = colours == kGrey ? 1 : colours == kRgb ? 3 : 0;
         if (!chunk.is("tRNS") || wanted == 0 || chunk.size() != 2 * wanted) continue;
         key.chunk_at = static_cast<std::size_t>(at);
-        key.chunk_size = chunk.size() + kFrame;
         for (std::size_t i = 0; i < wanted; ++i) {
             key.samples.push_back(big_endian(chunk.contents() + 2 * i, 2));
         }
@@ -87,16 +86,8 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
     return std::nullopt;
 }
 
-std::vector<std::uint8_t> without_colour_key(std::FILE* file, const PngColourKey& key) {
-    std::fseek(file, 0, SEEK_END);
-    const long size = std::ftell(file);
-    std::rewind(file);
-    if (size < static_cast<long>(key.chunk_at + key.chunk_size)) return {};
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    if (std::fread(bytes.data(), 1, bytes.size(), file) != bytes.size()) return {};
-    const auto chunk = bytes.begin() + static_cast<std::ptrdiff_t>(key.chunk_at);
-    bytes.erase(chunk, chunk + static_cast<std::ptrdiff_t>(key.chunk_size));
-    return bytes;
+Patch hidden(const PngColourKey& key) {
+    return {key.chunk_at + 4, "xXXX"};
 }
 
 void paint_colour_key(PIX* image, const PngColourKey& key) {

@@ -39,7 +39,7 @@ struct stat status_of(int file, const std::string& name) {
 
 }  // namespace
 
-SeekableFile::SeekableFile(const std::string& name) {
+SeekableFile::SeekableFile(const std::string& name) : name_(name) {
     Descriptor source(name == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                   : open(name.c_str(), O_RDONLY | O_CLOEXEC));
     if (source.get() < 0) throw system_error_of(name);

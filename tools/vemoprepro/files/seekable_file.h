@@ -17,10 +17,12 @@ class SeekableFile {
     SeekableFile(const SeekableFile&) = delete;
     SeekableFile& operator=(const SeekableFile&) = delete;
 
+    const std::string& name() const { return name_; }
     int descriptor() const { return file_; }
     std::size_t size() const { return size_; }
 
   private:
+    std::string name_;
     int file_ = -1;
     std::size_t size_ = 0;
 };
