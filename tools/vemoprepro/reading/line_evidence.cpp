@@ -46,8 +46,14 @@ constexpr double kMostBent = 0.018;
 constexpr double kAlwaysStraight = 1.5;  // pixels
 // The side of a thick letter is no line.
 constexpr int kLeastLengthInThickness = 20;
-// So many lines make a group, the line itself among them; a stave has five.
+// So many lines make a group, the line itself among them; a stave has five. Just as many make a
+// large stave, whose lines lie up to so many times as far apart.
 constexpr int kGroup = 5;
+constexpr double kLargeStave = 1.6;
+// A line that joins none and is no longer than so many times the least may be an underline or the
+// bar of a fraction, unless so much of it has paper within 2 mm on both sides.
+constexpr int kShortInLeast = 2;
+constexpr int kLeastApart = 50;
 // At most so much of what is beside a line is ink. In text up to 22 are, beside a double line 26,
 // in a screen 32 and more unless it is so light that its dots do not join.
 constexpr int kMostInkBeside = 30;
@@ -225,12 +231,16 @@ int lines_beside(const Page& page, const RuledLine& line, int side, int pitch, i
     return lines;
 }
 
+// Other lines to both sides, up to `most`.
+int lines_around(const Page& page, const RuledLine& line, int pitch, int most) {
+    const int above = lines_beside(page, line, -1, pitch, most);
+    return above + lines_beside(page, line, 1, pitch, most - above);
+}
+
 bool is_in_group(const Page& page, const RuledLine& line, int pitch) {
-    int others = 0;
-    for (const int side : {-1, 1}) {
-        others += lines_beside(page, line, side, pitch, kGroup - 1 - others);
-    }
-    return others >= kGroup - 1;
+    if (lines_around(page, line, pitch, kGroup - 1) == kGroup - 1) return true;
+    const int large = static_cast<int>(pitch * kLargeStave);
+    return lines_around(page, line, large, kGroup) == kGroup - 1;
 }
 
 // Whether a line across begins or ends, or passes, where this one ends. Letters are lower.
@@ -250,10 +260,23 @@ bool joins_another(const Page& page, const RuledLine& line, const LineScale& sca
     return false;
 }
 
+bool stands_apart(const Page& page, const RuledLine& line, int clear) {
+    constexpr int kSampled = 3;
+    int apart = 0;
+    for (int x = line.x0; x < line.x1(); x += kSampled) {
+        const LineColumn& column = line.at(x);
+        apart += line.is_alone_in(column) && is_paper(page, x, column.y0 - clear, column.y0) &&
+                 is_paper(page, x, column.y1, column.y1 + clear);
+    }
+    return at_least(apart * kSampled, kLeastApart, static_cast<int>(line.columns.size()));
+}
+
 bool is_long_enough(const Page& page, const RuledLine& line, const LineScale& scale) {
     const int length = static_cast<int>(line.columns.size());
     if (length < scale.shortest || length < kLeastLengthInThickness * line.thickness) return false;
-    return length >= scale.shortest_alone || joins_another(page, line, scale);
+    if (length >= kShortInLeast * scale.shortest_alone) return true;
+    if (length >= scale.shortest_alone && stands_apart(page, line, scale.dash * 3 / 2)) return true;
+    return joins_another(page, line, scale);
 }
 
 }  // namespace
