@@ -41,8 +41,8 @@ constexpr int kLeastFreeOfOneSide = 25;
 // line up to 0.4, in letters 0.6 and more.
 constexpr double kMostRough = 0.5;
 // How far a line may stray from the straight one between its ends, as a share of its length: paper
-// bends by 1 %, a piece of a circle as long as it can be followed by 3.2 %.
-constexpr double kMostBent = 0.018;
+// bends by up to 1 %, pieces of circles as long as they can be followed by 1.5 to 3.7 %.
+constexpr double kMostBent = 0.012;
 constexpr double kAlwaysStraight = 1.5;  // pixels
 // The side of a thick letter is no line.
 constexpr int kLeastLengthInThickness = 20;
