@@ -142,12 +142,16 @@ std::vector<Seed> find_seeds(const Page& page, const LineScale& scale) {
 }
 
 bool lies_in_dark_area(const Page& page, const Seed& seed, const LineScale& scale) {
-    constexpr int kApart = 7;
-    for (int x = seed.x0; x < seed.x1; x += kApart) {
+    constexpr int kLooks = 64;
+    constexpr int kLeastThin = 5;  // one column in so many
+    const int apart = seed.length() / kLooks + 1;
+    int looked_at = 0, thin = 0;
+    for (int x = seed.x0; x < seed.x1; x += apart) {
         const int height = column_at(page, x, seed.y, tallest_looked_at(scale)).height();
-        if (height > 0 && height <= scale.thickest) return false;
+        looked_at += height > 0;
+        thin += height > 0 && height <= scale.thickest;
     }
-    return true;
+    return thin * kLeastThin < looked_at;
 }
 
 int thickness_along(const Page& page, const Seed& seed, const LineScale& scale) {

@@ -52,7 +52,7 @@ struct RuledLine {
 // The longest first. A seed has an unbroken piece of some length.
 std::vector<Seed> find_seeds(const Page& page, const LineScale& scale);
 
-// Whether a look at some columns of a seed finds none that is thin enough for a line. Most seeds
+// Whether a look at some columns of a seed finds few that are thin enough for a line. Most seeds
 // lie in dark areas, where looking at every column takes long.
 bool lies_in_dark_area(const Page& page, const Seed& seed, const LineScale& scale);
 

@@ -5,6 +5,7 @@
 // alone where they crossed.
 #include "reading/ruled_lines.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -26,7 +27,9 @@ void erase_line(Page& page, const RuledLine& line, const LineScale& scale) {
     }
 }
 
-void remove_level_lines(Page& page, const Page& untouched, const LineScale& scale, Sureness least) {
+Sureness remove_level_lines(Page& page, const Page& untouched, const LineScale& scale,
+                            Sureness least) {
+    Sureness least_taken = Sureness::kSure;
     const Page before = copy_of(page);
     FollowedLines followed(page.width, page.height);  // lines and what turned out to be none
     for (const Seed& seed : find_seeds(before, scale)) {
@@ -36,21 +39,28 @@ void remove_level_lines(Page& page, const Page& untouched, const LineScale& scal
         if (thickness > scale.thickest) continue;
         const RuledLine line = follow_line(before, seed, scale, thickness, followed);
         followed.add(line);
-        if (judge(before, untouched, line, scale) >= least) erase_line(page, line, scale);
+        const Sureness sureness = judge(before, untouched, line, scale);
+        if (sureness < least) continue;
+        erase_line(page, line, scale);
+        least_taken = std::min(least_taken, sureness);
     }
+    return least_taken;
 }
 
 }  // namespace
 
-void remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
-                        Sureness least) {
+Sureness remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
+                            Sureness least) {
+    Sureness least_taken = Sureness::kSure;
     Page untouched = copy_of(page);
-    if (directions.level) remove_level_lines(page, untouched, scale, least);
-    if (!directions.upright) return;
-    turn(page, 1);
-    turn(untouched, 1);
-    remove_level_lines(page, untouched, scale, least);
-    turn(page, 3);
+    if (directions.level) least_taken = remove_level_lines(page, untouched, scale, least);
+    if (directions.upright) {
+        turn(page, 1);
+        turn(untouched, 1);
+        least_taken = std::min(least_taken, remove_level_lines(page, untouched, scale, least));
+        turn(page, 3);
+    }
+    return least_taken;
 }
 
 }  // namespace tool::reading

@@ -21,7 +21,8 @@ struct LineDirections {
     bool level, upright;
 };
 
-void remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
-                        Sureness least);
+// Returns how sure the least sure line is that was taken; kSure when there was none.
+Sureness remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
+                            Sureness least);
 
 }  // namespace tool::reading

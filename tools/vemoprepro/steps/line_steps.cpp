@@ -52,16 +52,17 @@ reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
     return scale;
 }
 
-void remove_lines(Page& page, const LineOptions& wanted, reading::Sureness least) {
-    reading::remove_ruled_lines(page, line_scale(page, wanted),
-                                {wanted.horizontal, wanted.vertical}, least);
+reading::Sureness remove_lines(Page& page, const LineOptions& wanted, reading::Sureness least) {
+    return reading::remove_ruled_lines(page, line_scale(page, wanted),
+                                       {wanted.horizontal, wanted.vertical}, least);
 }
 
-void remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted,
-                  reading::Sureness least) {
+reading::Sureness remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted,
+                               reading::Sureness least) {
     Page without_lines = copy_of(with_faint_ink);
-    remove_lines(without_lines, wanted, least);
+    const auto least_taken = remove_lines(without_lines, wanted, least);
     reading::remove_line_stubs(page, with_faint_ink, without_lines, scaled_area(page, kCrumb));
+    return least_taken;
 }
 
 std::string directions(const LineOptions& wanted) {
@@ -73,17 +74,27 @@ std::string directions(const LineOptions& wanted) {
 // a form may have more ink in its lines than in its text; but never in silence.
 Outcome take_lines(PageWork& work, const LineOptions& wanted, bool force) {
     const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
-    const auto take = [&](reading::Sureness least, Excess excess) {
-        return remove_ink(work.page, excess, box_of(work.page), directions(wanted),
-                          [&](Page& changed) {
-                              if (faint) remove_stubs(changed, *faint, wanted, least);
-                              remove_lines(changed, wanted, least);
-                          });
+    auto least_taken = reading::Sureness::kSure;
+    const auto remove = [&](Page& changed, reading::Sureness least) {
+        if (faint) least_taken = remove_stubs(changed, *faint, wanted, least);
+        least_taken = std::min(least_taken, remove_lines(changed, wanted, least));
     };
-    const Outcome all =
-        take(reading::Sureness::kLikely, force ? Excess::kAllowed : Excess::kHeldBack);
+    Page without_lines;
+    const auto take = [&](Excess excess, const auto& change) {
+        return remove_ink(work.page, excess, box_of(work.page), directions(wanted), change);
+    };
+    const Outcome all = take(force ? Excess::kAllowed : Excess::kHeldBack, [&](Page& changed) {
+        remove(changed, reading::Sureness::kLikely);
+        without_lines = copy_of(changed);
+    });
     if (all.done) return all;
-    const Outcome sure = take(reading::Sureness::kSure, Excess::kWarnedOf);
+    const Outcome sure = take(Excess::kWarnedOf, [&](Page& changed) {
+        if (least_taken == reading::Sureness::kSure) {
+            changed = std::move(without_lines);
+        } else {
+            remove(changed, reading::Sureness::kSure);
+        }
+    });
     return sure.ink_removed > 0.0 ? sure : all;
 }
 
