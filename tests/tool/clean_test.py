@@ -207,14 +207,14 @@ class Record(ToolCase):
         self.assertEqual(file, {"input": "in.tif", "format": "TIFF", "error": None, "outputs": ["out.tif"]})
         self.assertEqual([page["page"] for page in pages], [1, 2])
         page = pages[0]
-        self.assertEqual(set(page), {"page", "kind", "width", "height", "dpi", "dpi_source", "skew",
+        self.assertEqual(set(page), {"page", "kind", "width", "height", "dpi", "dpi_source", "dpi_reason", "dpi_stated", "skew",
                                      "threshold", "content", "steps", "output", "seconds"})
         self.assertEqual(set(page["skew"]), {"degrees", "numerator", "denominator", "confidence"})
         self.assertEqual([step["name"] for step in page["steps"]],
                          ["orientation", "crop", "binarize", "despeckle", "deskew", "unline"])
         for step in page["steps"]:
             self.assertEqual(set(step), {"name", "status", "why", "ink_removed", "warning", "seconds"})
-        self.assertEqual(set(page["output"]), {"kind", "width", "height"})
+        self.assertEqual(set(page["output"]), {"kind", "width", "height", "dpi"})
         self.assertGreater(page["seconds"], 0)
 
     def test_failures_are_recorded(self):

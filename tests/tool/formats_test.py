@@ -198,15 +198,21 @@ class FormatsOut(ToolCase):
                 self.assertEqual(round(self.pages(out)[0].info["dpi"][0]), 240, (name, out))
         self.save("none.png", text_page())
         self.save("odd.tif", text_page(), dpi=(1, 1))
+        self.save("blank.png", Image.new("L", (600, 800), 255))
         for name, options, dpi, source in (
-                ("none.png", [], 300, "default"), ("none.png", ["--dpi", 150], 150, "option"),
+                ("none.png", [], 150, "estimate"), ("none.png", ["--dpi", 300], 300, "option"),
                 ("a.png", ["--dpi", 600], 600, "option"), ("a.png", [], 240, "file"),
-                ("odd.tif", [], 300, "default")):
+                ("odd.tif", [], 150, "estimate"), ("blank.png", [], 75, "page-size")):
             page = self.record("clean", name, "-o", "out.tif", "--overwrite", *options)[0]["pages"][0]
             self.assertEqual((page["dpi"], page["dpi_source"]), ([dpi, dpi], source))
             self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
         words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
-        self.assertIn("300 dpi assumed (the file has none)", words)
+        self.assertIn("150 dpi (as its letters look, the file has none)", words)
+        # Letters far too small for what the file says are believed, and the file keeps its word.
+        self.save("in.tif", text_page(), dpi=(1200, 1200))
+        page = self.record("clean", "in.tif", "-o", "out.tif", "--overwrite")[0]["pages"][0]
+        self.assertEqual((page["dpi"], page["dpi_source"], page["dpi_stated"], page["output"]["dpi"]),
+                         ([150, 150], "estimate", [1200, 1200], [1200, 1200]))
 
     def test_a_resolution_that_no_scanner_has_counts_as_none(self):
         for dpi, found in (((1, 1), None), ((900000, 900000), None), ((200, 0), [200, 200]),

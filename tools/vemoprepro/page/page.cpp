@@ -47,12 +47,15 @@ Page make_page(PageKind kind, int width, int height, Resolution dpi) {
     page.width = width;
     page.height = height;
     page.dpi = dpi;
+    page.scale = dpi;
     page.bytes = allocate_pixels(page.size());
     return page;
 }
 
 Page make_page_like(const Page& page, PageKind kind) {
-    return make_page(kind, page.width, page.height, page.dpi);
+    Page made = make_page(kind, page.width, page.height, page.dpi);
+    made.scale = page.scale;
+    return made;
 }
 
 Page copy_of(const Page& page) {

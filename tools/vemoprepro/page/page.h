@@ -46,7 +46,8 @@ struct Page {
     int width = 0;
     int height = 0;
     PixelBlock bytes;
-    Resolution dpi;
+    Resolution dpi;         // as files say it; the output's as well
+    Resolution scale;       // what lengths on paper are scaled by; 0 until it is settled
     int quarter_turns = 0;  // clockwise, 0 .. 3, that bring the page upright, as the file asks for
 
     std::size_t stride() const { return stride_of(kind, width); }
@@ -67,9 +68,9 @@ std::string describe_size(const PageShape& shape);
 // "colour, 2480 x 3508 pixels, 300 dpi"
 std::string describe(const PageShape& shape);
 
-// A page whose pixels are not set.
+// A page whose pixels are not set. Its scale is its resolution.
 Page make_page(PageKind kind, int width, int height, Resolution dpi);
-// The same for one of the size and the resolution of another page.
+// The same for one of the size, the resolution and the scale of another page.
 Page make_page_like(const Page& page, PageKind kind);
 Page copy_of(const Page& page);
 

@@ -12,11 +12,11 @@ constexpr double kLargestArea = 1e9;
 }  // namespace
 
 int scaled_length(const Page& page, double pixels_at_300) {
-    return std::max(1, static_cast<int>(std::lround(pixels_at_300 * page.dpi.x / kChosenFor)));
+    return std::max(1, static_cast<int>(std::lround(pixels_at_300 * page.scale.x / kChosenFor)));
 }
 
 int scaled_area(const Page& page, double pixels_at_300) {
-    const double scale = page.dpi.x / kChosenFor * (page.dpi.y / kChosenFor);
+    const double scale = page.scale.x / kChosenFor * (page.scale.y / kChosenFor);
     return static_cast<int>(std::min(kLargestArea, std::round(pixels_at_300 * scale)));
 }
 

@@ -1,8 +1,8 @@
 // Lengths and areas on paper as pixels of a page.
 //
-// What is chosen by eye is chosen for 300 dots per inch and grows with the page's resolution.
+// What is chosen by eye is chosen for 300 dots per inch and grows with the page's scale.
 //
-// Keep true: the page has a resolution.
+// Keep true: the page has a scale.
 #pragma once
 
 #include "page/page.h"

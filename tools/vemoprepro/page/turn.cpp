@@ -48,6 +48,7 @@ void turn(Page& page, int quarter_turns) {
     if (quarter_turns != 2) {
         std::swap(page.width, page.height);
         std::swap(page.dpi.x, page.dpi.y);
+        std::swap(page.scale.x, page.scale.y);
     }
 }
 

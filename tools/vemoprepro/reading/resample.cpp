@@ -157,6 +157,7 @@ class TurnedGrid {
 Page doubled(const Page& grey) {
     Page large = make_page(PageKind::kGrey, grey.width * 2, grey.height * 2,
                            {grey.dpi.x * 2, grey.dpi.y * 2});
+    large.scale = {grey.scale.x * 2, grey.scale.y * 2};
     Lines lines;
     for (int y = 0; y < large.height; ++y) {
         const int place = y * (kPlaces / 2) - kPlaces / 4;
@@ -179,6 +180,7 @@ Page doubled(const Page& grey) {
 
 Page levelled(const Page& grey, int rise, int run, int width, int height) {
     Page level = make_page(PageKind::kGrey, width, height, grey.dpi);
+    level.scale = grey.scale;
     const WeightTable& table = weights();
     const TurnedGrid grid(grey, rise, run, width, height);
     const int right = (grey.width - 1) * kPlaces;

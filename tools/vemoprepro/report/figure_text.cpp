@@ -35,18 +35,6 @@ std::string dpi_text(Resolution dpi) {
     return dpi.x == dpi.y ? std::to_string(dpi.x) : size_text(dpi.x, dpi.y);
 }
 
-std::string source_text(const PageRecord& record) {
-    switch (record.resolution_source) {
-        case steps::ResolutionSource::kFile:
-            return "from the file";
-        case steps::ResolutionSource::kOption:
-            return "as given";
-        case steps::ResolutionSource::kDefault:
-            break;
-    }
-    return "assumed, the file has none";
-}
-
 std::vector<std::string> warnings_of(const PageRecord& record) {
     std::vector<std::string> warnings;
     for (const steps::StepNote& step : record.steps) {

@@ -17,8 +17,6 @@ std::string seconds_text(double seconds);
 std::string size_text(int width, int height);
 // "300", "300 × 150"
 std::string dpi_text(Resolution dpi);
-// Where a resolution comes from: "from the file"
-std::string source_text(const PageRecord& record);
 
 // A share of the ink that is marked as much.
 constexpr double kMuchInk = 0.1;

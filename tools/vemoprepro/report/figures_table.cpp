@@ -78,11 +78,12 @@ std::string measured_cells(const PageRecord& record) {
 
 std::string dpi_cell(const PageRecord& record) {
     const std::string text = dpi_text(record.source.dpi);
-    if (record.resolution_source == steps::ResolutionSource::kFile) {
+    const steps::WorkingResolution& resolution = record.resolution;
+    if (resolution.source == steps::ResolutionSource::kFile && !resolution.surprising) {
         return number_cell(record.source.dpi.x, text);
     }
     return "<td class=\"narrow\" data-value=\"" + std::to_string(record.source.dpi.x) + "\">" +
-           text + " <small>" + escaped(source_text(record)) + "</small></td>";
+           text + " <small>" + escaped(resolution.why) + "</small></td>";
 }
 
 // The name of the file stands out from the folder that it is in.

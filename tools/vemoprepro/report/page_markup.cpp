@@ -39,7 +39,7 @@ std::string shape_text(const PageShape& shape) {
 std::string figures_markup(const PageRecord& record) {
     std::string text = "<h2>Figures</h2><dl class=\"figures\">";
     text += row("Page", shape_text(record.source));
-    text += row("Resolution", dpi_text(record.source.dpi) + " dpi, " + source_text(record));
+    text += row("Resolution", dpi_text(record.source.dpi) + " dpi, " + record.resolution.why);
     if (record.skew) text += row("Skew", degrees_text(record.skew->degrees()));
     if (record.threshold) text += row("Threshold", std::to_string(*record.threshold));
     if (record.content) {

@@ -13,7 +13,8 @@ PageRecord record_of(std::size_t number, const steps::PageWork& work, double sec
     PageRecord record;
     record.number = number;
     record.source = work.source;
-    record.resolution_source = work.resolution_source;
+    record.source.dpi = work.resolution.dpi;
+    record.resolution = work.resolution;
     record.skew = work.skew;
     record.confidence = work.confidence;
     record.threshold = work.threshold;

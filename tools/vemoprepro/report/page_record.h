@@ -13,7 +13,7 @@ namespace tool::report {
 struct PageRecord {
     std::size_t number = 1;
     PageShape source;
-    steps::ResolutionSource resolution_source = steps::ResolutionSource::kFile;
+    steps::WorkingResolution resolution;
     std::optional<steps::Skew> skew;
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<int> threshold;

@@ -24,7 +24,7 @@ void work_on(const Options& options, const steps::Pipeline& pipeline, const Page
     work.page = task.input->file->read_page(task.page);
     if (!task.input->findings.empty()) work.given = task.input->findings[task.page];
     work.wants_fan = pictured;
-    steps::settle_resolution(work, options.steps.dpi);
+    steps::settle_resolution(work, options.steps);
     report::PagePainter painter;
     steps::process(pipeline, work, pictured ? &painter : nullptr);
     if (pictured) result.pictures = painter.take(work.page, work.fan);

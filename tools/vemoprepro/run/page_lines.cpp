@@ -14,24 +14,12 @@ std::string why_not(const steps::StepNote& step) {
     return "";
 }
 
-// Behind "300 dpi".
-const char* resolution_words(steps::ResolutionSource source) {
-    switch (source) {
-        case steps::ResolutionSource::kDefault:
-            return " assumed (the file has none)";
-        case steps::ResolutionSource::kOption:
-            return " (as given)";
-        case steps::ResolutionSource::kFile:
-            break;
-    }
-    return "";
-}
-
 }  // namespace
 
 std::string page_line(const report::PageRecord& record) {
+    const steps::WorkingResolution& resolution = record.resolution;
     std::string text = describe(record.source);
-    if (record.resolution_source == steps::ResolutionSource::kDefault) text += " assumed";
+    if (resolution.surprising) text += " (" + resolution.why + ")";
     for (const steps::StepNote& step : record.steps) {
         text += step.outcome.done ? "; " + step.outcome.why : why_not(step);
     }
@@ -39,7 +27,10 @@ std::string page_line(const report::PageRecord& record) {
 }
 
 std::string source_line(const report::PageRecord& record) {
-    return describe(record.source) + resolution_words(record.resolution_source);
+    const steps::WorkingResolution& resolution = record.resolution;
+    const bool plain =
+        resolution.source == steps::ResolutionSource::kFile && !resolution.surprising;
+    return describe(record.source) + (plain ? "" : " (" + resolution.why + ")");
 }
 
 std::vector<std::string> step_lines(const report::PageRecord& record) {

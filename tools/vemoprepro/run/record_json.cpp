@@ -15,12 +15,21 @@ Json size_json(const PageShape& shape) {
     return {{"kind", name_of(shape.kind)}, {"width", shape.width}, {"height", shape.height}};
 }
 
+Json dpi_json(Resolution dpi) {
+    if (dpi.x == 0) return nullptr;
+    return {dpi.x, dpi.y};
+}
+
 const char* source_json(steps::ResolutionSource source) {
     switch (source) {
         case steps::ResolutionSource::kFile:
             return "file";
         case steps::ResolutionSource::kOption:
             return "option";
+        case steps::ResolutionSource::kLetters:
+            return "estimate";
+        case steps::ResolutionSource::kPageSize:
+            return "page-size";
         case steps::ResolutionSource::kDefault:
             break;
     }
@@ -93,14 +102,18 @@ Json step_json(const steps::StepNote& step) {
 Json to_json(const report::PageRecord& record) {
     Json json = {{"page", record.number}};
     json.update(size_json(record.source));
-    json["dpi"] = {record.source.dpi.x, record.source.dpi.y};
-    json["dpi_source"] = source_json(record.resolution_source);
+    const steps::WorkingResolution& resolution = record.resolution;
+    json["dpi"] = {resolution.dpi.x, resolution.dpi.y};
+    json["dpi_source"] = source_json(resolution.source);
+    json["dpi_reason"] = resolution.why;
+    json["dpi_stated"] = dpi_json(resolution.stated);
     json["skew"] = skew_json(record);
     json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
     json["content"] = box_json(record.content);
     json["steps"] = Json::array();
     for (const steps::StepNote& step : record.steps) json["steps"].push_back(step_json(step));
     json["output"] = size_json(record.output);
+    json["output"]["dpi"] = dpi_json(record.output.dpi);
     json["seconds"] = rounded(record.seconds);
     return json;
 }

@@ -37,6 +37,7 @@ MeasuredSkew measure(const Page& page, bool with_fan) {
 Page straight_frame(const Page& page, Skew skew) {
     Page straight;
     straight.dpi = page.dpi;
+    straight.scale = page.scale;
     if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
                      &straight.width) != 0) {
         throw PageError("the skew is out of range");

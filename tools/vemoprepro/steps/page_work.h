@@ -10,12 +10,22 @@
 #include <vector>
 
 #include "page/page.h"
+#include "reading/letters.h"
 #include "steps/skew.h"
 #include "steps/skew_fan.h"
 
 namespace tool::steps {
 
-enum class ResolutionSource { kFile, kOption, kDefault };
+enum class ResolutionSource { kFile, kOption, kLetters, kPageSize, kDefault };
+
+// The resolution that a page is worked on with.
+struct WorkingResolution {
+    Resolution dpi;
+    ResolutionSource source = ResolutionSource::kFile;
+    Resolution stated;        // by the file
+    std::string why;          // in words, for the record
+    bool surprising = false;  // not the file's, or not what the letters look like
+};
 
 // What an earlier run found on a page, to be used instead of being measured.
 struct Findings {
@@ -39,7 +49,8 @@ struct StepNote {
 
 struct PageWork {
     Page page;
-    ResolutionSource resolution_source = ResolutionSource::kFile;
+    WorkingResolution resolution;
+    reading::LetterSurvey letters;  // of the page before its first step, in pixels of `page`
     Findings given;
     bool wants_fan = false;  // the skew fan is to be kept
 

@@ -18,7 +18,7 @@ constexpr int kCoarse = 200;
 constexpr int kLongestSideToDouble = 8192;
 
 bool is_coarse(const Page& page) {
-    return page.dpi.x > 0 && page.dpi.x < kCoarse && page.width <= kLongestSideToDouble &&
+    return page.scale.x > 0 && page.scale.x < kCoarse && page.width <= kLongestSideToDouble &&
            page.height <= kLongestSideToDouble;
 }
 
@@ -37,6 +37,7 @@ Outcome prepare(PageWork& work) {
     if (is_coarse(page)) {
         reading::sharpen(page);
         page = reading::doubled(page);
+        work.letters.enlarge(2);
         why += ", sharpened, resolution doubled";
     }
     return {true, why};

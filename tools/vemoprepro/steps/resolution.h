@@ -1,17 +1,14 @@
-// The resolution that a page is worked on with.
+// The resolution that a page is worked on with, and the one that is written into its file.
 #pragma once
 
-#include <optional>
-
 #include "steps/page_work.h"
+#include "steps/step_options.h"
 
 namespace tool::steps {
 
-// Dots per inch of a page whose file has none.
-constexpr int kDefaultDpi = 300;
-
-// The resolution that was asked for, else the file's, else the default. To be called before the
-// first step.
-void settle_resolution(PageWork& work, std::optional<int> asked_for);
+// What was asked for; else what the file says, unless the letters of the page are far too small for
+// that; else what the letters, or the size of the page, let expect. Surveys the letters, too. To be
+// called before the first step.
+void settle_resolution(PageWork& work, const StepOptions& options);
 
 }  // namespace tool::steps
