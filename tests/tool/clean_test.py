@@ -105,6 +105,21 @@ class Cleaning(ToolCase):
                                    image=page)
             self.assertEqual((ink[90:96].any(), ink[290:310].any()), (dots, False))
 
+    def test_specks_near_letters_or_in_a_row_are_no_dirt(self):
+        page = np.full((800, 600), 255, np.uint8)
+        for x in range(60, 300, 30):
+            page[100:120, x:x + 18] = 0
+            page[104:116, x + 5:x + 13] = 255      # letters of strokes
+        page[92:94, 70:72] = page[118:120, 292:294] = 0    # dots
+        for x in range(320, 520, 12):
+            page[117:119, x:x + 2] = 0
+        page[400:402, 300:302] = page[405:407, 303:305] = page[500:502, 90:92] = 0
+        dirt = np.s_[390:510]
+        for options in ((), ("--for", "ocr", "--no-crop-border")):
+            _, steps, ink = self.clean("--no-deskew", *options, image=page)
+            self.assertFalse(ink[dirt].any(), options)
+            self.assertTrue((ink[:390] == (page[:390] == 0)).all(), options)
+
     def test_specks_scale_with_the_resolution(self):
         for dpi, side in ((300, 2), (600, 4)):
             page = specks(Image.new("L", (400, 400), 255), 30, side)

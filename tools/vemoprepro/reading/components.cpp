@@ -103,9 +103,13 @@ class Labelling {
         parent(from) = run.label;
         Component& whole = component(run.label);
         const Component& part = component(from);
-        whole = {std::min(whole.x0, part.x0), std::min(whole.y0, part.y0),
-                 std::max(whole.x1, part.x1), std::max(whole.y1, part.y1),
-                 whole.area + part.area,      whole.perimeter + part.perimeter};
+        whole = {std::min(whole.x0, part.x0),
+                 std::min(whole.y0, part.y0),
+                 std::max(whole.x1, part.x1),
+                 std::max(whole.y1, part.y1),
+                 whole.area + part.area,
+                 whole.perimeter + part.perimeter,
+                 whole.first_x};
     }
 
     void add(Run& run, int y, int shared) {
@@ -114,7 +118,7 @@ class Labelling {
         if (run.label < 0) {
             run.label = static_cast<int>(found_.size());
             parents_.push_back(run.label);
-            found_.push_back({run.x0, y, run.x1, y + 1, length, sides});
+            found_.push_back({run.x0, y, run.x1, y + 1, length, sides, run.x0});
             return;
         }
         Component& whole = component(run.label);

@@ -14,6 +14,7 @@ struct Component {
     int x0, y0, x1, y1;  // its bounding box, ends excluded
     int area;            // black pixels
     int perimeter;       // sides of pixels between black and white
+    int first_x;         // the column of its first pixel, in row y0
 
     int width() const { return x1 - x0; }
     int height() const { return y1 - y0; }

@@ -1,12 +1,14 @@
 // Specks, and everything that is not text. What counts as a speck grows with the resolution; near
-// other ink it may be a full stop or the dot of an i, which reading needs.
+// letters it may be a full stop or the dot of an i, and in a row of equal ones a leader.
 #include <vemoprepro/cleaning.h>
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <string>
 
 #include "page/paper_scale.h"
+#include "reading/specks.h"
 #include "steps/ink_removal.h"
 #include "steps/step.h"
 
@@ -15,12 +17,24 @@ namespace {
 
 // A full stop of 6 point print has about 12 pixels at 300 dpi, the dots of a fine screen 9.
 constexpr double kSpeck = 6;
-// What --for ocr takes for a speck: the full stops of small print are kept, being near their word.
 constexpr double kSpeckForReading = 9;
-constexpr double kNearForReading = 8;
-// The same on a heavily specked page, where a word's neighbourhood is full of specks, too.
+// On a heavily specked page, where a word's neighbourhood is full of specks, too, --for ocr takes
+// larger ones and asks for nothing but a distance from larger ink.
 constexpr double kSpeckOfMany = 20;
 constexpr double kNearOfMany = 3;
+
+// In heights of small letters: ink of this size is letters; how far from them dots are; and how far
+// from one another the dots of leaders are.
+constexpr double kLetter = 0.5;
+constexpr double kNear = 0.75, kNearForReading = 0.4;
+constexpr double kApartInRow = 2.5;
+// The area of the smallest dot, in squares of strokes.
+constexpr double kLeastDot = 0.2;
+// The small letters of a page that does not tell, at 300 dpi, and the thickness of its strokes.
+constexpr double kUsualLetter = 20, kUsualStroke = 3.5;
+
+// Taking more than this share of the ink by the usual sizes is something to look at.
+constexpr double kMuch = 0.02;
 
 // Capitals of 72 point type.
 constexpr double kTallestText = 250;
@@ -32,39 +46,66 @@ void remove_specks(Page& page, int area, int keep_near) {
     }
 }
 
-// The sizes that are used unless others are asked for, in pixels of the page.
-struct UsualSpecks {
-    int area, keep_near;
-};
+reading::SpeckRule usual_rule(const PageWork& work, bool reading) {
+    const Page& page = work.page;
+    const bool clear = work.letters.clear();
+    const double letter = clear ? work.letters.height : scaled_length(page, kUsualLetter);
+    const double stroke = clear ? work.letters.stroke : scaled_length(page, kUsualStroke);
+    const auto letters = [=](double heights) {
+        return std::max(1, static_cast<int>(std::lround(heights * letter)));
+    };
+    return {scaled_area(page, reading ? kSpeckForReading : kSpeck), std::max(3, letters(kLetter)),
+            letters(reading ? kNearForReading : kNear),
+            static_cast<int>(std::lround(kLeastDot * stroke * stroke)), letters(kApartInRow)};
+}
 
-UsualSpecks usual_specks(const Page& page, bool reading, bool specked) {
-    if (!reading) return {scaled_area(page, kSpeck), 0};
-    if (specked) return {scaled_area(page, kSpeckOfMany), scaled_length(page, kNearOfMany)};
-    return {scaled_area(page, kSpeckForReading), scaled_length(page, kNearForReading)};
+std::string specks_words(int area) {
+    return "specks of up to " + std::to_string(area) + " pixels";
+}
+
+Outcome remove_usual(PageWork& work, const StepOptions& options) {
+    const reading::SpeckRule rule = usual_rule(work, options.for_reading);
+    if (rule.max_area == 0) return {false, "no specks at this resolution"};
+    Outcome outcome =
+        remove_ink(work.page, options.force ? Excess::kAllowed : Excess::kHeldBack,
+                   box_of(work.page), specks_words(rule.max_area) + " away from letters",
+                   [&](Page& changed) { reading::remove_dirt(changed, rule); });
+    outcome.warning |= outcome.ink_removed > kMuch;
+    return outcome;
+}
+
+// By the area and the distance from larger ink.
+Outcome remove_small(Page& page, Excess excess, int area, int near) {
+    if (area == 0) return {false, "no specks at this resolution"};
+    std::string what = specks_words(area);
+    if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
+    return remove_ink(page, excess, box_of(page), what,
+                      [=](Page& changed) { remove_specks(changed, area, near); });
+}
+
+Outcome despeckle(PageWork& work, const StepOptions& options) {
+    const DespeckleOptions& asked = options.despeckle;
+    if (!asked.wanted) return {false, kSwitchedOff};
+    Page& page = work.page;
+    require_bitonal(page, "despeckle");
+    const bool specked = options.for_reading && work.heavily_specked;
+    if (!asked.max_area && !asked.keep_near && !specked) return remove_usual(work, options);
+    // A heavily specked page has more ink in its specks than in its letters.
+    const Excess excess = options.force ? Excess::kAllowed
+                          : specked     ? Excess::kWarnedOf
+                                        : Excess::kHeldBack;
+    const int area = scaled_area(page, specked               ? kSpeckOfMany
+                                       : options.for_reading ? kSpeckForReading
+                                                             : kSpeck);
+    return remove_small(page, excess, asked.max_area.value_or(area),
+                        asked.keep_near.value_or(specked ? scaled_length(page, kNearOfMany) : 0));
 }
 
 }  // namespace
 
 Step despeckle_step(const StepOptions& options) {
-    const DespeckleOptions asked = options.despeckle;
-    const bool reading = options.for_reading;
-    const bool force = options.force;
-    return {"despeckle", Effect::kTakesInk, [=](PageWork& work) -> Outcome {
-                if (!asked.wanted) return {false, kSwitchedOff};
-                require_bitonal(work.page, "despeckle");
-                const UsualSpecks usual = usual_specks(work.page, reading, work.heavily_specked);
-                const int area = asked.max_area.value_or(usual.area);
-                const int near = asked.keep_near.value_or(usual.keep_near);
-                if (area == 0) return {false, "no specks at this resolution"};
-                std::string what = "specks of up to " + std::to_string(area) + " pixels";
-                if (near > 0) what += " farther than " + std::to_string(near) + " from other ink";
-                // A heavily specked page has more ink in its specks than in its letters.
-                const Excess excess = force                             ? Excess::kAllowed
-                                      : reading && work.heavily_specked ? Excess::kWarnedOf
-                                                                        : Excess::kHeldBack;
-                return remove_ink(work.page, excess, box_of(work.page), what,
-                                  [=](Page& changed) { remove_specks(changed, area, near); });
-            }};
+    return {"despeckle", Effect::kTakesInk,
+            [options](PageWork& work) { return despeckle(work, options); }};
 }
 
 Step textmask_step(const StepOptions& options) {
