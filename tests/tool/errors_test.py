@@ -33,9 +33,8 @@ class Errors(ToolCase):
     def test_inputs_that_cannot_be_read(self):
         self.write("empty.png", b"")
         self.write("words.txt", b"not an image")
-        os.mkdir(self.path("folder"))
         unknown = "not a TIFF, PNG, JPEG, JPEG 2000, WebP, GIF, BMP or PNM file"
-        for name, what in (("none.png", "No such file or directory"), ("folder", "Is a directory"),
+        for name, what in (("none.png", "No such file or directory"),
                            ("empty.png", unknown), ("words.txt", unknown)):
             self.fails("clean", name, "-o", "out.tif", lines=[f"{name}: {what}"])
         self.fails("clean", "-", "-o", "out.tif", lines=[f"-: {unknown}"])
@@ -101,8 +100,8 @@ class Errors(ToolCase):
                        lines=[f"{name}: the output would overwrite an input"])
         self.fails("clean", "a.png", "-o", "new.tif", "--overwrite", "--report", "look",
                    lines=["look/index.html: the report would overwrite an input"])
-        self.fails("clean", "a.png", "a.tif", "-o", ".", "--overwrite",
-                   lines=["./a.tif: the output would overwrite an input"] * 2)
+        self.fails("clean", "a.tif", "-o", ".", "--overwrite",
+                   lines=["./a.tif: the output would overwrite an input"])
 
     def test_links_are_followed(self):
         os.mkdir(self.path("real"))
@@ -113,21 +112,14 @@ class Errors(ToolCase):
         self.assertEqual(os.listdir(self.path("real")), ["old.tif"])
         self.assertEqual(self.pages("real/old.tif")[0].mode, "1")
 
-    def test_inputs_of_the_same_name(self):
-        os.mkdir(self.path("b"))
-        os.mkdir(self.path("out"))
-        self.save("b/a.jpg", text_page())
-        self.fails("clean", "a.png", "b/a.jpg", "-o", "out/",
-                   lines=["b/a.jpg: gives the same output as a.png: out/a.tif"])
-        self.assertEqual(os.listdir(self.path("out")), ["a.tif"])
-
     def test_places_that_cannot_be_written(self):
         os.mkdir(self.path("closed"), 0o555)
         self.save("two.tif", text_page(), text_page())
         for arguments, what in (
                 (("a.png", "-o", "none/a.tif"), "none/a.tif: no such folder: none/"),
-                (("a.png", "-o", "none/"), "none/: no such folder"),
-                (("a.png", "a.png", "-o", "none"), "none: no such folder"),
+                (("a.png", "-o", "none/more/"), "none/more/: no such folder: none/"),
+                (("a.png", "b.png", "-o", "none/more"), "none/more: no such folder: none/"),
+                (("a.png", "-o", "closed/more/"), "closed/more/: Permission denied"),
                 (("a.png", "-o", "closed/a.tif"), "closed/a.tif: Permission denied"),
                 (("two.tif", "-o", "o.png"), "two.tif: holds 2 pages and a PNG file only one; "
                                              "name a folder, or a TIFF file")):

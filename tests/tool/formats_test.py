@@ -180,7 +180,7 @@ class FormatsOut(ToolCase):
     def test_formats_by_name_and_by_option_have_the_same_pixels(self):
         cases = [("a.tif", [], "TIFF"), ("b.TIFF", [], "TIFF"), ("c.png", [], "PNG"),
                  ("d.pbm", [], "PPM"), ("e.xyz", ["--format", "png"], "PNG"),
-                 ("f.png", ["--format", "tiff"], "TIFF"), ("g", ["--format", "pbm"], "PPM")]
+                 ("f.bin", ["--format", "tiff"], "TIFF"), ("g", ["--format", "pbm"], "PPM")]
         for name, options, wanted in cases:
             self.good("clean", "a.png", "-o", name, *options)
             image, = self.pages(name)

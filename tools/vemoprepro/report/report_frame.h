@@ -13,6 +13,9 @@ namespace tool::report {
 extern const char* const kIndexTemplate;
 extern const char* const kPageTemplate;
 
+// Stands near the start of every index: by it a folder of a report is told from others.
+constexpr const char* kReportMark = "content=\"vemoprepro report\"";
+
 // Texts are escaped here; markup is not.
 std::string index_file(const std::string& title, const std::string& summary,
                        const std::string& figures_markup);

@@ -94,9 +94,22 @@ void Console::finish_input(const std::vector<std::string>& outputs) {
     input_.clear();
 }
 
+void Console::skip_input(const std::string& input, const std::string& output) {
+    ++tally_.skipped;
+    if (!quiet_) {
+        print_line(input + ": skipped: " + output + " exists", terminal_);
+        std::fflush(words_);
+    }
+    if (!json_) return;
+    files_.push_back(file_json(input, ""));
+    files_.back()["outputs"] = {output};
+    files_.back()["skipped"] = true;
+}
+
 void Console::note(const std::string& line) {
     if (quiet_) return;
-    print_line(line, terminal_);
+    clear_progress();
+    print_line(line, false);
     std::fflush(words_);
 }
 

@@ -1,7 +1,7 @@
 // What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
 // warnings and complaints, a last line about all files, and the record of --json at the end.
 //
-// Use: (start page* (finish_input | fail_input) | note)* finish;
+// Use: (start page* (finish_input | fail_input) | skip_input | note)* finish;
 // finish() gives the exit status of the run. For one thread at a time.
 #pragma once
 
@@ -24,6 +24,8 @@ class Console {
     void page(report::PageRecord record, const std::string& output);
     void finish_input(const std::vector<std::string>& outputs);
     void fail_input(const files::FileError& error);
+    // Its output is there already.
+    void skip_input(const std::string& input, const std::string& output);
     // What fails beside the inputs.
     void fail(const files::FileError& error);
     // What is worth knowing beside the pages.

@@ -7,6 +7,7 @@
 
 #include "files/image_file.h"
 #include "page/counted.h"
+#include "run/inputs.h"
 #include "run/messages.h"
 #include "run/record_json.h"
 #include "run/shown_text.h"
@@ -47,9 +48,15 @@ int print_info(const Options& options) {
     const bool words = !options.json && !options.quiet;
     int status = kExitDone;
     Json files = Json::array();
-    for (const std::string& name : options.inputs) {
+    const InputList inputs = list_inputs(options);
+    if (words) {
+        for (const std::string& note : inputs.notes) std::printf("%s\n", shown(note).c_str());
+    }
+    for (const InputName& input : inputs.files) {
+        const std::string& name = input.path;
         files.push_back(file_json(name, ""));
         try {
+            if (!input.error.empty()) throw files::FileError(name, input.error);
             print_file(name, words, files.back());
         } catch (const std::exception& error) {
             const std::string what = what_failed(error);

@@ -41,21 +41,24 @@ struct PageTask {
     std::shared_ptr<Input> input;
     std::size_t page = 0;
     std::optional<files::FileError> error;  // the input cannot be worked on at all
+    std::string existing;                   // its output, when it is skipped for that
 };
 
 class InputFeeder {
   public:
     // Throws as OutputPlan, and FileError for the file of --apply.
-    explicit InputFeeder(const Options& options);
+    InputFeeder(const Options& options, const InputList& inputs);
 
     // The next page of the current input, or the first one of the next input.
     std::optional<PageTask> next();
 
   private:
     PageTask open_next();
-    void open(Input& input, std::size_t number);
+    void open(PageTask& task, std::size_t number);
+    bool skips(PageTask& task, const InputName& name, std::size_t page_count) const;
 
     const Options& options_;
+    const InputList& inputs_;
     OutputPlan plan_;
     std::vector<std::vector<steps::Findings>> findings_;
     std::size_t next_input_ = 0;

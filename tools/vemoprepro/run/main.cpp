@@ -1,5 +1,4 @@
 // vemoprepro: cleans up scanned pages from the command line.
-#include <cstdio>
 #include <exception>
 
 #include "files/file_error.h"
@@ -9,7 +8,7 @@
 #include "run/info.h"
 #include "run/make_pages.h"
 #include "run/messages.h"
-#include "run/output_plan.h"
+#include "run/usage.h"
 
 namespace {
 
@@ -17,8 +16,7 @@ int run_command(const tool::run::Options& options) {
     try {
         return options.info ? tool::run::print_info(options) : tool::run::make_pages(options);
     } catch (const tool::run::UsageError& error) {
-        std::fprintf(tool::run::error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n",
-                     error.what());
+        tool::run::explain_usage(options.command, error.what());
         return tool::run::kExitUsage;
     } catch (const tool::files::FileError& error) {
         tool::run::complain(error.file(), error.what());

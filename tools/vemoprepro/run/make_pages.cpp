@@ -38,7 +38,9 @@ PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
     result.input = task.input;
     result.page = task.page;
     result.error = task.error;
-    if (result.error || task.page > task.input->failed_page) return result;
+    result.existing = task.existing;
+    if (result.error || !result.existing.empty() || task.page > task.input->failed_page)
+        return result;
     try {
         work_on(options, pipeline, task, result);
         return result;
@@ -54,15 +56,23 @@ PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
     return result;
 }
 
+std::vector<std::string> paths_of(const InputList& inputs) {
+    std::vector<std::string> paths;
+    for (const InputName& input : inputs.files) paths.push_back(input.path);
+    return paths;
+}
+
 }  // namespace
 
 int make_pages(const Options& options) {
     const steps::Pipeline pipeline = steps::make_pipeline(options.steps);
-    InputFeeder feeder(options);
+    const InputList inputs = list_inputs(options);
+    InputFeeder feeder(options, inputs);
     Console console(options);
+    for (const std::string& note : inputs.notes) console.note(note);
     std::optional<report::HtmlReport> pictures;
     if (!options.report_folder.empty()) {
-        pictures.emplace(options.report_folder, options.inputs, options.overwrite);
+        pictures.emplace(options.report_folder, paths_of(inputs), options.overwrite);
     }
     OutputCollector collector(options, console, pictures ? &*pictures : nullptr);
     const std::size_t window =

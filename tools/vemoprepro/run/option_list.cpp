@@ -2,24 +2,10 @@
 // -v.
 #include "run/option_list.h"
 
+#include "run/help_text.h"
+
 namespace tool::run {
 namespace {
-
-constexpr const char* kExamples =
-    "Examples:\n"
-    "  vemoprepro clean scan.jpg -o page.tif           straight bitonal page, Group 4\n"
-    "  vemoprepro clean book.tif -o book-clean.tif     all pages of a file, in order\n"
-    "  vemoprepro clean scans/*.png -o out/ -j 4       several files into a folder\n"
-    "  vemoprepro clean - -o - <a.png >a.tif           as a filter\n"
-    "  vemoprepro clean form.jpg -o form.tif --for ocr what recognition reads best\n"
-    "  vemoprepro clean a.tif -o b.tif --json >a.json  with a record of what was found\n"
-    "  vemoprepro clean c.tif -o d.tif --apply a.json  the same skews and thresholds again\n"
-    "  vemoprepro clean a.tif -o b.tif --report look   the pages before and after, in a browser\n"
-    "  vemoprepro rotate 90 page.png -o turned.png     a quarter turn clockwise\n"
-    "  vemoprepro info scans/*.tif                     what the files hold\n"
-    "\n"
-    "Exit status: 0 all done, 1 a file failed (the others are done), 2 wrong usage.\n"
-    "'vemoprepro COMMAND --help' lists the options of a command.";
 
 // CLI11 takes an empty text for the number 0.
 CLI::Validator not_empty() {
@@ -29,8 +15,11 @@ CLI::Validator not_empty() {
 
 void add_inputs(CLI::App& command, Options& options) {
     command
-        .add_option("INPUT", options.inputs, "TIFF, PNG, JPEG or PNM files; - is standard input")
+        .add_option(
+            "INPUT", options.inputs,
+            "Image files, or folders, which stand for their image files; - is standard input")
         ->required();
+    command.add_flag("-r,--recursive", options.recursive, "With folders: what is below them, too");
 }
 
 void add_words(CLI::App& command, Options& options) {
@@ -42,13 +31,19 @@ void add_words(CLI::App& command, Options& options) {
 void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
     command
         .add_option("-o,--output", options.output,
-                    "A file for one input, a folder for several; - is standard output")
+                    "A file for one input, a folder for several (made if its parent exists); - is "
+                    "standard output")
+        ->type_name("OUT")
         ->required();
     command
         .add_option("--format", raw.format,
                     "tiff, png or pbm (default: by the output's name, else tiff)")
         ->check(CLI::IsMember({"tiff", "png", "pbm"}, CLI::ignore_case));
-    command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
+    auto* overwrite =
+        command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
+    command
+        .add_flag("--skip-existing", options.skip_existing, "Leave out inputs whose outputs exist")
+        ->excludes(overwrite);
     command
         .add_option("-j,--jobs", options.jobs, "Pages worked on side by side (default: all cores)")
         ->check(CLI::Range(1, 1024));
@@ -60,6 +55,7 @@ void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
     command
         .add_option("--report", options.report_folder,
                     "Write a page to look at, before and after, into this folder: index.html")
+        ->type_name("DIR")
         ->check(not_empty());
     add_words(command, options);
 }
@@ -68,14 +64,13 @@ CLI::Option* add_threshold(CLI::App& command, RawOptions& raw) {
     auto* method =
         command
             .add_option("--binarize", raw.method,
-                        "gradient: a threshold for every spot of the page; otsu: one for "
-                        "the page")
-            ->check(CLI::IsMember({"gradient", "otsu"}))
-            ->capture_default_str();
+                        "gradient (default): a threshold for every spot of the page; otsu: one "
+                        "for the page")
+            ->check(CLI::IsMember({"gradient", "otsu"}));
     auto* threshold = command.add_option(
         "--threshold", raw.threshold,
         "One threshold: darker greys become black, 1 .. 255, or auto (Otsu's method)");
-    threshold->excludes(method);
+    threshold->type_name("N|auto")->excludes(method);
     return threshold;
 }
 
@@ -100,6 +95,7 @@ CLI::Option* add_directions(CLI::App& command, const char* name, RawOptions& raw
     return command
         .add_option(name, raw.lines, "horizontal, vertical, or both with a comma between them")
         ->delimiter(',')
+        ->type_name("LIST")
         ->allow_extra_args(false)  // what follows the list is an input
         ->check(CLI::IsMember({"horizontal", "vertical"}));
 }
@@ -116,6 +112,7 @@ CLI::Option* add_skew(CLI::App& command, RawOptions& raw) {
         .add_option("--skew", raw.skew_degrees,
                     "Skew in degrees instead of measuring it, positive when text lines rise to the "
                     "right")
+        ->type_name("DEGREES")
         ->check(not_empty());
 }
 
@@ -156,6 +153,7 @@ void add_clean(CLI::App& app, Options& options, RawOptions& raw) {
     command
         ->add_option("--apply", options.findings,
                      "Use skews and thresholds of a record that --json printed, page by page")
+        ->type_name("FILE")
         ->check(not_empty())
         ->excludes(threshold)
         ->excludes(skew);
@@ -189,9 +187,8 @@ void add_bitonal_steps(CLI::App& app, Options& options, RawOptions& raw) {
                "Higher ink is no text, in pixels (default: 21 mm)");
     textmask
         ->add_option("--min-density", options.steps.text.min_density,
-                     "Text has this many pixels for every pixel of its longer side")
-        ->check(CLI::Range(0, 32767))
-        ->capture_default_str();
+                     "Text has this many pixels for every pixel of its longer side (default: 1)")
+        ->check(CLI::Range(0, 32767));
 }
 
 void add_single_steps(CLI::App& app, Options& options, RawOptions& raw) {
@@ -229,12 +226,13 @@ void add_info(CLI::App& app, Options& options) {
 }  // namespace
 
 void describe_options(CLI::App& app, Options& options, RawOptions& raw) {
-    app.footer(kExamples);
+    lay_out_help(app);
     app.require_subcommand(1);
     add_clean(app, options, raw);
     add_single_steps(app, options, raw);
     add_bitonal_steps(app, options, raw);
     add_info(app, options);
+    for (CLI::App* command : app.get_subcommands({})) add_examples(*command);
 }
 
 }  // namespace tool::run

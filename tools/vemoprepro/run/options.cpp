@@ -7,14 +7,14 @@
 #include <vemoprepro/frame.h>
 
 #include <algorithm>
-#include <cctype>
-#include <cstdio>
 #include <map>
 #include <thread>
 #include <utility>
 
+#include "run/file_names.h"
 #include "run/messages.h"
 #include "run/option_list.h"
+#include "run/usage.h"
 
 namespace tool::run {
 namespace {
@@ -23,25 +23,8 @@ namespace {
     throw CLI::ValidationError(what, 1);
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return text;
-}
-
-std::optional<files::OutputFormat> format_named(const std::string& name) {
-    static const std::map<std::string, files::OutputFormat> kFormats = {
-        {"tif", files::OutputFormat::kTiff}, {"tiff", files::OutputFormat::kTiff},
-        {"png", files::OutputFormat::kPng},  {"pbm", files::OutputFormat::kPnm},
-        {"pgm", files::OutputFormat::kPnm},  {"ppm", files::OutputFormat::kPnm},
-        {"pnm", files::OutputFormat::kPnm}};
-    const auto found = kFormats.find(lower(name));
-    if (found == kFormats.end()) return std::nullopt;
-    return found->second;
-}
-
 int threshold_from(const std::string& text) {
-    if (lower(text) == "auto") return 0;
+    if (text == "auto" || text == "AUTO" || text == "Auto") return 0;
     const bool digits = !text.empty() && text.size() <= 3 &&
                         text.find_first_not_of("0123456789") == std::string::npos;
     const int value = digits ? std::stoi(text) : 0;
@@ -68,9 +51,6 @@ steps::Command command_named(const std::string& name) {
 void check_inputs(const Options& options) {
     const auto stdins = std::count(options.inputs.begin(), options.inputs.end(), "-");
     if (stdins > 1) refuse("standard input can be read only once");
-    if (options.output_is_stdout() && options.inputs.size() > 1) {
-        refuse("-o -: standard output takes one input");
-    }
 }
 
 bool given(const CLI::App& command, const char* name) {
@@ -128,12 +108,14 @@ bool is_piped_stdout(const std::string& output) {
 }
 
 Options options_from(const CLI::App& command, Options options, const RawOptions& raw) {
-    options.info = command.get_name() == "info";
+    options.command = command.get_name();
+    options.info = options.command == "info";
     if (is_piped_stdout(options.output)) options.output = "-";
     check_inputs(options);
     if (options.info) return options;
-    options.steps.command = command_named(command.get_name());
+    options.steps.command = command_named(options.command);
     if (!raw.format.empty()) options.format = format_named(raw.format);
+    options.format_name = raw.format;
     if (command.count("--dpi") != 0) options.steps.dpi = raw.dpi;
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
@@ -148,22 +130,57 @@ std::string version_text() {
            prepro_get_branch_name() + "\n" + prepro_get_sha();
 }
 
+std::vector<std::string> commands_of(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+    return names;
+}
+
+// Whether CLI11 finds a command or a question for the program there.
+bool is_start(const CLI::App& app, const std::string& word) {
+    const std::vector<std::string> commands = commands_of(app);
+    return std::find(commands.begin(), commands.end(), word) != commands.end() ||
+           app.get_option_no_throw(word) != nullptr;
+}
+
+// What CLI11 has to say, and what a missing value is for.
+std::string plain(const CLI::ParseError& error) {
+    const std::string what = error.what();
+    if (error.get_name() == "ArgumentMismatch") {
+        return what.substr(0, what.find(':')) + ": the value is missing";
+    }
+    if (what == "INPUT is required") return "INPUT is missing: which files or folders?";
+    if (what == "--output is required") return "-o OUT is missing: where is the result to go?";
+    return what;
+}
+
+std::string unexpected(const CLI::App& command, const std::string& word) {
+    std::vector<std::string> options;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    }
+    if (word[0] != '-') return "'" + word + "' is not expected here";
+    const std::string name = word.substr(0, word.find('='));
+    return "there is no option '" + name + "'" + did_you_mean(name, options);
+}
+
 int answer(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
         app.exit(error);
         return flush_output() ? kExitDone : kExitFailed;
     }
-    std::fprintf(error_stream(), "vemoprepro: %s\nTry 'vemoprepro --help'.\n", error.what());
+    const std::vector<CLI::App*> commands = app.get_subcommands();
+    const std::vector<std::string> extras = app.remaining(true);
+    const bool extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+    if (extra && !commands.empty() && !extras.empty()) {
+        explain_usage(commands.front()->get_name(), unexpected(*commands.front(), extras.front()));
+    } else {
+        explain_usage(commands.empty() ? "" : commands.front()->get_name(), plain(error));
+    }
     return kExitUsage;
 }
 
 }  // namespace
-
-std::optional<files::OutputFormat> format_by_name(const std::string& name) {
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string::npos || name.find('/', dot) != std::string::npos) return std::nullopt;
-    return format_named(name.substr(dot + 1));
-}
 
 std::optional<Options> parse_options(int argc, char** argv, int& exit_status) {
     Options options;
@@ -172,6 +189,12 @@ std::optional<Options> parse_options(int argc, char** argv, int& exit_status) {
     CLI::App app("Cleans up scanned pages: bitonal, straight, ready to read.", "vemoprepro");
     app.set_version_flag("--version", version_text());
     describe_options(app, options, raw);
+    const std::string first = argc > 1 ? argv[1] : "";
+    if (!is_start(app, first)) {
+        explain_commands(first, commands_of(app));
+        exit_status = kExitUsage;
+        return std::nullopt;
+    }
     try {
         app.parse(argc, argv);
         return options_from(*app.get_subcommands().front(), std::move(options), raw);

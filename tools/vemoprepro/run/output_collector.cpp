@@ -55,6 +55,7 @@ void OutputSet::publish() {
 void OutputCollector::deliver(PageResult& result) {
     if (result.input == failed_) return;
     if (result.error) return fail(result, *result.error);
+    if (!result.existing.empty()) return console_.skip_input(result.input->name, result.existing);
     try {
         write(result);
     } catch (const files::FileError& error) {

@@ -22,6 +22,7 @@ struct PageResult {
     report::PageRecord record;
     std::optional<report::PagePictures> pictures;  // for the report to look at
     std::optional<files::FileError> error;
+    std::string existing;  // as in PageTask
 };
 
 // The output files of one input: all of them appear, or none. Use: append* publish.

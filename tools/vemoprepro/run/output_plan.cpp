@@ -3,26 +3,27 @@
 // their order.
 #include "run/output_plan.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
 #include "files/file_error.h"
+#include "files/image_file.h"
+#include "page/counted.h"
 
 namespace tool::run {
 namespace {
 
-bool is_folder(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-std::string folder_of(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
+// The folder that a file or a folder is in.
+std::string parent_of(const std::string& path) {
+    const std::size_t end = path.find_last_not_of('/');
+    const std::size_t slash = end == std::string::npos ? end : path.rfind('/', end);
     return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
-const char* extension_of(files::OutputFormat format, bool keeps_kind) {
+const char* ending_of(files::OutputFormat format, bool keeps_kind) {
     switch (format) {
         case files::OutputFormat::kTiff:
             return ".tif";
@@ -46,50 +47,166 @@ std::string page_number(std::size_t number, std::size_t count) {
 }
 
 files::OutputFormat format_of(const Options& options, bool folder) {
+    const std::string& output = options.output;
+    if (folder || options.output_is_stdout() || files::is_stream(output)) {
+        return options.format.value_or(files::OutputFormat::kTiff);
+    }
+    const auto by_name = format_by_name(output);
+    if (options.format && names_document(output) && by_name != options.format) {
+        throw UsageError("-o " + output + ": the name ends in ." + extension_of(output) +
+                         ", which is not what --format " + options.format_name + " writes");
+    }
     if (options.format) return *options.format;
-    if (folder || options.output_is_stdout()) return files::OutputFormat::kTiff;
-    if (const auto format = format_by_name(options.output)) return *format;
-    if (files::is_stream(options.output)) return files::OutputFormat::kTiff;
-    throw UsageError("-o " + options.output +
-                     ": the name ends in no known format (.tif, .png, .pbm); use --format");
+    if (by_name) return *by_name;
+    throw UsageError("-o " + output +
+                     ": the name ends in no format that is written (.tif, .png, .pbm); use "
+                     "--format, or write " +
+                     output + "/ for a folder");
+}
+
+bool is_terminal(const std::string& output) {
+    if (output == "-") return isatty(STDOUT_FILENO) == 1;
+    struct stat status {};
+    if (stat(output.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) return false;
+    const int file = open(output.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    const bool terminal = file >= 0 && isatty(file) == 1;
+    if (file >= 0) close(file);
+    return terminal;
+}
+
+// 1 also where it cannot be told: what is wrong with the file is said when its turn comes.
+std::size_t pages_in(const std::string& input) {
+    try {
+        return input == "-" ? 1 : files::ImageFile(input).page_count();
+    } catch (const std::exception&) {
+        return 1;
+    }
 }
 
 }  // namespace
 
-OutputPlan::OutputPlan(const Options& options)
+OutputPlan::OutputPlan(const Options& options, const InputList& inputs)
     : output_(options.output),
       overwrite_(options.overwrite),
       keeps_kind_(steps::keeps_kind(options.steps.command)) {
     if (output_.empty()) throw UsageError("-o: the name is empty");
-    const bool exists = is_folder(output_);
-    folder_ = exists || options.inputs.size() > 1 || output_.back() == '/';
-    if (folder_ && !exists) throw files::FileError(output_, "no such folder");
-    if (!folder_ && output_ != "-" && !is_folder(folder_of(output_))) {
-        throw files::FileError(output_, "no such folder: " + folder_of(output_));
-    }
+    check_place(inputs);
     format_ = format_of(options, folder_);
-    remember_inputs(options.inputs);
+    check_unique(inputs);
+    remember_inputs(inputs);
+    if (folder_) make_folder(output_);
 }
 
-void OutputPlan::remember_inputs(const std::vector<std::string>& inputs) {
-    for (const std::string& input : inputs) {
-        struct stat status {};
-        if (input != "-" && stat(input.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
-            inputs_.emplace(status.st_dev, status.st_ino);
+OutputPlan::~OutputPlan() {
+    while (!made_folders_.empty()) {
+        rmdir(made_folders_.back().c_str());
+        made_folders_.pop_back();
+    }
+}
+
+void OutputPlan::check_place(const InputList& inputs) {
+    const bool several = inputs.files.size() > 1 || inputs.has_folder;
+    const bool exists = folder_identity(output_).has_value();
+    struct stat status {};
+    const bool in_the_way = !exists && stat(output_.c_str(), &status) == 0;
+    if (several && output_ == "-") throw UsageError("-o -: standard output takes one input");
+    if (several && !exists && output_.back() != '/' && (in_the_way || names_document(output_))) {
+        throw UsageError("-o " + output_ + ": several inputs need a folder, and this names a file");
+    }
+    if (is_terminal(output_)) {
+        throw UsageError("-o " + output_ +
+                         ": is a terminal, which shows no pages; name a file, or put a pipe or "
+                         "> FILE behind it");
+    }
+    folder_ = exists || several || output_.back() == '/';
+    if (exists || output_ == "-") return;
+    const std::string parent = parent_of(output_);
+    if (!folder_identity(parent)) throw files::FileError(output_, "no such folder: " + parent);
+}
+
+void OutputPlan::check_unique(const InputList& inputs) const {
+    if (!folder_ || inputs.files.size() < 2) return;
+    std::map<std::string, std::string> taken;
+    std::string first;
+    std::size_t clashes = 0;
+    for (const InputName& input : inputs.files) {
+        if (!input.error.empty()) continue;
+        for (const std::string& output :
+             names_in_folder(input, numbers_pages() ? pages_in(input.path) : 1)) {
+            const auto [other, is_new] = taken.emplace(output, input.path);
+            if (is_new) continue;
+            if (first.empty()) {
+                first = other->second == input.path
+                            ? input.path + ": is named twice"
+                            : other->second + " and " + input.path + " would both become " + output;
+            }
+            ++clashes;
+            break;
         }
     }
+    if (clashes == 0) return;
+    const std::string more = clashes == 1 ? "" : ", and " + std::to_string(clashes - 1) + " more";
+    throw UsageError(first + more + "; nothing is written");
 }
 
-std::vector<std::string> OutputPlan::names_in_folder(const std::string& input,
+void OutputPlan::remember_inputs(const InputList& inputs) {
+    for (const InputName& input : inputs.files) {
+        struct stat status {};
+        const bool is_file = input.path != "-" && stat(input.path.c_str(), &status) == 0;
+        if (is_file && S_ISREG(status.st_mode)) inputs_.emplace(status.st_dev, status.st_ino);
+    }
+}
+
+void OutputPlan::make_folder(const std::string& path) {
+    if (mkdir(path.c_str(), 0777) == 0) {
+        made_folders_.push_back(path);
+    } else if (errno != EEXIST || !folder_identity(path)) {
+        throw files::system_error_of(path);
+    }
+}
+
+// One after the other: "letters/", "letters/1901/".
+void OutputPlan::make_folders(const std::string& below) {
+    for (std::size_t slash = below.find('/'); slash != std::string::npos;
+         slash = below.find('/', slash + 1)) {
+        make_folder(with_slash(output_) + below.substr(0, slash));
+    }
+}
+
+bool OutputPlan::numbers_pages() const {
+    return folder_ && format_ != files::OutputFormat::kTiff;
+}
+
+std::vector<std::string> OutputPlan::names_in_folder(const InputName& input,
                                                      std::size_t page_count) const {
-    const std::string start = output_ + (output_.back() == '/' ? "" : "/") + stem_of(input);
-    const std::string end = extension_of(format_, keeps_kind_);
-    if (page_count == 1 || format_ == files::OutputFormat::kTiff) return {start + end};
+    const std::string start = with_slash(output_) + input.below + stem_of(input.path);
+    const std::string end = ending_of(format_, keeps_kind_);
+    if (page_count == 1 || !numbers_pages()) return {start + end};
     std::vector<std::string> names;
     for (std::size_t number = 1; number <= page_count; ++number) {
         names.push_back(start + "-" + page_number(number, page_count) + end);
     }
     return names;
+}
+
+std::vector<std::string> OutputPlan::names_of(const InputName& input,
+                                              std::size_t page_count) const {
+    if (folder_) return names_in_folder(input, page_count);
+    return {output_};
+}
+
+std::string OutputPlan::first_name(const InputName& input, std::size_t page_count) const {
+    return names_of(input, page_count).front();
+}
+
+bool OutputPlan::all_exist(const InputName& input, std::size_t page_count) const {
+    for (const std::string& output : names_of(input, page_count)) {
+        struct stat status {};
+        const bool is_file = output != "-" && stat(output.c_str(), &status) == 0;
+        if (!is_file || !S_ISREG(status.st_mode)) return false;
+        if (inputs_.count({status.st_dev, status.st_ino}) != 0) return false;
+    }
+    return true;
 }
 
 void OutputPlan::claim(const std::string& output, const std::string& input) {
@@ -109,20 +226,16 @@ void OutputPlan::claim(const std::string& output, const std::string& input) {
     }
 }
 
-OutputNames OutputPlan::names_for(const std::string& input, std::size_t page_count) {
-    OutputNames names;
-    names.format = format_;
-    if (folder_) {
-        names.files = names_in_folder(input, page_count);
-    } else {
-        if (format_ == files::OutputFormat::kPng && page_count > 1) {
-            throw files::FileError(
-                input, "holds " + std::to_string(page_count) +
-                           " pages and a PNG file only one; name a folder, or a TIFF file");
-        }
-        names.files = {output_};
+OutputNames OutputPlan::names_for(const InputName& input, std::size_t page_count) {
+    const bool one_page_only = !folder_ && format_ == files::OutputFormat::kPng;
+    if (one_page_only && page_count > 1) {
+        throw files::FileError(input.path, "holds " + counted(page_count, "page") +
+                                               " and a PNG file only one; name a folder, or a "
+                                               "TIFF file");
     }
-    for (const std::string& output : names.files) claim(output, input);
+    OutputNames names{format_, names_of(input, page_count)};
+    for (const std::string& output : names.files) claim(output, input.path);
+    if (folder_) make_folders(input.below);
     return names;
 }
 

@@ -1,26 +1,24 @@
 // Which files the pages of an input go to.
 //
-// Use: one plan per run; names_for() once per input, in the order of the inputs. A refusal (the
-// output exists, would replace an input, was taken by an earlier input) comes before any work on
-// the pages.
+// Use: one plan per run; for each input, in their order, all_exist() if wanted, then names_for().
+// What cannot be right (several inputs and one file, two inputs and one output) is refused by the
+// constructor, before anything is written; what stands in the way of one input (the output exists,
+// would replace an input) by names_for(), before any work on its pages.
 #pragma once
 
 #include <map>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "files/page_writer.h"
+#include "run/file_names.h"
+#include "run/inputs.h"
 #include "run/options.h"
+#include "run/usage.h"
 
 namespace tool::run {
-
-// The options do not fit together; exit status 2.
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 struct OutputNames {
     files::OutputFormat format = files::OutputFormat::kTiff;
@@ -34,19 +32,32 @@ struct OutputNames {
 
 class OutputPlan {
   public:
-    // Throws UsageError, or FileError when the folder is missing.
-    explicit OutputPlan(const Options& options);
+    // Makes the folder of outputs when its parent is there. Throws UsageError, or FileError when
+    // the folder is missing and cannot be made.
+    OutputPlan(const Options& options, const InputList& inputs);
+    // Removes the folders again that it has made and nothing was written to.
+    ~OutputPlan();
+    OutputPlan(const OutputPlan&) = delete;
+    OutputPlan& operator=(const OutputPlan&) = delete;
 
-    // Throws FileError.
-    OutputNames names_for(const std::string& input, std::size_t page_count);
+    // Whether the names of an input's outputs depend on its number of pages.
+    bool numbers_pages() const;
+    // Whether all outputs of an input are there, none of them an input.
+    bool all_exist(const InputName& input, std::size_t page_count) const;
+    // Makes the folders that they are in. Throws FileError.
+    OutputNames names_for(const InputName& input, std::size_t page_count);
+    // The name itself, or the first of them.
+    std::string first_name(const InputName& input, std::size_t page_count) const;
 
   private:
-    std::vector<std::string> names_in_folder(const std::string& input,
-                                             std::size_t page_count) const;
+    std::vector<std::string> names_of(const InputName& input, std::size_t page_count) const;
+    std::vector<std::string> names_in_folder(const InputName& input, std::size_t page_count) const;
+    void check_place(const InputList& inputs);
+    void check_unique(const InputList& inputs) const;
+    void make_folder(const std::string& path);
+    void make_folders(const std::string& below);
     void claim(const std::string& output, const std::string& input);
-    void remember_inputs(const std::vector<std::string>& inputs);
-
-    using FileIdentity = std::pair<unsigned long, unsigned long>;
+    void remember_inputs(const InputList& inputs);
 
     std::string output_;
     bool folder_ = false;
@@ -55,6 +66,7 @@ class OutputPlan {
     files::OutputFormat format_ = files::OutputFormat::kTiff;
     std::set<FileIdentity> inputs_;
     std::map<std::string, std::string> taken_;  // output: input
+    std::vector<std::string> made_folders_;
 };
 
 }  // namespace tool::run
