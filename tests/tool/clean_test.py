@@ -279,6 +279,11 @@ class Record(ToolCase):
                 os.remove(self.path("o.tif"))
             else:
                 self.assertTrue(self.one_error(*run).startswith("vemoprepro: r.json: not a record of --json"))
+        for hostile in (b"[" * 200000, b'{"x":' * 200000, b'"' + b"x" * 3000000,
+                        b'{"files":' + b"9" * 3000000 + b"}",
+                        b"{" + b",".join(b'"k%d":1' % i for i in range(200000)) + b"}"):
+            self.write("r.json", hostile)
+            self.assertLess(len(self.one_error(*run)), 300)
 
 
 class SideBySide(ToolCase):

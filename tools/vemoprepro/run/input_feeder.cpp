@@ -3,7 +3,6 @@
 
 #include "page/counted.h"
 #include "run/messages.h"
-#include "run/record_json.h"
 
 namespace tool::run {
 

@@ -14,6 +14,7 @@
 #include "files/image_file.h"
 #include "run/options.h"
 #include "run/output_plan.h"
+#include "run/record_reading.h"
 #include "steps/page_work.h"
 
 namespace tool::run {
@@ -60,7 +61,7 @@ class InputFeeder {
     const Options& options_;
     const InputList& inputs_;
     OutputPlan plan_;
-    std::vector<std::vector<steps::Findings>> findings_;
+    RecordedFindings findings_;
     std::size_t next_input_ = 0;
     std::size_t next_page_ = 0;
     std::shared_ptr<Input> current_;

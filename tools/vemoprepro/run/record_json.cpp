@@ -1,12 +1,6 @@
 #include "run/record_json.h"
 
 #include <cmath>
-#include <cstdint>
-#include <fstream>
-#include <stdexcept>
-#include <utility>
-
-#include "files/file_error.h"
 
 namespace tool::run {
 namespace {
@@ -63,33 +57,6 @@ double rounded(double seconds) {
     return std::round(seconds * 1e4) / 1e4;
 }
 
-// A whole number that an int holds; Json converts everything else without a word.
-int whole_number(const Json& json) {
-    const bool fits = json.is_number_unsigned()
-                          ? json.get<std::uint64_t>() <= INT32_MAX
-                          : json.is_number_integer() && json.get<std::int64_t>() >= INT32_MIN;
-    if (!fits) throw std::out_of_range(json.dump() + " is no whole number of 32 bits");
-    return json.get<int>();
-}
-
-steps::Findings findings_of(const Json& page) {
-    steps::Findings findings;
-    const Json& skew = page.at("skew");
-    if (!skew.is_null()) {
-        findings.skew =
-            steps::Skew{whole_number(skew.at("numerator")), whole_number(skew.at("denominator"))};
-        if (!findings.skew->in_range()) throw std::out_of_range("a skew beyond 10.6 degrees");
-    }
-    const Json& threshold = page.at("threshold");
-    if (!threshold.is_null()) {
-        findings.threshold = whole_number(threshold);
-        if (*findings.threshold < 1 || *findings.threshold > 255) {
-            throw std::out_of_range("a threshold beyond 1 .. 255");
-        }
-    }
-    return findings;
-}
-
 Json step_json(const steps::StepNote& step) {
     const steps::Outcome& outcome = step.outcome;
     return {{"name", step.name},          {"status", outcome.done ? "done" : "skipped"},
@@ -128,23 +95,6 @@ Json file_json(const std::string& input, const std::string& format) {
 std::string document_text(const Json& files) {
     const Json document = {{"program", "vemoprepro " VEMOPREPRO_VERSION}, {"files", files}};
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-std::vector<std::vector<steps::Findings>> read_findings(const std::string& path) {
-    std::ifstream stream(path);
-    if (!stream) throw files::system_error_of(path);
-    try {
-        std::vector<std::vector<steps::Findings>> files;
-        const Json document = Json::parse(stream);
-        for (const Json& file : document.at("files")) {
-            std::vector<steps::Findings> pages;
-            for (const Json& page : file.at("pages")) pages.push_back(findings_of(page));
-            files.push_back(std::move(pages));
-        }
-        return files;
-    } catch (const std::exception& error) {
-        throw files::FileError(path, std::string("not a record of --json: ") + error.what());
-    }
 }
 
 }  // namespace tool::run

@@ -1,9 +1,8 @@
-// The JSON form of page records, which --json prints, and the way back, which --apply goes.
+// The JSON form of page records, which --json prints. record_reading.h is the way back.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "report/page_record.h"
 
@@ -18,8 +17,5 @@ Json file_json(const std::string& input, const std::string& format);
 
 // The whole document, as text that is UTF-8 whatever the file names are.
 std::string document_text(const Json& files);
-
-// The pages of each file of a document. Throws FileError.
-std::vector<std::vector<steps::Findings>> read_findings(const std::string& path);
 
 }  // namespace tool::run
