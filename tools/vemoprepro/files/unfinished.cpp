@@ -6,9 +6,12 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <ctime>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace tool::files {
 namespace {
@@ -24,15 +27,49 @@ void end_by_signal(int signal) {
     raise(signal);
 }
 
-void wait_for_signals(sigset_t signals) {
-    int signal = 0;
-    while (sigwait(&signals, &signal) != 0) {
-    }
-    // The lock is kept to the end, so that nothing is made or published any more.
+// The lock is kept to the end, so that nothing is made or published any more.
+void remove_and_end(int signal) {
     unfinished().lock.lock();
     for (const std::string& path : unfinished().files) unlink(path.c_str());
     for (const std::string& path : unfinished().folders) remove_folder(path);
     end_by_signal(signal);
+}
+
+struct Words {
+    std::mutex lock;
+    std::function<void()> say;
+};
+
+// Never destroyed, like unfinished().
+Words& last_words() {
+    static Words* const words = new Words;
+    return *words;
+}
+
+void say_last_words() {
+    last_words().lock.lock();
+    try {
+        if (last_words().say) last_words().say();
+    } catch (const std::exception&) {
+        // There is nobody left to tell.
+    }
+}
+
+void wait_for_signals(sigset_t signals) {
+    int signal = 0;
+    while (sigwait(&signals, &signal) != 0) {
+    }
+    constexpr timespec kPatience = {10, 0};
+    try {
+        std::thread([signal] {
+            say_last_words();
+            remove_and_end(signal);
+        }).detach();
+        sigtimedwait(&signals, nullptr, &kPatience);
+    } catch (const std::exception&) {
+        // No thread: no words.
+    }
+    remove_and_end(signal);
 }
 
 }  // namespace
@@ -53,6 +90,16 @@ void remove_folder(const std::string& path) {
     }
 }
 
+LastWords::LastWords(std::function<void()> say) {
+    const std::lock_guard guard(last_words().lock);
+    last_words().say = std::move(say);
+}
+
+LastWords::~LastWords() {
+    const std::lock_guard guard(last_words().lock);
+    last_words().say = nullptr;
+}
+
 void remove_unfinished_on_signals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -65,6 +112,7 @@ void remove_unfinished_on_signals() {
     // A pipe that nobody reads is a write error like any other.
     signal(SIGPIPE, SIG_IGN);
     unfinished();
+    last_words();
     std::thread(wait_for_signals, signals).detach();
 }
 

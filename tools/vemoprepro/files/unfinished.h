@@ -8,6 +8,7 @@
 // the same way while it is published or removed.
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -23,6 +24,17 @@ Unfinished& unfinished();
 
 // With all that is in it.
 void remove_folder(const std::string& path);
+
+// While there is one, the first signal has it called before anything is removed, by a thread of its
+// own. What takes longer than ten seconds, or until a second signal, is cut short.
+class LastWords {
+  public:
+    explicit LastWords(std::function<void()> say);
+    // Waits for the end of the program when it is ending already.
+    ~LastWords();
+    LastWords(const LastWords&) = delete;
+    LastWords& operator=(const LastWords&) = delete;
+};
 
 // SIGINT, SIGTERM and SIGHUP then remove all that is unfinished and end the program as usual.
 void remove_unfinished_on_signals();

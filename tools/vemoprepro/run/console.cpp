@@ -48,6 +48,7 @@ Console::Console(const Options& options)
 void Console::start(const std::string& input, const std::string& format, std::size_t page_count) {
     input_ = input;
     page_count_ = page_count;
+    pages_done_ = 0;
     input_warned_ = false;
     if (json_) {
         files_.push_back(file_json(input, format));
@@ -58,6 +59,7 @@ void Console::start(const std::string& input, const std::string& format, std::si
 void Console::page(report::PageRecord record, const std::string& output) {
     const std::string label = page_label(input_, record, page_count_);
     const std::vector<std::string> warnings = warning_lines(record);
+    ++pages_done_;
     if (!quiet_ && verbose_) {
         print_line(label + source_line(record), false);
         print_steps(record, output);
@@ -137,6 +139,26 @@ void Console::clear_progress() {
 
 void Console::print_record() {
     if (json_) std::fputs(document_text(files_).c_str(), record_);
+}
+
+void Console::interrupt(std::size_t inputs) {
+    clear_progress();
+    std::string text = "interrupted: ";
+    if (inputs > 1) {
+        text += std::to_string(tally_.done) + " of " + counted(inputs, "file") + " done (" +
+                counted(tally_.pages, "page") + ")";
+    } else if (input_.empty()) {
+        text += "no page done";
+    }
+    if (!input_.empty()) {
+        if (json_) files_.back()["error"] = "interrupted";
+        text += (inputs > 1 ? ", and " : "") + std::to_string(pages_done_) + " of " +
+                counted(page_count_, "page") + " of " + input_ + ", which is not written";
+    }
+    std::fflush(words_);
+    complain(text);
+    print_record();
+    flush_output();
 }
 
 int Console::finish() {

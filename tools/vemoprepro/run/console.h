@@ -1,7 +1,7 @@
 // What the run says: a line per page (or a line of progress on a terminal), all steps with -v,
 // warnings and complaints, a last line about all files, and the record of --json at the end.
 //
-// Use: (start page* (finish_input | fail_input) | skip_input | note)* finish;
+// Use: (start page* (finish_input | fail_input) | skip_input | note)* (finish | interrupt);
 // finish() gives the exit status of the run. For one thread at a time.
 #pragma once
 
@@ -31,6 +31,8 @@ class Console {
     // What is worth knowing beside the pages.
     void note(const std::string& line);
     int finish();
+    // In place of finish(): a signal ends the run. inputs: of all of it.
+    void interrupt(std::size_t inputs);
 
   private:
     void print_line(const std::string& line, bool as_progress);
@@ -46,8 +48,9 @@ class Console {
     std::FILE* record_;     // the JSON record
     bool terminal_;         // one line of progress instead of a line per page
     std::string progress_;  // the line that stands there, whole; empty: none
-    std::string input_;     // the one in work
+    std::string input_;     // the one in work; empty: none
     std::size_t page_count_ = 0;
+    std::size_t pages_done_ = 0;
     bool input_warned_ = false;
     Tally tally_;
     Json files_ = Json::array();

@@ -3,8 +3,10 @@
 // none wait.
 #include "run/make_pages.h"
 
+#include <mutex>
 #include <utility>
 
+#include "files/unfinished.h"
 #include "report/page_pictures.h"
 #include "run/messages.h"
 #include "run/ordered_queue.h"
@@ -80,7 +82,21 @@ int make_pages(const Options& options) {
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });
-    queue.run(options.jobs, [&](PageResult& result) { collector.deliver(result); });
+    // One of both has the last word: the end of the run or a signal.
+    std::mutex speaking;
+    bool finished = false;
+    const files::LastWords last_words([&] {
+        speaking.lock();  // for good: nothing is delivered any more
+        if (finished) return speaking.unlock();
+        collector.interrupt();
+        console.interrupt(inputs.files.size());
+    });
+    queue.run(options.jobs, [&](PageResult& result) {
+        const std::lock_guard guard(speaking);
+        collector.deliver(result);
+    });
+    const std::lock_guard guard(speaking);
+    finished = true;
     if (pictures) {
         if (const std::optional<files::FileError> error = pictures->finish()) console.fail(*error);
     }

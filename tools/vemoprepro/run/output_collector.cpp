@@ -69,16 +69,19 @@ void OutputCollector::write(PageResult& result) {
     const Input& input = *result.input;
     if (result.page == 0) {
         outputs_.emplace(input.outputs, overwrite_);
+        current_ = result.input;
         console_.start(input.name, name_of(input.file->format()), input.page_count());
     }
     outputs_->append(result.page, std::move(result.data));
     if (pictures_ != nullptr && result.pictures) {
+        reported_ = true;
         pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
     }
     console_.page(std::move(result.record), input.outputs.of_page(result.page));
     if (result.page + 1 < input.page_count()) return;
     outputs_->publish();
     outputs_.reset();
+    current_.reset();
     console_.finish_input(input.outputs.files);
 }
 
@@ -86,9 +89,19 @@ void OutputCollector::fail(PageResult& result, const files::FileError& error) {
     result.input->fail_from(result.page);
     failed_ = result.input;
     outputs_.reset();
+    current_.reset();
     if (result.page == 0) console_.start(result.input->name, "", 0);
     console_.fail_input(error);
-    if (pictures_ != nullptr) pictures_->fail(result.input->name, error.what());
+    if (pictures_ == nullptr) return;
+    reported_ = true;
+    pictures_->fail(result.input->name, error.what());
+}
+
+void OutputCollector::interrupt() {
+    outputs_.reset();
+    if (pictures_ == nullptr || !reported_) return;
+    if (current_) pictures_->fail(current_->name, "interrupted");
+    pictures_->finish();
 }
 
 }  // namespace tool::run

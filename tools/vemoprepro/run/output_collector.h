@@ -50,6 +50,9 @@ class OutputCollector {
         : overwrite_(options.overwrite), console_(console), pictures_(pictures) {}
 
     void deliver(PageResult& result);
+    // In place of all further calls: drops the input that is not complete, and ends the report if
+    // there is anything in it.
+    void interrupt();
 
   private:
     void write(PageResult& result);
@@ -58,7 +61,9 @@ class OutputCollector {
     bool overwrite_;
     Console& console_;
     report::HtmlReport* pictures_;
-    std::shared_ptr<Input> failed_;  // the last input that failed, already reported
+    bool reported_ = false;           // something is in the report
+    std::shared_ptr<Input> failed_;   // the last input that failed, already reported
+    std::shared_ptr<Input> current_;  // the input that is not complete yet; may be null
     std::optional<OutputSet> outputs_;
 };
 
