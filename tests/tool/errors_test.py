@@ -134,6 +134,19 @@ class Errors(ToolCase):
                 self.fails("clean", "a.png", "-o", "-", "-q", "--format", name, stdout=device,
                            lines=[f"-: {full}"])
 
+    def test_too_little_memory_fails_one_file_only(self):
+        with open(PROGRAM, "rb") as file:
+            if b"__asan_init" in file.read():
+                self.skipTest("the address sanitizer needs more than the limit")
+        self.save("big.tif", Image.new("RGB", (16000, 16000), 250), compression="packbits")
+        def limit():
+            resource.setrlimit(resource.RLIMIT_AS, (500 << 20, 500 << 20))
+        for command in (["info"], ["rotate", "90", "-j1", "-o", "out/"]):
+            done = self.run_tool(*command, "big.tif", "a.png", preexec_fn=limit)
+            self.assertEqual((done.returncode, done.errors), (
+                1, ["vemoprepro: big.tif: not enough memory"]))
+            self.assertIn(b"a.png: ", done.stdout)
+
     def test_file_size_limit(self):
         """A write that fails in the middle of a page, in every format."""
         def limit():

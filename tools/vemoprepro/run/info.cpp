@@ -4,8 +4,12 @@
 
 #include <cstdio>
 #include <exception>
+#include <mutex>
+#include <string>
+#include <utility>
 
 #include "files/image_file.h"
+#include "files/unfinished.h"
 #include "page/counted.h"
 #include "run/inputs.h"
 #include "run/messages.h"
@@ -42,32 +46,53 @@ void print_file(const std::string& name, bool words, Json& json) {
     }
 }
 
+// False, with a complaint, when it cannot be read.
+bool read_file(const InputName& input, bool words, Json& json) {
+    try {
+        if (!input.error.empty()) throw files::FileError(input.path, input.error);
+        print_file(input.path, words, json);
+        return true;
+    } catch (const std::exception& error) {
+        std::fflush(stdout);
+        complain(input.path, what_failed(error));
+        json["error"] = what_failed(error);
+        return false;
+    }
+}
+
 }  // namespace
 
 int print_info(const Options& options) {
     const bool words = !options.json && !options.quiet;
     int status = kExitDone;
     Json files = Json::array();
+    const auto print_record = [&] {
+        if (options.json) std::fputs(document_text(files).c_str(), stdout);
+        return flush_output();
+    };
     const InputList inputs = list_inputs(options);
     if (words) {
         for (const std::string& note : inputs.notes) std::printf("%s\n", shown(note).c_str());
     }
+    // One of both has the last word: the end of the run or a signal.
+    std::mutex speaking;
+    bool finished = false;
+    const files::LastWords last_words([&] {
+        speaking.lock();  // for good
+        if (finished) return speaking.unlock();
+        complain("interrupted: " + std::to_string(files.size()) + " of " +
+                 counted(inputs.files.size(), "file") + " read");
+        print_record();
+    });
     for (const InputName& input : inputs.files) {
-        const std::string& name = input.path;
-        files.push_back(file_json(name, ""));
-        try {
-            if (!input.error.empty()) throw files::FileError(name, input.error);
-            print_file(name, words, files.back());
-        } catch (const std::exception& error) {
-            const std::string what = what_failed(error);
-            std::fflush(stdout);
-            complain(name, what);
-            files.back()["error"] = what;
-            status = kExitFailed;
-        }
+        Json entry = file_json(input.path, "");
+        if (!read_file(input, words, entry)) status = kExitFailed;
+        const std::lock_guard guard(speaking);
+        files.push_back(std::move(entry));
     }
-    if (options.json) std::fputs(document_text(files).c_str(), stdout);
-    return flush_output() ? status : kExitFailed;
+    const std::lock_guard guard(speaking);
+    finished = true;
+    return print_record() ? status : kExitFailed;
 }
 
 }  // namespace tool::run

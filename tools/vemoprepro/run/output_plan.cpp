@@ -145,7 +145,8 @@ void OutputPlan::check_unique(const InputList& inputs) const {
         }
     }
     if (clashes == 0) return;
-    const std::string more = clashes == 1 ? "" : ", and " + std::to_string(clashes - 1) + " more";
+    const std::string more =
+        clashes == 1 ? "" : " (and " + std::to_string(clashes - 1) + " more clash)";
     throw UsageError(first + more + "; nothing is written");
 }
 

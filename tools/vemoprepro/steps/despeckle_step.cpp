@@ -7,6 +7,7 @@
 #include <new>
 #include <string>
 
+#include "page/counted.h"
 #include "page/paper_scale.h"
 #include "reading/specks.h"
 #include "steps/ink_removal.h"
@@ -60,7 +61,7 @@ reading::SpeckRule usual_rule(const PageWork& work, bool reading) {
 }
 
 std::string specks_words(int area) {
-    return "specks of up to " + std::to_string(area) + " pixels";
+    return "specks of up to " + counted(area, "pixel");
 }
 
 Outcome remove_usual(PageWork& work, const StepOptions& options) {
@@ -115,7 +116,7 @@ Step textmask_step(const StepOptions& options) {
                 const int height = std::min(
                     32767, asked.max_height.value_or(scaled_length(work.page, kTallestText)));
                 const std::string what =
-                    "all but text of up to " + std::to_string(height) + " pixels height";
+                    "all but text of up to " + counted(height, "pixel") + " height";
                 return remove_ink(
                     work.page, Excess::kAllowed, box_of(work.page), what, [=](Page& changed) {
                         if (pre_tva(changed.bytes.get(), changed.height, changed.width,
