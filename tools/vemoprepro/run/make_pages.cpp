@@ -25,7 +25,6 @@ void work_on(const Options& options, const steps::Pipeline& pipeline, const Page
     steps::PageWork work;
     work.page = task.input->file->read_page(task.page);
     if (!task.input->findings.empty()) work.given = task.input->findings[task.page];
-    work.wants_fan = pictured;
     steps::settle_resolution(work, options.steps);
     report::PagePainter painter;
     steps::process(pipeline, work, pictured ? &painter : nullptr);

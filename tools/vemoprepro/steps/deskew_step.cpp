@@ -1,5 +1,4 @@
-// Straightening. The skew is measured on the ink of the page; of a grey page on what binarizing it
-// for reading gives. A bitonal page is turned by the library's shears, a grey one is resampled.
+// Straightening. A bitonal page is turned by the library's shears, a grey one is resampled.
 #include <vemoprepro/deskew.h>
 
 #include <cmath>
@@ -9,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "reading/edge_bits.h"
 #include "reading/resample.h"
+#include "reading/small_ink.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/skew_measure.h"
@@ -19,19 +18,10 @@
 namespace tool::steps {
 namespace {
 
-// Two measurements of one page agree up to this many pixels of drift over 512, a third of a degree.
-constexpr int kAgreement = 3;
+// Turning a page by less blurs or breaks more than it straightens.
+constexpr double kStraightDegrees = 0.06;
 
-// The whole page, which measures most exactly, unless its inner part clearly says something else:
-// then a border or a streak has been measured, and not the text.
-MeasuredSkew measure(const Page& page, bool with_fan) {
-    MeasuredSkew of_page = measure_skew(page, box_of(page), with_fan);
-    const std::optional<Box> inner = part_within_margins(page);
-    if (!inner) return of_page;
-    MeasuredSkew within = measure_skew(page, *inner, with_fan);
-    const bool agree = std::abs(within.skew.numerator - of_page.skew.numerator) <= kAgreement;
-    return within.clear() && !(of_page.clear() && agree) ? within : of_page;
-}
+constexpr int kShortestSide = 32;  // of a page with room for lines
 
 // The straight page without its pixels.
 Page straight_frame(const Page& page, Skew skew) {
@@ -61,7 +51,7 @@ void straighten(Page& page, Skew skew, Page straight) {
 }
 
 Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
-    if (skew.numerator == 0) return {false, "already straight" + source};
+    if (std::abs(skew.degrees()) < kStraightDegrees) return {false, "already straight" + source};
     Page straight = straight_frame(page, skew);
     if (straight.width > kLongestSide || straight.height > kLongestSide) {
         return {false, "straight it would be larger than 32767 pixels a side" + source};
@@ -71,20 +61,19 @@ Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
 }
 
 Outcome measure_and_straighten(PageWork& work) {
-    const Page& page = work.page;
-    if (page.height < kShortestSkewSide || page.width < kShortestSkewSide) {
+    if (work.page.height < kShortestSide || work.page.width < kShortestSide) {
         return {false, "smaller than 32 pixels a side"};
     }
-    MeasuredSkew measured = page.kind == PageKind::kGrey
-                                ? measure(reading::bits_for_reading(page), work.wants_fan)
-                                : measure(page, work.wants_fan);
+    if (!work.small_ink) work.small_ink = reading::small_ink(work.page);
+    const MeasuredSkew measured = measure_skew(*work.small_ink);
     work.skew = measured.skew;
     work.confidence = measured.confidence;
-    if (std::isnan(measured.confidence)) return {false, "no ink on the page"};
-    work.fan = std::move(measured.fan);
+    work.fan = measured.fan;
     const std::string confidence = with_digits(" (confidence %.2f)", measured.confidence);
-    if (!measured.clear()) return {false, "no clear skew" + confidence};
-    return straighten_by(work.page, measured.skew, confidence);
+    if (!measured.skew) {
+        return {false, measured.doubt + (measured.confidence > 0 ? confidence : "")};
+    }
+    return straighten_by(work.page, *measured.skew, confidence);
 }
 
 }  // namespace

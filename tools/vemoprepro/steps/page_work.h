@@ -52,12 +52,14 @@ struct PageWork {
     WorkingResolution resolution;
     reading::LetterSurvey letters;  // of the page before its first step, in pixels of `page`
     Findings given;
-    bool wants_fan = false;  // the skew fan is to be kept
 
     PageShape source;       // of the page before its first step
     int quarter_turns = 0;  // clockwise, that the steps have made
 
-    std::optional<Skew> skew;
+    // The upright page as reading::small_ink() gives it, from before steps change its ink.
+    std::optional<Page> small_ink;
+
+    std::optional<Skew> skew;          // none when none was looked for, or none is clear
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<SkewFan> fan;
     std::optional<int> threshold;

@@ -13,14 +13,15 @@ namespace {
 // are, and specks go last, so that crumbs of ruled lines are among them.
 Pipeline cleaning_steps(const StepOptions& options) {
     if (options.for_reading) {
-        return {orientation_step(),   grey_step(),
-                border_step(options), prepare_step(options),
-                deskew_step(options), binarize_step(options),
-                unline_step(options), despeckle_step(options)};
+        return {orientation_step(options), grey_step(),
+                border_step(options),      prepare_step(options),
+                deskew_step(options),      binarize_step(options),
+                unline_step(options),      despeckle_step(options)};
     }
-    return {
-        orientation_step(),      grey_step(),          border_step(options), binarize_step(options),
-        despeckle_step(options), deskew_step(options), unline_step(options)};
+    return {orientation_step(options), grey_step(),
+            border_step(options),      binarize_step(options),
+            despeckle_step(options),   deskew_step(options),
+            unline_step(options)};
 }
 
 }  // namespace
@@ -30,21 +31,21 @@ Pipeline make_pipeline(const StepOptions& options) {
         case Command::kClean:
             break;
         case Command::kBinarize:
-            return {orientation_step(), grey_step(), binarize_step(options)};
+            return {orientation_step(options), grey_step(), binarize_step(options)};
         case Command::kDeskew:
-            return {orientation_step(), deskew_step(options)};
+            return {orientation_step(options), deskew_step(options)};
         case Command::kRotate:
-            return {orientation_step(), rotate_step(options.quarter_turns)};
+            return {orientation_step(options), rotate_step(options.quarter_turns)};
         case Command::kDespeckle:
-            return {orientation_step(), despeckle_step(options)};
+            return {orientation_step(options), despeckle_step(options)};
         case Command::kUnline:
-            return {orientation_step(), unline_step(options)};
+            return {orientation_step(options), unline_step(options)};
         case Command::kUnderlines:
-            return {orientation_step(), underlines_step(options)};
+            return {orientation_step(options), underlines_step(options)};
         case Command::kCrop:
-            return {orientation_step(), border_step(options)};
+            return {orientation_step(options), border_step(options)};
         case Command::kTextmask:
-            return {orientation_step(), textmask_step(options)};
+            return {orientation_step(options), textmask_step(options)};
     }
     return cleaning_steps(options);
 }

@@ -1,21 +1,17 @@
-// How well the ink lines up along each slope that a skew search tried.
-//
-// Use: read_fan() on the trace that the library's estimator writes. A trace without a search that
-// it knows gives empty curves.
+// How well the ink of a page lines up along each slope that was tried, as its skew was decided by.
 #pragma once
 
-#include <istream>
 #include <vector>
 
 namespace tool::steps {
 
 struct FanPoint {
     double degrees;
-    double score;  // the alignment, in multiples of the worst one
+    double score;  // the alignment, in multiples of the usual one of its direction
 };
 
-// The searches of one direction, each ordered by its degrees. The fine one goes around the best
-// candidate of the coarse one, at twice the resolution and with a worst of its own.
+// The slopes of one direction, each ordered by its degrees. The fine ones lie around the peak,
+// which is one of them: between the slopes that were tried a parabola runs.
 struct FanCurves {
     std::vector<FanPoint> coarse;
     std::vector<FanPoint> fine;
@@ -27,10 +23,5 @@ struct SkewFan {
 
     bool empty() const { return lines.coarse.empty() && stems.coarse.empty(); }
 };
-
-// The name of the trace in the folder that the estimator is given.
-constexpr const char* kSkewTraceName = "estimate_skew_of_binary_image.log";
-
-SkewFan read_fan(std::istream& trace);
 
 }  // namespace tool::steps

@@ -1,47 +1,86 @@
-// Calls the library's estimator on a part of a page, which it takes as a page of its own.
+// Lines of text are what a page is straightened by. Where there are none, or what stands upright is
+// far clearer (bars, the columns of a table, lines of text on a page that lies sideways), it is by
+// that.
 #include "steps/skew_measure.h"
 
-#include <vemoprepro/deskew.h>
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 
-#include <fstream>
-#include <new>
-#include <utility>
-
-#include "files/temporary_file.h"
+#include "page/turn.h"
+#include "reading/lined_ink.h"
+#include "reading/skew_peak.h"
 
 namespace tool::steps {
 namespace {
 
-constexpr int kMarginFraction = 12;
+using reading::JudgedFan;
+using reading::SlopeFan;
+
+constexpr int kShortestSide = 8;  // of a page with a fan
+
+// In Skew::kScale, finer than slopes are tried: a parabola runs between them.
+constexpr int kFineness = 8;
+static_assert(SlopeFan::kRun == Skew::kScale);
+
+Skew skew_of_slope(double slope) {
+    return {static_cast<int>(std::lround(slope * kFineness)), Skew::kScale * kFineness};
+}
+
+JudgedFan judged_fan(const Page& ink) {
+    if (ink.width < kShortestSide || ink.height < kShortestSide) return {};
+    return reading::judge(reading::fan_along_rows(ink));
+}
+
+FanCurves curves_of(const JudgedFan& judged) {
+    FanCurves curves;
+    for (int slope = -Skew::kLargest; slope <= Skew::kLargest; ++slope) {
+        const auto index = static_cast<std::size_t>(slope + SlopeFan::kSteepest);
+        curves.coarse.push_back({skew_of_slope(slope).degrees(), judged.heights[index]});
+    }
+    for (int i = -kFineness; i <= kFineness; ++i) {
+        const double past = 1.0 * i / kFineness;
+        curves.fine.push_back(
+            {skew_of_slope(judged.highest + past).degrees(), judged.height_near_peak(past)});
+    }
+    return curves;
+}
+
+bool has_ink(const Page& page) {
+    return std::any_of(page.bytes.get(), page.bytes.get() + page.size(),
+                       [](unsigned char byte) { return byte != 0; });
+}
+
+// Stems are only followed where they stand out by far: letters slant.
+constexpr double kClearStems = 2.5;
+constexpr double kFarClearer = 2;
+
+bool stems_decide(const JudgedFan& lines, const JudgedFan& stems) {
+    const bool lines_stand_out = lines.clear() || lines.height >= kClearStems;
+    return stems.clear() && stems.height >= kClearStems &&
+           (!lines_stand_out || stems.height > kFarClearer * lines.height);
+}
 
 }  // namespace
 
-std::optional<Box> part_within_margins(const Page& page) {
-    const int margin_x = page.width / kMarginFraction / 8 * 8;
-    const int margin_y = page.height / kMarginFraction;
-    const Box inner{margin_x, margin_y, page.width - 2 * margin_x, page.height - 2 * margin_y};
-    if (inner.width < kShortestSkewSide || inner.height < kShortestSkewSide) return std::nullopt;
-    return inner;
-}
+MeasuredSkew measure_skew(const Page& ink) {
+    Page lined = reading::lined_ink(ink);
+    const JudgedFan lines = judged_fan(lined);
+    turn(lined, 1);
+    const JudgedFan stems = judged_fan(lined);
+    const JudgedFan& decisive = stems_decide(lines, stems) ? stems : lines;
 
-MeasuredSkew measure_skew(const Page& page, const Box& part, bool with_fan) {
-    std::optional<files::TemporaryFolder> folder;
-    if (with_fan) folder.emplace();
-    const bool traced = folder && !folder->path().empty();
     MeasuredSkew measured;
-    int height = 0, width = 0;
-    const unsigned char* corner =
-        page.bytes.get() + static_cast<std::size_t>(part.y) * page.stride() + part.x / 8;
-    if (estimate_skew_of_binary_image(
-            traced ? 1 : 0, traced ? folder->path().c_str() : nullptr, corner, part.height,
-            part.width, static_cast<int>(page.stride()), &measured.skew.numerator,
-            &measured.skew.denominator, &measured.confidence, &height, &width) != 0) {
-        throw std::bad_alloc();
-    }
-    if (traced) {
-        std::ifstream trace(folder->path() + "/" + kSkewTraceName);
-        SkewFan fan = read_fan(trace);
-        if (!fan.empty()) measured.fan = std::move(fan);
+    measured.confidence = decisive.height;
+    measured.fan = {curves_of(lines), curves_of(stems)};
+    if (decisive.height == 0) {
+        measured.doubt = has_ink(ink) ? "no clear skew" : "no ink on the page";
+    } else if (!decisive.clear()) {
+        measured.doubt = "no clear skew";
+    } else if (std::abs(decisive.slope) > Skew::kLargest) {
+        measured.doubt = "the skew is beyond 10.6 degrees";
+    } else {
+        measured.skew = skew_of_slope(decisive.slope);
     }
     return measured;
 }

@@ -1,11 +1,11 @@
-// The skew of a part of a bitonal page.
+// The skew of a page, from the way its lines lie.
 //
-// Use: measure_skew(page, box_of(page), with_fan).
-//
-// Keep true: a part has at least kShortestSkewSide pixels a side and starts at a whole byte.
+// Use: measure_skew(reading::small_ink(page)), with the page of any kind, before steps
+// change its ink: so every command comes to the same skew.
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "page/page.h"
 #include "steps/skew.h"
@@ -13,24 +13,14 @@
 
 namespace tool::steps {
 
-// The estimator needs this many pixels a side.
-constexpr int kShortestSkewSide = 32;
-
 struct MeasuredSkew {
-    Skew skew;
-    double confidence = 0;  // not a number without ink
-    std::optional<SkewFan> fan;
-
-    // Below this confidence the estimator finds no direction that stands out.
-    static constexpr double kClearConfidence = 1.5;
-    bool clear() const { return confidence >= kClearConfidence; }
+    std::optional<Skew> skew;  // none when none is clear
+    double confidence = 0;     // the score of the fan's peak; 0 without ink
+    std::string doubt;         // why none is clear
+    SkewFan fan;
 };
 
-// The page without a twelfth of each side, where scanner borders, lamp streaks and punch holes lie;
-// none when too little is left.
-std::optional<Box> part_within_margins(const Page& page);
-
-// with_fan: the fan of the search is kept as well, unless there is no place to write its trace to.
-MeasuredSkew measure_skew(const Page& page, const Box& part, bool with_fan);
+// ink: bitonal.
+MeasuredSkew measure_skew(const Page& ink);
 
 }  // namespace tool::steps

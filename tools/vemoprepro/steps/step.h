@@ -29,7 +29,7 @@ struct Step {
 constexpr const char* kSwitchedOff = "switched off";
 
 // Turns the page as its file asks for.
-Step orientation_step();
+Step orientation_step(const StepOptions& options);
 // Turns the page clockwise.
 Step rotate_step(int quarter_turns);
 // Makes a colour page grey, the one that the library binarizes it from: lets go of the colours
@@ -42,8 +42,8 @@ Step border_step(const StepOptions& options);
 Step prepare_step(const StepOptions& options);
 // Makes a grey page bitonal.
 Step binarize_step(const StepOptions& options);
-// Measures the skew of a bitonal page (or takes the given one) and turns the page straight. With
-// --for ocr it does so with grey pages, too.
+// Measures the skew of a page (or takes the given one) and turns a bitonal page straight; with
+// --for ocr a grey one, too.
 Step deskew_step(const StepOptions& options);
 
 // Steps on bitonal pages.
