@@ -58,7 +58,7 @@ class Clean(ToolCase):
 
     def test_skipped_steps_say_why(self):
         noise = np.random.default_rng(3).integers(0, 256, (300, 200), dtype=np.uint8)
-        cases = [(noise, [], "no clear skew (confidence "),
+        cases = [(noise, ["--threshold", "128"], "no clear skew (confidence "),
                  (np.full((300, 200), 255, np.uint8), [], "no ink on the page"),
                  (noise[:31], [], "smaller than 32 pixels a side"),
                  (text_page(), [], "already straight (confidence "),

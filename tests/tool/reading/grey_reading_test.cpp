@@ -8,9 +8,11 @@
 #include <random>
 
 #include "drawn_page.h"
+#include "page/ink.h"
 #include "reading/even_light.h"
 #include "reading/impulses.h"
 #include "reading/ink_contrast.h"
+#include "reading/paper_bits.h"
 
 namespace {
 
@@ -76,6 +78,28 @@ TEST(EvenLight, MakesAllPaperOneGrey) {
             }
         }
     }
+}
+
+// Print in the light and deep in the shade, a dark picture with sharp edges, and the noise of blank
+// paper.
+TEST(PaperBits, KeepPrintAndDarkAreas) {
+    std::mt19937 random(2);
+    const auto noise = [&] { return static_cast<int>(random() % 5) - 2; };
+    const auto paper = [](int x) { return 240 - x * 200 / 1200; };
+    const auto in_picture = [](int x, int y) { return x < 300 && y > 400; };
+    const Page grey = tool::grey_page(1200, 700, [&](int x, int y) {
+        if (in_picture(x, y)) return 45 + noise();
+        return (y > 300 ? paper(x) : printed(paper(x), x, y)) + noise();
+    });
+    const Page bits = reading::bits_by_paper(grey);
+    int wrong = 0;
+    for (int y = 0; y < grey.height; ++y) {
+        for (int x = 0; x < grey.width; ++x) {
+            const bool ink = in_picture(x, y) || (y <= 300 && x % 12 < 3 && y % 20 < 14);
+            wrong += tool::is_ink(bits, x, y) != ink;
+        }
+    }
+    EXPECT_LT(wrong, 100);
 }
 
 TEST(InkContrast, IsThatOfTheStrongInk) {

@@ -152,6 +152,17 @@ class TurnedGrid {
     std::int64_t cosine_, sine_;
 };
 
+// The grey of most light pixels of a sample; 255 where all are dark.
+unsigned char paper_grey(const Page& grey) {
+    constexpr int kSampledRows = 16, kLight = 128;
+    std::array<int, 256> counts{};
+    for (int y = 0; y < grey.height; y += kSampledRows) {
+        for (int x = 0; x < grey.width; ++x) ++counts[grey.row(y)[x]];
+    }
+    const auto most = std::max_element(counts.begin() + kLight, counts.end());
+    return *most == 0 ? 255 : static_cast<unsigned char>(most - counts.begin());
+}
+
 }  // namespace
 
 Page doubled(const Page& grey) {
@@ -183,6 +194,7 @@ Page levelled(const Page& grey, int rise, int run, int width, int height) {
     level.scale = grey.scale;
     const WeightTable& table = weights();
     const TurnedGrid grid(grey, rise, run, width, height);
+    const unsigned char paper = paper_grey(grey);
     const int right = (grey.width - 1) * kPlaces;
     const int bottom = (grey.height - 1) * kPlaces;
     for (int y = 0; y < height; ++y) {
@@ -191,7 +203,7 @@ Page levelled(const Page& grey, int rise, int run, int width, int height) {
         for (int x = 0; x < width; ++x, grid.step_right(point)) {
             const int px = TurnedGrid::place(point.x), py = TurnedGrid::place(point.y);
             const bool on_page = px >= 0 && py >= 0 && px <= right && py <= bottom;
-            row[x] = !on_page                           ? 255
+            row[x] = !on_page                           ? paper
                      : has_all_neighbours(grey, px, py) ? grey_inside(grey, table, px, py)
                                                         : grey_near_edge(grey, table, px, py);
         }

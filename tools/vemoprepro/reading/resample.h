@@ -12,7 +12,8 @@ namespace tool::reading {
 Page doubled(const Page& grey);
 
 // A grey page turned about its centre so that lines which rise to the right by `rise` pixels over
-// `run` lie level. What the page does not cover becomes white. width, height: of the result.
+// `run` lie level. What the page does not cover gets the grey of its paper, which leaves no edge
+// there. width, height: of the result.
 Page levelled(const Page& grey, int rise, int run, int width, int height);
 
 }  // namespace tool::reading

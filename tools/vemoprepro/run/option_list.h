@@ -16,7 +16,7 @@ namespace tool::run {
 struct RawOptions {
     std::string format;
     std::string threshold = "auto";
-    std::string method = "gradient";
+    std::string method = "paper";
     std::string purpose;
     std::vector<std::string> lines;
     bool no_despeckle = false;

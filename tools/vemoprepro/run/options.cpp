@@ -68,6 +68,8 @@ void take_binarization(const CLI::App& command, Options& options, const RawOptio
         options.steps.binarization = steps::Binarization::kFixed;
     } else if (given(command, "--threshold") || raw.method == "otsu") {
         options.steps.binarization = steps::Binarization::kOtsu;
+    } else if (raw.method == "gradient") {
+        options.steps.binarization = steps::Binarization::kGradient;
     }
 }
 

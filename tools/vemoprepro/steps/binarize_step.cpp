@@ -1,4 +1,5 @@
-// Bitonal pages: by the gradient method, by Otsu's, or by a given threshold.
+// Bitonal pages: by the grey of the paper, by the gradient method, by Otsu's, or by a given
+// threshold.
 #include <vemoprepro/binarization.h>
 
 #include <algorithm>
@@ -10,6 +11,8 @@
 #include "page/row_reader.h"
 #include "reading/binarization_settings.h"
 #include "reading/edge_bits.h"
+#include "reading/light_print.h"
+#include "reading/paper_bits.h"
 #include "steps/step.h"
 
 namespace tool::steps {
@@ -49,6 +52,13 @@ Page gradient_bits(const Page& grey) {
                     grey.height, bits.bytes.get()) != 0) {
         throw std::bad_alloc();
     }
+    return bits;
+}
+
+// Light print beside black ink, which recognition is spared, is what the reader may look for.
+Page paper_bits(const Page& grey) {
+    Page bits = reading::bits_by_paper(grey);
+    reading::add_light_print(bits, gradient_bits(grey));
     return bits;
 }
 
@@ -93,8 +103,14 @@ Outcome threshold_by(PageWork& work, int threshold, const char* source) {
     return {true, "threshold " + std::to_string(threshold) + source};
 }
 
-Outcome binarize_for_reading(PageWork& work, bool with_faint_ink) {
-    if (with_faint_ink) work.with_faint_ink = reading::bits_with_faint_ink(work.page);
+Outcome binarize_for_reading(PageWork& work, const StepOptions& options) {
+    if (options.lines.wanted()) {
+        work.with_faint_ink = reading::bits_with_faint_ink(work.page);
+    }
+    if (options.binarization == Binarization::kPaper) {
+        work.page = reading::bits_by_paper(work.page);
+        return {true, "thresholds by the paper"};
+    }
     work.page = reading::bits_for_reading(work.page);
     return {true, "gradient thresholds for the contrast of the ink"};
 }
@@ -105,8 +121,12 @@ Outcome binarize(PageWork& work, const StepOptions& options) {
     switch (options.binarization) {
         case Binarization::kFixed:
             return threshold_by(work, options.threshold, " (as given)");
+        case Binarization::kPaper:
+            if (options.for_reading) return binarize_for_reading(work, options);
+            work.page = paper_bits(work.page);
+            return {true, "thresholds by the paper"};
         case Binarization::kGradient:
-            if (options.for_reading) return binarize_for_reading(work, options.lines.wanted());
+            if (options.for_reading) return binarize_for_reading(work, options);
             work.page = gradient_bits(work.page);
             return {true, "gradient thresholds"};
         case Binarization::kOtsu:

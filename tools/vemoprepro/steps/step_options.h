@@ -25,7 +25,7 @@ constexpr bool keeps_kind(Command command) {
     return command == Command::kRotate || command == Command::kCrop;
 }
 
-enum class Binarization { kGradient, kOtsu, kFixed };
+enum class Binarization { kPaper, kGradient, kOtsu, kFixed };
 
 // A length or an area in pixels that a step works with. None stands for its default, which is
 // scaled by the resolution.
@@ -56,7 +56,7 @@ struct StepOptions {
     std::optional<int> dpi;  // none: the file's, or the default
     bool straighten = true;
     std::optional<Skew> skew;  // none: measured
-    Binarization binarization = Binarization::kGradient;
+    Binarization binarization = Binarization::kPaper;
     int threshold = 0;         // of fixed binarization
     bool for_reading = false;  // --for ocr
     bool prepare = false;      // for reading

@@ -1,0 +1,78 @@
+// The pages are compared in cells of 32 x 32 pixels with the cells around each: what is added keeps
+// its distance from what is there, whose edges the other page has a little elsewhere.
+#include "reading/light_print.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace tool::reading {
+namespace {
+
+constexpr int kCell = 32;
+// The page is as good as blank with less than this share of the other's ink, in per cent; print
+// itself fills less than this share of a cell.
+constexpr int kBlank = 5;
+constexpr int kMostPrint = 50;
+
+struct Cells {
+    int across, down;
+    std::vector<int> ink;
+
+    explicit Cells(const Page& bits)
+        : across(static_cast<int>(bits.stride()) / 4),
+          down((bits.height + kCell - 1) / kCell),
+          ink(static_cast<std::size_t>(across) * static_cast<std::size_t>(down)) {
+        for (int y = 0; y < bits.height; ++y) {
+            for (int i = 0; i < across; ++i) {
+                std::uint32_t pixels;
+                std::memcpy(&pixels, bits.row(y) + 4 * i, 4);
+                ink[index(i, y / kCell)] += std::popcount(pixels);
+            }
+        }
+    }
+
+    std::size_t index(int i, int j) const {
+        return static_cast<std::size_t>(j) * static_cast<std::size_t>(across) +
+               static_cast<std::size_t>(i);
+    }
+    // Calls visit(ink) for the cell and those within `reach` around it.
+    template <class Visit>
+    void around(int i, int j, int reach, Visit visit) const {
+        for (int v = std::max(0, j - reach); v <= std::min(down - 1, j + reach); ++v) {
+            for (int u = std::max(0, i - reach); u <= std::min(across - 1, i + reach); ++u) {
+                visit(ink[index(u, v)]);
+            }
+        }
+    }
+    int ink_around(int i, int j) const {
+        int sum = 0;
+        around(i, j, 1, [&](int cell) { sum += cell; });
+        return sum;
+    }
+    // Near dark areas the edges are those of the dark.
+    bool may_be_print(int i, int j) const {
+        int most = 0;
+        around(i, j, 2, [&](int cell) { most = std::max(most, cell); });
+        return ink[index(i, j)] > 0 && most * 100 <= kMostPrint * kCell * kCell;
+    }
+};
+
+}  // namespace
+
+void add_light_print(Page& bits, const Page& by_edges) {
+    const Cells own(bits), other(by_edges);
+    for (int j = 0; j < own.down; ++j) {
+        for (int i = 0; i < own.across; ++i) {
+            if (!other.may_be_print(i, j)) continue;
+            if (own.ink_around(i, j) * 100 >= kBlank * other.ink_around(i, j)) continue;
+            for (int y = j * kCell; y < std::min(bits.height, (j + 1) * kCell); ++y) {
+                for (int k = 4 * i; k < 4 * i + 4; ++k) bits.row(y)[k] |= by_edges.row(y)[k];
+            }
+        }
+    }
+}
+
+}  // namespace tool::reading
