@@ -8,12 +8,16 @@ namespace {
 constexpr int kSmallQuality = 82;
 // Strokes are judged by it.
 constexpr int kFullQuality = 85;
+// Of zlib, as Leptonica takes it: plus 10. Files of the usual level 6 take twice the time to make
+// and are 3 % smaller.
+constexpr int kPngLevel = 14;
 
 EncodedPicture jpeg(const files::PixOwner& image, int quality, int width, int height) {
     return {"image/jpeg", ".jpg", files::jpeg_of(image.get(), quality), width, height};
 }
 
 EncodedPicture png(const files::PixOwner& image, int width, int height) {
+    pixSetSpecial(image.get(), kPngLevel);
     return {"image/png", ".png", files::png_of(image.get()), width, height};
 }
 

@@ -4,10 +4,6 @@
 
 namespace tool::report {
 
-Point Placement::of(Point point) const {
-    return {a * point.x + c * point.y + e, b * point.x + d * point.y + f};
-}
-
 Placement Placement::then(const Placement& next) const {
     const Point origin = next.of({e, f});
     return {next.a * a + next.c * b,

@@ -13,7 +13,9 @@ struct Point {
 struct Placement {
     double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
 
-    Point of(Point point) const;
+    Point of(Point point) const {
+        return {a * point.x + c * point.y + e, b * point.x + d * point.y + f};
+    }
     Placement then(const Placement& next) const;
     // Of a map that is no more than a turn with a scale.
     Placement inverse() const;

@@ -9,24 +9,34 @@
 namespace tool::report {
 namespace {
 
+// The sums of a row of squares; of bitonal pages sums of darkness, most of which are none.
 struct Cells {
     std::vector<std::uint32_t> sums;
     int factor;
     int channels;
 
     void add_row(const Page& page, int y) {
-        const unsigned char* row = page.row(y);
-        const auto count = static_cast<std::size_t>(channels);
-        for (int x = 0; x < page.width; ++x) {
-            std::uint32_t* cell = sums.data() + static_cast<std::size_t>(x / factor) * count;
-            if (page.kind == PageKind::kBitonal) {
-                *cell += is_ink(row, x) ? 0U : 255U;
-                continue;
+        if (page.kind == PageKind::kBitonal) {
+            add_ink(page, y);
+            return;
+        }
+        const unsigned char* pixel = page.row(y);
+        std::uint32_t* cell = sums.data();
+        for (int x = 0; x < page.width; x += factor, cell += channels) {
+            const int end = std::min(x + factor, page.width);
+            for (int i = x; i < end; ++i) {
+                for (int channel = 0; channel < channels; ++channel) cell[channel] += *pixel++;
             }
-            const unsigned char* pixel = row + static_cast<std::size_t>(x) * count;
-            for (std::size_t channel = 0; channel < count; ++channel) {
-                cell[channel] += pixel[channel];
-            }
+        }
+    }
+
+  private:
+    void add_ink(const Page& page, int y) {
+        int end = 0;
+        for (int x = next_pixel(page, 0, y, true); x < page.width;
+             x = next_pixel(page, end, y, true)) {
+            end = next_pixel(page, x, y, false);
+            for (; x < end; ++x) sums[static_cast<std::size_t>(x / factor)] += 255;
         }
     }
 };
@@ -55,7 +65,9 @@ ScaledPicture scaled_down(const Page& page) {
             const int x = static_cast<int>(i) / picture.channels * picture.factor;
             const int columns = std::min(picture.factor, page.width - x);
             const auto area = static_cast<std::uint32_t>(columns * (bottom - top));
-            picture.pixels.push_back(static_cast<std::uint8_t>(cells.sums[i] / area));
+            const std::uint32_t sum = cells.sums[i];
+            picture.pixels.push_back(static_cast<std::uint8_t>(
+                (page.kind == PageKind::kBitonal ? 255 * area - sum : sum) / area));
         }
     }
     return picture;

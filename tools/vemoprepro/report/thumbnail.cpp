@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kLongestSide = 180;
 constexpr int kGap = 6;
-constexpr int kPlaces = 5;  // looked up across a pixel, and down
+constexpr int kPlaces = 4;  // looked up across a pixel, and down
 constexpr std::array<double, 3> kBeyond = {231, 231, 227};
 
 using Tone = std::array<double, 3>;
