@@ -186,6 +186,7 @@ class ForReading(ToolCase):
                 shaded[rng.random(page.shape) < noise] = grey
             ink, steps = self.read(shaded)
             self.assertEqual("specks" in steps["prepare"]["why"], noise > 0)
+            self.assertEqual(steps["prepare"]["ink_removed"] is not None, noise > 0)
             self.assertLess((ink ^ plain).sum(), (0.25 if noise else 0.05) * plain.sum(), slope)
             self.assertLess(ink[:50].mean(), 0.001)
 

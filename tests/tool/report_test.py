@@ -166,6 +166,16 @@ class Report(ToolCase):
                 box.click()
                 self.assertEqual(marks.is_displayed(), shown)
 
+    def test_specks_that_go_with_the_greys_are_marked(self):
+        page = np.asarray(text_page()).copy()
+        specks = np.random.default_rng(3).random(page.shape) < 0.04
+        page[specks] = 20
+        self.save("a.png", page, dpi=(300, 300))
+        self.report_on("clean", "a.png", "-o", "a.tif", "--for", "ocr", "--no-deskew")
+        marks = np.asarray(self.picture("0001-removed-prepare.png").convert("RGBA"))[..., 3] > 0
+        self.assertGreater((marks & specks).sum(), 0.8 * marks.sum())
+        self.assertGreater(marks[:50, 20:-20].sum(), 0.9 * specks[:50, 20:-20].sum())
+
     def peaks(self):
         """The highest points of the fan, by the names of its curves."""
         points = [title.get_attribute("textContent") for title in self.all(".fan .fine circle > title")]

@@ -10,6 +10,7 @@ namespace {
 
 // "letter.jpg", or "letter.jpg and 3 more"
 std::string title_of(const std::vector<std::string>& inputs) {
+    if (inputs.empty()) return "no pages";
     std::string title = inputs.front() == "-" ? "standard input" : inputs.front();
     if (inputs.size() > 1) title += " and " + std::to_string(inputs.size() - 1) + " more";
     return title;

@@ -61,6 +61,21 @@ void PagePainter::source(const Page& page) {
 
 void PagePainter::after(const steps::Step& step, const steps::PageWork& work) {
     const CountedTime counted(seconds_);
+    if (step.effect == steps::Effect::kChangesTone && work.grey_specks && !specks_marked_) {
+        specks_marked_ = true;
+        mark(step.name, *work.grey_specks, last_);
+    }
+    follow(step, work);
+    Page now = light_page(work.page);
+    if (step.effect == steps::Effect::kTakesInk) {
+        if (const std::optional<Page> removed = removed_pixels(last_, now)) {
+            mark(step.name, *removed, now);
+        }
+    }
+    last_ = std::move(now);
+}
+
+void PagePainter::follow(const steps::Step& step, const steps::PageWork& work) {
     const Page& page = work.page;
     const int quarter_turns =
         work.quarter_turns - std::exchange(quarter_turns_, work.quarter_turns);
@@ -74,18 +89,15 @@ void PagePainter::after(const steps::Step& step, const steps::PageWork& work) {
     } else if (page.width != last_.width || page.height != last_.height) {
         move(scaled_to(size_of(last_), size_of(page)));
     }
-    Page now = light_page(page);
-    if (step.effect == steps::Effect::kTakesInk) {
-        if (const std::optional<Page> removed = removed_pixels(last_, now)) {
-            const Colour colour = mark_colour(step.name);
-            RemovedInk& ink = pictures_.removed.emplace_back();
-            ink.step = step.name;
-            ink.marks.small = marks_of(*removed, colour);
-            ink.marks.full = encode_ink(*removed, colour);
-            ink.spots = spots_of(*removed, now);
-        }
-    }
-    last_ = std::move(now);
+}
+
+void PagePainter::mark(const std::string& step, const Page& removed, const Page& page) {
+    const Colour colour = mark_colour(step);
+    RemovedInk& ink = pictures_.removed.emplace_back();
+    ink.step = step;
+    ink.marks.small = marks_of(removed, colour);
+    ink.marks.full = encode_ink(removed, colour);
+    ink.spots = spots_of(removed, page);
 }
 
 PagePictures PagePainter::take(const Page& page, std::optional<steps::SkewFan> fan) {

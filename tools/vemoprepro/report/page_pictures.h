@@ -51,12 +51,16 @@ class PagePainter final : public steps::PageWatcher {
 
   private:
     void paint_before(const Page& page);
-    // All pictures so far move with the page.
+    // All pictures so far go where a step has put the page.
+    void follow(const steps::Step& step, const steps::PageWork& work);
     void move(const Placement& by);
+    // page: of the same size, for the ink beside what was removed.
+    void mark(const std::string& step, const Page& removed, const Page& page);
 
     double seconds_ = 0;
     Page last_;
     int quarter_turns_ = 0;
+    bool specks_marked_ = false;
     ScaledPicture first_;
     PagePictures pictures_;
 };

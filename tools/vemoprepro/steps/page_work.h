@@ -65,6 +65,8 @@ struct PageWork {
     std::optional<int> threshold;
     std::optional<Box> content;  // of the upright page, inside the border that was taken off
     bool heavily_specked = false;
+    // Dark specks that went with the greys of such a page: a bitonal page, as large as it was then.
+    std::optional<Page> grey_specks;
     // The page with ink that is faint beside the rest of it as well, from binarizing it for reading
     // until its ruled lines are removed.
     std::optional<Page> with_faint_ink;
