@@ -29,17 +29,18 @@ class Messages(ToolCase):
     def test_a_warning_is_said_on_standard_error(self):
         said = "despeckle skipped: would take 100 % of the ink"
         for options in ((), ("-q",), ("-v",), ("--json",)):
-            done = self.good("clean", "specks.png", "-o", "a.tif", "--overwrite", *options)
+            done = self.good("clean", "specks.png", "-o", "a.tif", "--overwrite", "--despeckle", 6,
+                             *options)
             self.assertEqual(done.errors[-1:], [f"vemoprepro: specks.png: warning: {said}"], options)
         self.save("two.tif", text_page().convert("1"), specked_page(), dpi=(300, 300))
-        self.assertEqual(self.good("despeckle", "two.tif", "-o", "b.tif").errors[1:],
+        self.assertEqual(self.good("despeckle", "two.tif", "-o", "b.tif", "--max-area", 6).errors[1:],
                          [f"vemoprepro: two.tif: page 2 of 2: warning: {said}"])
 
     def test_the_last_line_counts_the_files(self):
         self.write("bad.png", b"")
         self.save("three.tif", *[text_page()] * 3)
         names = ["good.png", "specks.png", "bad.png", "three.tif"]
-        done = self.run_tool("clean", *names, "-o", "out")
+        done = self.run_tool("clean", *names, "-o", "out", "--despeckle", 6)
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stdout.decode().splitlines()[-1],
                          "4 files: 3 done (5 pages), 1 of them with warnings, 1 failed")

@@ -82,7 +82,7 @@ class Report(ToolCase):
     def page_with_marks(self):
         self.save("a.png", ruled_page(0, 20), dpi=(300, 300))
         self.report_on("clean", "a.png", "-o", "a.tif", "--remove-lines", "horizontal",
-                       "--no-deskew", "--force")
+                       "--no-deskew", "--force", "--despeckle", 6)
         self.open_page()
 
     def tearDown(self):
@@ -173,24 +173,26 @@ class Report(ToolCase):
         self.save("a.png", page, dpi=(300, 300))
         self.report_on("clean", "a.png", "-o", "a.tif", "--for", "ocr", "--no-deskew")
         marks = np.asarray(self.picture("0001-removed-prepare.png").convert("RGBA"))[..., 3] > 0
-        self.assertGreater((marks & specks).sum(), 0.8 * marks.sum())
+        self.assertGreater((marks & specks).sum(), 0.6 * marks.sum())
         self.assertGreater(marks[:50, 20:-20].sum(), 0.9 * specks[:50, 20:-20].sum())
 
     def peaks(self):
-        """The highest points of the fan, by the names of its curves."""
+        """The highest points of the fan by the names of its curves: (score, the degrees that have it)."""
         points = [title.get_attribute("textContent") for title in self.all(".fan .fine circle > title")]
         peaks = {}
         for point in points:
             name, degrees, score = re.fullmatch(r"(.*), (.*)°: (.*)", point).groups()
-            peaks[name] = max(peaks.get(name, (0, 0)), (float(score), degrees))
+            best, places = peaks.get(name, (0, []))
+            peaks[name] = (float(score), (places if float(score) == best else []) + [degrees]) \
+                if float(score) >= best else (best, places)
         return peaks
 
     def test_fan_peaks_at_the_skew(self):
         self.save("a.png", text_page(3))
         page = self.report_on("clean", "a.png", "-o", "a.tif")[0]["pages"][0]
         self.open_page()
-        score, degrees = self.peaks()["lines"]
-        self.assertAlmostEqual(float(degrees), page["skew"]["degrees"], delta=0.01)
+        score, places = self.peaks()["lines"]
+        self.assertAlmostEqual(float(places[len(places) // 2]), page["skew"]["degrees"], delta=0.01)
         self.assertAlmostEqual(score, page["skew"]["confidence"], delta=0.01)
         self.assertEqual(self.all(".fan .found text")[0].text, "%.2f°" % page["skew"]["degrees"])
 
@@ -206,7 +208,7 @@ class Report(ToolCase):
         self.open_page()
         self.assertEqual(self.all(".fan .found"), [])
         words = self.all(".fan .refused text")[0].text
-        self.assertIn(words, [degrees + "°, not followed" for _, degrees in self.peaks().values()])
+        self.assertIn(words, [degrees + "°, not followed" for _, places in self.peaks().values() for degrees in places])
         self.assertIn(step["why"], self.all(".fan figcaption")[0].text)
 
     def rows(self):
@@ -251,7 +253,7 @@ class Report(ToolCase):
                  self.save("dotted.png", dotted, dpi=(300, 300)),
                  self.save("erased.png", dotted, dpi=(300, 300))]
         os.mkdir(self.path("out"))
-        files = self.report_on("clean", *names[:2], "-o", "out", "--threshold", 128)
+        files = self.report_on("clean", *names[:2], "-o", "out", "--threshold", 128, "--despeckle", 6)
         page = files[1]["pages"][0]
         self.assertEqual([step["name"] for step in page["steps"] if step["warning"]], ["despeckle"])
         rows = self.rows()
@@ -261,7 +263,7 @@ class Report(ToolCase):
         rows["dotted.png"][1].find_element(By.TAG_NAME, "a").click()
         self.assertIn(why, self.all(".warning")[0].text)
         self.report_on("clean", "plain.png", "erased.png", "-o", "out", "--threshold", 128, "--overwrite",
-                       "--force")
+                       "--force", "--despeckle", 6)
         marked = {name: [cell.text for cell in cells if "much" in (cell.get_attribute("class") or "")]
                   for name, cells in self.rows().items()}
         self.assertEqual((len(marked["plain.png"]), len(marked["erased.png"])), (0, 1))

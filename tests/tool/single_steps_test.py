@@ -165,7 +165,7 @@ class Words(ToolCase):
                                      "  orientation: skipped: already upright"])
         self.assertEqual(lines[2:4], ["  crop: skipped: switched off",
                                       "  binarize: done: thresholds by the paper"])
-        self.assertRegex(lines[4], r"^  despeckle: done: specks of up to 6 pixels, \d\.\d % of the ink$")
+        self.assertRegex(lines[4], r"^  despeckle: done: specks of up to 6 pixels away from letters, \d\.\d % of the ink$")
         self.assertRegex(lines[5], r"^  deskew: done: skew 2\.\d\d degrees \(confidence \d\.\d\d\)$")
         self.assertRegex(lines[7], r"^  written: bitonal, 6\d\d x 8\d\d pixels, to a\.tif \(.* s\)$")
 

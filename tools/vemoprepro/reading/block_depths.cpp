@@ -92,8 +92,8 @@ PageDepths depths_of(const Page& grey) {
     depths.blocks.reserve(depths.paper.values.size());
     for (int j = 0; j < depths.paper.down; ++j) {
         for (int i = 0; i < depths.paper.across; ++i) {
-            depths.blocks.push_back(measure(grey, depths.paper.box(grey, i, j),
-                                            depths.paper.at(i, j), depths.of_ink));
+            depths.blocks.push_back(
+                measure(grey, depths.paper.box(grey, i, j), depths.paper.at(i, j), depths.of_ink));
         }
     }
     return depths;

@@ -26,8 +26,8 @@ struct BlockDepths {
 struct PageDepths {
     BlockGrid paper;
     std::vector<bool> paper_seen;
-    std::vector<BlockDepths> blocks;             // in the order of the grid's values
-    std::array<std::int64_t, 256> of_ink{};      // histogram of the depths in blocks with ink
+    std::vector<BlockDepths> blocks;         // in the order of the grid's values
+    std::array<std::int64_t, 256> of_ink{};  // histogram of the depths in blocks with ink
 };
 
 PageDepths depths_of(const Page& grey);

@@ -1,8 +1,8 @@
 // The grey of a block's paper is the upper quartile of its greys, since letters darken less than
 // three quarters of a block. Where ink fills a block all the same, its grey is replaced by a
 // morphological closing over the blocks around it (a dilation, then an erosion). A closing lightens
-// narrow shades, too; so blocks in the shade keep their own grey, as far as it falls off gently from
-// block to block, which ink does not. A mean over the nearest blocks then smooths the greys.
+// narrow shades, too; so blocks in the shade keep their own grey, as far as it falls off gently
+// from block to block, which ink does not. A mean over the nearest blocks then smooths the greys.
 #include "reading/paper.h"
 
 #include <algorithm>
@@ -43,8 +43,8 @@ bool falls_gently(int from, int to) {
     return to * 100 >= from * kGentle;
 }
 
-// Light blocks that are as light as their surroundings, and from there all that gently lead away into
-// the shade.
+// Light blocks that are as light as their surroundings, and from there all that gently lead away
+// into the shade.
 std::vector<bool> seen_blocks(const BlockGrid& own, const BlockGrid& around) {
     const int light = white_of(own) * kLit / 100;
     std::vector<bool> seen(own.values.size());

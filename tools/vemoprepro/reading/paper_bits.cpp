@@ -31,7 +31,8 @@ constexpr double kLowestShare = 0.4;
 // In noise the threshold is so many deviations, but not more than this share of the ink's depth.
 constexpr double kOverNoise = 5;
 constexpr double kNoisyShare = 0.6;
-// What is darker than this share of the page's white, has no print and is no paper in the shade, is a dark area.
+// What is darker than this share of the page's white, has no print and is no paper in the shade, is
+// a dark area.
 constexpr double kDarkArea = 0.45;
 constexpr int kPrintInTheDark = 40;  // greys
 // The page with pale print is taken when this share of the pieces is left.
@@ -78,10 +79,10 @@ BlockGrid limits(const PageDepths& depths, double threshold, double lowest) {
         for (int i = 0; i < grid.across; ++i) {
             const BlockDepths& block = depths.blocks[grid.index(i, j)];
             const double ink = depth_of_ink(depths, i, j);
-            double depth = std::min(threshold, std::max({kPaleShare * ink, lowest * threshold,
-                                                         kLeastPale}));
-            depth = std::max(depth, std::min(kOverNoise * block.noise,
-                                             std::max(threshold, kNoisyShare * ink)));
+            double depth =
+                std::min(threshold, std::max({kPaleShare * ink, lowest * threshold, kLeastPale}));
+            depth = std::max(
+                depth, std::min(kOverNoise * block.noise, std::max(threshold, kNoisyShare * ink)));
             double limit = block.paper * (1 - depth / kWhiteDepth);
             if (block.paper < dark_area && is_dark_area(depths, grid.index(i, j))) {
                 limit = dark_area;
@@ -92,8 +93,8 @@ BlockGrid limits(const PageDepths& depths, double threshold, double lowest) {
     return grid;
 }
 
-// Marks the pixels that are no lighter than a limit which begins at `limit` and grows by `step` from
-// pixel to pixel, both in 256ths of a grey.
+// Marks the pixels that are no lighter than a limit which begins at `limit` and grows by `step`
+// from pixel to pixel, both in 256ths of a grey.
 void mark_dark(const unsigned char* __restrict greys, int count, int limit, int step,
                unsigned char* __restrict marks) {
     for (int x = 0; x < count; ++x) marks[x] = greys[x] * 256 <= limit + x * step;

@@ -61,12 +61,13 @@ void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
 }
 
 CLI::Option* add_threshold(CLI::App& command, RawOptions& raw) {
-    auto* method = command
-                       .add_option("--binarize", raw.method,
-                                   "paper (default): by how much darker than its paper ink is; gradient: by "
-                                   "edges around every spot; otsu: one threshold for "
-                                   "the page")
-                       ->check(CLI::IsMember({"paper", "gradient", "otsu"}));
+    auto* method =
+        command
+            .add_option("--binarize", raw.method,
+                        "paper (default): by how much darker than its paper ink is; gradient: by "
+                        "edges around every spot; otsu: one threshold for "
+                        "the page")
+            ->check(CLI::IsMember({"paper", "gradient", "otsu"}));
     auto* threshold = command.add_option(
         "--threshold", raw.threshold,
         "One threshold: darker greys become black, 1 .. 255, or auto (Otsu's method)");
