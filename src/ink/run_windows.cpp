@@ -65,10 +65,11 @@ void RunWindows::label_to(std::int32_t y_end) {
     if (count > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
         throw std::bad_alloc();
     }
-    if (count > labels_.size()) {
-        const std::size_t capacity = count + count / 8;  // windows of noise differ by little
+    const std::size_t room = count + simd::kRunSlack / 2;
+    if (room > runs_.size()) {
+        const std::size_t capacity = room + count / 8;  // windows of noise differ by little
         labels_ = larger_buffer(labels_, capacity);
-        runs_ = larger_buffer(runs_, capacity + simd::kRunSlack / 2);
+        runs_ = larger_buffer(runs_, capacity);
     }
     if (labelled_ == y_end) return;
     simd::extract_rows(page_.row(labelled_), page_.stride, y_end - labelled_, page_.width, false,
