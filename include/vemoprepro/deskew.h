@@ -88,8 +88,9 @@ VEMOPREPRO_API int skrotbmp_dim(int skew, int scale, int height, int width, int*
  * copied, the padding bits in the last byte of a row come along as if they were pixels beyond its
  * right edge: clear them where that matters.
  *
- * Up to 32 units the working memory holds the runs of ink of 1,024 / |units| rows, at most 48 bytes
- * for each, or up to 6 MB where these are few; beyond, 40 bytes for each row.
+ * Up to 32 units the working memory holds the runs of ink of 1,024 / |units| rows, or 131,072 runs
+ * where these are fewer: 12 bytes for each run, and up to 120 more for each that is a piece of ink
+ * of its own. Beyond, it is 40 bytes for each row.
  *
  * @param skew numerator of the skew
  * @param scale its denominator
