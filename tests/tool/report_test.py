@@ -223,6 +223,7 @@ class Report(ToolCase):
         os.mkdir(self.path("out"))
         files = self.report_on("clean", *names, "bad & <b>.png", "-o", "out", "-j", 2,
                                "--binarize", "otsu")
+        self.assertTrue(self.all("header p")[0].text.startswith("3 pages, 1 failed. Cleaned"))
         name, failed = list(self.rows().items())[0]
         self.assertEqual(name, "bad & <b>.png")
         self.assertIn(files[-1]["error"], failed[2].text)

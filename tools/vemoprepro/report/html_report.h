@@ -43,8 +43,14 @@ class HtmlReport {
                     const PagePictures& pictures);
     void write_waiting_page(bool another_follows);
 
+    // "; not in this report: 7 files" when finish() comes before the last one.
+    std::string missing_text() const;
+    void count_input(const std::string& input, std::size_t pages_to_come);
+
     ReportFolder folder_;
     std::string title_;
+    std::size_t inputs_to_come_;
+    std::size_t pages_to_come_ = 0;  // of the last input
     std::vector<FigureRow> rows_;
     std::size_t page_count_ = 0;
     std::optional<WaitingPage> waiting_;
