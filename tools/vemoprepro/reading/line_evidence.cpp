@@ -44,11 +44,15 @@ constexpr double kMostRough = 0.5;
 // bends by up to 1 %, pieces of circles as long as they can be followed by 1.5 to 3.7 %.
 constexpr double kMostBent = 0.012;
 constexpr double kAlwaysStraight = 1.5;  // pixels
+// Ruled lines are as level as the text; what is steeper is drawn.
+constexpr double kSteepest = 0.015;
 // The side of a thick letter is no line.
 constexpr int kLeastLengthInThickness = 20;
 // So many lines make a group, the line itself among them; a stave has five. Just as many make a
 // large stave, whose lines lie up to so many times as far apart.
 constexpr int kGroup = 5;
+// The bars of a barcode lie this close, in times the thickness of the thin ones.
+constexpr int kPitchInThickness = 4;
 constexpr double kLargeStave = 1.6;
 // A line that joins none and is no longer than so many times the least may be an underline or the
 // bar of a fraction, unless so much of it has paper within 2 mm on both sides.
@@ -154,7 +158,7 @@ double middle_of(const LineColumn& column) {
 
 // The mean distances of short pieces from the straight line through all columns: letters that touch
 // the line and its ragged edge move single columns.
-bool is_straight(const RuledLine& line) {
+bool is_straight_and_level(const RuledLine& line) {
     constexpr std::size_t kPiece = 16;
     double n = 0, sum_x = 0, sum_y = 0, sum_xx = 0, sum_xy = 0;
     for (std::size_t i = 0; i < line.columns.size(); ++i) {
@@ -170,6 +174,7 @@ bool is_straight(const RuledLine& line) {
     const double spread = n * sum_xx - sum_x * sum_x;
     if (spread <= 0) return true;
     const double slope = (n * sum_xy - sum_x * sum_y) / spread;
+    if (std::abs(slope) > kSteepest) return false;
     const double start = (sum_y - slope * sum_x) / n;
     const double most =
         std::max(kAlwaysStraight, kMostBent * static_cast<double>(line.columns.size()));
@@ -283,7 +288,8 @@ bool is_long_enough(const Page& page, const RuledLine& line, const LineScale& sc
 
 Sureness judge(const Page& page, const Page& untouched, const RuledLine& line,
                const LineScale& scale) {
-    if (!is_long_enough(untouched, line, scale) || is_in_group(page, line, scale.pitch)) {
+    if (!is_long_enough(untouched, line, scale) ||
+        is_in_group(page, line, std::max(scale.pitch, kPitchInThickness * line.thickness))) {
         return Sureness::kNoLine;
     }
     const ColumnCount count = count_columns(page, line, scale);
@@ -295,7 +301,8 @@ Sureness judge(const Page& page, const Page& untouched, const RuledLine& line,
     const bool two_sided =
         at_least(std::min(count.free_above, count.free_below), kLeastFreeOfOneSide, length);
     if (!at_least(count.alone, kLeastAlone, count.ink) || !two_sided || !(unbroken || runs_on) ||
-        !is_smooth(line) || !is_straight(line) || !lies_among_paper(page, line, scale.around)) {
+        !is_smooth(line) || !is_straight_and_level(line) ||
+        !lies_among_paper(page, line, scale.around)) {
         return Sureness::kNoLine;
     }
     const bool sure = unbroken || (at_least(count.in_pieces, kSureInPieces, length) &&
