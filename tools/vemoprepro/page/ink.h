@@ -5,10 +5,19 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 
 #include "page/page.h"
 
 namespace tool {
+
+// How many bits of a word are set. Without an instruction for it, which not every machine has, a
+// compiler calls a function for each word.
+constexpr int count_bits(std::uint32_t word) {
+    word -= word >> 1 & 0x55555555;
+    word = (word & 0x33333333) + (word >> 2 & 0x33333333);
+    return static_cast<int>(((word + (word >> 4)) & 0x0F0F0F0F) * 0x01010101 >> 24);
+}
 
 // The bit of column x in its byte of a row.
 constexpr int ink_bit(int x) {

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace tool::reading {
@@ -17,9 +18,9 @@ struct Run {
 };
 
 std::uint64_t pixels_at(const unsigned char* bytes) {
-    std::uint64_t pixels = 0;
-    for (int i = 0; i < 8; ++i) pixels = pixels << 8 | bytes[i];
-    return pixels;
+    std::uint64_t pixels;
+    std::memcpy(&pixels, bytes, sizeof pixels);
+    return std::endian::native == std::endian::little ? __builtin_bswap64(pixels) : pixels;
 }
 
 // Up to 64 pixels from the 32-bit word `index` of a row on, the leftmost in the highest bit.
@@ -34,21 +35,24 @@ void find_runs(const Page& bits, int y, std::vector<Run>& runs) {
     runs.clear();
     const unsigned char* row = bits.row(y);
     const std::size_t words = bits.stride() / 4;
-    std::uint64_t last = 0;
+    std::uint64_t last = 0;  // the pixel before the word
+    int begin = 0;           // of the run that is open
     for (std::size_t i = 0; i < words; i += 2) {
         const std::uint64_t pixels = pixels_at(row, i, words);
         std::uint64_t changes = pixels ^ (pixels >> 1 | last << 63);
-        last = pixels & 1;
-        for (; changes != 0; changes &= ~(std::uint64_t{1} << 63 >> std::countl_zero(changes))) {
-            const int x = static_cast<int>(32 * i) + std::countl_zero(changes);
-            if (runs.empty() || runs.back().x1 >= 0) {
-                runs.push_back({x, -1, -1});
+        while (changes != 0) {
+            const int place = std::countl_zero(changes);
+            changes ^= std::uint64_t{1} << 63 >> place;
+            const int x = static_cast<int>(32 * i) + place;
+            if (last == 0) {
+                begin = x;
             } else {
-                runs.back().x1 = x;
+                runs.push_back({begin, x, -1});
             }
+            last ^= 1;
         }
     }
-    if (!runs.empty() && runs.back().x1 < 0) runs.back().x1 = bits.width;
+    if (last != 0) runs.push_back({begin, bits.width, -1});
 }
 
 class Labelling {

@@ -5,11 +5,9 @@
 #include "reading/letters.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -251,29 +249,27 @@ void turn(std::vector<Component>& components) {
               [](const Component& a, const Component& b) { return a.y0 < b.y0; });
 }
 
-bool mostly_black(const Page& bits) {
-    std::int64_t ink = 0;
-    for (std::size_t i = 0; i < bits.size(); i += 4) {
-        std::uint32_t word;
-        std::memcpy(&word, &bits.bytes[i], sizeof word);
-        ink += std::popcount(word);
-    }
-    return 2 * ink > std::int64_t{bits.width} * bits.height;
-}
-
-LetterSurvey survey_bits(const Page& bits, bool sideways) {
-    std::vector<Component> components = components_of(bits);
+LetterSurvey survey_components(std::vector<Component> components, const Page& bits, bool sideways) {
     if (!sideways) return survey_of(std::move(components), bits.width, bits.height);
     turn(components);
     return survey_of(std::move(components), bits.height, bits.width);
 }
 
+bool mostly_black(const std::vector<Component>& components, const Page& bits) {
+    std::int64_t ink = 0;
+    for (const Component& component : components) ink += component.area;
+    return 2 * ink > std::int64_t{bits.width} * bits.height;
+}
+
 LetterSurvey survey_halved(const Page& page, int halvings) {
     const Page bits = coarse_bits(page, halvings);
     const bool sideways = page.quarter_turns % 2 == 1;
-    LetterSurvey survey = survey_bits(bits, sideways);
-    if (mostly_black(bits)) {
-        LetterSurvey light = survey_bits(inverted(bits), sideways);
+    std::vector<Component> components = components_of(bits);
+    const bool dark = mostly_black(components, bits);
+    LetterSurvey survey = survey_components(std::move(components), bits, sideways);
+    if (dark) {
+        const Page other = inverted(bits);
+        LetterSurvey light = survey_components(components_of(other), other, sideways);
         light.light_on_dark = true;
         if (light.letters > survey.letters) survey = light;
     }

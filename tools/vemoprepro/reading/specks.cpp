@@ -173,12 +173,14 @@ void remove_dirt(Page& page, const SpeckRule& rule) {
     for (const Component& dot : small) lift(page, {dot.first_x, dot.y0}, pixels);
 
     std::vector<bool> keep(small.size());
-    mark_rows(small, rule.row_distance, page.width, page.height, keep);
-    mark_rows(turned(small), rule.row_distance, page.height, page.width, keep);
     for (std::size_t i = 0; i < small.size(); ++i) {
         const Component& dot = small[i];
-        keep[i] = keep[i] || dot.area > rule.max_area ||
+        keep[i] = dot.area > rule.max_area ||
                   (dot.area >= rule.least_dot && has_ink(page, around(dot, rule.near)));
+    }
+    if (std::find(keep.begin(), keep.end(), false) != keep.end()) {
+        mark_rows(small, rule.row_distance, page.width, page.height, keep);
+        mark_rows(turned(small), rule.row_distance, page.height, page.width, keep);
     }
     std::size_t end = 0;
     for (std::size_t i = 0; i < small.size(); ++i) {

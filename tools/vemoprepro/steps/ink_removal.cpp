@@ -1,11 +1,11 @@
 #include "steps/ink_removal.h"
 
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
+#include "page/ink.h"
 #include "steps/number_text.h"
 
 namespace tool::steps {
@@ -32,8 +32,8 @@ InkCount count_ink(const Page& before, const Page& after, const Box& box) {
     for (int y = box.y; y < box.y + box.height; ++y) {
         for (int i = box.x / 32; i < end; ++i) {
             const std::uint32_t ink = ink_word(before, y, i);
-            count.before += std::popcount(ink);
-            count.lost += std::popcount(ink & ~ink_word(after, y, i));
+            count.before += count_bits(ink);
+            count.lost += count_bits(ink & ~ink_word(after, y, i));
         }
     }
     return count;
@@ -41,7 +41,10 @@ InkCount count_ink(const Page& before, const Page& after, const Box& box) {
 
 bool is_nearly_blank(const Page& page) {
     std::int64_t ink = 0;
-    for (std::size_t i = 0; i < page.size(); ++i) ink += std::popcount(page.bytes[i]);
+    const int words = static_cast<int>(page.stride() / 4);
+    for (int y = 0; y < page.height; ++y) {
+        for (int i = 0; i < words; ++i) ink += count_bits(ink_word(page, y, i));
+    }
     return ink * kNearlyBlank < std::int64_t{page.width} * page.height;
 }
 
