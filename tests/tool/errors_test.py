@@ -5,7 +5,6 @@ import os
 import resource
 import signal
 import subprocess
-import time
 import unittest
 
 import numpy as np
@@ -178,17 +177,6 @@ class Errors(ToolCase):
                 running.stdout.read()
                 self.assertEqual(running.wait(), -number)
             self.assertEqual(sorted(os.listdir(self.here)), ["a.png", "in.tif"])
-
-    def test_signals_remove_temporary_folders(self):
-        self.save("in.tif", *[text_page(1, (2400, 3200))] * 3)
-        os.mkdir(self.path("t"))
-        with self.start("--report", "look", env={**os.environ, "TMPDIR": self.path("t")}) as running:
-            running.stdout.readline()
-            running.send_signal(signal.SIGINT)
-            running.stdout.read()
-            self.assertEqual(running.wait(), -signal.SIGINT)
-        self.assertEqual(os.listdir(self.path("t")), [])
-        self.assertEqual([name for name in os.listdir(self.path("look")) if name[0] == "."], [])
 
     def test_closed_standard_streams(self):
         def run(closed, *arguments):

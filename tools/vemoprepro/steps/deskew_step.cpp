@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "reading/resample.h"
-#include "reading/small_ink.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/skew_measure.h"
@@ -64,8 +63,8 @@ Outcome measure_and_straighten(PageWork& work) {
     if (work.page.height < kShortestSide || work.page.width < kShortestSide) {
         return {false, "smaller than 32 pixels a side"};
     }
-    if (!work.small_ink) work.small_ink = reading::small_ink(work.page);
-    const MeasuredSkew measured = measure_skew(*work.small_ink);
+    if (!work.lie) work.lie = reading::look_how_it_lies(work.page);
+    const MeasuredSkew measured = measure_skew(*work.lie);
     work.skew = measured.skew;
     work.confidence = measured.confidence;
     work.fan = measured.fan;

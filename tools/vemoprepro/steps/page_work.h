@@ -11,6 +11,7 @@
 
 #include "page/page.h"
 #include "reading/letters.h"
+#include "reading/page_lie.h"
 #include "steps/skew.h"
 #include "steps/skew_fan.h"
 
@@ -56,8 +57,7 @@ struct PageWork {
     PageShape source;       // of the page before its first step
     int quarter_turns = 0;  // clockwise, that the steps have made
 
-    // The upright page as reading::small_ink() gives it, from before steps change its ink.
-    std::optional<Page> small_ink;
+    std::optional<reading::PageLie> lie;  // once it was looked at, before steps change the ink
 
     std::optional<Skew> skew;          // none when none was looked for, or none is clear
     std::optional<double> confidence;  // none when the skew was not measured

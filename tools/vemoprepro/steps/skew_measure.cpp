@@ -3,13 +3,8 @@
 // that.
 #include "steps/skew_measure.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
-
-#include "page/turn.h"
-#include "reading/lined_ink.h"
-#include "reading/skew_peak.h"
 
 namespace tool::steps {
 namespace {
@@ -17,19 +12,12 @@ namespace {
 using reading::JudgedFan;
 using reading::SlopeFan;
 
-constexpr int kShortestSide = 8;  // of a page with a fan
-
 // In Skew::kScale, finer than slopes are tried: a parabola runs between them.
 constexpr int kFineness = 8;
 static_assert(SlopeFan::kRun == Skew::kScale);
 
 Skew skew_of_slope(double slope) {
     return {static_cast<int>(std::lround(slope * kFineness)), Skew::kScale * kFineness};
-}
-
-JudgedFan judged_fan(const Page& ink) {
-    if (ink.width < kShortestSide || ink.height < kShortestSide) return {};
-    return reading::judge(reading::fan_along_rows(ink));
 }
 
 FanCurves curves_of(const JudgedFan& judged) {
@@ -46,11 +34,6 @@ FanCurves curves_of(const JudgedFan& judged) {
     return curves;
 }
 
-bool has_ink(const Page& page) {
-    return std::any_of(page.bytes.get(), page.bytes.get() + page.size(),
-                       [](unsigned char byte) { return byte != 0; });
-}
-
 // Stems are only followed where they stand out by far: letters slant.
 constexpr double kClearStems = 2.5;
 constexpr double kFarClearer = 2;
@@ -63,18 +46,14 @@ bool stems_decide(const JudgedFan& lines, const JudgedFan& stems) {
 
 }  // namespace
 
-MeasuredSkew measure_skew(const Page& ink) {
-    Page lined = reading::lined_ink(ink);
-    const JudgedFan lines = judged_fan(lined);
-    turn(lined, 1);
-    const JudgedFan stems = judged_fan(lined);
-    const JudgedFan& decisive = stems_decide(lines, stems) ? stems : lines;
+MeasuredSkew measure_skew(const reading::PageLie& lie) {
+    const JudgedFan& decisive = stems_decide(lie.lines, lie.stems) ? lie.stems : lie.lines;
 
     MeasuredSkew measured;
     measured.confidence = decisive.height;
-    measured.fan = {curves_of(lines), curves_of(stems)};
+    measured.fan = {curves_of(lie.lines), curves_of(lie.stems)};
     if (decisive.height == 0) {
-        measured.doubt = has_ink(ink) ? "no clear skew" : "no ink on the page";
+        measured.doubt = lie.has_ink ? "no clear skew" : "no ink on the page";
     } else if (!decisive.clear()) {
         measured.doubt = "no clear skew";
     } else if (std::abs(decisive.slope) > Skew::kLargest) {

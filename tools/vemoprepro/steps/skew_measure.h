@@ -1,13 +1,13 @@
 // The skew of a page, from the way its lines lie.
 //
-// Use: measure_skew(reading::small_ink(page)), with the page of any kind, before steps
-// change its ink: so every command comes to the same skew.
+// Use: measure_skew(reading::look_how_it_lies(page)), before steps change the page's ink: so every
+// command comes to the same skew.
 #pragma once
 
 #include <optional>
 #include <string>
 
-#include "page/page.h"
+#include "reading/page_lie.h"
 #include "steps/skew.h"
 #include "steps/skew_fan.h"
 
@@ -20,7 +20,6 @@ struct MeasuredSkew {
     SkewFan fan;
 };
 
-// ink: bitonal.
-MeasuredSkew measure_skew(const Page& ink);
+MeasuredSkew measure_skew(const reading::PageLie& lie);
 
 }  // namespace tool::steps

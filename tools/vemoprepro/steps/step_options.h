@@ -54,6 +54,7 @@ struct TextOptions {
 struct StepOptions {
     Command command = Command::kClean;
     std::optional<int> dpi;  // none: the file's, or the default
+    bool turn_by_text = true;
     bool straighten = true;
     std::optional<Skew> skew;  // none: measured
     Binarization binarization = Binarization::kPaper;

@@ -1,9 +1,10 @@
 // Right-angle turns.
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "page/turn.h"
-#include "reading/small_ink.h"
+#include "reading/page_lie.h"
 #include "steps/step.h"
 
 namespace tool::steps {
@@ -15,20 +16,42 @@ Outcome turn_by(PageWork& work, int quarter_turns, const std::string& why) {
     return {true, "turned " + std::to_string(quarter_turns * 90) + " degrees clockwise" + why};
 }
 
-Outcome bring_upright(PageWork& work) {
-    const int turns = std::exchange(work.page.quarter_turns, 0);
-    if (turns == 0) return {false, "already upright"};
-    return turn_by(work, turns, ", as the file asks for");
+Outcome turn_as_text_lies(PageWork& work) {
+    const std::optional<int> turns = work.lie->turns_to_upright;
+    if (!turns) {
+        return {false,
+                work.lie->sideways
+                    ? "no orientation tag; the text seems to lie sideways, its top is not clear"
+                    : "no orientation tag"};
+    }
+    if (*turns == 0) return {false, "already upright"};
+    if (*turns != 2) work.lie->turn_a_quarter();
+    return turn_by(work, *turns, ": the text lies so");
+}
+
+// What a file asks for is done whatever the text says.
+Outcome turn_as_file_asks(PageWork& work, int turns, bool looks) {
+    Outcome outcome = turn_by(work, turns, ", as the file asks for");
+    if (!looks) return outcome;
+    work.lie = reading::look_how_it_lies(work.page);
+    if (work.lie->turns_to_upright.value_or(0) != 0) {
+        outcome.why += "; the text now seems to need " +
+                       std::to_string(*work.lie->turns_to_upright * 90) + " degrees more";
+        outcome.warning = true;
+    }
+    return outcome;
 }
 
 }  // namespace
 
 Step orientation_step(const StepOptions& options) {
-    const bool measures = options.command == Command::kClean;
+    const bool looks = options.command == Command::kClean && options.turn_by_text;
     return {"orientation", Effect::kBringsUpright, [=](PageWork& work) -> Outcome {
-                Outcome outcome = bring_upright(work);
-                if (measures) work.small_ink = reading::small_ink(work.page);
-                return outcome;
+                const int turns = std::exchange(work.page.quarter_turns, 0);
+                if (turns != 0) return turn_as_file_asks(work, turns, looks);
+                if (!looks) return {false, "no orientation tag"};
+                work.lie = reading::look_how_it_lies(work.page);
+                return turn_as_text_lies(work);
             }};
 }
 
