@@ -5,6 +5,7 @@ import os
 import resource
 import signal
 import subprocess
+import time
 import unittest
 
 import numpy as np
@@ -110,6 +111,34 @@ class Errors(ToolCase):
         self.assertTrue(os.path.islink(self.path("link.tif")))
         self.assertEqual(os.listdir(self.path("real")), ["old.tif"])
         self.assertEqual(self.pages("real/old.tif")[0].mode, "1")
+
+    def test_what_is_replaced_keeps_its_permissions(self):
+        self.write("old.tif", b"old")
+        os.chmod(self.path("old.tif"), 0o640)
+        os.symlink("old.tif", self.path("link.tif"))
+        self.good("clean", "a.png", "-o", "link.tif", "--overwrite")
+        self.assertEqual(os.stat(self.path("old.tif")).st_mode & 0o777, 0o640)
+        os.chmod(self.path("old.tif"), 0o444)
+        os.symlink("none.tif", self.path("lost.tif"))
+        self.save("damaged.png", text_page())
+        self.write("damaged.png", self.read("damaged.png")[:-100])
+        for name, what in (("old.tif", "is read-only"), ("link.tif", "is read-only"),
+                           ("lost.tif", "is a link to a file that does not exist")):
+            for options in ((), ("--overwrite",)):
+                if options or name == "lost.tif":
+                    self.fails("clean", "damaged.png", "-o", name, *options, lines=[f"{name}: {what}"])
+
+    def test_leftovers_of_killed_runs(self):
+        def leave(name, days):
+            self.write(name, b"part of a page")
+            os.utime(self.path(name), (time.time() - days * 86400,) * 2)
+        for name, days in ((".vemoprepro-aB3dE6", 2), (".vemoprepro-aB3dE7", 0.9), (".vemoprepro-aB3dE67", 2),
+                           (".vemoprepro-aB3d.6", 2), ("vemoprepro-aB3dE6", 2)):
+            leave(name, days)
+        os.symlink("vemoprepro-aB3dE6", self.path(".vemoprepro-linked"))
+        kept = set(os.listdir(self.here)) - {".vemoprepro-aB3dE6"}
+        self.good("clean", "a.png", "-o", "o.tif")
+        self.assertEqual(set(os.listdir(self.here)), kept | {"o.tif"})
 
     def test_places_that_cannot_be_written(self):
         os.mkdir(self.path("closed"), 0o555)

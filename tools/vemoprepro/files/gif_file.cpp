@@ -76,13 +76,18 @@ class GifBlocks {
     void extension(GifOutline& found) {
         if (byte() != kGraphicControl || found.pictures > 0) return skip_pieces();
         const int size = byte();
-        if (size < 4) return skip(size), skip_pieces();
+        if (size <= 0) return;
+        if (size >= 4) control(found);
+        skip(size >= 4 ? size - 4 : size);
+        skip_pieces();
+    }
+
+    // Flags, a time, and the colour that the first flag makes transparent.
+    void control(GifOutline& found) {
         const int flags = byte();
         skip(2);
         const int colour = byte();
         found.transparent = (flags & 1) != 0 ? colour : -1;
-        skip(size - 4);
-        skip_pieces();
     }
 
     Stream stream_;

@@ -10,20 +10,35 @@
 #include <utility>
 
 #include "files/file_error.h"
+#include "files/leftovers.h"
 #include "files/temporary_file.h"
 #include "files/unfinished.h"
 
 namespace tool::files {
 namespace {
 
-// The permissions that a newly made file would get.
-void set_usual_permissions(int file) {
+// Those that a newly made file would get.
+mode_t usual_permissions() {
     static const mode_t mask = [] {
         const mode_t current = umask(0);
         umask(current);
         return current;
     }();
-    fchmod(file, 0666 & ~mask);
+    return 0666 & ~mask;
+}
+
+// Those of the file that is going to be replaced, if there is one.
+void set_permissions(int file, const std::string& target) {
+    struct stat old {};
+    if (stat(target.c_str(), &old) != 0) {
+        fchmod(file, usual_permissions());
+        return;
+    }
+    // Who may not give files away keeps what is made.
+    if (old.st_uid != geteuid() || old.st_gid != getegid()) {
+        static_cast<void>(fchown(file, old.st_uid, old.st_gid) == 0);
+    }
+    fchmod(file, old.st_mode & 0777);
 }
 
 std::string behind_links(const std::string& path) {
@@ -36,6 +51,22 @@ std::string behind_links(const std::string& path) {
 
 }  // namespace
 
+// Root may write anything; that no write bit is set is a wish all the same.
+void check_output(const std::string& name) {
+    struct stat link {
+    }, file{};
+    if (name == "-" || lstat(name.c_str(), &link) != 0) return;
+    if (stat(name.c_str(), &file) != 0) {
+        throw S_ISLNK(link.st_mode) && errno == ENOENT
+            ? FileError(name, "is a link to a file that does not exist")
+            : system_error_of(name);
+    }
+    if (!S_ISREG(file.st_mode)) return;
+    if ((file.st_mode & 0222) == 0 || access(name.c_str(), W_OK) != 0) {
+        throw FileError(name, "is read-only");
+    }
+}
+
 bool is_stream(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
@@ -46,6 +77,7 @@ OutputFile::OutputFile(std::string name, bool overwrite)
       target_(behind_links(name_)),
       overwrite_(overwrite),
       stream_(name_ == "-" || is_stream(name_)) {
+    check_output(name_);
     if (stream_) {
         file_ = open_nameless_file(name_);
     } else {
@@ -54,14 +86,15 @@ OutputFile::OutputFile(std::string name, bool overwrite)
 }
 
 void OutputFile::open_aside() {
-    const std::size_t slash = target_.rfind('/') + 1;
-    std::string path = target_.substr(0, slash) + ".vemoprepro-XXXXXX";
+    const std::string folder = target_.substr(0, target_.rfind('/') + 1);
+    std::string path = folder + kAsidePrefix + kSixCharacters;
     const std::lock_guard guard(unfinished().lock);
+    remove_leftovers(folder.empty() ? "." : folder, kAsidePrefix, S_IFREG);
     file_ = mkostemp(path.data(), O_CLOEXEC);
     if (file_ < 0) throw system_error_of(name_);
     aside_ = path;
     unfinished().files.insert(path);
-    set_usual_permissions(file_);
+    set_permissions(file_, target_);
 }
 
 OutputFile::~OutputFile() {

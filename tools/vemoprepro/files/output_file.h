@@ -12,8 +12,9 @@ namespace tool::files {
 
 class OutputFile {
   public:
-    // name: a path, or "-" for standard output. overwrite: replace a file of that name. Throws
-    // FileError, as do the functions below.
+    // name: a path, or "-" for standard output. overwrite: replace a file of that name, or the one
+    // that a link of that name leads to; its permissions stay, and its owner where that is allowed.
+    // Throws FileError, as do the functions below.
     OutputFile(std::string name, bool overwrite);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -37,6 +38,10 @@ class OutputFile {
     bool stream_;
     int file_ = -1;
 };
+
+// Throws FileError for a name that no output can have: a link to nothing, or a file that is
+// read-only, even where the user may replace it.
+void check_output(const std::string& name);
 
 // True for a device, pipe or socket: something to write into, not a file to make.
 bool is_stream(const std::string& path);

@@ -7,16 +7,21 @@
 #include <mutex>
 
 #include "files/file_error.h"
+#include "files/leftovers.h"
 #include "files/unfinished.h"
 
 namespace tool::files {
 namespace {
 
-// A path for mkostemp() and mkdtemp().
-std::string temporary_template() {
+std::string temporary_folder() {
     const char* folder = std::getenv("TMPDIR");
     const bool given = folder != nullptr && *folder != '\0';
-    return std::string(given ? folder : "/tmp") + "/vemoprepro.XXXXXX";
+    return given ? folder : "/tmp";
+}
+
+// A path for mkostemp() and mkdtemp().
+std::string temporary_template() {
+    return temporary_folder() + "/" + kTemporaryPrefix + kSixCharacters;
 }
 
 }  // namespace
@@ -54,6 +59,7 @@ void copy_all(int from, int to, const std::string& name) {
 
 TemporaryFolder::TemporaryFolder() : name_(temporary_template()) {
     const std::lock_guard guard(unfinished().lock);
+    remove_leftovers(temporary_folder(), kTemporaryPrefix, S_IFDIR);
     if (mkdtemp(name_.data()) == nullptr) return;
     unfinished().folders.insert(name_);
     folder_ = open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

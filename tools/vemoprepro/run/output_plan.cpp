@@ -221,6 +221,7 @@ void OutputPlan::claim(const std::string& output, const std::string& input) {
             throw files::FileError(output, "exists already (--overwrite replaces it)");
         }
     }
+    files::check_output(output);
     const auto [taken, is_new] = taken_.emplace(output, input);
     if (!is_new) {
         throw files::FileError(input, "gives the same output as " + taken->second + ": " + output);
