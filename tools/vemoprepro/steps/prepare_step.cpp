@@ -8,6 +8,7 @@
 #include "reading/impulses.h"
 #include "reading/resample.h"
 #include "reading/sharpen.h"
+#include "reading/strewn_bits.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/step.h"
@@ -53,9 +54,15 @@ double remove_specks(PageWork& work) {
     return dark > 0 ? static_cast<double>(lost) / static_cast<double>(dark) : 0;
 }
 
+Outcome prepare_bits(PageWork& work) {
+    if (is_coarse(work.page) || !reading::is_strewn(work.page)) return {false, "bitonal already"};
+    return remove_ink(work.page, Excess::kWarnedOf, box_of(work.page), "specks all over the page",
+                      reading::remove_strewn_pixels);
+}
+
 Outcome prepare(PageWork& work) {
     Page& page = work.page;
-    if (page.kind == PageKind::kBitonal) return {false, "bitonal already"};
+    if (page.kind == PageKind::kBitonal) return prepare_bits(work);
     Outcome outcome{true, "light evened out"};
     const double impulses = reading::impulse_share(page);
     work.heavily_specked = impulses > kHeavilySpecked && !is_coarse(page);
