@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 
 #include "page/page.h"
@@ -39,16 +40,77 @@ inline void erase_ink(Page& page, int x, int y) {
     page.row(y)[x / 8] &= static_cast<unsigned char>(~ink_bit(x));
 }
 
-// The first pixel from x on that is (or is not) ink; the width when there is none. x may be the
-// width.
-inline int next_pixel(const Page& page, int x, int y, bool ink) {
-    const unsigned char* row = page.row(y);
-    while (x < page.width) {
-        const unsigned byte = (ink ? row[x / 8] : ~row[x / 8]) & (0xFFU >> x % 8);
-        if (byte != 0) return std::min(page.width, x / 8 * 8 + std::countl_zero(byte) - 24);
-        x = x / 8 * 8 + 8;
+// 32 pixels, from column 32 x index on, the leftmost in the highest bit.
+inline std::uint32_t pixels_at(const unsigned char* row, std::size_t index) {
+    const unsigned char* bytes = row + 4 * index;
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
+           std::uint32_t{bytes[2]} << 8 | bytes[3];
+}
+
+// The first pixel from x on that is (or is not) ink, of those before `end`; `end` when there is
+// none.
+inline int next_pixel(const unsigned char* row, int x, int end, bool ink) {
+    const std::uint32_t other = ink ? 0 : 0xFFFFFFFF;
+    while (x < end) {
+        const int word_begin = x / 32 * 32;
+        const std::uint32_t pixels =
+            (pixels_at(row, static_cast<std::size_t>(x) / 32) ^ other) & (0xFFFFFFFF >> x % 32);
+        if (pixels != 0) return std::min(end, word_begin + std::countl_zero(pixels));
+        x = word_begin + 32;
     }
-    return page.width;
+    return end;
+}
+inline int next_pixel(const Page& page, int x, int y, bool ink) {
+    return next_pixel(page.row(y), x, page.width, ink);
+}
+
+// The last pixel before x that is (or is not) ink; -1 when there is none.
+inline int last_pixel(const unsigned char* row, int x, bool ink) {
+    const std::uint32_t other = ink ? 0 : 0xFFFFFFFF;
+    while (x > 0) {
+        const int word_begin = (x - 1) / 32 * 32;
+        const std::uint32_t pixels =
+            (pixels_at(row, static_cast<std::size_t>(x - 1) / 32) ^ other) &
+            (0xFFFFFFFF << (31 - (x - 1) % 32));
+        if (pixels != 0) return word_begin + 31 - std::countr_zero(pixels);
+        x = word_begin;
+    }
+    return -1;
+}
+
+// The columns begin .. end - 1, of which there is at least one, as bits of the bytes from `first`
+// to `last`.
+struct ByteSpan {
+    ByteSpan(int begin, int end)
+        : first(begin / 8),
+          last((end - 1) / 8),
+          of_first(static_cast<unsigned char>(0xFF >> begin % 8)),
+          of_last(static_cast<unsigned char>(0xFF00 >> ((end - 1) % 8 + 1))) {}
+
+    int first, last;
+    unsigned char of_first, of_last;
+};
+
+inline void set_inks(unsigned char* row, int begin, int end) {
+    const ByteSpan span(begin, end);
+    if (span.first == span.last) {
+        row[span.first] |= span.of_first & span.of_last;
+        return;
+    }
+    row[span.first] |= span.of_first;
+    std::fill(row + span.first + 1, row + span.last, static_cast<unsigned char>(0xFF));
+    row[span.last] |= span.of_last;
+}
+
+inline void erase_inks(unsigned char* row, int begin, int end) {
+    const ByteSpan span(begin, end);
+    if (span.first == span.last) {
+        row[span.first] &= static_cast<unsigned char>(~(span.of_first & span.of_last));
+        return;
+    }
+    row[span.first] &= static_cast<unsigned char>(~span.of_first);
+    std::fill(row + span.first + 1, row + span.last, static_cast<unsigned char>(0));
+    row[span.last] &= static_cast<unsigned char>(~span.of_last);
 }
 
 }  // namespace tool

@@ -9,22 +9,6 @@
 #include "page/ink.h"
 
 namespace tool::reading {
-namespace {
-
-void set_inks(unsigned char* row, int begin, int end) {
-    const int first = begin / 8, last = (end - 1) / 8;
-    const unsigned from = 0xFFU >> begin % 8, to = 0xFF00U >> ((end - 1) % 8 + 1);
-    if (first == last) {
-        row[first] = static_cast<unsigned char>(row[first] | (from & to));
-        return;
-    }
-    row[first] = static_cast<unsigned char>(row[first] | from);
-    std::fill(row + first + 1, row + last, static_cast<unsigned char>(0xFF));
-    row[last] = static_cast<unsigned char>(row[last] | (to & 0xFFU));
-}
-
-}  // namespace
-
 InkPieces::InkPieces(const Page& page) : page_(page) {
     std::size_t above = 0;
     for (int y = 0; y < page.height; ++y) {

@@ -7,7 +7,9 @@
 #include "reading/ruled_line.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <numeric>
 #include <utility>
 
@@ -119,25 +121,64 @@ std::vector<Seed> longest_first(const std::vector<Seed>& seeds, int longest) {
     return sorted;
 }
 
+// Of 32 pixels, each group of `size` that is all ink, as its first pixel. A run of 2 x size - 1 has
+// such a group wherever it begins.
+constexpr std::uint32_t full_groups(std::uint32_t pixels, int size) {
+    std::uint32_t firsts = 0x80000000;
+    for (int width = 32; width > size; width /= 2) firsts |= firsts >> width / 2;
+    for (int width = 1; width < size; width *= 2) pixels &= pixels << width;
+    return pixels & firsts;
+}
+
+int group_size(int shortest_run) {
+    int size = 1;
+    while (size < 32 && 4 * size - 1 <= shortest_run) size *= 2;
+    return size;
+}
+
+// Runs of ink in a row, as far as the gaps between them are shorter than `gap`, around the run from
+// x0 to x1.
+Seed joined_runs(const Page& page, int y, int x0, int x1, int gap) {
+    const unsigned char* row = page.row(y);
+    for (;;) {
+        const int before = last_pixel(row, x0, true);
+        if (before < 0 || x0 - before - 1 >= gap) break;
+        x0 = last_pixel(row, before, false) + 1;
+    }
+    for (;;) {
+        const int next = next_pixel(row, x1, page.width, true);
+        if (next == page.width || next - x1 >= gap) break;
+        x1 = next_pixel(row, next, page.width, false);
+    }
+    return {y, x0, x1};
+}
+
+// A seed has an unbroken piece, and few runs of ink are that long: those are looked up by words.
+void add_seeds_of_row(const Page& page, int y, const LineScale& scale, std::vector<Seed>& seeds) {
+    const unsigned char* row = page.row(y);
+    const int size = group_size(scale.dash);
+    const auto words = static_cast<int>(page.stride() / 4);
+    int done = 0;
+    for (int i = 0; i < words; i = std::max(i + 1, done / 32)) {
+        std::uint32_t firsts = full_groups(pixels_at(row, static_cast<std::size_t>(i)), size);
+        for (; firsts != 0; firsts &= ~(0x80000000 >> std::countl_zero(firsts))) {
+            const int x = 32 * i + std::countl_zero(firsts);
+            if (x < done) continue;
+            const int x0 = last_pixel(row, x, false) + 1;
+            done = next_pixel(row, x, page.width, false);
+            if (done - x0 < scale.dash) continue;
+            const Seed seed = joined_runs(page, y, x0, done, scale.gap);
+            if (seed.length() >= scale.shortest) seeds.push_back(seed);
+            done = seed.x1;
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<Seed> find_seeds(const Page& page, const LineScale& scale) {
     std::vector<Seed> seeds;
-    for (int y = 0; y < page.height; ++y) {
-        Seed seed{y, next_pixel(page, 0, y, true), 0};
-        while (seed.x0 < page.width) {
-            seed.x1 = next_pixel(page, seed.x0, y, false);
-            int longest = seed.length();
-            int next = next_pixel(page, seed.x1, y, true);
-            while (next < page.width && next - seed.x1 < scale.gap) {
-                seed.x1 = next_pixel(page, next, y, false);
-                longest = std::max(longest, seed.x1 - next);
-                next = next_pixel(page, seed.x1, y, true);
-            }
-            if (seed.length() >= scale.shortest && longest >= scale.dash) seeds.push_back(seed);
-            seed.x0 = next;
-        }
-    }
+    for (int y = 0; y < page.height; ++y) add_seeds_of_row(page, y, scale, seeds);
     return longest_first(seeds, page.width);
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "page/ink.h"
@@ -27,39 +28,48 @@ void erase_line(Page& page, const RuledLine& line, const LineScale& scale) {
     }
 }
 
-Sureness remove_level_lines(Page& page, const Page& untouched, const LineScale& scale,
-                            Sureness least) {
-    Sureness least_taken = Sureness::kSure;
-    const Page before = copy_of(page);
+// The level lines of a page; `untouched` has the lines across as well.
+std::vector<RuledLine> find_lines(const Page& page, const Page& untouched, const LineScale& scale,
+                                  Sureness least, Sureness& least_found) {
+    std::vector<RuledLine> lines;
     FollowedLines followed(page.width, page.height);  // lines and what turned out to be none
-    for (const Seed& seed : find_seeds(before, scale)) {
+    for (const Seed& seed : find_seeds(page, scale)) {
         if (followed.covers(seed.middle(), seed.y)) continue;
-        if (lies_in_dark_area(before, seed, scale)) continue;
-        const int thickness = thickness_along(before, seed, scale);
+        if (lies_in_dark_area(page, seed, scale)) continue;
+        const int thickness = thickness_along(page, seed, scale);
         if (thickness > scale.thickest) continue;
-        const RuledLine line = follow_line(before, seed, scale, thickness, followed);
+        RuledLine line = follow_line(page, seed, scale, thickness, followed);
         followed.add(line);
-        const Sureness sureness = judge(before, untouched, line, scale);
+        const Sureness sureness = judge(page, untouched, line, scale);
         if (sureness < least) continue;
-        erase_line(page, line, scale);
-        least_taken = std::min(least_taken, sureness);
+        least_found = std::min(least_found, sureness);
+        lines.push_back(std::move(line));
     }
-    return least_taken;
+    return lines;
 }
 
 }  // namespace
 
+// Most pages have no lines, and are neither copied nor turned back.
 Sureness remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
                             Sureness least) {
     Sureness least_taken = Sureness::kSure;
-    Page untouched = copy_of(page);
-    if (directions.level) least_taken = remove_level_lines(page, untouched, scale, least);
-    if (directions.upright) {
-        turn(page, 1);
-        turn(untouched, 1);
-        least_taken = std::min(least_taken, remove_level_lines(page, untouched, scale, least));
-        turn(page, 3);
+    Page untouched;
+    if (directions.level) {
+        const auto lines = find_lines(page, page, scale, least, least_taken);
+        if (directions.upright && !lines.empty()) untouched = copy_of(page);
+        for (const RuledLine& line : lines) erase_line(page, line, scale);
     }
+    if (!directions.upright) return least_taken;
+    const bool touched = untouched.bytes != nullptr;
+    if (touched) turn(untouched, 1);
+    Page turned = copy_of(page);
+    turn(turned, 1);
+    const auto lines = find_lines(turned, touched ? untouched : turned, scale, least, least_taken);
+    if (lines.empty()) return least_taken;
+    for (const RuledLine& line : lines) erase_line(turned, line, scale);
+    turn(turned, 3);
+    page = std::move(turned);
     return least_taken;
 }
 
