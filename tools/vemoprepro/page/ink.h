@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "page/page.h"
 
@@ -38,6 +39,14 @@ inline void set_ink(unsigned char* row, int x) {
 
 inline void erase_ink(Page& page, int x, int y) {
     page.row(y)[x / 8] &= static_cast<unsigned char>(~ink_bit(x));
+}
+
+// Eight pixels, of which 1 stands for ink and 0 for paper, as the byte of a row.
+inline unsigned char ink_byte(const unsigned char* pixels) {
+    std::uint64_t bytes;
+    std::memcpy(&bytes, pixels, sizeof bytes);
+    if (std::endian::native == std::endian::big) bytes = __builtin_bswap64(bytes);
+    return static_cast<unsigned char>(bytes * 0x8040201008040201 >> 56);
 }
 
 // 32 pixels, from column 32 x index on, the leftmost in the highest bit.

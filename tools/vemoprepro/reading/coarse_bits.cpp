@@ -165,13 +165,6 @@ class Tiles {
     std::vector<unsigned char> darkest_, lightest_;  // of the columns of a row of tiles
 };
 
-// 8 pixels, of which 1 stands for black, as the bits of a byte.
-unsigned char packed(const unsigned char* pixels) {
-    std::uint64_t bytes = 0;
-    for (int i = 0; i < 8; ++i) bytes |= std::uint64_t{pixels[i]} << 8 * i;
-    return static_cast<unsigned char>(bytes * 0x8040201008040201 >> 56);
-}
-
 Page bits_by_tiles(const Page& grey) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     const Tiles tiles(grey);
@@ -189,7 +182,7 @@ Page bits_by_tiles(const Page& grey) {
         const unsigned char* row = grey.row(y);
         for (std::size_t x = 0; x < width; ++x) dark[x] = row[x] < thresholds[x] ? 1 : 0;
         unsigned char* ink = bits.row(y);
-        for (std::size_t i = 0; i < bits.stride(); ++i) ink[i] = packed(&dark[8 * i]);
+        for (std::size_t i = 0; i < bits.stride(); ++i) ink[i] = ink_byte(&dark[8 * i]);
     }
     return bits;
 }

@@ -8,7 +8,9 @@
 #include "reading/slope_fan.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <climits>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +21,14 @@ namespace {
 
 constexpr int kCell = 8;
 
+constexpr std::array<unsigned char, 256> kInkOfByte = [] {
+    std::array<unsigned char, 256> ink{};
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        ink[byte] = static_cast<unsigned char>(std::popcount(byte));
+    }
+    return ink;
+}();
+
 // The changes of the ink from each row to the next, column of cells by column of cells.
 struct Edges {
     int columns, rows;
@@ -28,14 +38,15 @@ struct Edges {
         : columns(ink.width / kCell),
           rows(ink.height + 1),
           changes(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {
-        for (int y = 0; y < ink.height; ++y) {
-            const unsigned char* row = ink.row(y);
-            for (int column = 0; column < columns; ++column) {
-                const auto count = static_cast<std::int16_t>(std::popcount(row[column]));
-                std::int16_t* change = of(column) + y;
-                change[0] = static_cast<std::int16_t>(change[0] + count);
-                change[1] = static_cast<std::int16_t>(change[1] - count);
+        for (int column = 0; column < columns; ++column) {
+            std::int16_t* change = of(column);
+            int above = 0;
+            for (int y = 0; y < ink.height; ++y) {
+                const int count = kInkOfByte[ink.row(y)[column]];
+                change[y] = static_cast<std::int16_t>(count - above);
+                above = count;
             }
+            change[ink.height] = static_cast<std::int16_t>(-above);
         }
     }
     std::int16_t* of(int column) {
@@ -68,13 +79,11 @@ class FanSearch {
     void try_slope(int index) {
         const int slope = index - SlopeFan::kSteepest;
         std::fill(sums_.begin(), sums_.end(), std::int16_t{0});
-        for (int column = 0; column < edges_.columns; ++column) {
-            std::int16_t* to = sums_.data() + margin_ + drift(edges_, column, slope);
-            const std::int16_t* changes = edges_.of(column);
-            for (int y = 0; y < edges_.rows; ++y) {
-                to[y] = static_cast<std::int16_t>(to[y] + changes[y]);
-            }
+        int column = 0;
+        for (; column + kTogether <= edges_.columns; column += kTogether) {
+            add_columns(column, slope);
         }
+        for (; column < edges_.columns; ++column) add_column(column, slope);
         const std::size_t size = sums_.size(), bands = fan.bands.size();
         for (std::size_t band = 0; band < bands; ++band) {
             fan.bands[band][static_cast<std::size_t>(index)] =
@@ -106,6 +115,48 @@ class FanSearch {
     SlopeFan fan;
 
   private:
+    // Several columns of cells are added at once, row by row of those that all of them cover, which
+    // saves most of the reading and writing of sums.
+    static constexpr int kTogether = 4;
+
+    std::int16_t* sums_for(int column, int slope) {
+        return sums_.data() + margin_ + drift(edges_, column, slope);
+    }
+    void add_part(int column, int slope, int begin, int end) {
+        std::int16_t* to = sums_for(column, slope);
+        const std::int16_t* changes = edges_.of(column);
+        for (int y = begin; y < end; ++y) to[y] = static_cast<std::int16_t>(to[y] + changes[y]);
+    }
+    void add_column(int column, int slope) { add_part(column, slope, 0, edges_.rows); }
+
+    void add_columns(int first, int slope) {
+        std::array<int, kTogether> down{};  // against the lowest of them
+        int lowest = INT_MAX, highest = INT_MIN;
+        for (int i = 0; i < kTogether; ++i) {
+            const int place = drift(edges_, first + i, slope);
+            down[static_cast<std::size_t>(i)] = place;
+            lowest = std::min(lowest, place);
+            highest = std::max(highest, place);
+        }
+        const int shared = edges_.rows - (highest - lowest);
+        if (shared <= 0) {
+            for (int i = 0; i < kTogether; ++i) add_column(first + i, slope);
+            return;
+        }
+        std::array<const std::int16_t*, kTogether> from{};
+        for (int i = 0; i < kTogether; ++i) {
+            const int before = highest - down[static_cast<std::size_t>(i)];
+            add_part(first + i, slope, 0, before);
+            add_part(first + i, slope, before + shared, edges_.rows);
+            from[static_cast<std::size_t>(i)] = edges_.of(first + i) + before;
+        }
+        std::int16_t* to = sums_.data() + margin_ + highest;
+        const std::int16_t *a = from[0], *b = from[1], *c = from[2], *d = from[3];
+        for (int y = 0; y < shared; ++y) {
+            to[y] = static_cast<std::int16_t>(to[y] + a[y] + b[y] + c[y] + d[y]);
+        }
+    }
+
     const Edges edges_;
     const int margin_;
     std::vector<std::int16_t> sums_;

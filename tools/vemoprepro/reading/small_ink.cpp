@@ -10,6 +10,8 @@
 #include <cstring>
 #include <vector>
 
+#include "page/ink.h"
+
 namespace tool::reading {
 namespace {
 
@@ -117,20 +119,48 @@ struct BlockGreys {
     int mean, contrast;
 };
 
-BlockGreys measure_block(const Page& grey, int x0, int y0) {
-    const int x1 = std::min(grey.width, x0 + kBlock), y1 = std::min(grey.height, y0 + kBlock);
-    int sum = 0;
-    unsigned char darkest = 255, lightest = 0;
-    for (int y = y0; y < y1; ++y) {
-        const unsigned char* row = grey.row(y);
-        for (int x = x0; x < x1; ++x) {
-            sum += row[x];
-            darkest = std::min(darkest, row[x]);
-            lightest = std::max(lightest, row[x]);
+// The blocks of the rows y0 .. y0 + kBlock - 1, as far as the page goes. Columns are gathered
+// before blocks are.
+class BlockRow {
+  public:
+    explicit BlockRow(const Page& grey)
+        : grey_(grey), width_(static_cast<std::size_t>(grey.width)) {}
+
+    void gather(int y0) {
+        rows_ = std::min(kBlock, grey_.height - y0);
+        sums_.assign(width_, 0);
+        darkest_.assign(width_, 255);
+        lightest_.assign(width_, 0);
+        for (int y = y0; y < y0 + rows_; ++y) {
+            const unsigned char* row = grey_.row(y);
+            for (std::size_t x = 0; x < width_; ++x) {
+                sums_[x] = static_cast<std::uint16_t>(sums_[x] + row[x]);
+                darkest_[x] = std::min(darkest_[x], row[x]);
+                lightest_[x] = std::max(lightest_[x], row[x]);
+            }
         }
     }
-    return {sum / ((x1 - x0) * (y1 - y0)), lightest - darkest};
-}
+
+    BlockGreys block(int x0) const {
+        const auto begin = static_cast<std::size_t>(x0);
+        const std::size_t end = std::min(width_, begin + kBlock);
+        int sum = 0;
+        unsigned char darkest = 255, lightest = 0;
+        for (std::size_t x = begin; x < end; ++x) {
+            sum += sums_[x];
+            darkest = std::min(darkest, darkest_[x]);
+            lightest = std::max(lightest, lightest_[x]);
+        }
+        return {sum / (static_cast<int>(end - begin) * rows_), lightest - darkest};
+    }
+
+  private:
+    const Page& grey_;
+    std::size_t width_;
+    int rows_ = 0;
+    std::vector<std::uint16_t> sums_;
+    std::vector<unsigned char> darkest_, lightest_;
+};
 
 // Block by block, the grey that ink is darker than at the block's centre.
 class Limits {
@@ -138,9 +168,11 @@ class Limits {
     explicit Limits(const Page& grey)
         : across_((grey.width + kBlock - 1) / kBlock), down_((grey.height + kBlock - 1) / kBlock) {
         std::vector<int> contrasts;
+        BlockRow row(grey);
         for (int j = 0; j < down_; ++j) {
+            row.gather(j * kBlock);
             for (int i = 0; i < across_; ++i) {
-                const BlockGreys block = measure_block(grey, i * kBlock, j * kBlock);
+                const BlockGreys block = row.block(i * kBlock);
                 limits_.push_back(block.mean);
                 if (block.contrast >= kLeastContrast) contrasts.push_back(block.contrast);
             }
@@ -154,15 +186,10 @@ class Limits {
         const int below = y + kBlock / 2, j = below / kBlock - 1, past = below % kBlock;
         const auto at = [&](int i) { return near(i, j) * (kBlock - past) + near(i, j + 1) * past; };
         for (int i = 0; i < across_; ++i) {
-            const int centre = at(i) * kBlock, before = at(i - 1) * kBlock,
-                      after = at(i + 1) * kBlock;
+            const int before = at(i - 1), centre = at(i), after = at(i + 1);
             std::uint16_t* to = limits.data() + static_cast<std::ptrdiff_t>(i) * kBlock;
-            for (int x = 0; x < kBlock / 2; ++x) {
-                to[x] = static_cast<std::uint16_t>(before +
-                                                   (centre - before) / kBlock * (x + kBlock / 2));
-                to[x + kBlock / 2] =
-                    static_cast<std::uint16_t>(centre + (after - centre) / kBlock * x);
-            }
+            ramp(before * kBlock + (centre - before) * (kBlock / 2), centre - before, to);
+            ramp(centre * kBlock, after - centre, to + kBlock / 2);
         }
     }
     std::size_t padded_width() const { return static_cast<std::size_t>(across_) * kBlock; }
@@ -179,6 +206,15 @@ class Limits {
             contrasts.begin() + static_cast<std::ptrdiff_t>(contrasts.size() * 9 / 10);
         std::nth_element(contrasts.begin(), strong, contrasts.end());
         return *strong;
+    }
+
+    // Half a block of limits. They fit 16 bits, and so do the steps modulo those.
+    static void ramp(int first, int step, std::uint16_t* to) {
+        static constexpr std::uint16_t kPlaces[kBlock / 2] = {0, 1, 2, 3, 4, 5, 6, 7};
+        const auto from = static_cast<std::uint16_t>(first), by = static_cast<std::uint16_t>(step);
+        for (int x = 0; x < kBlock / 2; ++x) {
+            to[x] = static_cast<std::uint16_t>(from + by * kPlaces[x]);
+        }
     }
 
     int near(int i, int j) const {
@@ -207,11 +243,12 @@ class Limits {
     std::vector<int> limits_;
 };
 
-// Eight bytes of 0 and 1 as the bits of one, the first one highest.
-unsigned char packed(const unsigned char* eight) {
-    unsigned byte = 0;
-    for (int i = 0; i < 8; ++i) byte = byte << 1 | eight[i];
-    return static_cast<unsigned char>(byte);
+void mark_darker(const unsigned char* row, const std::uint16_t* limits, int width,
+                 unsigned char* dark) {
+    for (int x = 0; x < width; ++x) {
+        const auto grey = static_cast<std::uint16_t>(row[x] * Limits::kScale);
+        dark[x] = grey < limits[x] ? 1 : 0;
+    }
 }
 
 }  // namespace
@@ -224,11 +261,8 @@ Page small_ink(const Page& page) {
     std::vector<unsigned char> dark(ink.stride() * 8);
     for (int y = 0; y < grey.height; ++y) {
         limits.of_row(y, limits_of_row);
-        const unsigned char* row = grey.row(y);
-        for (std::size_t x = 0; x < static_cast<std::size_t>(grey.width); ++x) {
-            dark[x] = row[x] * Limits::kScale < limits_of_row[x];
-        }
-        for (std::size_t i = 0; i < ink.stride(); ++i) ink.row(y)[i] = packed(&dark[i * 8]);
+        mark_darker(grey.row(y), limits_of_row.data(), grey.width, dark.data());
+        for (std::size_t i = 0; i < ink.stride(); ++i) ink.row(y)[i] = ink_byte(&dark[i * 8]);
     }
     return ink;
 }
