@@ -69,6 +69,24 @@ Page darker_part(const Page& mask, const Page& grey, int light) {
     return core;
 }
 
+// Elsewhere no border starts.
+bool is_dark_at_edges(const Page& grey, int dark) {
+    const unsigned char *top = grey.row(0), *bottom = grey.row(grey.height - 1);
+    for (int x = 0; x < grey.width; ++x) {
+        if (top[x] < dark || bottom[x] < dark) return true;
+    }
+    for (int y = 0; y < grey.height; ++y) {
+        if (grey.row(y)[0] < dark || grey.row(y)[grey.width - 1] < dark) return true;
+    }
+    return false;
+}
+
+Page empty_mask(const Page& page) {
+    Page mask = make_page_like(page, PageKind::kBitonal);
+    std::memset(mask.bytes.get(), 0, mask.size());
+    return mask;
+}
+
 }  // namespace
 
 Page border_of_bits(const Page& bits) {
@@ -84,6 +102,7 @@ Page border_of_bits(const Page& bits) {
 }
 
 Page border_of_greys(const Page& grey, const BorderGreys& greys) {
+    if (!is_dark_at_edges(grey, greys.dark)) return empty_mask(grey);
     Page wide = with_margin(grey);
     int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
     if (cropimg(wide.bytes.get(), PREPRO_CROP_GREY, wide.height, wide.width,

@@ -1,6 +1,6 @@
-// The core is looked at in square cells of a sixth of the least thickness, of which one is set when
-// three quarters of its pixels are: borders have specks. Thick is what an opening by six cells a
-// side leaves; from the edges it is followed by flooding.
+// The core is looked at in square cells of about a sixth of the least thickness, of which one is
+// set when three quarters of its pixels are: borders have specks. Thick is what an opening by a
+// square of cells leaves; from the edges it is followed by flooding.
 #include "reading/thick_parts.h"
 
 #include <algorithm>
@@ -14,8 +14,29 @@ namespace tool::reading {
 namespace {
 
 constexpr int kCellsOfThickness = 6;
+constexpr int kSmallestCell = 2;  // pixels a side
 
 // Cells with a margin around them that stands for what lies outside of the page.
+// Along a line, a cell becomes `value` when one of the cells from `back` before it to `ahead` after
+// it is.
+void spread_along(unsigned char* line, int count, unsigned char value, int back, int ahead) {
+    int last = -1 - back;  // the last cell that was `value`; none yet
+    for (int i = 0; i < count + ahead; ++i) {
+        if (i < count && line[i] == value) last = i;
+        const int target = i - ahead;
+        if (target >= 0 && last >= target - back) line[target] = value;
+    }
+}
+
+// In which row the columns last had the value.
+void note_places(const unsigned char* row, int count, unsigned char value, int y, int* last) {
+    for (int x = 0; x < count; ++x) last[x] = row[x] == value ? y : last[x];
+}
+
+void take_near(const int* last, int count, int earliest, unsigned char value, unsigned char* row) {
+    for (int x = 0; x < count; ++x) row[x] = last[x] >= earliest ? value : row[x];
+}
+
 class Cells {
   public:
     Cells(int columns, int rows, int margin)
@@ -43,33 +64,21 @@ class Cells {
                     static_cast<std::size_t>(x)];
     }
 
-    // A cell becomes `value` when one of the cells from `back` before it to `ahead` after it is.
+    // Along rows and columns, see spread_along.
     void spread(unsigned char value, int back, int ahead);
 
     int width_, height_, margin_;
     std::vector<unsigned char> set_;
 };
 
-// The same along one line, whose cells are `step` apart.
-void spread_along(unsigned char* line, std::size_t step, int count, unsigned char value, int back,
-                  int ahead) {
-    int last = -1 - back;  // the last cell that was `value`; none yet
-    for (int i = 0; i < count + ahead; ++i) {
-        if (i < count && line[step * static_cast<std::size_t>(i)] == value) last = i;
-        const int target = i - ahead;
-        if (target >= 0 && last >= target - back) {
-            line[step * static_cast<std::size_t>(target)] = value;
-        }
-    }
-}
-
 void Cells::spread(unsigned char value, int back, int ahead) {
-    const auto width = static_cast<std::size_t>(width_);
-    for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y) {
-        spread_along(&set_[y * width], 1, width_, value, back, ahead);
-    }
-    for (std::size_t x = 0; x < width; ++x) {
-        spread_along(&set_[x], width, height_, value, back, ahead);
+    for (int y = 0; y < height_; ++y) spread_along(&at(0, y), width_, value, back, ahead);
+    // Down all columns at once.
+    std::vector<int> last(static_cast<std::size_t>(width_), -1 - back);
+    for (int y = 0; y < height_ + ahead; ++y) {
+        if (y < height_) note_places(&at(0, y), width_, value, y, last.data());
+        const int target = y - ahead;
+        if (target >= 0) take_near(last.data(), width_, target - back, value, &at(0, target));
     }
 }
 
@@ -129,12 +138,13 @@ void erase_outside_cells(Page& mask, Cells& cells, int side) {
 }  // namespace
 
 void keep_thick_at_edges(Page& mask, const Page& core, int least, int fringe) {
-    const int side = std::max(1, least / kCellsOfThickness);
+    const int side = std::max(kSmallestCell, least / kCellsOfThickness);
+    const int thick = std::max(2, least / side);  // in cells
     const auto cells_of = [side](int pixels) { return (pixels + side - 1) / side; };
-    Cells cells(cells_of(mask.width), cells_of(mask.height), kCellsOfThickness);
+    Cells cells(cells_of(mask.width), cells_of(mask.height), thick);
     clear_cells_with_holes(cells, core, side);
-    cells.erode(kCellsOfThickness);
-    cells.dilate(kCellsOfThickness);
+    cells.erode(thick);
+    cells.dilate(thick);
     cells.keep_flooded_from_margin();
     cells.dilate(2 * cells_of(fringe) + 1);
     erase_outside_cells(mask, cells, side);
