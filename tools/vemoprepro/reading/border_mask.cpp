@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "page/ink.h"
 #include "page/paper_scale.h"
@@ -42,31 +44,31 @@ Page with_margin(const Page& grey) {
     return wide;
 }
 
-Page white_inside_margin(const Page& wide, const Page& like) {
-    Page mask = make_page_like(like, PageKind::kBitonal);
-    for (int y = 0; y < mask.height; ++y) {
-        const unsigned char* from = wide.row(y + kMargin) + kMargin;
-        unsigned char* to = mask.row(y);
-        std::memset(to, 0, mask.stride());
-        for (int x = 0; x < mask.width; ++x) {
-            if (from[x] == 255) set_ink(to, x);
-        }
-    }
-    return mask;
-}
+struct Grown {
+    Page mask;
+    Page core;  // without the white that was grown over in the end: between letters at the edge
+};
 
-// What the library let grow, without the white that it grew over in the end: between letters that
-// touch the edge.
-Page darker_part(const Page& mask, const Page& grey, int light) {
-    Page core = copy_of(mask);
-    for (int y = 0; y < core.height; ++y) {
-        const unsigned char* greys = grey.row(y);
-        for (int x = next_pixel(mask, 0, y, true); x < mask.width;
-             x = next_pixel(mask, x + 1, y, true)) {
-            if (greys[x] >= light) erase_ink(core, x, y);
+Grown grown_inside_margin(const Page& wide, const Page& grey, int light) {
+    Grown grown{make_page_like(grey, PageKind::kBitonal), make_page_like(grey, PageKind::kBitonal)};
+    const auto width = static_cast<std::size_t>(grey.width);
+    const auto lightest = static_cast<unsigned char>(light);
+    std::vector<unsigned char> set(8 * grown.mask.stride()), dark(set.size());
+    for (int y = 0; y < grey.height; ++y) {
+        const unsigned char *from = wide.row(y + kMargin) + kMargin, *greys = grey.row(y);
+        unsigned char *set_here = set.data(), *dark_here = dark.data();
+        for (std::size_t x = 0; x < width; ++x) {
+            const unsigned char is_set = from[x] == 255 ? 1 : 0;
+            const unsigned char is_dark = greys[x] < lightest ? 1 : 0;
+            set_here[x] = is_set;
+            dark_here[x] = is_set & is_dark;
+        }
+        for (std::size_t i = 0; i < grown.mask.stride(); ++i) {
+            grown.mask.row(y)[i] = ink_byte(&set[8 * i]);
+            grown.core.row(y)[i] = ink_byte(&dark[8 * i]);
         }
     }
-    return core;
+    return grown;
 }
 
 // Elsewhere no border starts.
@@ -110,11 +112,10 @@ Page border_of_greys(const Page& grey, const BorderGreys& greys) {
                 &y1) != 0) {
         throw std::bad_alloc();
     }
-    Page mask = white_inside_margin(wide, grey);
-    const Page core = darker_part(mask, grey, greys.light);
+    Grown grown = grown_inside_margin(wide, grey, greys.light);
     const int thick = least_thickness(grey);
-    keep_thick_at_edges(mask, core, thick, thick / 2 + kGrown);
-    return mask;
+    keep_thick_at_edges(grown.mask, grown.core, thick, thick / 2 + kGrown);
+    return std::move(grown.mask);
 }
 
 }  // namespace tool::reading

@@ -89,16 +89,19 @@ std::optional<Box> box_outside(const Page& mask) {
 double dark_covered(const Page& grey, const Page& mask) {
     const Box inner = inner_part(grey);
     std::int64_t dark = 0, covered = 0;
+    for_runs(mask, [&](int y, int x, int end) {
+        if (y < inner.y || y >= inner.y + inner.height) return;
+        const unsigned char* row = grey.row(y);
+        const auto is_dark = [](unsigned char pixel) { return pixel < kBorder.dark; };
+        const int first = std::max(x, inner.x), last = std::min(end, inner.x + inner.width);
+        if (first < last) covered += std::count_if(row + first, row + last, is_dark);
+    });
+    if (covered == 0) return 0;
     for (int y = inner.y; y < inner.y + inner.height; ++y) {
         const unsigned char* row = grey.row(y);
-        const unsigned char* bits = mask.row(y);
-        for (int x = inner.x; x < inner.x + inner.width; ++x) {
-            if (row[x] >= kBorder.dark) continue;
-            ++dark;
-            covered += is_ink(bits, x) ? 1 : 0;
-        }
+        for (int x = inner.x; x < inner.x + inner.width; ++x) dark += row[x] < kBorder.dark ? 1 : 0;
     }
-    return dark > 0 ? static_cast<double>(covered) / static_cast<double>(dark) : 0;
+    return static_cast<double>(covered) / static_cast<double>(dark);
 }
 
 bool is_empty(const Page& mask) {
