@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "page/ink.h"
+#include "reading/small_grey.h"
 
 namespace tool::reading {
 namespace {
@@ -28,87 +29,6 @@ int reduction_for(const Page& page) {
         ++by;
     }
     return by;
-}
-
-// A row's pixels of eight columns each, one per byte, so that columns are summed eight at once.
-std::array<std::uint64_t, 256> make_pixels_of_bytes() {
-    std::array<std::uint64_t, 256> pixels{};
-    for (unsigned byte = 0; byte < 256; ++byte) {
-        std::array<unsigned char, 8> one_each{};
-        for (unsigned bit = 0; bit < 8; ++bit) one_each[bit] = (byte & (0x80U >> bit)) != 0;
-        std::memcpy(&pixels[byte], one_each.data(), sizeof pixels[byte]);
-    }
-    return pixels;
-}
-
-// The columns of `by` rows, summed; of a bitonal page their white pixels, as greys.
-void sum_columns(const Page& page, int y0, int by, std::vector<std::uint16_t>& sums) {
-    std::fill(sums.begin(), sums.end(), std::uint16_t{0});
-    if (page.kind != PageKind::kBitonal) {
-        for (int y = y0; y < y0 + by; ++y) {
-            const unsigned char* row = page.row(y);
-            for (std::size_t i = 0; i < sums.size(); ++i) {
-                sums[i] = static_cast<std::uint16_t>(sums[i] + row[i]);
-            }
-        }
-        return;
-    }
-    static const std::array<std::uint64_t, 256> kPixels = make_pixels_of_bytes();
-    for (std::size_t i = 0; i < page.stride(); ++i) {
-        std::uint64_t packed = 0;
-        for (int y = y0; y < y0 + by; ++y) packed += kPixels[page.row(y)[i]];
-        std::array<unsigned char, 8> ink;
-        std::memcpy(ink.data(), &packed, sizeof packed);
-        for (std::size_t bit = 0; bit < 8; ++bit) {
-            sums[i * 8 + bit] = static_cast<std::uint16_t>((by - ink[bit]) * 255);
-        }
-    }
-}
-
-// kBy: 0 for a number that is known at run time only.
-template <int kBy, bool kColour>
-void average(const std::uint16_t* from, int by, int width, unsigned char* row) {
-    constexpr int kOne = 1 << 16;
-    if (kBy != 0) by = kBy;
-    const auto share = static_cast<unsigned>(kOne / (by * by) + 1);
-    for (int x = 0; x < width; ++x) {
-        unsigned sum = 0;
-        for (int i = 0; i < by; ++i) {
-            const std::uint16_t* at = from + (kColour ? 3 : 1) * (x * by + i);
-            sum += kColour ? (at[0] + 2U * at[1] + at[2]) / 4 : at[0];
-        }
-        row[x] = static_cast<unsigned char>(sum * share / kOne);
-    }
-}
-
-template <bool kColour>
-void average_row(const std::uint16_t* sums, int by, int width, unsigned char* row) {
-    switch (by) {
-        case 1:
-            return average<1, kColour>(sums, by, width, row);
-        case 2:
-            return average<2, kColour>(sums, by, width, row);
-        case 3:
-            return average<3, kColour>(sums, by, width, row);
-        default:
-            return average<0, kColour>(sums, by, width, row);
-    }
-}
-
-Page small_grey(const Page& page, int by) {
-    const Resolution dpi{page.dpi.x / by, page.dpi.y / by};
-    Page grey = make_page(PageKind::kGrey, std::max(1, page.width / by),
-                          std::max(1, page.height / by), dpi);
-    std::vector<std::uint16_t> sums(page.stride() * (page.kind == PageKind::kBitonal ? 8 : 1));
-    for (int y = 0; y < grey.height; ++y) {
-        sum_columns(page, y * by, std::min(by, page.height), sums);
-        if (page.kind == PageKind::kColour) {
-            average_row<true>(sums.data(), by, grey.width, grey.row(y));
-        } else {
-            average_row<false>(sums.data(), by, grey.width, grey.row(y));
-        }
-    }
-    return grey;
 }
 
 constexpr int kBlock = 16;
