@@ -60,7 +60,8 @@ struct Edges {
 // How far a column of cells moves down so that lines of the slope lie level.
 int drift(const Edges& edges, int column, int slope) {
     const int from_middle = 2 * column + 1 - edges.columns;  // in half cells
-    return static_cast<int>(std::lround(1.0 * from_middle * slope * kCell / (2 * SlopeFan::kRun)));
+    const int sides = 2 * SlopeFan::kRun, drop = from_middle * slope * kCell;
+    return drop >= 0 ? (drop + sides / 2) / sides : -((sides / 2 - drop) / sides);  // rounded
 }
 
 double alignment(const std::vector<std::int16_t>& sums, std::size_t begin, std::size_t end) {

@@ -68,8 +68,6 @@ void average(const std::uint16_t* from, int by, int width, unsigned char* row) {
 template <bool kColour>
 void average_row(const std::uint16_t* sums, int by, int width, unsigned char* row) {
     switch (by) {
-        case 1:
-            return average<1, kColour>(sums, by, width, row);
         case 2:
             return average<2, kColour>(sums, by, width, row);
         case 3:
@@ -136,6 +134,17 @@ bool average_bits(const Page& page, int by, Page& grey) {
     return true;
 }
 
+// As average() does it, for squares of one pixel.
+void copy_luminance(const Page& colour, Page& grey) {
+    for (int y = 0; y < grey.height; ++y) {
+        const unsigned char* from = colour.row(y);
+        unsigned char* to = grey.row(y);
+        for (int x = 0; x < grey.width; ++x, from += 3) {
+            to[x] = static_cast<unsigned char>((from[0] + 2 * from[1] + from[2]) / 4);
+        }
+    }
+}
+
 }  // namespace
 
 Page small_grey(const Page& page, int by) {
@@ -143,6 +152,11 @@ Page small_grey(const Page& page, int by) {
     Page grey = make_page(PageKind::kGrey, std::max(1, page.width / by),
                           std::max(1, page.height / by), dpi);
     if (average_bits(page, by, grey)) return grey;
+    if (by == 1) {
+        if (page.kind == PageKind::kGrey) return copy_of(page);
+        copy_luminance(page, grey);
+        return grey;
+    }
     std::vector<std::uint16_t> sums(page.stride() * (page.kind == PageKind::kBitonal ? 8 : 1));
     for (int y = 0; y < grey.height; ++y) {
         sum_columns(page, y * by, std::min(by, page.height), sums);

@@ -105,11 +105,14 @@ class Limits {
     void of_row(int y, std::vector<std::uint16_t>& limits) const {
         const int below = y + kBlock / 2, j = below / kBlock - 1, past = below % kBlock;
         const auto at = [&](int i) { return near(i, j) * (kBlock - past) + near(i, j + 1) * past; };
+        int before = at(0), centre = before;
         for (int i = 0; i < across_; ++i) {
-            const int before = at(i - 1), centre = at(i), after = at(i + 1);
+            const int after = at(i + 1);
             std::uint16_t* to = limits.data() + static_cast<std::ptrdiff_t>(i) * kBlock;
             ramp(before * kBlock + (centre - before) * (kBlock / 2), centre - before, to);
             ramp(centre * kBlock, after - centre, to + kBlock / 2);
+            before = centre;
+            centre = after;
         }
     }
     std::size_t padded_width() const { return static_cast<std::size_t>(across_) * kBlock; }
