@@ -41,21 +41,6 @@ inline void erase_ink(Page& page, int x, int y) {
     page.row(y)[x / 8] &= static_cast<unsigned char>(~ink_bit(x));
 }
 
-// Makes the pixels begin .. end - 1 of a row paper.
-inline void erase_run(unsigned char* row, int begin, int end) {
-    if (begin >= end) return;
-    const int first = begin / 8, last = (end - 1) / 8;
-    const auto before = static_cast<unsigned char>(~(0xFFU >> begin % 8));
-    const auto behind = static_cast<unsigned char>(0x7FU >> (end - 1) % 8);
-    if (first == last) {
-        row[first] = static_cast<unsigned char>(row[first] & (before | behind));
-        return;
-    }
-    row[first] &= before;
-    std::fill(row + first + 1, row + last, static_cast<unsigned char>(0));
-    row[last] &= behind;
-}
-
 // Eight pixels, of which 1 stands for ink and 0 for paper, as the byte of a row.
 inline unsigned char ink_byte(const unsigned char* pixels) {
     std::uint64_t bytes;

@@ -143,7 +143,7 @@ void erase_outside_cells(Page& mask, Cells& cells, int side) {
         for (int x = 0; x < mask.width;) {
             const int begin = x;
             while (x < mask.width && cell[x / side] == 0) x += side;
-            erase_run(mask.row(y), begin, std::min(x, mask.width));
+            if (x > begin) erase_inks(mask.row(y), begin, std::min(x, mask.width));
             while (x < mask.width && cell[x / side] != 0) x += side;
         }
     }
