@@ -61,22 +61,21 @@ int mean(const Neighbours& values) {
 }
 
 BlockRows::BlockRows(const BlockGrid& grid, int page_width)
-    : grid_(grid), apart_(2 * grid.side), row_(static_cast<std::size_t>(grid.across) + 2) {
-    places_.reserve(static_cast<std::size_t>(page_width));
-    for (int x = 0; x < page_width; ++x) places_.push_back(between(x));
-}
-
-BlockRows::Between BlockRows::between(int x) const {
-    const int from_block_before = 2 * x + 1 + grid_.side;  // of the centre of block -1
-    return {from_block_before / apart_ - 1, from_block_before % apart_};
-}
+    : grid_(grid),
+      width_(page_width),
+      apart_(2 * grid.side),
+      row_(static_cast<std::size_t>(grid.across) + 2) {}
 
 void BlockRows::begin(int y) {
-    const auto [j, past] = between(y);
-    for (int i = -1; i <= grid_.across; ++i) {
-        row_[static_cast<std::size_t>(i + 1)] =
-            grid_.near(i, j) * (apart_ - past) + grid_.near(i, j + 1) * past;
+    const int from_block_before = 2 * y + 1 + grid_.side;  // of the centre of block -1
+    const int j = from_block_before / apart_ - 1, past = from_block_before % apart_;
+    const int* above = &grid_.values[grid_.index(0, std::max(j, 0))];
+    const int* below = &grid_.values[grid_.index(0, std::min(j + 1, grid_.down - 1))];
+    for (int i = 0; i < grid_.across; ++i) {
+        row_[static_cast<std::size_t>(i + 1)] = above[i] * (apart_ - past) + below[i] * past;
     }
+    row_.front() = row_[1];
+    row_.back() = row_[row_.size() - 2];
 }
 
 }  // namespace tool::reading

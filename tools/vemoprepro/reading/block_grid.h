@@ -1,9 +1,10 @@
 // A value for every block of a page, and what lies between the centres of blocks.
 //
 // Use: BlockGrid grid(page); set grid.at(i, j) for every block; fold_around(grid, largest) and the
-// like; then BlockRows rows(grid), and for every row of pixels rows.begin(y) and rows.at(x).
+// like; then BlockRows rows(grid), and for every row of pixels rows.begin(y) and its stretches.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <vector>
@@ -52,36 +53,34 @@ int smallest(const Neighbours& values);
 int mean(const Neighbours& values);
 
 // The values between the centres of blocks, times scale(); beyond the outermost centres they are
-// those of the nearest block.
+// those of the nearest block. From centre to centre they change evenly.
 class BlockRows {
   public:
+    // Pixels of a row between two centres. The value of the first is `first`, and each one's is
+    // `step` more than the one's before. At the right edge of the page there may be none.
+    struct Stretch {
+        int x, count, first, step;
+    };
+
     BlockRows(const BlockGrid& grid, int page_width);
 
     int scale() const { return apart_ * apart_; }
     void begin(int y);
-    int at(int x) const {
-        const auto [first, past] = places_[static_cast<std::size_t>(x)];
-        const int* pair = &row_[static_cast<std::size_t>(first + 1)];
-        return pair[0] * (apart_ - past) + pair[1] * past;
-    }
-
-    // The first pixel behind x that lies between other blocks: up to there values change evenly.
-    int next_centre(int x) const {
-        const int side = apart_ / 2;
-        return (x + side - side / 2) / side * side + side / 2;
+    // Side by side they fill the row.
+    int stretches() const { return grid_.across + 1; }
+    Stretch stretch(int k) const {
+        const int start = std::max(0, k * grid_.side - (grid_.side + 1) / 2);
+        const int end = std::min((k + 1) * grid_.side - (grid_.side + 1) / 2, width_);
+        const int past = 2 * start + 1 + grid_.side - k * apart_;
+        const int* pair = &row_[static_cast<std::size_t>(k)];
+        return {start, end - start, pair[0] * (apart_ - past) + pair[1] * past,
+                2 * (pair[1] - pair[0])};
     }
 
   private:
-    // Where a pixel lies between the centres of two blocks.
-    struct Between {
-        int first;  // the block before it; -1 before the first centre
-        int past;   // how far it lies past that block's centre: 0 .. apart_ - 1, in half pixels
-    };
-    Between between(int x) const;
-
     const BlockGrid& grid_;
-    int apart_;  // two centres, in half pixels
-    std::vector<Between> places_;
+    int width_;
+    int apart_;             // two centres, in half pixels
     std::vector<int> row_;  // at the centres, from block -1 to the one behind the last
 };
 

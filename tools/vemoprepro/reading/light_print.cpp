@@ -3,10 +3,11 @@
 #include "reading/light_print.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <vector>
+
+#include "page/ink.h"
 
 namespace tool::reading {
 namespace {
@@ -29,7 +30,7 @@ struct Cells {
             for (int i = 0; i < across; ++i) {
                 std::uint32_t pixels;
                 std::memcpy(&pixels, bits.row(y) + 4 * i, 4);
-                ink[index(i, y / kCell)] += std::popcount(pixels);
+                ink[index(i, y / kCell)] += count_bits(pixels);
             }
         }
     }

@@ -6,7 +6,6 @@
 #include "reading/paper.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
@@ -23,20 +22,6 @@ constexpr int kSampledRows = 2;
 void close(BlockGrid& grid, int reach) {
     fold_around(grid, reach, largest);
     fold_around(grid, reach, smallest);
-}
-
-int upper_quartile(const Page& grey, const Box& box) {
-    std::array<int, 256> counts{};
-    for (int y = box.y; y < box.y + box.height; y += kSampledRows) {
-        const unsigned char* row = grey.row(y) + box.x;
-        for (int x = 0; x < box.width; ++x) ++counts[row[x]];
-    }
-    const int wanted = std::max(1, box.width * ((box.height + 1) / kSampledRows) / 4);
-    int level = 255;
-    for (int seen = counts[255]; level > 0 && seen < wanted;) {
-        seen += counts[static_cast<std::size_t>(--level)];
-    }
-    return level;
 }
 
 bool falls_gently(int from, int to) {
@@ -73,6 +58,15 @@ std::vector<bool> seen_blocks(const BlockGrid& own, const BlockGrid& around) {
 
 }  // namespace
 
+GreyCounts count_greys(const Page& grey, const Box& block) {
+    return {grey.row(block.y) + block.x, kSampledRows * grey.stride(), block.width,
+            (block.height + kSampledRows - 1) / kSampledRows};
+}
+
+int upper_quartile(const GreyCounts& block) {
+    return block.reached_from_above(std::max(1, block.counted() / 4));
+}
+
 int white_of(const BlockGrid& paper) {
     std::vector<int> greys = paper.values;
     const auto light = greys.begin() + static_cast<std::ptrdiff_t>(greys.size() * 9 / 10);
@@ -80,13 +74,7 @@ int white_of(const BlockGrid& paper) {
     return *light;
 }
 
-Paper paper_of(const Page& grey) {
-    BlockGrid own(grey);
-    for (int j = 0; j < own.down; ++j) {
-        for (int i = 0; i < own.across; ++i) {
-            own.at(i, j) = upper_quartile(grey, own.box(grey, i, j));
-        }
-    }
+Paper paper_from(BlockGrid own) {
     BlockGrid greys = own;
     close(greys, kReach);
     close(own, 1);
@@ -96,6 +84,16 @@ Paper paper_of(const Page& grey) {
     }
     fold_around(greys, 1, mean);
     return {std::move(greys), seen};
+}
+
+Paper paper_of(const Page& grey) {
+    BlockGrid quartiles(grey);
+    for (int j = 0; j < quartiles.down; ++j) {
+        for (int i = 0; i < quartiles.across; ++i) {
+            quartiles.at(i, j) = upper_quartile(count_greys(grey, quartiles.box(grey, i, j)));
+        }
+    }
+    return paper_from(std::move(quartiles));
 }
 
 }  // namespace tool::reading

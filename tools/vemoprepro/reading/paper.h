@@ -1,7 +1,10 @@
 // The paper of a grey page.
 #pragma once
 
+#include <vector>
+
 #include "reading/block_grid.h"
+#include "reading/grey_counts.h"
 
 namespace tool::reading {
 
@@ -11,6 +14,11 @@ struct Paper {
 };
 
 Paper paper_of(const Page& grey);
+
+// The same in two parts, for those who want more of the counts. The counts are of every second row.
+GreyCounts count_greys(const Page& grey, const Box& block);
+int upper_quartile(const GreyCounts& block);
+Paper paper_from(BlockGrid upper_quartiles);
 
 // The grey that a tenth of the blocks reach.
 int white_of(const BlockGrid& greys);

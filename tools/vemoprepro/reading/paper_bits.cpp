@@ -9,12 +9,15 @@
 #include "reading/paper_bits.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <utility>
 #include <vector>
 
+#include "page/ink.h"
 #include "reading/block_depths.h"
 #include "reading/euler_number.h"
 #include "reading/paper.h"
@@ -93,35 +96,39 @@ BlockGrid limits(const PageDepths& depths, double threshold, double lowest) {
     return grid;
 }
 
+constexpr int kTogether = 16;  // pixels are marked at a time
+constexpr int kLongestStretch = 64;
+
+using Offsets = std::array<std::uint16_t, kLongestStretch>;  // 0, 1, 2 ...
+
 // Marks the pixels that are no lighter than a limit which begins at `limit` and grows by `step`
 // from pixel to pixel, both in 256ths of a grey.
-void mark_dark(const unsigned char* __restrict greys, int count, int limit, int step,
-               unsigned char* __restrict marks) {
-    for (int x = 0; x < count; ++x) marks[x] = greys[x] * 256 <= limit + x * step;
+void mark_dark(const unsigned char* __restrict greys, int count, std::uint16_t limit,
+               std::uint16_t step, const Offsets& offsets, unsigned char* __restrict marks) {
+    const std::uint16_t* __restrict offset = offsets.data();
+    for (int x = 0; x < count; ++x) {
+        const auto here =
+            static_cast<std::uint16_t>(limit + static_cast<unsigned>(offset[x]) * step);
+        marks[x] = greys[x] <= static_cast<unsigned char>(here >> 8) ? 1 : 0;
+    }
 }
 
 // 1 for every pixel of a row that is no lighter than the limit there.
 void mark_dark_row(const unsigned char* greys, int width, const BlockRows& limits,
-                   unsigned char* marks) {
-    const int scale = limits.scale() * kParts;
-    const auto limit_at = [&](int x) {
-        return static_cast<int>(std::int64_t{limits.at(x)} * 256 / scale);
-    };
-    for (int x = 0; x < width;) {
-        const int next = std::min(limits.next_centre(x), width);
-        const int from = limit_at(x), apart = std::max(1, next - 1 - x);
-        mark_dark(greys + x, next - x, from, (limit_at(next - 1) - from) / apart, marks + x);
-        x = next;
-    }
-}
-
-// Eight marks to a byte.
-void pack(const std::vector<unsigned char>& marks, unsigned char* ink, std::size_t bytes) {
-    for (std::size_t i = 0; i < bytes; ++i) {
-        const unsigned char* eight = &marks[8 * i];
-        unsigned packed = 0;
-        for (int k = 0; k < 8; ++k) packed |= static_cast<unsigned>(eight[k]) << (7 - k);
-        ink[i] = static_cast<unsigned char>(packed);
+                   const Offsets& offsets, unsigned char* marks) {
+    // Products with these, rounded down, are the exact quotients of the small numbers here: rounded
+    // up by so little they do not get past a whole number.
+    constexpr double kRoundedUp = 1 + 1e-11;
+    const double part = kRoundedUp * 256 / (limits.scale() * kParts);
+    for (int k = 0; k < limits.stretches(); ++k) {
+        const auto [x, count, first, step] = limits.stretch(k);
+        const int from = static_cast<int>(first * part);
+        const int to = static_cast<int>((first + (count - 1) * step) * part);
+        // Whole vectors are faster: what is too much belongs to later stretches.
+        const int whole = (count + kTogether - 1) / kTogether * kTogether;
+        mark_dark(greys + x, x + whole <= width ? whole : count, static_cast<std::uint16_t>(from),
+                  static_cast<std::uint16_t>((to - from) / std::max(1, count - 1)), offsets,
+                  marks + x);
     }
 }
 
@@ -129,10 +136,13 @@ Page bits_within(const Page& grey, const BlockGrid& limits) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     BlockRows rows(limits, grey.width);
     std::vector<unsigned char> marks(8 * bits.stride());
+    Offsets offsets;
+    std::iota(offsets.begin(), offsets.end(), static_cast<std::uint16_t>(0));
     for (int y = 0; y < grey.height; ++y) {
         rows.begin(y);
-        mark_dark_row(grey.row(y), grey.width, rows, marks.data());
-        pack(marks, bits.row(y), bits.stride());
+        mark_dark_row(grey.row(y), grey.width, rows, offsets, marks.data());
+        unsigned char* ink = bits.row(y);
+        for (std::size_t i = 0; i < bits.stride(); ++i) ink[i] = ink_byte(&marks[8 * i]);
     }
     return bits;
 }
