@@ -18,12 +18,6 @@ constexpr int kLeastContrast = 24;
 // Of the page's strong contrasts: what is fainter is the other side, a stain or a crease.
 constexpr double kFaint = 0.3;
 
-std::uint32_t word_at(const Page& bits, int y, std::size_t index) {
-    const unsigned char* bytes = bits.row(y) + 4 * index;
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
-           std::uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
 // The bits 0, 2, 4, ... side by side.
 std::uint32_t every_other_bit(std::uint32_t word) {
     word &= 0x55555555;
@@ -56,7 +50,7 @@ Page halved(const Page& bits) {
         std::memset(row, 0, half.stride());
         for (std::size_t i = 0; i < words && 2 * i < half.stride(); ++i) {
             const std::uint32_t pixels =
-                halved(word_at(bits, 2 * y, i), word_at(bits, 2 * y + 1, i));
+                halved(pixels_at(bits.row(2 * y), i), pixels_at(bits.row(2 * y + 1), i));
             row[2 * i] = static_cast<unsigned char>(pixels >> 8);
             row[2 * i + 1] = static_cast<unsigned char>(pixels);
         }
@@ -89,7 +83,10 @@ Page halved_greys(const Page& page) {
 Page greys_of(const Page& page) {
     if (page.kind == PageKind::kGrey) return copy_of(page);
     Page grey = make_page_like(page, PageKind::kGrey);
-    for (std::size_t i = 0; i < grey.size(); ++i) grey.bytes[i] = page.bytes[3 * i + 1];
+    const std::size_t size = grey.size();
+    const unsigned char* green = page.bytes.get() + 1;
+    unsigned char* to = grey.bytes.get();
+    for (std::size_t i = 0; i < size; ++i) to[i] = green[3 * i];
     return grey;
 }
 
@@ -173,16 +170,16 @@ Page bits_by_tiles(const Page& grey) {
     std::vector<unsigned char> dark(8 * bits.stride());
     for (int y = 0; y < grey.height; ++y) {
         if (y % kTile == 0) {
-            for (std::size_t x = 0; x < width; ++x) {
-                thresholds[x] = x % kTile == 0
-                                    ? tiles.threshold(static_cast<int>(x) / kTile, y / kTile)
-                                    : thresholds[x - 1];
+            for (std::size_t x = 0; x < width; x += kTile) {
+                std::fill_n(thresholds.begin() + static_cast<std::ptrdiff_t>(x),
+                            std::min<std::size_t>(kTile, width - x),
+                            tiles.threshold(static_cast<int>(x) / kTile, y / kTile));
             }
         }
         const unsigned char* row = grey.row(y);
         for (std::size_t x = 0; x < width; ++x) dark[x] = row[x] < thresholds[x] ? 1 : 0;
         unsigned char* ink = bits.row(y);
-        for (std::size_t i = 0; i < bits.stride(); ++i) ink[i] = ink_byte(&dark[8 * i]);
+        for (std::size_t i = 0; i < dark.size() / 8; ++i) ink[i] = ink_byte(&dark[8 * i]);
     }
     return bits;
 }
@@ -202,8 +199,9 @@ Page coarse_bits(const Page& page, int halvings) {
 
 Page inverted(const Page& bits) {
     Page other = copy_of(bits);
-    for (std::size_t i = 0; i < other.size(); ++i)
-        other.bytes[i] = static_cast<unsigned char>(~other.bytes[i]);
+    unsigned char* bytes = other.bytes.get();
+    const std::size_t size = other.size();
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(~bytes[i]);
     clear_padding(other);
     return other;
 }

@@ -13,19 +13,20 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "page/ink.h"
+#include "reading/ink_runs.h"
 
 namespace tool::reading {
 namespace {
 
 // Takes off a page what is on the other.
 void subtract(Page& page, const Page& other) {
-    for (std::size_t i = 0; i < page.size(); ++i) {
-        page.bytes[i] &= static_cast<unsigned char>(~other.bytes[i]);
-    }
+    unsigned char* bytes = page.bytes.get();
+    const unsigned char* taken = other.bytes.get();
+    const std::size_t size = page.size();
+    for (std::size_t i = 0; i < size; ++i) bytes[i] &= static_cast<unsigned char>(~taken[i]);
 }
 
 Page difference(const Page& page, const Page& other) {
@@ -83,48 +84,13 @@ void erase_crumbs(Page& page, int crumb) {
     }
 }
 
-struct Run {
-    int y, begin, end;
-};
-
-// The pieces of a page that has stubs of lines and crumbs only.
-class Stubs {
-  public:
-    Stubs(Page ink, const Page& letters) : ink_(std::move(ink)), letters_(letters) {}
-
-    // Takes the piece at a pixel of ink off the stubs and, unless letters touch it, off the page.
-    void take(Page& page, int x, int y) {
-        runs_.clear();
-        take_run(x, y);
-        bool touches = false;
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            const Run run = runs_[i];
-            const int begin = std::max(0, run.begin - 1), end = std::min(ink_.width, run.end + 1);
-            for (int j = std::max(0, run.y - 1); j <= std::min(ink_.height - 1, run.y + 1); ++j) {
-                touches = touches || next_pixel(letters_.row(j), begin, end, true) < end;
-                for (int k = begin; (k = next_pixel(ink_.row(j), k, end, true)) < end;) {
-                    take_run(k, j);
-                }
-            }
-        }
-        if (touches) return;
-        for (const Run& run : runs_) erase_inks(page.row(run.y), run.begin, run.end);
+bool touches(const InkRun& run, const Page& letters) {
+    const int begin = std::max(0, run.begin - 1), end = std::min(letters.width, run.end + 1);
+    for (int y = std::max(0, run.y - 1); y <= std::min(letters.height - 1, run.y + 1); ++y) {
+        if (next_pixel(letters.row(y), begin, end, true) < end) return true;
     }
-
-    const unsigned char* row(int y) const { return ink_.row(y); }
-
-  private:
-    void take_run(int x, int y) {
-        unsigned char* row = ink_.row(y);
-        const Run run{y, last_pixel(row, x, false) + 1, next_pixel(row, x, ink_.width, false)};
-        erase_inks(row, run.begin, run.end);
-        runs_.push_back(run);
-    }
-
-    Page ink_;
-    const Page& letters_;
-    std::vector<Run> runs_;  // of one piece
-};
+    return false;
+}
 
 }  // namespace
 
@@ -134,13 +100,18 @@ void remove_line_stubs(Page& page, const Page& with_lines, const Page& without_l
     dilate(lines);
     Page letters = difference(page, lines);
     erase_crumbs(letters, crumb);
-    Stubs stubs(difference(page, letters), letters);
+    Page stubs = difference(page, letters);
+    std::vector<InkRun> piece;
     const std::size_t words = page.stride() / 4;
     for (int y = 0; y < page.height; ++y) {
         for (std::size_t i = 0; i < words; ++i) {
             while (const std::uint32_t both =
                        pixels_at(lines.row(y), i) & pixels_at(stubs.row(y), i)) {
-                stubs.take(page, static_cast<int>(32 * i) + std::countl_zero(both), y);
+                piece.clear();
+                take_connected(stubs, static_cast<int>(32 * i) + std::countl_zero(both), y, piece);
+                const auto meets = [&](const InkRun& run) { return touches(run, letters); };
+                if (std::any_of(piece.begin(), piece.end(), meets)) continue;
+                for (const InkRun& run : piece) erase_inks(page.row(run.y), run.begin, run.end);
             }
         }
     }

@@ -10,6 +10,7 @@
 
 #include "page/ink.h"
 #include "reading/components.h"
+#include "reading/ink_runs.h"
 
 namespace tool::reading {
 namespace {
@@ -19,36 +20,11 @@ constexpr int kDotsOfRow = 4;
 // By how much their distances differ.
 constexpr double kSameDistance = 0.2;
 
-struct Pixel {
-    int x, y;
-};
-
-// Erases what hangs together with a pixel of ink, and notes its pixels behind the others.
-void lift(Page& page, Pixel first, std::vector<Pixel>& pixels) {
-    std::size_t i = pixels.size();
-    pixels.push_back(first);
-    erase_ink(page, first.x, first.y);
-    for (; i < pixels.size(); ++i) {
-        const Pixel at = pixels[i];
-        for (int y = std::max(0, at.y - 1); y <= std::min(page.height - 1, at.y + 1); ++y) {
-            for (int x = std::max(0, at.x - 1); x <= std::min(page.width - 1, at.x + 1); ++x) {
-                if (!is_ink(page, x, y)) continue;
-                erase_ink(page, x, y);
-                pixels.push_back({x, y});
-            }
-        }
-    }
-}
-
 bool has_ink(const Page& page, const Box& box) {
     const int x0 = std::max(0, box.x), x1 = std::min(page.width, box.x + box.width);
     const int y1 = std::min(page.height, box.y + box.height);
     for (int y = std::max(0, box.y); y < y1; ++y) {
-        const unsigned char* row = page.row(y);
-        for (int x = x0; x < x1; x = x / 8 * 8 + 8) {
-            const int behind = std::max(0, x / 8 * 8 + 8 - x1);  // bits of the byte behind the box
-            if ((row[x / 8] & 0xFF >> x % 8) >> behind != 0) return true;
-        }
+        if (next_pixel(page.row(y), x0, x1, true) < x1) return true;
     }
     return false;
 }
@@ -169,8 +145,12 @@ void remove_dirt(Page& page, const SpeckRule& rule) {
         return component.width() >= rule.letter || component.height() >= rule.letter;
     };
     small.erase(std::remove_if(small.begin(), small.end(), is_large), small.end());
-    std::vector<Pixel> pixels;
-    for (const Component& dot : small) lift(page, {dot.first_x, dot.y0}, pixels);
+    std::vector<InkRun> runs;
+    std::vector<std::size_t> ends;  // of the runs of each
+    for (const Component& dot : small) {
+        take_connected(page, dot.first_x, dot.y0, runs);
+        ends.push_back(runs.size());
+    }
 
     std::vector<bool> keep(small.size());
     for (std::size_t i = 0; i < small.size(); ++i) {
@@ -182,11 +162,10 @@ void remove_dirt(Page& page, const SpeckRule& rule) {
         mark_rows(small, rule.row_distance, page.width, page.height, keep);
         mark_rows(turned(small), rule.row_distance, page.height, page.width, keep);
     }
-    std::size_t end = 0;
-    for (std::size_t i = 0; i < small.size(); ++i) {
-        const std::size_t begin = std::exchange(end, end + static_cast<std::size_t>(small[i].area));
-        for (std::size_t j = begin; j < end && keep[i]; ++j)
-            set_ink(page.row(pixels[j].y), pixels[j].x);
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < small.size(); begin = ends[i++]) {
+        for (std::size_t j = begin; j < ends[i] && keep[i]; ++j)
+            set_inks(page.row(runs[j].y), runs[j].begin, runs[j].end);
     }
 }
 
