@@ -7,15 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace tool::reading {
 namespace {
-
-struct Run {
-    int x0, x1;  // end excluded
-    int label;
-};
 
 std::uint64_t pixels_at(const unsigned char* bytes) {
     std::uint64_t pixels;
@@ -31,48 +27,74 @@ std::uint64_t pixels_at(const unsigned char* row, std::size_t index, std::size_t
     return pixels_at(last);
 }
 
-void find_runs(const Page& bits, int y, std::vector<Run>& runs) {
-    runs.clear();
-    const unsigned char* row = bits.row(y);
-    const std::size_t words = bits.stride() / 4;
-    std::uint64_t last = 0;  // the pixel before the word
-    int begin = 0;           // of the run that is open
-    for (std::size_t i = 0; i < words; i += 2) {
-        const std::uint64_t pixels = pixels_at(row, i, words);
-        std::uint64_t changes = pixels ^ (pixels >> 1 | last << 63);
-        while (changes != 0) {
-            const int place = std::countl_zero(changes);
-            changes ^= std::uint64_t{1} << 63 >> place;
-            const int x = static_cast<int>(32 * i) + place;
-            if (last == 0) {
-                begin = x;
-            } else {
-                runs.push_back({begin, x, -1});
-            }
-            last ^= 1;
-        }
+// The runs of a row, from the left to the right, and one behind them that lies beyond every row.
+class RowRuns {
+  public:
+    explicit RowRuns(int width)
+        : ends_(static_cast<std::size_t>(width) + 4),
+          labels_(static_cast<std::size_t>(width) / 2 + 2) {
+        close(0);
     }
-    if (last != 0) runs.push_back({begin, bits.width, -1});
-}
+
+    void find(const Page& bits, int y) {
+        const unsigned char* row = bits.row(y);
+        const std::size_t words = bits.stride() / 4;
+        int* to = ends_.data();
+        std::uint64_t last = 0;  // the pixel before the word
+        for (std::size_t i = 0; i < words; i += 2) {
+            const std::uint64_t pixels = pixels_at(row, i, words);
+            std::uint64_t changes = pixels ^ (pixels >> 1 | last << 63);
+            last = pixels & 1;
+            while (changes != 0) {
+                const int place = std::countl_zero(changes);
+                changes ^= std::uint64_t{1} << 63 >> place;
+                *to++ = static_cast<int>(32 * i) + place;
+            }
+        }
+        if (last != 0) *to++ = bits.width;
+        close(static_cast<std::size_t>(to - ends_.data()));
+    }
+
+    std::size_t count() const { return count_; }
+    // A run has the columns begin .. end - 1.
+    int begin(std::size_t run) const { return ends_[2 * run]; }
+    int end(std::size_t run) const { return ends_[2 * run + 1]; }
+    int& label(std::size_t run) { return labels_[run]; }
+
+  private:
+    void close(std::size_t size) {
+        count_ = size / 2;
+        ends_[size] = ends_[size + 1] = std::numeric_limits<int>::max();
+    }
+
+    std::vector<int> ends_;  // begin and end by turns
+    std::vector<int> labels_;
+    std::size_t count_ = 0;
+};
 
 class Labelling {
   public:
-    void add_row(int y, std::vector<Run>& runs) {
-        std::size_t above = 0;
-        for (Run& run : runs) {
-            while (above < above_.size() && above_[above].x1 < run.x0) ++above;
-            int shared = 0;  // pixels above that are black, too
-            std::size_t i = above;
-            for (; i < above_.size() && above_[i].x0 <= run.x1; ++i) {
-                shared +=
-                    std::max(0, std::min(run.x1, above_[i].x1) - std::max(run.x0, above_[i].x0));
-                join(run, root_of(above_[i].label));
+    // Labels the runs of row y; `above` has those of the row above.
+    void add_row(int y, RowRuns& runs, RowRuns& above) {
+        std::size_t i = 0;
+        for (std::size_t run = 0; run < runs.count(); ++run) {
+            const int begin = runs.begin(run), end = runs.end(run);
+            while (above.end(i) < begin) ++i;
+            if (above.begin(i) > end) {
+                runs.label(run) = begin_component(begin, end, y);
+                continue;
             }
+            int label = root_of(above.label(i));
+            int shared = overlap(begin, end, above, i);  // pixels above that are black, too
             // The last run above may touch the next run as well.
-            above = i > above ? i - 1 : above;
-            add(run, y, shared);
+            while (above.begin(i + 1) <= end) {
+                ++i;
+                label = join(label, root_of(above.label(i)));
+                shared += overlap(begin, end, above, i);
+            }
+            runs.label(run) = label;
+            add(component(label), begin, end, y, shared);
         }
-        above_.swap(runs);
     }
 
     std::vector<Component> take() {
@@ -96,16 +118,15 @@ class Labelling {
         return label;
     }
 
-    void join(Run& run, int other) {
-        if (run.label < 0) {
-            run.label = other;
-            return;
-        }
-        const int from = std::max(run.label, other);
-        run.label = std::min(run.label, other);
-        if (from == run.label) return;
-        parent(from) = run.label;
-        Component& whole = component(run.label);
+    static int overlap(int begin, int end, const RowRuns& above, std::size_t run) {
+        return std::max(0, std::min(end, above.end(run)) - std::max(begin, above.begin(run)));
+    }
+
+    int join(int one, int other) {
+        if (one == other) return one;
+        const int from = std::max(one, other), to = std::min(one, other);
+        parent(from) = to;
+        Component& whole = component(to);
         const Component& part = component(from);
         whole = {std::min(whole.x0, part.x0),
                  std::min(whole.y0, part.y0),
@@ -114,26 +135,25 @@ class Labelling {
                  whole.area + part.area,
                  whole.perimeter + part.perimeter,
                  whole.first_x};
+        return to;
     }
 
-    void add(Run& run, int y, int shared) {
-        const int length = run.x1 - run.x0;
-        const int sides = 2 + 2 * length - 2 * shared;
-        if (run.label < 0) {
-            run.label = static_cast<int>(found_.size());
-            parents_.push_back(run.label);
-            found_.push_back({run.x0, y, run.x1, y + 1, length, sides, run.x0});
-            return;
-        }
-        Component& whole = component(run.label);
-        whole.x0 = std::min(whole.x0, run.x0);
-        whole.x1 = std::max(whole.x1, run.x1);
+    int begin_component(int begin, int end, int y) {
+        const int label = static_cast<int>(found_.size());
+        parents_.push_back(label);
+        found_.push_back({begin, y, end, y + 1, end - begin, 2 + 2 * (end - begin), begin});
+        return label;
+    }
+
+    static void add(Component& whole, int begin, int end, int y, int shared) {
+        const int length = end - begin;
+        whole.x0 = std::min(whole.x0, begin);
+        whole.x1 = std::max(whole.x1, end);
         whole.y1 = y + 1;
         whole.area += length;
-        whole.perimeter += sides;
+        whole.perimeter += 2 + 2 * length - 2 * shared;
     }
 
-    std::vector<Run> above_;
     std::vector<Component> found_;
     std::vector<int> parents_;
 };
@@ -142,10 +162,11 @@ class Labelling {
 
 std::vector<Component> components_of(const Page& bits) {
     Labelling labelling;
-    std::vector<Run> runs;
+    RowRuns runs(bits.width), above(bits.width);
     for (int y = 0; y < bits.height; ++y) {
-        find_runs(bits, y, runs);
-        labelling.add_row(y, runs);
+        runs.find(bits, y);
+        labelling.add_row(y, runs, above);
+        std::swap(runs, above);
     }
     return labelling.take();
 }

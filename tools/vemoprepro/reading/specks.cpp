@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <numeric>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -41,76 +43,90 @@ bool equal(const Component& a, const Component& b) {
     return alike(a.width(), b.width()) && alike(a.height(), b.height());
 }
 
-// Dots by their places, in cells.
-class DotGrid {
+// The numbers of the dots by where they begin, from the left to the right; those that begin in one
+// column from the last to the first.
+std::vector<int> from_left(const std::vector<Component>& dots, int width) {
+    std::vector<int> places(static_cast<std::size_t>(width) + 1);
+    for (const Component& dot : dots) ++places[static_cast<std::size_t>(dot.x0) + 1];
+    std::partial_sum(places.begin(), places.end(), places.begin());
+    std::vector<int> order(dots.size());
+    for (std::size_t i = dots.size(); i-- > 0;) {
+        int& place = places[static_cast<std::size_t>(dots[i].x0)];
+        order[static_cast<std::size_t>(place++)] = static_cast<int>(i);
+    }
+    return order;
+}
+
+// Dots by their places, in bands across the page, to be asked for from the left to the right.
+class DotBands {
   public:
-    DotGrid(const std::vector<Component>& dots, int side, int width, int height)
-        : dots_(dots),
-          side_(side),
-          across_(width / side + 1),
-          down_(height / side + 1),
-          first_(static_cast<std::size_t>(across_) * static_cast<std::size_t>(down_), -1),
-          next_(dots.size(), -1) {
-        for (std::size_t i = 0; i < dots.size(); ++i) {
-            int& first = first_[cell(dots[i].x0 / side, dots[i].y0 / side)];
-            next_[i] = std::exchange(first, static_cast<int>(i));
-        }
+    DotBands(const std::vector<Component>& dots, const std::vector<int>& from_left, int band,
+             int height)
+        : dots_(dots), band_(band), bands_(static_cast<std::size_t>(height / band + 1)) {
+        for (const int i : from_left) bands_[band_of(at(i))].dots.push_back({at(i).x0, i});
     }
 
     // The nearest equal dot to the right of one, hardly higher or lower, or -1.
-    int right_of(const Component& dot, int reach) const {
-        const int end = std::min(across_ - 1, (dot.x1 + reach) / side_);
-        int nearest = -1;
-        for (int column = dot.x1 / side_; column <= end && nearest < 0; ++column) {
-            for (int row = std::max(0, dot.y0 / side_ - 1);
-                 row <= std::min(down_ - 1, dot.y0 / side_ + 1); ++row) {
-                nearest = nearest_in(cell(column, row), dot, reach, nearest);
+    int right_of(const Component& dot, int reach) {
+        const std::size_t band = band_of(dot);
+        int nearest = -1, end = dot.x1 + reach + 1;
+        for (std::size_t i = band - std::min<std::size_t>(band, 1);
+             i <= std::min(bands_.size() - 1, band + 1); ++i) {
+            for (const Place& place : bands_[i].from(dot.x0)) {
+                if (place.x0 >= end) break;
+                if (place.x0 <= dot.x1 || !in_row(dot, at(place.dot))) continue;
+                nearest = place.dot;
+                end = place.x0;
             }
         }
         return nearest;
     }
 
   private:
-    const Component& at(int i) const { return dots_[static_cast<std::size_t>(i)]; }
-    std::size_t cell(int column, int row) const {
-        return static_cast<std::size_t>(row) * static_cast<std::size_t>(across_) +
-               static_cast<std::size_t>(column);
-    }
+    struct Place {
+        int x0, dot;
+    };
+    struct Band {
+        std::vector<Place> dots;
+        std::size_t passed = 0;
 
-    int nearest_in(std::size_t cell, const Component& dot, int reach, int nearest) const {
-        for (int i = first_[cell]; i >= 0; i = next_[static_cast<std::size_t>(i)]) {
-            const int off = std::abs(at(i).y0 + at(i).y1 - dot.y0 - dot.y1);  // twice the rows
-            if (at(i).x0 <= dot.x1 || at(i).x0 > dot.x1 + reach || off > side_ ||
-                !equal(dot, at(i)))
-                continue;
-            if (nearest < 0 || at(i).x0 < at(nearest).x0) nearest = i;
+        // x does not become less from call to call.
+        std::span<const Place> from(int x) {
+            while (passed < dots.size() && dots[passed].x0 < x) ++passed;
+            return std::span(dots).subspan(passed);
         }
-        return nearest;
+    };
+
+    const Component& at(int i) const { return dots_[static_cast<std::size_t>(i)]; }
+    std::size_t band_of(const Component& dot) const {
+        return static_cast<std::size_t>(dot.y0 / band_);
+    }
+    bool in_row(const Component& dot, const Component& next) const {
+        const int off = std::abs(next.y0 + next.y1 - dot.y0 - dot.y1);  // twice the rows
+        return off <= band_ && equal(dot, next);
     }
 
     const std::vector<Component>& dots_;
-    int side_, across_, down_;
-    std::vector<int> first_, next_;  // lists of the dots of cells
+    int band_;
+    std::vector<Band> bands_;
 };
 
 // Marks the dots that stand in rows from the left to the right.
 void mark_rows(const std::vector<Component>& dots, int reach, int width, int height,
                std::vector<bool>& marked) {
-    const DotGrid grid(dots, std::max(2, reach / 8), width, height);
-    std::vector<int> next(dots.size()), order(dots.size());
-    for (std::size_t i = 0; i < dots.size(); ++i) {
-        next[i] = grid.right_of(dots[i], reach);
-        order[i] = static_cast<int>(i);
+    const std::vector<int> order = from_left(dots, width);
+    DotBands bands(dots, order, std::max(2, reach / 8), height);
+    std::vector<int> next(dots.size());
+    for (const int index : order) {
+        const auto i = static_cast<std::size_t>(index);
+        next[i] = bands.right_of(dots[i], reach);
     }
-    std::sort(order.begin(), order.end(), [&](int a, int b) {
-        return dots[static_cast<std::size_t>(a)].x0 > dots[static_cast<std::size_t>(b)].x0;
-    });
     const auto step = [&](std::size_t i) {
         return dots[static_cast<std::size_t>(next[i])].x0 - dots[i].x0;
     };
     std::vector<int> left(dots.size(), 1);  // dots at equal distances from this one on
-    for (const int index : order) {
-        const auto i = static_cast<std::size_t>(index);
+    for (auto index = order.rbegin(); index != order.rend(); ++index) {
+        const auto i = static_cast<std::size_t>(*index);
         if (next[i] < 0) continue;
         const auto n = static_cast<std::size_t>(next[i]);
         const bool even =
@@ -118,8 +134,8 @@ void mark_rows(const std::vector<Component>& dots, int reach, int width, int hei
         left[i] = even ? left[n] + 1 : 2;
     }
     std::vector<bool> done(dots.size());
-    for (auto index = order.rbegin(); index != order.rend(); ++index) {
-        auto i = static_cast<std::size_t>(*index);
+    for (const int index : order) {
+        auto i = static_cast<std::size_t>(index);
         if (left[i] < kDotsOfRow || done[i]) continue;
         for (int count = left[i]; count > 0; --count) {
             marked[i] = true;
