@@ -109,10 +109,10 @@ TEST(InkContrast, IsThatOfTheStrongInk) {
             if (x < 100) return 240 - (x % 7 < 2 ? kFaint : 0);
             return 240 - (x % 12 < 6 && y % 20 < 14 ? strong : 0);
         });
-        EXPECT_EQ(reading::ink_contrast(grey), std::max(strong, kFaint));
+        EXPECT_EQ(reading::ink_contrast(reading::contrasts_of(grey)), std::max(strong, kFaint));
     }
     const Page noise = tool::grey_page(200, 200, [](int x, int y) { return 240 - x * y % 19; });
-    EXPECT_EQ(reading::ink_contrast(noise), 0);
+    EXPECT_EQ(reading::ink_contrast(reading::contrasts_of(noise)), 0);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <new>
 
 #include "page/row_reader.h"
-#include "reading/ink_contrast.h"
 
 namespace tool::reading {
 namespace {
@@ -19,8 +18,11 @@ Settings make_settings() {
     return settings;
 }
 
-void set_edges(const Settings& settings, const Page& grey, int strongest) {
-    const int edge = std::clamp(ink_contrast(grey) * kEdgeShare / 100, kWeakestEdge, strongest);
+int edge_of_ink(int contrast, int strongest) {
+    return std::clamp(contrast * kEdgeShare / 100, kWeakestEdge, strongest);
+}
+
+void set_edges(const Settings& settings, int edge) {
     bi_set_delta1(settings.get(), static_cast<unsigned char>(edge));
     bi_set_delta2(settings.get(), static_cast<unsigned char>(edge * 3 / 4));
 }

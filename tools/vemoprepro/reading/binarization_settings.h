@@ -1,15 +1,13 @@
 // The settings object of the library's binarizations, with edges as strong as a page's ink makes
 // them.
 //
-// Use: const Settings settings = make_settings(); set_edges(settings, grey, strongest); then the
+// Use: const Settings settings = make_settings(); set_edges(settings, edge); then the
 // library's setters and do calls on settings.get().
 #pragma once
 
 #include <vemoprepro/binarization.h>
 
 #include <memory>
-
-#include "page/page.h"
 
 namespace tool::reading {
 
@@ -26,6 +24,7 @@ constexpr int kWeakestEdge = 16;
 
 // Edges count from two fifths of the contrast of the page's ink on: weaker ones are the other side
 // showing through, stains and noise. strongest: at least kWeakestEdge; the limit of that.
-void set_edges(const Settings& settings, const Page& grey, int strongest);
+int edge_of_ink(int contrast, int strongest);
+void set_edges(const Settings& settings, int edge);
 
 }  // namespace tool::reading

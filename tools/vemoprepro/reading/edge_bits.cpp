@@ -5,6 +5,7 @@
 #include <new>
 
 #include "reading/binarization_settings.h"
+#include "reading/ink_contrast.h"
 
 namespace tool::reading {
 namespace {
@@ -14,10 +15,10 @@ namespace {
 // with it what shows through from the other side.
 constexpr int kStrongestEdge = 120;
 
-Page bits_by_edges(const Page& grey, int strongest) {
+Page bits_by_edges(const Page& grey, int edge) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     const Settings settings = make_settings();
-    set_edges(settings, grey, strongest);
+    set_edges(settings, edge);
     bi_set_internal_gaussian_smoothing(settings.get(), 1);
     if (bi_grey_gradl_do(settings.get(), grey.bytes.get(), grey.height, grey.width,
                          bits.bytes.get()) != 0) {
@@ -29,7 +30,7 @@ Page bits_by_edges(const Page& grey, int strongest) {
 }  // namespace
 
 Page bits_for_reading(const Page& grey) {
-    return bits_by_edges(grey, kStrongestEdge);
+    return bits_by_edges(grey, edge_of_ink(ink_contrast(contrasts_of(grey)), kStrongestEdge));
 }
 
 Page bits_with_faint_ink(const Page& grey) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
 #include "page/paper_scale.h"
@@ -47,25 +48,33 @@ struct Extremes {
 
 }  // namespace
 
-int ink_contrast(const Page& grey) {
+Contrasts contrasts_of(const Page& grey) {
     const int side = std::max(2, scaled_length(grey, kBlock));
-    std::vector<int> contrasts;
-    Extremes of(grey.width);
-    for (int y = 0; y + side < grey.height; y += side) {
-        of.find(grey, y, side);
-        for (int x = 0; x + side < grey.width; x += side) {
-            const int contrast =
-                (*std::max_element(&of.lightest[static_cast<std::size_t>(x)],
-                                   &of.lightest[static_cast<std::size_t>(x + side)]) -
-                 *std::min_element(&of.darkest[static_cast<std::size_t>(x)],
-                                   &of.darkest[static_cast<std::size_t>(x + side)])) /
-                4;
-            if (contrast >= kLeastContrast) contrasts.push_back(contrast);
+    const int across = (grey.width - 1) / side, down = (grey.height - 1) / side;
+    Contrasts contrasts{side, across, down, {}};
+    contrasts.values.reserve(static_cast<std::size_t>(across) * static_cast<std::size_t>(down));
+    Extremes columns(grey.width);
+    for (int j = 0; j < down; ++j) {
+        columns.find(grey, j * side, side);
+        for (int i = 0; i < across; ++i) {
+            const std::ptrdiff_t x = std::ptrdiff_t{i} * side;
+            const auto lightest = columns.lightest.begin() + x;
+            const auto darkest = columns.darkest.begin() + x;
+            contrasts.values.push_back((*std::max_element(lightest, lightest + side) -
+                                        *std::min_element(darkest, darkest + side)) /
+                                       4);
         }
     }
-    if (contrasts.empty()) return 0;
-    const auto strong = contrasts.begin() + static_cast<std::ptrdiff_t>(contrasts.size() * 9 / 10);
-    std::nth_element(contrasts.begin(), strong, contrasts.end());
+    return contrasts;
+}
+
+int ink_contrast(const Contrasts& contrasts) {
+    std::vector<int> of_ink;
+    std::copy_if(contrasts.values.begin(), contrasts.values.end(), std::back_inserter(of_ink),
+                 [](int contrast) { return contrast >= kLeastContrast; });
+    if (of_ink.empty()) return 0;
+    const auto strong = of_ink.begin() + static_cast<std::ptrdiff_t>(of_ink.size() * 9 / 10);
+    std::nth_element(of_ink.begin(), strong, of_ink.end());
     return *strong;
 }
 

@@ -17,6 +17,8 @@ constexpr int kCell = 32;
 // itself fills less than this share of a cell.
 constexpr int kBlank = 5;
 constexpr int kMostPrint = 50;
+// Print fills no more than this share of several cells together.
+constexpr int kWidePrint = 20;
 
 struct Cells {
     int across, down;
@@ -61,10 +63,47 @@ struct Cells {
     }
 };
 
+// Whether some block in the cell, or the one next to it at the edge of the page, has so much
+// contrast.
+bool has_contrast(const Contrasts& contrasts, int i, int j, int least) {
+    const auto block = [&](int pixel, int blocks) {
+        return std::min(pixel / contrasts.side, blocks - 1);
+    };
+    for (int v = block(j * kCell, contrasts.down); v <= block((j + 1) * kCell - 1, contrasts.down);
+         ++v) {
+        for (int u = block(i * kCell, contrasts.across);
+             u <= block((i + 1) * kCell - 1, contrasts.across); ++u) {
+            if (contrasts.values[static_cast<std::size_t>(v * contrasts.across + u)] >= least) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// Whether there is a cell with contrast and so little ink that print there would be far more.
+bool may_lack_print(const Cells& own, const Contrasts& contrasts, int least) {
+    if (contrasts.values.empty()) return true;
+    constexpr int kMostAround = 9 * kCell * kCell * kWidePrint / 100;
+    for (int j = 0; j < own.down; ++j) {
+        for (int i = 0; i < own.across; ++i) {
+            if (has_contrast(contrasts, i, j, least) &&
+                own.ink_around(i, j) * 100 < kBlank * kMostAround) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
-void add_light_print(Page& bits, const Page& by_edges) {
-    const Cells own(bits), other(by_edges);
+void add_light_print(Page& bits, const Contrasts& contrasts, int least,
+                     const std::function<Page()>& make_by_edges) {
+    const Cells own(bits);
+    if (!may_lack_print(own, contrasts, least)) return;
+    const Page by_edges = make_by_edges();
+    const Cells other(by_edges);
     for (int j = 0; j < own.down; ++j) {
         for (int i = 0; i < own.across; ++i) {
             if (!other.may_be_print(i, j)) continue;

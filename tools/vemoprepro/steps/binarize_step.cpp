@@ -11,6 +11,7 @@
 #include "page/row_reader.h"
 #include "reading/binarization_settings.h"
 #include "reading/edge_bits.h"
+#include "reading/ink_contrast.h"
 #include "reading/light_print.h"
 #include "reading/paper_bits.h"
 #include "steps/step.h"
@@ -40,12 +41,12 @@ Page threshold_bits(const Page& grey, int threshold) {
     return bits;
 }
 
-Page gradient_bits(const Page& grey) {
+Page gradient_bits(const Page& grey, int edge) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
     const reading::Settings settings = reading::make_settings();
     bi_set_smooth(settings.get(), kSmooth);
-    reading::set_edges(settings, grey, kUsualEdge);
+    reading::set_edges(settings, edge);
     bi_set_black1(settings.get(), kFillLevel);
     bi_set_black2(settings.get(), kLowestThreshold);
     if (bi_gradl_do(settings.get(), &reader, PREPRO_SOURCE_GREY, grey.width, 0, grey.width, 0,
@@ -55,10 +56,18 @@ Page gradient_bits(const Page& grey) {
     return bits;
 }
 
+int edge_of(const reading::Contrasts& contrasts) {
+    return reading::edge_of_ink(reading::ink_contrast(contrasts), kUsualEdge);
+}
+
 // Light print beside black ink, which recognition is spared, is what the reader may look for.
 Page paper_bits(const Page& grey) {
     Page bits = reading::bits_by_paper(grey);
-    reading::add_light_print(bits, gradient_bits(grey));
+    const reading::Contrasts contrasts = reading::contrasts_of(grey);
+    const int edge = edge_of(contrasts);
+    // Corners are steeper than straight edges, by less than a third.
+    const int least = edge * 3 / 4;
+    reading::add_light_print(bits, contrasts, least, [&] { return gradient_bits(grey, edge); });
     return bits;
 }
 
@@ -127,7 +136,7 @@ Outcome binarize(PageWork& work, const StepOptions& options) {
             return {true, "thresholds by the paper"};
         case Binarization::kGradient:
             if (options.for_reading) return binarize_for_reading(work, options);
-            work.page = gradient_bits(work.page);
+            work.page = gradient_bits(work.page, edge_of(reading::contrasts_of(work.page)));
             return {true, "gradient thresholds"};
         case Binarization::kOtsu:
             break;
