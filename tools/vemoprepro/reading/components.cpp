@@ -97,14 +97,18 @@ class Labelling {
         }
     }
 
+    // From here on parents are the numbers of the components. A parent comes before its parts.
     std::vector<Component> take() {
         std::size_t kept = 0;
         for (std::size_t i = 0; i < found_.size(); ++i) {
-            if (parents_[i] == static_cast<int>(i)) found_[kept++] = found_[i];
+            const auto parent = static_cast<std::size_t>(parents_[i]);
+            parents_[i] = parent == i ? static_cast<int>(kept) : parents_[parent];
+            if (parent == i) found_[kept++] = found_[i];
         }
         found_.resize(kept);
         return std::move(found_);
     }
+    int number_of(int label) const { return parents_[static_cast<std::size_t>(label)]; }
 
   private:
     Component& component(int label) { return found_[static_cast<std::size_t>(label)]; }
@@ -158,17 +162,36 @@ class Labelling {
     std::vector<int> parents_;
 };
 
-}  // namespace
-
-std::vector<Component> components_of(const Page& bits) {
-    Labelling labelling;
+// Calls use(y, runs) for each row with its labelled runs.
+template <class Use>
+void label_rows(const Page& bits, Labelling& labelling, Use use) {
     RowRuns runs(bits.width), above(bits.width);
     for (int y = 0; y < bits.height; ++y) {
         runs.find(bits, y);
         labelling.add_row(y, runs, above);
+        use(y, runs);
         std::swap(runs, above);
     }
+}
+
+}  // namespace
+
+std::vector<Component> components_of(const Page& bits) {
+    Labelling labelling;
+    label_rows(bits, labelling, [](int, RowRuns&) {});
     return labelling.take();
+}
+
+std::vector<Component> components_of(const Page& bits, std::vector<ComponentRun>& runs) {
+    runs.clear();
+    Labelling labelling;
+    label_rows(bits, labelling, [&](int y, RowRuns& row) {
+        for (std::size_t i = 0; i < row.count(); ++i)
+            runs.push_back({{y, row.begin(i), row.end(i)}, row.label(i)});
+    });
+    std::vector<Component> components = labelling.take();
+    for (ComponentRun& run : runs) run.component = labelling.number_of(run.component);
+    return components;
 }
 
 }  // namespace tool::reading

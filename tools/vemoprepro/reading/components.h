@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "page/page.h"
+#include "reading/ink_runs.h"
 
 namespace tool::reading {
 
@@ -22,7 +23,14 @@ struct Component {
     double stroke() const { return 2.0 * area / perimeter; }
 };
 
+struct ComponentRun {
+    InkRun run;
+    int component;  // its number
+};
+
 // In the order of their first pixels, from the top down and from left to right.
 std::vector<Component> components_of(const Page& bits);
+// The same; `runs` becomes their runs, row by row.
+std::vector<Component> components_of(const Page& bits, std::vector<ComponentRun>& runs);
 
 }  // namespace tool::reading

@@ -61,10 +61,9 @@ std::vector<Piece> level_pieces(const InkPieces& ink, Reading direction, double 
     const bool turned = direction == Reading::kAlongColumns;
     std::vector<Piece> pieces;
     pieces.reserve(ink.pieces().size());
-    for (const InkPiece& piece : ink.pieces()) {
-        const Box& box = piece.box;
-        Piece level = turned ? Piece{page.height - piece.bottom(), box.x, box.height, piece.right()}
-                             : Piece{box.x, box.y, box.width, piece.bottom()};
+    for (const Component& piece : ink.pieces()) {
+        Piece level = turned ? Piece{page.height - piece.y1, piece.x0, piece.height(), piece.x1}
+                             : Piece{piece.x0, piece.y0, piece.width(), piece.y1};
         const auto drift = static_cast<int>(std::lround((level.x + level.width / 2) * slope / 512));
         level.top += drift;
         level.bottom += drift;
