@@ -1,4 +1,4 @@
-"""The pages of the reading test: plain text on A4 at 300 dots per inch, each page with one fault that scans have.
+"""The pages of the reading test: plain text on A4, mostly at 300 dots per inch, each with one fault that scans have.
 
 `PAGES` maps a fault's name to the ways to draw it: at least three texts, each with its own type and its own chance, so
 that no figure hangs on a few letters. Each way gives the image, the options to save it with, and the text that stands
@@ -16,7 +16,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "examples")
 
 from drawing import words  # noqa: E402
 from drawing.damage import (add_noise, dark_border, falling_light, lay_on_glass, on_paper, show_through, smooth_field,  # noqa: E402
-                            soften, specks, starve_ink, to_array, to_image)
+                            soften, specks, starve_ink, to_array, to_bitonal, to_image)
 from drawing.sheet import BLACK, Sheet  # noqa: E402
 
 DPI = 300
@@ -170,6 +170,48 @@ def coarse(seed, sheet):
     return to_image(page), {"format": "JPEG", "quality": 28, "dpi": (150, 150)}
 
 
+def photographed(seed, sheet, corners, angle):
+    """By hand, in poor light, on few pixels; the file says nothing about their size."""
+    rng = np.random.default_rng(seed)
+    page = falling_light(lay_on_glass(paper_of(sheet, rng, 0.01), angle, (70, 62, 58)), *corners, 0.15)
+    page = add_noise(soften(page, 0.6), rng, 0.012)
+    return to_image(page), {"format": "JPEG", "quality": 55, "dpi": None}
+
+
+def black_and_white(sheet, rng):
+    return to_bitonal(soften(paper_of(sheet, rng), 0.7), rng)
+
+
+def misnamed(seed, sheet, stated):
+    """A bitonal page whose file states another resolution than the page has."""
+    return black_and_white(sheet, np.random.default_rng(seed)), {"dpi": (stated, stated)}
+
+
+def salted(seed, sheet, share):
+    """Single black and white pixels all over a bitonal page, some in clumps."""
+    rng = np.random.default_rng(seed)
+    ink = np.asarray(black_and_white(sheet, rng).convert("1")) == 0
+    hit = rng.random(ink.shape) < share
+    clumps = hit & (rng.random(ink.shape) < 0.1)
+    hit[1:] |= clumps[:-1]
+    hit[:, 1:] |= hit[:, :-1] & clumps[:, 1:]
+    return Image.fromarray((ink ^ hit) == 0), {}
+
+
+def turned(seed, sheet, quarters):
+    """The page lies on its side or upside down, and no tag says so."""
+    rng = np.random.default_rng(seed)
+    return grey(scan(paper_of(sheet, rng), rng, 0.4)).rotate(90 * quarters, expand=True), {}
+
+
+def pale(seed, sheet):
+    """Thin print that is little darker than its paper, on few pixels."""
+    rng = np.random.default_rng(seed)
+    page = starve_ink(to_array(sheet.finish()), rng, 0.3, 8)
+    page = add_noise(soften(on_paper(page, rng, (250, 250, 250), 0.004), 0.6), rng, 0.008)
+    return grey(page), {"format": "JPEG", "quality": 70, "dpi": (150, 150)}
+
+
 DARK_INKS = [(30, 62, 150), (196, 40, 44), (24, 120, 60), (206, 110, 20), (120, 50, 140), (70, 150, 205), (215, 70, 130)]
 LIGHT_INKS = [(90, 140, 60), (60, 130, 200), (220, 90, 60), (150, 110, 170)]
 MIXED_INKS = [(20, 40, 110), (230, 120, 30), (110, 60, 30), (40, 150, 150), (180, 30, 90)]
@@ -228,6 +270,31 @@ PAGES = {
         (bordered, 208, sheet_of(ESSAY, "sans", 10.5), -1.8, (-40, 10)),
         (bordered, 308, sheet_of(words.LETTER, "book", 10.5), 0.6, (5, 30)),
     ],
+    "photographed, no resolution": [
+        (photographed, 110, sheet_of(words.BOOK, "serif", 12, dpi=110), (1.0, 0.8, 0.7, 0.35), 1.6),
+        (photographed, 210, sheet_of(ESSAY, "sans", 11, dpi=120), (0.4, 0.9, 0.6, 1.0), -2.2),
+        (photographed, 310, sheet_of(MILL, "book", 11, dpi=130), (0.8, 0.4, 1.0, 0.7), 0.9),
+    ],
+    "bitonal, wrong resolution": [
+        (misnamed, 111, sheet_of(words.BOOK, "serif", 11), 1200),
+        (misnamed, 211, sheet_of(ADVICE, "mono", 10.5), 72),
+        (misnamed, 311, sheet_of(words.LETTER, "sans", 10.5, dpi=200), 600),
+    ],
+    "bitonal, salt and pepper": [
+        (salted, 112, sheet_of(words.BOOK, "serif", 12), 0.02),
+        (salted, 212, sheet_of(ESSAY, "sans", 11), 0.05),
+        (salted, 312, sheet_of(MILL, "book", 11), 0.03),
+    ],
+    "on its side, no tag": [
+        (turned, 113, sheet_of(words.BOOK, "serif", 11), 1),
+        (turned, 213, sheet_of(ESSAY, "sans", 11), 3),
+        (turned, 313, sheet_of(MILL, "book", 10.5), 2),
+    ],
+    "pale print, 150 dpi": [
+        (pale, 114, sheet_of(words.BOOK, "serif", 12, (178, 178, 178), dpi=150)),
+        (pale, 214, sheet_of(words.LETTER, "sans", 11, (190, 190, 190), dpi=150)),
+        (pale, 314, sheet_of(MILL, "book", 11, (184, 184, 184), dpi=150)),
+    ],
     "150 dpi JPEG": [
         (coarse, 109, sheet_of(words.BOOK, "serif", 11, dpi=150)),
         (coarse, 209, sheet_of(words.LETTER, "sans", 10.5, dpi=150)),
@@ -242,14 +309,16 @@ def slug(name):
 
 
 def draw(name, index, folder):
-    """Draws a page into the folder unless it is there; returns the paths of image and text, and the resolution."""
+    """Draws a page into the folder unless it is there; returns the paths of image and text, and the resolution: that of
+    the image, or none where its file has none or a wrong one."""
     fault, seed, make_sheet, *how = PAGES[name][index]
     stem = pathlib.Path(folder) / f"{slug(name)}-{seed}"
-    jpeg = "JPEG" in name
+    jpeg = fault in (coarse, photographed, pale)
     image_path, text_path = stem.with_suffix(".jpg" if jpeg else ".png"), stem.with_suffix(".txt")
     if not (image_path.exists() and text_path.exists()):
         sheet = make_sheet()
         image, options = fault(seed, sheet, *how)
         text_path.write_text(sheet.known_text(), encoding="utf-8")
-        image.save(image_path, **{"dpi": (DPI, DPI), **options})
-    return image_path, text_path, 150 if jpeg else DPI
+        options = {"dpi": (DPI, DPI), **options}
+        image.save(image_path, **{key: value for key, value in options.items() if value})
+    return image_path, text_path, None if fault in (photographed, misnamed) else 150 if jpeg else DPI

@@ -53,7 +53,8 @@ def error_rate(read, known):
 
 def read_page(image, dpi):
     """What tesseract reads, with the page's layout left to it."""
-    command = ["nice", "-n", "10", "tesseract", str(image), "-", "--dpi", str(dpi), "--psm", "3", "-l", "eng"]
+    known = ["--dpi", str(dpi)] if dpi else []
+    command = ["nice", "-n", "10", "tesseract", str(image), "-", *known, "--psm", "3", "-l", "eng"]
     return subprocess.run(command, env={**os.environ, "OMP_THREAD_LIMIT": "1"}, check=True, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL).stdout.decode("utf-8")
 
@@ -80,8 +81,9 @@ class Cache:
 
 
 def clean(program, options, source, target, dpi):
-    subprocess.run([program, "clean", "-q", "--overwrite", "--dpi", str(dpi), *options, str(source), "-o", str(target)],
-                   check=True)
+    known = ["--dpi", str(dpi)] if dpi else []
+    subprocess.run([program, "clean", "-q", "--overwrite", *known, *options, str(source), "-o", str(target)], check=True,
+                   stderr=subprocess.DEVNULL)
 
 
 def columns(program):
