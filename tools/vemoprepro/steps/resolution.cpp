@@ -93,7 +93,10 @@ void settle_resolution(PageWork& work, const StepOptions& options) {
             {*options.dpi, *options.dpi}, ResolutionSource::kOption, page.dpi, "as given"};
     }
     page.scale = work.resolution.dpi;
-    if (options.dpi || page.dpi.x == 0) page.dpi = work.resolution.dpi;
+    // Recognition scales by the output's resolution as well; otherwise the page keeps its size.
+    const bool misnamed =
+        options.for_reading && work.resolution.source == ResolutionSource::kLetters;
+    if (options.dpi || page.dpi.x == 0 || misnamed) page.dpi = work.resolution.dpi;
 }
 
 }  // namespace tool::steps
