@@ -174,10 +174,7 @@ void mark_darker(const unsigned char* row, const std::uint16_t* limits, int widt
     }
 }
 
-}  // namespace
-
-Page small_ink(const Page& page) {
-    const Page grey = small_grey(page, reduction_for(page));
+Page darker_ink(const Page& grey) {
     const Limits limits(grey);
     Page ink = make_page_like(grey, PageKind::kBitonal);
     std::vector<std::uint16_t> limits_of_row(limits.padded_width());
@@ -188,6 +185,14 @@ Page small_ink(const Page& page) {
         for (std::size_t i = 0; i < ink.stride(); ++i) ink.row(y)[i] = ink_byte(&dark[i * 8]);
     }
     return ink;
+}
+
+}  // namespace
+
+Page small_ink(const Page& page) {
+    const int by = reduction_for(page);
+    if (by == 1 && page.kind == PageKind::kGrey) return darker_ink(page);
+    return darker_ink(small_grey(page, by));
 }
 
 }  // namespace tool::reading
