@@ -51,8 +51,10 @@ constexpr int kLeastLengthInThickness = 20;
 // So many lines make a group, the line itself among them; a stave has five. Just as many make a
 // large stave, whose lines lie up to so many times as far apart.
 constexpr int kGroup = 5;
-// The bars of a barcode lie this close, in times the thickness of the thin ones.
-constexpr int kPitchInThickness = 4;
+// The bars of a barcode lie no farther apart than four times the thickness of the thin ones, and
+// these may come out thinner than they are.
+constexpr int kPitchInThickness = 5;
+constexpr int kThinned = 3;  // pixels, of the space between two bars
 constexpr double kLargeStave = 1.6;
 // A line that joins none and is no longer than so many times the least may be an underline or the
 // bar of a fraction, unless so much of it has paper within 2 mm on both sides.
@@ -289,7 +291,8 @@ bool is_long_enough(const Page& page, const RuledLine& line, const LineScale& sc
 Sureness judge(const Page& page, const Page& untouched, const RuledLine& line,
                const LineScale& scale) {
     if (!is_long_enough(untouched, line, scale) ||
-        is_in_group(page, line, std::max(scale.pitch, kPitchInThickness * line.thickness))) {
+        is_in_group(page, line,
+                    std::max(scale.pitch, kPitchInThickness * line.thickness + kThinned))) {
         return Sureness::kNoLine;
     }
     const ColumnCount count = count_columns(page, line, scale);
