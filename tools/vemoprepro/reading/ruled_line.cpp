@@ -3,7 +3,8 @@
 // line's row moves towards the middle of the run; elsewhere, in gaps and under letters, it goes
 // straight on. Behind the end of the seed the line ends where no piece of it has come for a while;
 // what lies behind its last piece does not belong to it. Neither does a piece that is shorter than
-// the paper before it: that is a letter's stroke.
+// the paper before it, nor pieces behind a short gap that are no longer than a stem in all: these
+// are strokes of letters.
 #include "reading/ruled_line.h"
 
 #include <algorithm>
@@ -23,6 +24,8 @@ constexpr int kThicknessPercentile = 35;
 
 // The pieces of a broken line lie no farther apart than this many dashes, 5 mm.
 constexpr int kAwayInDashes = 4;
+// Stems of book type are shorter than this, 4 mm.
+constexpr int kStemInDashes = 3;
 
 // The run of ink in column x that row y lies in, or else the one of the row above or below. A run
 // is cut where it goes on for more than `tallest` rows to either side.
@@ -66,9 +69,10 @@ class LineFollower {
             const bool on_seed = step > 0 ? x < seed_end : x > seed_end;
             if (!on_seed && followed_.covers(x, centre_ / kRowParts)) break;
             columns.push_back(look(x));
-            if (on_seed || piece_ >= std::max(scale_.dash, paper_)) {
+            if (on_seed || goes_on()) {
                 kept = columns.size();
-                away_ = paper_ = 0;
+                away_ = paper_ = before_ = 0;
+                has_wide_gap_ = false;
             } else if (away_ > kAwayInDashes * scale_.dash) {
                 break;
             }
@@ -83,13 +87,26 @@ class LineFollower {
         column.centre = centre_;
         if (line_.is_alone_in(column)) {
             ++piece_;
+            gap_ = 0;
             approach(column);
         } else {
+            if (piece_ >= scale_.dash) before_ += piece_;
             piece_ = 0;
             ++away_;
-            paper_ += column.height() == 0;
+            const bool is_paper = column.height() == 0;
+            paper_ += is_paper;
+            gap_ = is_paper ? gap_ + 1 : 0;
+            has_wide_gap_ |= gap_ > scale_.gap;
         }
         return column;
+    }
+
+    // Whether the piece up to here belongs to the line.
+    bool goes_on() const {
+        if (piece_ < scale_.dash) return false;
+        if (paper_ == 0) return true;
+        if (has_wide_gap_) return piece_ >= paper_;
+        return before_ + piece_ >= kStemInDashes * scale_.dash;
     }
 
     // Slowly, since a letter's stroke may look like the line.
@@ -104,6 +121,10 @@ class LineFollower {
     const FollowedLines& followed_;
     int centre_;     // in 1 / kRowParts of a row
     int piece_ = 0;  // columns of the line in a row, up to here
+    int gap_ = 0;    // columns of paper up to here
+    // Since the last piece that belongs to the line:
+    int before_ = 0;  // columns of pieces before this one
+    bool has_wide_gap_ = false;
     int away_ = 0;   // columns without the line since the last piece that belongs to it
     int paper_ = 0;  // of those, columns without ink
 };
