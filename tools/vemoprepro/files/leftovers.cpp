@@ -1,6 +1,7 @@
 #include "files/leftovers.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 #include <memory>
 #include <set>
 #include <utility>
-
-#include "files/unfinished.h"
 
 namespace tool::files {
 namespace {
@@ -23,10 +22,10 @@ bool is_ours(const std::string& name, const std::string& prefix) {
                        [](unsigned char letter) { return std::isalnum(letter) != 0; });
 }
 
-bool is_left_over(const std::string& path, mode_t type) {
+bool is_left_over(const std::string& path) {
     constexpr std::time_t kDay = 24 * 60 * 60;
     struct stat status {};
-    return lstat(path.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == type &&
+    return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
            status.st_uid == geteuid() && std::time(nullptr) - status.st_mtime > kDay;
 }
 
@@ -36,19 +35,14 @@ struct CloseFolder {
 
 }  // namespace
 
-void remove_leftovers(const std::string& folder, const char* prefix, mode_t type) {
+void remove_leftovers(const std::string& folder, const char* prefix) {
     static std::set<std::pair<std::string, std::string>> looked_through;
     if (!looked_through.emplace(folder, prefix).second) return;
     const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
     if (!open) return;
     while (const dirent* entry = readdir(open.get())) {
         const std::string path = folder + "/" + entry->d_name;
-        if (!is_ours(entry->d_name, prefix) || !is_left_over(path, type)) continue;
-        if (type == S_IFDIR) {
-            remove_folder(path);
-        } else {
-            unlink(path.c_str());
-        }
+        if (is_ours(entry->d_name, prefix) && is_left_over(path)) unlink(path.c_str());
     }
 }
 

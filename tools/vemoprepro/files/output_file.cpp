@@ -89,7 +89,7 @@ void OutputFile::open_aside() {
     const std::string folder = target_.substr(0, target_.rfind('/') + 1);
     std::string path = folder + kAsidePrefix + kSixCharacters;
     const std::lock_guard guard(unfinished().lock);
-    remove_leftovers(folder.empty() ? "." : folder, kAsidePrefix, S_IFREG);
+    remove_leftovers(folder.empty() ? "." : folder, kAsidePrefix);
     file_ = mkostemp(path.data(), O_CLOEXEC);
     if (file_ < 0) throw system_error_of(name_);
     aside_ = path;

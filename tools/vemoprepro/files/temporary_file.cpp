@@ -19,7 +19,7 @@ std::string temporary_folder() {
     return given ? folder : "/tmp";
 }
 
-// A path for mkostemp() and mkdtemp().
+// A path for mkostemp().
 std::string temporary_template() {
     return temporary_folder() + "/" + kTemporaryPrefix + kSixCharacters;
 }
@@ -55,21 +55,6 @@ void copy_all(int from, int to, const std::string& name) {
         if (count == 0) return;
         write_all(to, buffer, static_cast<std::size_t>(count), name);
     }
-}
-
-TemporaryFolder::TemporaryFolder() : name_(temporary_template()) {
-    const std::lock_guard guard(unfinished().lock);
-    remove_leftovers(temporary_folder(), kTemporaryPrefix, S_IFDIR);
-    if (mkdtemp(name_.data()) == nullptr) return;
-    unfinished().folders.insert(name_);
-    folder_ = open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder_ >= 0) path_ = "/proc/self/fd/" + std::to_string(folder_);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    if (folder_ >= 0) close(folder_);
-    const std::lock_guard guard(unfinished().lock);
-    if (unfinished().folders.erase(name_) != 0) remove_folder(name_);
 }
 
 }  // namespace tool::files

@@ -1,5 +1,5 @@
-// Files and folders in the folder for temporary ones (TMPDIR, else /tmp), and the copying that they
-// are made for. All of it throws FileError with the name that is given: the file that a user knows.
+// Files in the folder for temporary ones (TMPDIR, else /tmp), and the copying that they are made
+// for. All of it throws FileError with the name that is given: the file that a user knows.
 #pragma once
 
 #include <cstddef>
@@ -15,23 +15,5 @@ void write_all(int file, const void* bytes, std::size_t size, const std::string&
 
 // All that comes from one descriptor, to another one.
 void copy_all(int from, int to, const std::string& name);
-
-// A new folder, which goes away with all that is in it, on a signal too.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    // Empty when it could not be made. Through this path nobody can make the folder anew once a
-    // signal has removed it.
-    const std::string& path() const { return path_; }
-
-  private:
-    std::string name_;
-    int folder_ = -1;
-    std::string path_;
-};
 
 }  // namespace tool::files

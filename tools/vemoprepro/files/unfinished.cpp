@@ -8,8 +8,6 @@
 
 #include <ctime>
 #include <exception>
-#include <filesystem>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -31,7 +29,6 @@ void end_by_signal(int signal) {
 void remove_and_end(int signal) {
     unfinished().lock.lock();
     for (const std::string& path : unfinished().files) unlink(path.c_str());
-    for (const std::string& path : unfinished().folders) remove_folder(path);
     end_by_signal(signal);
 }
 
@@ -78,16 +75,6 @@ void wait_for_signals(sigset_t signals) {
 Unfinished& unfinished() {
     static Unfinished* const all = new Unfinished;
     return *all;
-}
-
-void remove_folder(const std::string& path) {
-    // Another thread may be about to make a file in the folder.
-    constexpr int kTries = 100;
-    std::error_code failed;
-    for (int i = 0; i < kTries; ++i) {
-        std::filesystem::remove_all(path, failed);
-        if (!failed) return;
-    }
 }
 
 LastWords::LastWords(std::function<void()> say) {

@@ -1,11 +1,10 @@
-// What must not be left behind when a signal ends the program: files and folders that are not
-// complete.
+// What must not be left behind when a signal ends the program: files that are not complete.
 //
 // Use: remove_unfinished_on_signals() before the first thread is started. Whoever makes such a file
-// or folder notes its path in unfinished() and takes it off again when it is complete or gone.
+// notes its path in unfinished() and takes it off again when it is complete or gone.
 //
-// Keep true: the lock is held from before a file or folder is made until its path is noted, and in
-// the same way while it is published or removed.
+// Keep true: the lock is held from before a file is made until its path is noted, and in the same
+// way while it is published or removed.
 #pragma once
 
 #include <functional>
@@ -18,12 +17,8 @@ namespace tool::files {
 struct Unfinished {
     std::mutex lock;
     std::set<std::string> files;
-    std::set<std::string> folders;
 };
 Unfinished& unfinished();
-
-// With all that is in it.
-void remove_folder(const std::string& path);
 
 // While there is one, the first signal has it called before anything is removed, by a thread of its
 // own. What takes longer than ten seconds, or until a second signal, is cut short.
