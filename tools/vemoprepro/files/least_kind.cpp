@@ -1,6 +1,5 @@
 #include "files/least_kind.h"
 
-#include <cstring>
 #include <utility>
 
 #include "page/ink.h"
@@ -41,8 +40,7 @@ bool only_black_and_white(const Page& page) {
 }
 
 void pack_bits(Page& page) {
-    Page bits = make_page_like(page, PageKind::kBitonal);
-    std::memset(bits.bytes.get(), 0, bits.size());
+    Page bits = blank_page_like(page);
     for (int y = 0; y < page.height; ++y) {
         const unsigned char* grey = page.row(y);
         unsigned char* row = bits.row(y);

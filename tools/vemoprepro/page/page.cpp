@@ -58,6 +58,12 @@ Page make_page_like(const Page& page, PageKind kind) {
     return made;
 }
 
+Page blank_page_like(const Page& page) {
+    Page blank = make_page_like(page, PageKind::kBitonal);
+    std::memset(blank.bytes.get(), 0, blank.size());
+    return blank;
+}
+
 Page copy_of(const Page& page) {
     Page copy = make_page_like(page, page.kind);
     std::memcpy(copy.bytes.get(), page.bytes.get(), page.size());

@@ -72,6 +72,8 @@ std::string describe(const PageShape& shape);
 Page make_page(PageKind kind, int width, int height, Resolution dpi);
 // The same for one of the size, the resolution and the scale of another page.
 Page make_page_like(const Page& page, PageKind kind);
+// A bitonal one without ink.
+Page blank_page_like(const Page& page);
 Page copy_of(const Page& page);
 
 // An upright rectangle of a page, in pixels.

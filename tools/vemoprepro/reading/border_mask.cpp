@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -83,12 +82,6 @@ bool is_dark_at_edges(const Page& grey, int dark) {
     return false;
 }
 
-Page empty_mask(const Page& page) {
-    Page mask = make_page_like(page, PageKind::kBitonal);
-    std::memset(mask.bytes.get(), 0, mask.size());
-    return mask;
-}
-
 }  // namespace
 
 Page border_of_bits(const Page& bits) {
@@ -104,7 +97,7 @@ Page border_of_bits(const Page& bits) {
 }
 
 Page border_of_greys(const Page& grey, const BorderGreys& greys) {
-    if (!is_dark_at_edges(grey, greys.dark)) return empty_mask(grey);
+    if (!is_dark_at_edges(grey, greys.dark)) return blank_page_like(grey);
     Page wide = with_margin(grey);
     int x0 = 0, x1 = 0, y0 = 0, y1 = 0;
     if (cropimg(wide.bytes.get(), PREPRO_CROP_GREY, wide.height, wide.width,

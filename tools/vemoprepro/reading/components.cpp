@@ -6,25 +6,17 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <utility>
 
 namespace tool::reading {
 namespace {
 
-std::uint64_t pixels_at(const unsigned char* bytes) {
-    std::uint64_t pixels;
-    std::memcpy(&pixels, bytes, sizeof pixels);
-    return std::endian::native == std::endian::little ? __builtin_bswap64(pixels) : pixels;
-}
-
-// Up to 64 pixels from the 32-bit word `index` of a row on, the leftmost in the highest bit.
-std::uint64_t pixels_at(const unsigned char* row, std::size_t index, std::size_t words) {
-    const unsigned char* bytes = row + 4 * index;
-    if (index + 1 < words) return pixels_at(bytes);
-    const unsigned char last[8] = {bytes[0], bytes[1], bytes[2], bytes[3]};
-    return pixels_at(last);
+// 64 pixels from the 32-bit word `index` of a row on, the leftmost in the highest bit; behind the
+// row there is paper.
+std::uint64_t pixels_of_two(const unsigned char* row, std::size_t index, std::size_t words) {
+    const std::uint64_t first = pixels_at(row, index);
+    return first << 32 | (index + 1 < words ? pixels_at(row, index + 1) : 0);
 }
 
 // The runs of a row, from the left to the right, and one behind them that lies beyond every row.
@@ -42,7 +34,7 @@ class RowRuns {
         int* to = ends_.data();
         std::uint64_t last = 0;  // the pixel before the word
         for (std::size_t i = 0; i < words; i += 2) {
-            const std::uint64_t pixels = pixels_at(row, i, words);
+            const std::uint64_t pixels = pixels_of_two(row, i, words);
             std::uint64_t changes = pixels ^ (pixels >> 1 | last << 63);
             last = pixels & 1;
             while (changes != 0) {

@@ -1,6 +1,5 @@
 #include "reading/ink_pieces.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "page/ink.h"
@@ -11,8 +10,7 @@ Page InkPieces::page_with(const std::function<bool(const Component&)>& keep) con
     std::vector<bool> kept;
     kept.reserve(pieces_.size());
     for (const Component& piece : pieces_) kept.push_back(keep(piece));
-    Page result = make_page_like(page_, PageKind::kBitonal);
-    std::fill_n(result.bytes.get(), result.size(), static_cast<unsigned char>(0));
+    Page result = blank_page_like(page_);
     for (const auto& [run, component] : runs_) {
         if (kept[static_cast<std::size_t>(component)])
             set_inks(result.row(run.y), run.begin, run.end);

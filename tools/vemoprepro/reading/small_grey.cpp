@@ -127,11 +127,19 @@ void average_bits(const Page& page, Page& grey) {
 
 bool average_bits(const Page& page, int by, Page& grey) {
     if (page.kind != PageKind::kBitonal || page.height < by) return false;
-    if (by > 3) return false;
-    if (by == 1) average_bits<1>(page, grey);
-    if (by == 2) average_bits<2>(page, grey);
-    if (by == 3) average_bits<3>(page, grey);
-    return true;
+    switch (by) {
+        case 1:
+            average_bits<1>(page, grey);
+            return true;
+        case 2:
+            average_bits<2>(page, grey);
+            return true;
+        case 3:
+            average_bits<3>(page, grey);
+            return true;
+        default:
+            return false;
+    }
 }
 
 // As average() does it, for squares of one pixel.
@@ -148,12 +156,12 @@ void copy_luminance(const Page& colour, Page& grey) {
 }  // namespace
 
 Page small_grey(const Page& page, int by) {
+    if (by == 1 && page.kind == PageKind::kGrey) return copy_of(page);
     const Resolution dpi{page.dpi.x / by, page.dpi.y / by};
     Page grey = make_page(PageKind::kGrey, std::max(1, page.width / by),
                           std::max(1, page.height / by), dpi);
     if (average_bits(page, by, grey)) return grey;
     if (by == 1) {
-        if (page.kind == PageKind::kGrey) return copy_of(page);
         copy_luminance(page, grey);
         return grey;
     }

@@ -4,7 +4,6 @@
 #include "reading/thick_parts.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -15,9 +14,8 @@ namespace tool::reading {
 namespace {
 
 constexpr int kCellsOfThickness = 4;
-constexpr int kSmallestCell = 2;  // pixels a side
+constexpr int kSmallestCell = 2, kLargestCell = 16;  // pixels a side
 
-// Cells with a margin around them that stands for what lies outside of the page.
 // Along a line, a cell becomes `value` when one of the cells from `back` before it to `ahead` after
 // it is.
 void spread_along(unsigned char* line, int count, unsigned char value, int back, int ahead) {
@@ -38,6 +36,7 @@ void take_near(const int* last, int count, int earliest, unsigned char value, un
     for (int x = 0; x < count; ++x) row[x] = last[x] >= earliest ? value : row[x];
 }
 
+// Cells with a margin around them that stands for what lies outside of the page.
 class Cells {
   public:
     Cells(int columns, int rows, int margin)
@@ -109,13 +108,11 @@ void Cells::keep_flooded_from_margin() {
     }
 }
 
-constexpr int kLargestCell = 16;
-
 // How many of the pixels x0 .. x1 - 1 of a row are set, at most kLargestCell.
 int count_set(const unsigned char* row, int x0, int x1) {
     unsigned bits = row[x0 / 8] & (0xFFU >> x0 % 8);
     for (int i = x0 / 8 + 1; i <= (x1 - 1) / 8; ++i) bits = bits << 8 | row[i];
-    return std::popcount(bits >> (7 - (x1 - 1) % 8));
+    return count_bits(bits >> (7 - (x1 - 1) % 8));
 }
 
 void clear_cells_with_holes(Cells& cells, const Page& core, int side) {

@@ -115,11 +115,13 @@ Outcome crop_greys(PageWork& work, bool force) {
     const bool colour = work.page.kind == PageKind::kColour;
     const Page copy = colour ? reading::grey_of(work.page) : Page{};
     const Page& grey = colour ? copy : work.page;
+    bool covers_all = false;
     for (const reading::BorderGreys& greys : {kBorder, kDeepBorder}) {
         const Page mask = reading::border_of_greys(grey, greys);
         if (is_empty(mask)) return {false, "no border"};
         const std::optional<Box> content = box_outside(mask);
-        if (!content || (!force && reading::covers_print(mask, grey))) continue;
+        covers_all = !content;
+        if (covers_all || (!force && reading::covers_print(mask, grey))) continue;
         const double dark = dark_covered(grey, mask);
         paint_as_paper(work.page, mask);
         work.content = content;
@@ -129,7 +131,8 @@ Outcome crop_greys(PageWork& work, bool force) {
             text_of(*content) + (much ? ", " + percent(dark) + " of the dark inside the page" : ""),
             dark, much};
     }
-    return {false, "print lies in the dark at the edges"};
+    return {false,
+            covers_all ? "all of the page would be border" : "print lies in the dark at the edges"};
 }
 
 // None without ink.

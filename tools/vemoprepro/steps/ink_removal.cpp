@@ -39,13 +39,16 @@ InkCount count_ink(const Page& before, const Page& after, const Box& box) {
     return count;
 }
 
+// Looks no further than to the first ink that is enough.
 bool is_nearly_blank(const Page& page) {
+    const std::int64_t enough = (std::int64_t{page.width} * page.height - 1) / kNearlyBlank;
     std::int64_t ink = 0;
-    const int words = static_cast<int>(page.stride() / 4);
-    for (int y = 0; y < page.height; ++y) {
-        for (int i = 0; i < words; ++i) ink += count_bits(ink_word(page, y, i));
+    for (int y = 0; y < page.height && ink <= enough; ++y) {
+        for (int i = 0; i < static_cast<int>(page.stride() / 4); ++i) {
+            ink += count_bits(ink_word(page, y, i));
+        }
     }
-    return ink * kNearlyBlank < std::int64_t{page.width} * page.height;
+    return ink <= enough;
 }
 
 }  // namespace

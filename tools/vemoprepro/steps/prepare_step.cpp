@@ -1,6 +1,5 @@
 // Grey pages made ready for --for ocr.
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "page/ink.h"
@@ -37,8 +36,7 @@ double remove_specks(PageWork& work) {
     const Page before = copy_of(page);
     reading::remove_impulses(page);
     reading::remove_impulses(page);
-    Page& specks = work.grey_specks.emplace(make_page_like(page, PageKind::kBitonal));
-    std::memset(specks.bytes.get(), 0, specks.size());
+    Page& specks = work.grey_specks.emplace(blank_page_like(page));
     std::int64_t dark = 0, lost = 0;
     for (int y = 0; y < page.height; ++y) {
         const unsigned char* old_row = before.row(y);
