@@ -10,14 +10,11 @@ namespace support {
 
 template <class Check>
 void on_every_target(Check&& check) {
-    hwy::SetSupportedTargetsForTest(0);
     for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+        hwy::GetChosenTarget().Update(target);
         SCOPED_TRACE(hwy::TargetName(target));
         check();
     }
-    hwy::SetSupportedTargetsForTest(0);
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
 }
 
