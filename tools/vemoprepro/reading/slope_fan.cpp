@@ -32,27 +32,27 @@ constexpr std::array<unsigned char, 256> kInkOfByte = [] {
 // The changes of the ink from each row to the next, column of cells by column of cells.
 struct Edges {
     int columns, rows;
-    std::vector<std::int16_t> changes;
+    std::vector<std::int8_t> changes;
 
     explicit Edges(const Page& ink)
         : columns(ink.width / kCell),
           rows(ink.height + 1),
           changes(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {
         for (int column = 0; column < columns; ++column) {
-            std::int16_t* change = of(column);
+            std::int8_t* change = of(column);
             int above = 0;
             for (int y = 0; y < ink.height; ++y) {
                 const int count = kInkOfByte[ink.row(y)[column]];
-                change[y] = static_cast<std::int16_t>(count - above);
+                change[y] = static_cast<std::int8_t>(count - above);
                 above = count;
             }
-            change[ink.height] = static_cast<std::int16_t>(-above);
+            change[ink.height] = static_cast<std::int8_t>(-above);
         }
     }
-    std::int16_t* of(int column) {
+    std::int8_t* of(int column) {
         return changes.data() + static_cast<std::ptrdiff_t>(column) * rows;
     }
-    const std::int16_t* of(int column) const {
+    const std::int8_t* of(int column) const {
         return changes.data() + static_cast<std::ptrdiff_t>(column) * rows;
     }
 };
@@ -117,15 +117,16 @@ class FanSearch {
 
   private:
     // Several columns of cells are added at once, row by row of those that all of them cover, which
-    // saves most of the reading and writing of sums.
-    static constexpr int kTogether = 4;
+    // saves most of the reading and writing of sums. Their changes together fit a byte.
+    static constexpr int kTogether = 8;
+    static_assert(kTogether * kCell <= 127);
 
     std::int16_t* sums_for(int column, int slope) {
         return sums_.data() + margin_ + drift(edges_, column, slope);
     }
     void add_part(int column, int slope, int begin, int end) {
         std::int16_t* to = sums_for(column, slope);
-        const std::int16_t* changes = edges_.of(column);
+        const std::int8_t* changes = edges_.of(column);
         for (int y = begin; y < end; ++y) to[y] = static_cast<std::int16_t>(to[y] + changes[y]);
     }
     void add_column(int column, int slope) { add_part(column, slope, 0, edges_.rows); }
@@ -144,17 +145,24 @@ class FanSearch {
             for (int i = 0; i < kTogether; ++i) add_column(first + i, slope);
             return;
         }
-        std::array<const std::int16_t*, kTogether> from{};
+        std::array<const std::int8_t*, kTogether> from{};
         for (int i = 0; i < kTogether; ++i) {
             const int before = highest - down[static_cast<std::size_t>(i)];
             add_part(first + i, slope, 0, before);
             add_part(first + i, slope, before + shared, edges_.rows);
             from[static_cast<std::size_t>(i)] = edges_.of(first + i) + before;
         }
-        std::int16_t* to = sums_.data() + margin_ + highest;
-        const std::int16_t *a = from[0], *b = from[1], *c = from[2], *d = from[3];
-        for (int y = 0; y < shared; ++y) {
-            to[y] = static_cast<std::int16_t>(to[y] + a[y] + b[y] + c[y] + d[y]);
+        add_shared(from, shared, sums_.data() + margin_ + highest);
+    }
+
+    // Written out, so that compilers add vectors of bytes before they widen them.
+    static void add_shared(const std::array<const std::int8_t*, kTogether>& from, int rows,
+                           std::int16_t* to) {
+        const auto [a, b, c, d, e, f, g, h] = from;
+        for (int y = 0; y < rows; ++y) {
+            const auto one = static_cast<std::int8_t>(a[y] + b[y] + c[y] + d[y]);
+            const auto other = static_cast<std::int8_t>(e[y] + f[y] + g[y] + h[y]);
+            to[y] = static_cast<std::int16_t>(to[y] + static_cast<std::int8_t>(one + other));
         }
     }
 
