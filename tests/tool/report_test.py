@@ -45,6 +45,7 @@ class Report(ToolCase):
         cls.addClassCleanup(cls.browser.quit)
 
     def report_on(self, *arguments):
+        self.browser.get("about:blank")  # a page still loading would miss pictures being replaced
         done = self.run_tool(*arguments, "--json", "--report", "look")
         self.open("index.html")
         return json.loads(done.stdout)["files"]
