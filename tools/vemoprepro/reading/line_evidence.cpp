@@ -3,7 +3,8 @@
 // letters and pieces no longer than a stroke. Text may be written across a line from end to end;
 // such a line has no long pieces, but it is unbroken over a length that no word has.
 //
-// Lines close beside one another are no ruled lines: staves of music, barcodes, hatching.
+// The line that letters of some scripts hang on is part of them, and so is one that strikes words
+// out. Lines close beside one another are no ruled lines: staves of music, barcodes, hatching.
 #include "reading/line_evidence.h"
 
 #include <algorithm>
@@ -48,9 +49,10 @@ constexpr double kAlwaysStraight = 1.5;  // pixels
 constexpr double kSteepest = 0.015;
 // The side of a thick letter is no line.
 constexpr int kLeastLengthInThickness = 20;
-// So many lines make a group, the line itself among them; a stave has five. Just as many make a
-// large stave, whose lines lie up to so many times as far apart.
-constexpr int kGroup = 5;
+// So many lines make a group, the line itself among them: staves have four, five or six. In large
+// staves lines lie up to so many times as far apart, and there are no more than five.
+constexpr int kGroup = 4;
+constexpr int kLargeGroup = 5;
 // The bars of a barcode lie no farther apart than four times the thickness of the thin ones, and
 // these may come out thinner than they are.
 constexpr int kPitchInThickness = 5;
@@ -63,6 +65,8 @@ constexpr int kLeastApart = 50;
 // At most so much of what is beside a line is ink. In text up to 22 are, beside a double line 26,
 // in a screen 32 and more unless it is so light that its dots do not join.
 constexpr int kMostInkBeside = 30;
+// The letters of a word stand no farther apart than this, in heights of small letters.
+constexpr double kApartInWord = 2;
 // The rows nearest to a line are not counted among those: its ragged edge reaches into them.
 constexpr int kBesideLine = 3;
 
@@ -247,7 +251,8 @@ int lines_around(const Page& page, const RuledLine& line, int pitch, int most) {
 bool is_in_group(const Page& page, const RuledLine& line, int pitch) {
     if (lines_around(page, line, pitch, kGroup - 1) == kGroup - 1) return true;
     const int large = static_cast<int>(pitch * kLargeStave);
-    return lines_around(page, line, large, kGroup) == kGroup - 1;
+    const int lines = 1 + lines_around(page, line, large, kLargeGroup);
+    return lines >= kGroup && lines <= kLargeGroup;
 }
 
 // Whether a line across begins or ends, or passes, where this one ends. Letters are lower.
@@ -267,6 +272,21 @@ bool joins_another(const Page& page, const RuledLine& line, const LineScale& sca
     return false;
 }
 
+// Whether a stroke goes on where the line ends: the sign of a root, or letters that are joined by
+// a long stroke.
+bool ends_in_stroke(const Page& page, const RuledLine& line) {
+    constexpr int kBehind = 2;
+    const auto has_ink = [&](int x, int row) {
+        return x >= 0 && x < page.width &&
+               !is_paper(page, x, row - line.thickness, row + line.thickness + 1);
+    };
+    for (int away = 1; away <= kBehind; ++away) {
+        if (has_ink(line.x0 - away, line.at(line.x0).row())) return true;
+        if (has_ink(line.x1() - 1 + away, line.at(line.x1() - 1).row())) return true;
+    }
+    return false;
+}
+
 bool stands_apart(const Page& page, const RuledLine& line, int clear) {
     constexpr int kSampled = 3;
     int apart = 0;
@@ -278,11 +298,27 @@ bool stands_apart(const Page& page, const RuledLine& line, int clear) {
     return at_least(apart * kSampled, kLeastApart, static_cast<int>(line.columns.size()));
 }
 
+// Whether letters hang down from a line all along, or are struck out by it. Lines of a form or
+// under words are touched from above, and are longer than the words.
+bool letters_hang_on(const RuledLine& line, const LineScale& scale) {
+    const int below = line.thickness / 2 + kBesideLine;
+    int since = 0;  // columns of the line since the last letter
+    for (const LineColumn& column : line.columns) {
+        if (column.height() == 0) continue;
+        since = column.y1 - column.row() > below ? 0 : since + 1;
+        if (since > kApartInWord * scale.letter) return false;
+    }
+    return true;
+}
+
 bool is_long_enough(const Page& page, const RuledLine& line, const LineScale& scale) {
     const int length = static_cast<int>(line.columns.size());
     if (length < scale.shortest || length < kLeastLengthInThickness * line.thickness) return false;
     if (length >= kShortInLeast * scale.shortest_alone) return true;
-    if (length >= scale.shortest_alone && stands_apart(page, line, scale.dash * 3 / 2)) return true;
+    if (length >= scale.shortest_alone && !ends_in_stroke(page, line) &&
+        stands_apart(page, line, scale.dash * 3 / 2)) {
+        return true;
+    }
     return joins_another(page, line, scale);
 }
 
@@ -305,7 +341,7 @@ Sureness judge(const Page& page, const Page& untouched, const RuledLine& line,
         at_least(std::min(count.free_above, count.free_below), kLeastFreeOfOneSide, length);
     if (!at_least(count.alone, kLeastAlone, count.ink) || !two_sided || !(unbroken || runs_on) ||
         !is_smooth(line) || !is_straight_and_level(line) ||
-        !lies_among_paper(page, line, scale.around)) {
+        !lies_among_paper(page, line, scale.around) || letters_hang_on(line, scale)) {
         return Sureness::kNoLine;
     }
     const bool sure = unbroken || (at_least(count.in_pieces, kSureInPieces, length) &&

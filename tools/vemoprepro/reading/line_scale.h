@@ -11,6 +11,7 @@ struct LineScale {
     int dash;            // a piece beyond a line's end that belongs to it is at least this long
     int around;          // how far from a line ink is looked for that tells a screen
     int pitch;           // lines of a stave or a barcode lie no farther apart
+    double letter;       // height of the page's small letters
 };
 
 }  // namespace tool::reading

@@ -1,7 +1,7 @@
 // Ruled lines of a bitonal page.
 //
 // Use: remove_ruled_lines() takes them off a page that lies level; those that are less sure than
-// `least` stay.
+// `least` stay, and those that belong to drawings (line_surroundings.h).
 //
 // The library's removal knows one thickness for all lines of a page. Here every line is followed
 // from end to end and its own thickness is measured. So a letter that a line touches keeps all of
@@ -17,12 +17,12 @@
 
 namespace tool::reading {
 
-struct LineDirections {
-    bool level, upright;
+struct LineChoice {
+    bool level = false, upright = false;
+    bool of_drawings = false;  // these, too
 };
 
 // Returns how sure the least sure line is that was taken; kSure when there was none.
-Sureness remove_ruled_lines(Page& page, const LineScale& scale, LineDirections directions,
-                            Sureness least);
+Sureness remove_ruled_lines(Page& page, const LineScale& scale, LineChoice choice, Sureness least);
 
 }  // namespace tool::reading

@@ -37,10 +37,13 @@ constexpr double kAround = 16;
 constexpr double kPitch = 26;
 // A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
+// Small letters of a page that does not tell.
+constexpr double kUsualLetter = 20;
 // Ink of up to this area beside a faint line is no letter.
 constexpr double kCrumb = 4;
 
-reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
+reading::LineScale line_scale(const PageWork& work, const LineOptions& wanted) {
+    const Page& page = work.page;
     reading::LineScale scale;
     scale.shortest = wanted.min_length.value_or(scaled_length(page, kShortestLine));
     scale.shortest_alone = wanted.min_length.value_or(scaled_length(page, kShortestAlone));
@@ -49,23 +52,20 @@ reading::LineScale line_scale(const Page& page, const LineOptions& wanted) {
     scale.dash = std::max(kLeastDash, scaled_length(page, kDash));
     scale.around = scaled_length(page, kAround);
     scale.pitch = scaled_length(page, kPitch);
+    scale.letter = work.letters.clear() ? work.letters.height : scaled_length(page, kUsualLetter);
     return scale;
 }
 
-reading::Sureness remove_lines(Page& page, const LineOptions& wanted, reading::Sureness least) {
-    return reading::remove_ruled_lines(page, line_scale(page, wanted),
-                                       {wanted.horizontal, wanted.vertical}, least);
-}
-
-reading::Sureness remove_stubs(Page& page, const Page& with_faint_ink, const LineOptions& wanted,
+reading::Sureness remove_stubs(Page& page, const Page& with_faint_ink,
+                               const reading::LineScale& scale, reading::LineChoice choice,
                                reading::Sureness least) {
     Page without_lines = copy_of(with_faint_ink);
-    const auto least_taken = remove_lines(without_lines, wanted, least);
+    const auto least_taken = reading::remove_ruled_lines(without_lines, scale, choice, least);
     reading::remove_line_stubs(page, with_faint_ink, without_lines, scaled_area(page, kCrumb));
     return least_taken;
 }
 
-std::string directions(const LineOptions& wanted) {
+std::string direction_words(const LineOptions& wanted) {
     if (!wanted.horizontal) return "vertical lines";
     return wanted.vertical ? "horizontal and vertical lines" : "horizontal lines";
 }
@@ -74,14 +74,17 @@ std::string directions(const LineOptions& wanted) {
 // a form may have more ink in its lines than in its text; but never in silence.
 Outcome take_lines(PageWork& work, const LineOptions& wanted, bool force) {
     const auto faint = std::exchange(work.with_faint_ink, std::nullopt);
+    const reading::LineScale scale = line_scale(work, wanted);
+    const reading::LineChoice choice = {wanted.horizontal, wanted.vertical, force};
     auto least_taken = reading::Sureness::kSure;
     const auto remove = [&](Page& changed, reading::Sureness least) {
-        if (faint) least_taken = remove_stubs(changed, *faint, wanted, least);
-        least_taken = std::min(least_taken, remove_lines(changed, wanted, least));
+        if (faint) least_taken = remove_stubs(changed, *faint, scale, choice, least);
+        least_taken =
+            std::min(least_taken, reading::remove_ruled_lines(changed, scale, choice, least));
     };
     Page without_lines;
     const auto take = [&](Excess excess, const auto& change) {
-        return remove_ink(work.page, excess, box_of(work.page), directions(wanted), change);
+        return remove_ink(work.page, excess, box_of(work.page), direction_words(wanted), change);
     };
     const Outcome all = take(force ? Excess::kAllowed : Excess::kHeldBack, [&](Page& changed) {
         remove(changed, reading::Sureness::kLikely);
