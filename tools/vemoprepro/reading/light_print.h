@@ -1,17 +1,14 @@
 // Print that is much lighter than the rest of its page.
 #pragma once
 
-#include <functional>
-
 #include "page/page.h"
-#include "reading/ink_contrast.h"
+#include "reading/block_depths.h"
 
 namespace tool::reading {
 
-// Adds what the page by its edges shows where bits are as good as blank: threshold and print of the
-// rest of a page can leave light print out. That page, a bitonal one of the same size, is made only
-// when contrasts say that it can show something there: contrasts of so much or more.
-void add_light_print(Page& bits, const Contrasts& contrasts, int least,
-                     const std::function<Page()>& make_by_edges);
+// The threshold of the rest of a page can leave light print out. Where bits, made from the grey
+// page, are as good as blank, this adds what is there by a threshold of its own, if it is as sharp
+// as the print of the page: what shows through from the other side is not, nor are stains.
+void add_light_print(Page& bits, const Page& grey, const PageDepths& depths);
 
 }  // namespace tool::reading

@@ -10,4 +10,7 @@ namespace tool::reading {
 // Large dark areas without print are black. The page has a resolution.
 Page bits_by_paper(const Page& grey);
 
+// The same with print that is much lighter than the rest of its page where it stands by itself.
+Page bits_by_paper_with_light_print(const Page& grey);
+
 }  // namespace tool::reading

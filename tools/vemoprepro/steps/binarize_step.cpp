@@ -12,7 +12,6 @@
 #include "reading/binarization_settings.h"
 #include "reading/edge_bits.h"
 #include "reading/ink_contrast.h"
-#include "reading/light_print.h"
 #include "reading/paper_bits.h"
 #include "steps/step.h"
 
@@ -56,19 +55,8 @@ Page gradient_bits(const Page& grey, int edge) {
     return bits;
 }
 
-int edge_of(const reading::Contrasts& contrasts) {
-    return reading::edge_of_ink(reading::ink_contrast(contrasts), kUsualEdge);
-}
-
-// Light print beside black ink, which recognition is spared, is what the reader may look for.
-Page paper_bits(const Page& grey) {
-    Page bits = reading::bits_by_paper(grey);
-    const reading::Contrasts contrasts = reading::contrasts_of(grey);
-    const int edge = edge_of(contrasts);
-    // Corners are steeper than straight edges, by less than a third.
-    const int least = edge * 3 / 4;
-    reading::add_light_print(bits, contrasts, least, [&] { return gradient_bits(grey, edge); });
-    return bits;
+int edge_of(const Page& grey) {
+    return reading::edge_of_ink(reading::ink_contrast(reading::contrasts_of(grey)), kUsualEdge);
 }
 
 struct Greys {
@@ -132,11 +120,13 @@ Outcome binarize(PageWork& work, const StepOptions& options) {
             return threshold_by(work, options.threshold, " (as given)");
         case Binarization::kPaper:
             if (options.for_reading) return binarize_for_reading(work, options);
-            work.page = paper_bits(work.page);
+            // Light print beside black ink, which recognition is spared, is what the reader may
+            // look for.
+            work.page = reading::bits_by_paper_with_light_print(work.page);
             return {true, "thresholds by the paper"};
         case Binarization::kGradient:
             if (options.for_reading) return binarize_for_reading(work, options);
-            work.page = gradient_bits(work.page, edge_of(reading::contrasts_of(work.page)));
+            work.page = gradient_bits(work.page, edge_of(work.page));
             return {true, "gradient thresholds"};
         case Binarization::kOtsu:
             break;
