@@ -282,7 +282,8 @@ class Record(ToolCase):
                 self.assertTrue(self.one_error(*run).startswith("vemoprepro: r.json: not a record of --json"))
         for hostile in (b"[" * 200000, b'{"x":' * 200000, b'"' + b"x" * 3000000,
                         b'{"files":' + b"9" * 3000000 + b"}",
-                        b"{" + b",".join(b'"k%d":1' % i for i in range(200000)) + b"}"):
+                        b"{" + b",".join(b'"k%d":1' % i for i in range(200000)) + b"}",
+                        b'{"files":[' + b'{"pages":[]},' * 300000 + b'{"pages":[]}]}'):
             self.write("r.json", hostile)
             self.assertLess(len(self.one_error(*run)), 300)
 

@@ -35,9 +35,9 @@ class Errors(ToolCase):
         self.write("words.txt", b"not an image")
         unknown = "not a TIFF, PNG, JPEG, JPEG 2000, WebP, GIF, BMP or PNM file"
         for name, what in (("none.png", "No such file or directory"),
-                           ("empty.png", unknown), ("words.txt", unknown)):
+                           ("empty.png", "is empty"), ("words.txt", unknown)):
             self.fails("clean", name, "-o", "out.tif", lines=[f"{name}: {what}"])
-        self.fails("clean", "-", "-o", "out.tif", lines=[f"-: {unknown}"])
+        self.fails("clean", "-", "-o", "out.tif", lines=["-: is empty"])
         for start, word in ((b"%PDF-1.7", "pdftoppm"), (b"\0\0\0\x18ftypheic", "heif-convert"),
                             (b"\0\0\0\x18ftypavif", "heif-convert"), (b"AT&TFORM", "ddjvu")):
             self.write("a.tif", start + bytes(100))
@@ -160,7 +160,7 @@ class Errors(ToolCase):
                        lines=[f"/dev/full: {full}"])
             with open("/dev/full", "wb") as device:
                 self.fails("clean", "a.png", "-o", "-", "-q", "--format", name, stdout=device,
-                           lines=[f"-: {full}"])
+                           lines=[f"standard output: {full}"])
 
     def test_too_little_memory_fails_one_file_only(self):
         with open(PROGRAM, "rb") as file:
@@ -190,7 +190,7 @@ class Errors(ToolCase):
         reader, writer = os.pipe()
         os.close(reader)
         self.addCleanup(os.close, writer)
-        self.fails("clean", "a.png", "-o", "-", "-q", stdout=writer, lines=["-: Broken pipe"])
+        self.fails("clean", "a.png", "-o", "-", "-q", stdout=writer, lines=["standard output: Broken pipe"])
 
     def start(self, *options, **how):
         return subprocess.Popen([PROGRAM, "clean", "in.tif", "-o", "out.tif", "-j1", *options],
@@ -213,7 +213,7 @@ class Errors(ToolCase):
             return subprocess.run(["sh", "-c", f'exec "$@" {closed}', "sh", *command], cwd=self.here,
                                   stderr=subprocess.PIPE, check=False)
         self.assertEqual(run(">&-", "clean", "a.png", "-o", "-", "-q").stderr,
-                         b"vemoprepro: -: Bad file descriptor\n")
+                         b"vemoprepro: standard output: Bad file descriptor\n")
         self.assertEqual(run("<&-", "clean", "-", "-o", "o.tif").stderr,
                          b"vemoprepro: -: Bad file descriptor\n")
         self.good("clean", "a.png", "-o", "a.pbm")

@@ -29,6 +29,8 @@ class Folders(ToolCase):
                          ["scans/s9.PNG", "scans/s10.png", "scans/b/s9.png", "scans/b/c/t.png"])
         self.assertIn("left out, no image by the name: notes.txt",
                       self.good("info", "scans").stdout.decode())
+        os.symlink("gone.png", self.path("scans/lost.png"))
+        self.fails("info", "scans", lines=["scans/lost.png: No such file or directory"])
         os.makedirs(self.path("empty/more"))
         self.fails("info", "empty", lines=["empty/: no images in it (-r looks into its folders)"])
         self.fails("info", "empty", "-r", lines=["empty/: no images in it"])

@@ -17,6 +17,7 @@ class Usage(ToolCase):
                             ("claen", "there is no command 'claen'; did you mean 'clean'?"),
                             ("desk", "there is no command 'desk'; did you mean 'deskew'?"),
                             ("xyzzy", "there is no command 'xyzzy'"),
+                            ("help", "there is no command 'help'; did you mean '--help'?"),
                             ("--overwrite", "the command comes first, before '--overwrite'")):
             done = self.run_tool(*([first, "a.png"] if first else []))
             self.assertEqual((done.returncode, done.stdout), (2, b""), first)
@@ -29,8 +30,9 @@ class Usage(ToolCase):
     def test_options_that_are_not_there(self):
         for option, said in (("--despekle", "there is no option '--despekle'; did you mean '--despeckle'?"),
                              ("--skew", "--skew: the value is missing"),
-                             ("-r", "-o OUT is missing: where is the result to go?")):
-            done = self.run_tool("clean", "a.png", *(("-o", "a.tif") if option != "-r" else ()), option)
+                             ("-r", "-o OUT is missing: where is the result to go?"),
+                             ("--outptu=a.tif", "there is no option '--outptu'; did you mean '--output'?")):
+            done = self.run_tool("clean", "a.png", *(("-o", "a.tif") if option[1:3] in ("-d", "-s") else ()), option)
             self.assertEqual((done.returncode, done.errors),
                              (2, ["vemoprepro: " + said, "Try 'vemoprepro clean --help'."]))
 

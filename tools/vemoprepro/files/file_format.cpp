@@ -89,6 +89,7 @@ const char* name_of(FileFormat format) {
 FileFormat format_of(const SeekableFile& file) {
     const std::string bytes = first_bytes(file);
     const std::string_view start = bytes;
+    if (start.empty()) throw FileError(file.name(), "is empty");
     const auto starts_with = [start](std::string_view known) {
         return start.substr(0, known.size()) == known;
     };

@@ -113,11 +113,13 @@ void OutputFile::close() {
 }
 
 void OutputFile::copy_to_stream() {
+    const bool standard = name_ == "-";
+    const std::string shown = standard ? "standard output" : name_;
     const int stream =
-        name_ == "-" ? STDOUT_FILENO : open(name_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-    if (stream < 0 || lseek(file_, 0, SEEK_SET) != 0) throw system_error_of(name_);
-    copy_all(file_, stream, name_);
-    if (::close(stream) != 0) throw system_error_of(name_);
+        standard ? STDOUT_FILENO : open(name_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    if (stream < 0 || lseek(file_, 0, SEEK_SET) != 0) throw system_error_of(shown);
+    copy_all(file_, stream, shown);
+    if (::close(stream) != 0) throw system_error_of(shown);
 }
 
 void OutputFile::publish() {

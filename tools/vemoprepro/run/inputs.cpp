@@ -35,7 +35,9 @@ Folder contents_of(const std::string& path) {
         const std::string name = entry->path().filename().string();
         std::error_code unknown;
         if (name.front() == '.') continue;
-        if (entry->is_regular_file(unknown)) {
+        // A link to nothing is missed as a damaged file is.
+        const bool lost = entry->is_symlink(unknown) && !entry->exists(unknown);
+        if (entry->is_regular_file(unknown) || lost) {
             (names_image(name) ? folder.images : folder.others).push_back(name);
         } else if (entry->is_directory(unknown) && !entry->is_symlink(unknown)) {
             folder.folders.push_back(name);

@@ -48,8 +48,9 @@ void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
         .add_option("-j,--jobs", options.jobs, "Pages worked on side by side (default: all cores)")
         ->check(CLI::Range(1, 1024));
     command
-        .add_option("--dpi", raw.dpi,
-                    "Resolution in place of the file's (default: the file's, else 300)")
+        .add_option(
+            "--dpi", raw.dpi,
+            "Resolution in place of the file's (default: the file's, or as the letters look)")
         ->check(CLI::Range(1, 100000));
     command.add_flag("--json", options.json, "Print a record of what was found as JSON");
     command

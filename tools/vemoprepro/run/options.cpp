@@ -152,6 +152,7 @@ std::string plain(const CLI::ParseError& error) {
     if (error.get_name() == "ArgumentMismatch") {
         return what.substr(0, what.find(':')) + ": the value is missing";
     }
+    if (what.compare(0, 6, "ANGLE:") == 0) return "ANGLE comes before INPUT: 90, 180 or 270";
     if (what == "INPUT is required") return "INPUT is missing: which files or folders?";
     if (what == "--output is required") return "-o OUT is missing: where is the result to go?";
     return what;
@@ -174,8 +175,10 @@ int answer(const CLI::App& app, const CLI::ParseError& error) {
     }
     const std::vector<CLI::App*> commands = app.get_subcommands();
     const std::vector<std::string> extras = app.remaining(true);
-    const bool extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-    if (extra && !commands.empty() && !extras.empty()) {
+    // A mistyped option is often why something else is missing.
+    const bool mistyped = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) ||
+                          error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
+    if (mistyped && !commands.empty() && !extras.empty()) {
         explain_usage(commands.front()->get_name(), unexpected(*commands.front(), extras.front()));
     } else {
         explain_usage(commands.empty() ? "" : commands.front()->get_name(), plain(error));

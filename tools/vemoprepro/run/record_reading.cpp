@@ -1,5 +1,5 @@
-// Nothing but what is used is kept while the text is parsed, so that neither the number of keys nor
-// the depth of what is left out costs more than reading it; the depth is bounded all the same.
+// Nothing but what is used is kept while the text is read, piece by piece, so that neither the
+// number of keys nor of pages costs more than reading them; the depth is bounded all the same.
 #include "run/record_reading.h"
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <exception>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -19,51 +20,150 @@ namespace {
 using Json = nlohmann::json;
 
 // Twice the depth of a record.
-constexpr int kDeepest = 16;
+constexpr std::size_t kDeepest = 16;
 // Some 100,000 pages.
 constexpr std::size_t kLargestRecord = std::size_t{256} << 20;
 constexpr std::size_t kLongestReason = 200;
 
-bool is_used(const std::string& key) {
-    for (const char* used : {"files", "pages", "skew", "numerator", "denominator", "threshold"}) {
-        if (key == used) return true;
+// What is used lies in one another like this; nothing else that holds something is looked into.
+enum Level { kRecord, kFiles, kFile, kPages, kPage, kSkew, kLevels };
+
+struct LevelShape {
+    const char* name;
+    bool is_list;
+    const char* keys[2];  // of an object, each of which it must have; the next level first
+};
+
+constexpr LevelShape kShapes[kLevels] = {
+    {"the record", false, {"files", nullptr}}, {"files", true, {}},
+    {"a file", false, {"pages", nullptr}},     {"pages", true, {}},
+    {"a page", false, {"skew", "threshold"}},  {"skew", false, {"numerator", "denominator"}}};
+
+class RecordReader : public nlohmann::json_sax<Json> {
+  public:
+    RecordedFindings take() { return std::move(files_); }
+
+    bool null() override {
+        if (here() == kPage) return true;
+        return value(std::nullopt);
     }
-    return false;
-}
-
-// For every piece that is parsed: whether it is kept.
-bool keep_what_is_used(int depth, Json::parse_event_t event, const Json& parsed) {
-    if (depth > kDeepest) throw std::length_error("nested too deeply");
-    if (event != Json::parse_event_t::key) return true;
-    return is_used(parsed.get_ref<const std::string&>());
-}
-
-// A whole number that an int holds; Json converts everything else without a word.
-int whole_number(const Json& json, const char* name) {
-    const bool fits = json.is_number_unsigned()
-                          ? json.get<std::uint64_t>() <= INT32_MAX
-                          : json.is_number_integer() && json.get<std::int64_t>() >= INT32_MIN;
-    if (!fits) throw std::out_of_range(std::string(name) + " is no whole number of 32 bits");
-    return json.get<int>();
-}
-
-steps::Findings findings_of(const Json& page) {
-    steps::Findings findings;
-    const Json& skew = page.at("skew");
-    if (!skew.is_null()) {
-        findings.skew = steps::Skew{whole_number(skew.at("numerator"), "numerator"),
-                                    whole_number(skew.at("denominator"), "denominator")};
-        if (!findings.skew->in_range()) throw std::out_of_range("a skew beyond 10.6 degrees");
+    bool boolean(bool) override { return value(std::nullopt); }
+    bool number_float(double, const std::string&) override { return value(std::nullopt); }
+    bool string(std::string&) override { return value(std::nullopt); }
+    bool binary(Json::binary_t&) override { return value(std::nullopt); }
+    bool number_integer(std::int64_t number) override {
+        return value(number < INT32_MIN ? std::nullopt : std::optional(static_cast<int>(number)));
     }
-    const Json& threshold = page.at("threshold");
-    if (!threshold.is_null()) {
-        findings.threshold = whole_number(threshold, "threshold");
-        if (*findings.threshold < 1 || *findings.threshold > 255) {
-            throw std::out_of_range("a threshold beyond 1 .. 255");
+    bool number_unsigned(std::uint64_t number) override {
+        return value(number > INT32_MAX ? std::nullopt : std::optional(static_cast<int>(number)));
+    }
+
+    bool start_object(std::size_t) override { return open(false); }
+    bool start_array(std::size_t) override { return open(true); }
+    bool end_object() override { return close(); }
+    bool end_array() override { return close(); }
+
+    bool key(std::string& name) override {
+        if (here() == kLevels) return true;
+        member_ = kNone;
+        for (int i = 0; i < 2; ++i) {
+            const char* known = kShapes[here()].keys[i];
+            if (known != nullptr && name == known) member_ = i;
+        }
+        if (member_ != kNone) found_[here()][member_] = true;
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string&, const Json::exception& error) override {
+        throw std::runtime_error(error.what());
+    }
+
+  private:
+    static constexpr int kNone = -1;
+
+    // The level that the next piece is directly inside of, kLevels where that is not used or the
+    // record has not begun.
+    Level here() const {
+        return depth_ == used_ && used_ > 0 ? static_cast<Level>(used_ - 1) : kLevels;
+    }
+
+    // Whether the next piece is the next level.
+    bool leads_on() const {
+        if (depth_ != used_ || used_ == kLevels) return false;
+        return used_ == 0 || kShapes[here()].is_list || member_ == 0;
+    }
+
+    bool open(bool list) {
+        const bool used = leads_on();
+        if (used && kShapes[used_].is_list != list) refuse_next();
+        if (!used) value(std::nullopt);
+        if (++depth_ > kDeepest) throw std::length_error("nested too deeply");
+        if (used) begin(static_cast<Level>(used_++));
+        return true;
+    }
+
+    bool close() {
+        if (here() != kLevels) {
+            end(here());
+            --used_;
+        }
+        --depth_;
+        return true;
+    }
+
+    void begin(Level level) {
+        found_[level][0] = found_[level][1] = false;
+        if (level == kFiles) files_.clear();
+        if (level == kFile) files_.emplace_back();
+        if (level == kPages) files_.back().clear();
+        if (level == kPage) files_.back().emplace_back();
+        if (level == kSkew) page().skew = steps::Skew{};
+    }
+
+    void end(Level level) {
+        for (int i = 0; i < 2; ++i) {
+            const char* key = kShapes[level].keys[i];
+            if (key == nullptr || found_[level][i]) continue;
+            throw std::out_of_range(std::string(kShapes[level].name) + " has no " + key);
+        }
+        if (level == kSkew && !page().skew->in_range()) {
+            throw std::out_of_range("a skew beyond 10.6 degrees");
         }
     }
-    return findings;
-}
+
+    // A piece that holds nothing, or no level that is used: a whole number of 32 bits, or something
+    // else.
+    bool value(std::optional<int> number) {
+        if (leads_on()) refuse_next();
+        if (here() == kLevels || member_ == kNone) return true;
+        if (!number) {
+            throw std::out_of_range(std::string(kShapes[here()].keys[member_]) +
+                                    " is no whole number of 32 bits");
+        }
+        if (here() == kSkew) {
+            (member_ == 0 ? page().skew->numerator : page().skew->denominator) = *number;
+        } else if (*number < 1 || *number > 255) {
+            throw std::out_of_range("a threshold beyond 1 .. 255");
+        } else {
+            page().threshold = *number;
+        }
+        return true;
+    }
+
+    [[noreturn]] void refuse_next() const {
+        const LevelShape& shape = kShapes[used_];
+        throw std::out_of_range(std::string(shape.name) + " is no " +
+                                (shape.is_list ? "list" : "object"));
+    }
+
+    steps::Findings& page() { return files_.back().back(); }
+
+    RecordedFindings files_;
+    std::size_t depth_ = 0;  // lists and objects that are open
+    std::size_t used_ = 0;   // the outer ones of them that are levels
+    int member_ = kNone;     // which of the keys the next piece of an object belongs to
+    bool found_[kLevels][2] = {};
+};
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -95,14 +195,9 @@ std::string reason_of(const std::exception& error) {
 
 RecordedFindings findings_in(const std::string& text, const std::string& path) {
     try {
-        RecordedFindings files;
-        const Json record = Json::parse(text, keep_what_is_used);
-        for (const Json& file : record.at("files")) {
-            std::vector<steps::Findings> pages;
-            for (const Json& page : file.at("pages")) pages.push_back(findings_of(page));
-            files.push_back(std::move(pages));
-        }
-        return files;
+        RecordReader reader;
+        Json::sax_parse(text, &reader);
+        return reader.take();
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {

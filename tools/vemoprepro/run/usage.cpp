@@ -63,8 +63,13 @@ std::string why_no_command(const std::string& word, const std::vector<std::strin
         return "the command is missing before " + quoted + "; to clean it: vemoprepro clean " +
                name + " -o OUT";
     }
-    if (word.size() > 1 && word[0] == '-') return "the command comes first, before " + quoted;
-    return "there is no command " + quoted + did_you_mean(word, commands);
+    std::vector<std::string> starts = commands;
+    starts.insert(starts.end(), {"--help", "--version"});
+    const std::string meant = did_you_mean(word, starts);
+    if (word.size() > 1 && word[0] == '-') {
+        return "the command comes first, before " + quoted + meant;
+    }
+    return "there is no command " + quoted + meant;
 }
 
 }  // namespace
