@@ -12,7 +12,6 @@
 #include "files/jpeg_segments.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
-#include "files/png_colour_key.h"
 #include "files/tiff_chain.h"
 #include "files/tiff_file.h"
 #include "files/word_rows.h"
@@ -74,14 +73,6 @@ void take_bitonal(Page& page, PIX* image) {
 }
 
 }  // namespace
-
-Decoded decode_png(const SeekableFile& file) {
-    const std::optional<PngColourKey> key = find_colour_key(open_stream(file).get());
-    if (!key) return {PixOwner(pixReadStreamPng(open_stream(file).get()))};
-    Decoded decoded{PixOwner(pixReadStreamPng(open_stream(file, hidden(*key)).get()))};
-    if (decoded.image) paint_colour_key(decoded.image.get(), *key);
-    return decoded;
-}
 
 Decoded decode_jpeg(const SeekableFile& file) {
     const Stream stream = open_stream(file);

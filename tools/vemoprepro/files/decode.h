@@ -17,7 +17,6 @@ struct Decoded {
     bool premultiplied = false;
 };
 
-Decoded decode_png(const SeekableFile& file);
 // Throws FileError for a file of very many scans.
 Decoded decode_jpeg(const SeekableFile& file);
 // Plain (ASCII) PNM and PAM.

@@ -52,8 +52,8 @@ int orientation_in(const std::vector<std::uint8_t>& segment) {
     const TiffBytes tiff(segment, sizeof kSignature);
     const std::size_t directory = tiff.number(4, 4);
     const std::uint32_t entries = tiff.number(directory, 2);
-    for (std::uint32_t i = 0; i < entries; ++i) {
-        const std::size_t entry = directory + 2 + i * std::size_t{12};
+    std::size_t entry = directory + 2;
+    for (std::uint32_t i = 0; i < entries && entry < segment.size(); ++i, entry += 12) {
         if (tiff.number(entry, 2) == kOrientationTag) {
             return static_cast<int>(tiff.number(entry + 8, 2));
         }

@@ -77,6 +77,15 @@ Stream open_stream(const SeekableFile& file, Patch patch, std::size_t length) {
     return stream;
 }
 
+void skip(std::FILE* stream, std::size_t count) {
+    char bytes[256];
+    if (count <= sizeof bytes) {
+        static_cast<void>(std::fread(bytes, 1, count, stream));
+    } else {
+        std::fseek(stream, static_cast<long>(count), SEEK_CUR);
+    }
+}
+
 std::size_t size_of(std::FILE* stream) {
     std::fseek(stream, 0, SEEK_END);
     const long size = std::ftell(stream);

@@ -51,6 +51,10 @@ using Stream = std::unique_ptr<std::FILE, CloseStream>;
 // The same as a stream of the C library, for decoders that want one. Throws std::bad_alloc.
 Stream open_stream(const SeekableFile& file, Patch patch = {}, std::size_t length = SIZE_MAX);
 
+// Moves on, behind the end as well. Seeking drops what the stream has read ahead, so short ways are
+// read.
+void skip(std::FILE* stream, std::size_t count);
+
 // Leaves the stream at its start.
 std::size_t size_of(std::FILE* stream);
 

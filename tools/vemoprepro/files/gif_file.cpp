@@ -1,6 +1,7 @@
-// Leptonica decodes all pictures of a file at once and tells nothing of transparency. So the blocks
-// of the file are followed first: a header, the table of colours, extensions and pictures, and an
-// end mark. What an extension or a picture holds comes in pieces of up to 255 bytes.
+// Leptonica decodes all pictures of a file at once, tells nothing of transparency, and keeps every
+// piece of an extension in a block of its own. So the blocks of the file are followed first: a
+// header, the table of colours, extensions and pictures, and an end mark. What an extension or a
+// picture holds comes in pieces of up to 255 bytes. Leptonica is given the picture alone.
 #include "files/gif_file.h"
 
 #include <array>
@@ -14,11 +15,15 @@
 namespace tool::files {
 namespace {
 
+constexpr int kPicture = 0x2C, kExtension = 0x21, kEnd = 0x3B;
+
 struct GifOutline {
-    PagePlace page;          // of the first picture
-    int pictures = 0;        // counted up to 2
-    int transparent = -1;    // the number of a colour
-    std::size_t length = 0;  // up to the end mark; 0 when there is none
+    PagePlace page;                // of the first picture
+    std::size_t picture_size = 0;  // in bytes
+    std::size_t first_blocks = 0;  // bytes of the header and the table of colours
+    int pictures = 0;              // counted up to 2
+    int transparent = -1;          // the number of a colour
+    bool whole = false;            // up to the end mark
 };
 
 class GifBlocks {
@@ -31,16 +36,14 @@ class GifBlocks {
         skip(10);
         skip_colours(byte());
         skip(2);
+        found.first_blocks = place();
         for (int kind = byte(); kind >= 0 && found.pictures < 2; kind = byte()) {
-            if (kind == kEnd) {
-                found.length = static_cast<std::size_t>(std::ftell(stream_.get()));
-                break;
-            }
             if (kind == kPicture) {
                 picture(found);
             } else if (kind == kExtension) {
                 extension(found);
             } else {
+                found.whole = kind == kEnd;
                 break;
             }
         }
@@ -48,29 +51,32 @@ class GifBlocks {
     }
 
   private:
-    static constexpr int kPicture = 0x2C, kExtension = 0x21, kEnd = 0x3B;
     static constexpr int kGraphicControl = 0xF9;
 
+    std::size_t place() { return static_cast<std::size_t>(std::ftell(stream_.get())); }
     int byte() { return getc_unlocked(stream_.get()); }
     int number() {
         const int low = byte();
         return low | byte() << 8;
     }
-    void skip(long count) { std::fseek(stream_.get(), count, SEEK_CUR); }
+    void skip(int count) { files::skip(stream_.get(), static_cast<std::size_t>(count)); }
     void skip_colours(int flags) {
-        if (flags > 0 && (flags & 0x80) != 0) skip(3L << ((flags & 7) + 1));
+        if (flags > 0 && (flags & 0x80) != 0) skip(3 << ((flags & 7) + 1));
     }
     void skip_pieces() {
         for (int size = byte(); size > 0; size = byte()) skip(size);
     }
 
     void picture(GifOutline& found) {
+        const std::size_t start = place() - 1;
         skip(4);
         const int width = number(), height = number();
         skip_colours(byte());
         skip(1);
         skip_pieces();
-        if (found.pictures++ == 0) found.page = {0, width, height};
+        if (found.pictures++ > 0) return;
+        found.page = {start, width, height};
+        found.picture_size = place() - start;
     }
 
     void extension(GifOutline& found) {
@@ -93,6 +99,16 @@ class GifBlocks {
     Stream stream_;
 };
 
+std::vector<std::uint8_t> picture_alone(const SeekableFile& file, const GifOutline& outline) {
+    std::vector<std::uint8_t> bytes(outline.first_blocks + outline.picture_size + 1);
+    FileView view(file);
+    view.read(bytes.data(), outline.first_blocks);
+    view.seek(static_cast<ssize_t>(outline.page.offset), SEEK_SET);
+    view.read(bytes.data() + outline.first_blocks, outline.picture_size);
+    bytes.back() = kEnd;
+    return bytes;
+}
+
 }  // namespace
 
 std::optional<PagePlace> gif_page(const SeekableFile& file) {
@@ -101,19 +117,16 @@ std::optional<PagePlace> gif_page(const SeekableFile& file) {
         throw FileError(file.name(),
                         "a GIF file of several pictures; save them as files of their own");
     }
-    if (found.pictures == 0 || found.length == 0) return std::nullopt;
+    if (found.pictures == 0 || !found.whole) return std::nullopt;
     return found.page;
 }
 
 Decoded decode_gif(const SeekableFile& file) {
     const GifOutline found = GifBlocks(file).outline();
-    if (!in_proportion(found.length, found.page)) {
+    if (!in_proportion(found.picture_size, found.page)) {
         return {nullptr, "more data than its picture can have"};
     }
-    std::vector<std::uint8_t> bytes(found.length);
-    if (FileView(file).read(bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
-        return {};
-    }
+    const std::vector<std::uint8_t> bytes = picture_alone(file, found);
     Decoded decoded{PixOwner(pixReadMemGif(bytes.data(), bytes.size()))};
     PIXCMAP* colours = decoded.image ? pixGetColormap(decoded.image.get()) : nullptr;
     if (colours != nullptr && found.transparent >= 0 &&

@@ -19,6 +19,7 @@
 #include "files/jpeg2000_file.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
+#include "files/png_file.h"
 #include "files/pnm_pages.h"
 #include "files/tiff_bounds.h"
 #include "files/tiff_pages.h"
@@ -39,13 +40,6 @@ std::optional<PagePlace> jpeg_page(const SeekableFile& file) {
     PagePlace page;
     const l_ok failed = freadHeaderJpeg(open_stream(file).get(), &page.width, &page.height, nullptr,
                                         nullptr, nullptr);
-    return failed == 0 ? std::optional(page) : std::nullopt;
-}
-
-std::optional<PagePlace> png_page(const SeekableFile& file) {
-    PagePlace page;
-    const l_ok failed = freadHeaderPng(open_stream(file).get(), &page.width, &page.height, nullptr,
-                                       nullptr, nullptr);
     return failed == 0 ? std::optional(page) : std::nullopt;
 }
 

@@ -1,147 +1,162 @@
 // A JPEG 2000 file is a chain of boxes: length, type, contents. The box "jp2h" holds boxes in its
-// turn, "colr" among them, and "jp2c" is the codestream. This starts with two markers, the second
-// of which gives the size of the page and its components. Leptonica reads those of 8 bits, all of
-// the same size, and takes any three for red, green and blue.
+// turn, "colr" and for palettes "pclr" among them, and "jp2c" is the codestream. Leptonica reads
+// those of 8 bits, all components of the same size, and takes any three for red, green and blue.
 #include "files/jpeg2000_file.h"
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "files/file_error.h"
 #include "files/file_view.h"
+#include "files/jpeg2000_codestream.h"
 #include "files/proportion.h"
 
 namespace tool::files {
 namespace {
 
 constexpr std::uint64_t kMostPixels = 100'000'000;
-constexpr std::uint32_t kColour = 16, kGrey = 17;  // of the box "colr"
 
-class Outline {
+constexpr std::uint64_t four_letters(const char* text) {
+    std::uint64_t number = 0;
+    for (int i = 0; i < 4; ++i) number = number << 8 | static_cast<unsigned char>(text[i]);
+    return number;
+}
+
+class Boxes {
   public:
-    explicit Outline(const SeekableFile& file) : view_(file) {
-        if (number_at(0, 4) == kCodestream) {
+    explicit Boxes(const SeekableFile& file) : view_(file) {
+        if (number_at(view_, 0, 4) == Jpeg2000Codestream::kStart) {
             codestream_ = 0;
             end_ = file.size();
         } else {
-            follow_boxes(0, file.size());
+            follow(0, file.size(), true);
         }
     }
 
-    bool whole() const { return codestream_ != kNone && number_at(codestream_, 4) == kCodestream; }
-    std::uint64_t width() const { return extent(8); }
-    std::uint64_t height() const { return extent(12); }
-    // Where the codestream does.
+    const FileView& view() const { return view_; }
+    // Where the codestream starts and ends; both 0 when there is none.
+    std::uint64_t codestream() const { return codestream_ == kNone ? 0 : codestream_; }
     std::uint64_t end() const { return end_; }
-    std::uint64_t components() const { return number_at(codestream_ + 40, 2); }
-
-    // What Leptonica does not read; empty when it does.
-    std::string unreadable() const {
-        if (colours_ != 0 && colours_ != kColour && colours_ != kGrey) {
-            return "colours that are neither greys nor red, green and blue";
-        }
-        const std::uint64_t count = components();
-        if (count != 1 && count != 3 && count != 4) {
-            return std::to_string(count) + " components per pixel";
-        }
-        for (std::uint64_t i = 0; i < count; ++i) {
-            const std::uint64_t component = codestream_ + 42 + 3 * i;
-            const std::uint64_t depth = number_at(component, 1);  // less 1, and 128 for signed ones
-            if (depth > 127) return "signed samples";
-            if (depth != 7) return std::to_string(depth + 1) + "-bit samples";
-            if (number_at(component + 1, 2) != 0x0101) return "components of several sizes";
-        }
-        return {};
-    }
+    bool known_colours() const { return known_colours_; }
+    // Each becomes a component when the pixels are numbers of a palette; 0 without one.
+    std::uint64_t palette_columns() const { return palette_columns_; }
 
   private:
-    static constexpr std::uint64_t kCodestream = 0xFF4FFF51;
     static constexpr std::uint64_t kNone = UINT64_MAX;
     static constexpr int kMostBoxes = 1000;  // in front of the codestream; real files have ten
 
-    // 0 behind the end of the file.
-    std::uint64_t number_at(std::uint64_t at, std::size_t size) const {
-        std::array<std::uint8_t, 8> bytes{};
-        FileView view = view_;
-        if (at > INT64_MAX - 8 || view.seek(static_cast<ssize_t>(at), SEEK_SET) < 0 ||
-            view.read(bytes.data(), size) != static_cast<ssize_t>(size)) {
-            return 0;
-        }
-        std::uint64_t number = 0;
-        for (std::size_t i = 0; i < size; ++i) number = number << 8 | bytes[i];
-        return number;
-    }
-
-    // From the origin that is stated 8 bytes on to the end.
-    std::uint64_t extent(std::uint64_t at) const {
-        const std::uint64_t end = number_at(codestream_ + at, 4);
-        const std::uint64_t start = number_at(codestream_ + at + 8, 4);
-        return end > start ? end - start : 0;
-    }
-
-    void follow_boxes(std::uint64_t at, std::uint64_t end) {
+    void follow(std::uint64_t at, std::uint64_t end, bool outermost) {
         while (at + 8 <= end && codestream_ == kNone && boxes_++ < kMostBoxes) {
-            std::uint64_t size = number_at(at, 4);
-            const std::uint64_t type = number_at(at + 4, 4);
+            std::uint64_t size = number_at(view_, at, 4);
+            const std::uint64_t type = number_at(view_, at + 4, 4);
             const std::uint64_t header = size == 1 ? 16 : 8;
-            if (size == 1) size = number_at(at + 8, 8);
+            if (size == 1) size = number_at(view_, at + 8, 8);
             if (size == 0) size = end - at;
             if (size < header || size > end - at) return;
-            open_box(type, at + header, at + size);
+            const bool opened = outermost && type == four_letters("jp2h");
+            if (opened) follow(at + header, at + size, false);
+            if (!opened) open(type, at + header, at + size);
             at += size;
         }
     }
 
-    void open_box(std::uint64_t type, std::uint64_t at, std::uint64_t end) {
-        constexpr std::uint64_t kHeaders = 0x6A703268, kColours = 0x636F6C72, kPixels = 0x6A703263;
-        if (type == kHeaders && depth_++ == 0) follow_boxes(at, end);
-        if (type == kColours && colours_ == 0 && number_at(at, 1) == 1) {
-            colours_ = static_cast<std::uint32_t>(number_at(at + 3, 4));
+    void open(std::uint64_t type, std::uint64_t at, std::uint64_t end) {
+        if (type == four_letters("colr") && !coloured_) open_colours(at);
+        if (type == four_letters("pclr")) {
+            palette_columns_ = std::max(palette_columns_, number_at(view_, at + 2, 1));
         }
-        if (type == kPixels) {
+        if (type == four_letters("jp2c")) {
             codestream_ = at;
             end_ = end;
         }
     }
 
+    // By a number or by a profile, which names them.
+    void open_colours(std::uint64_t at) {
+        constexpr std::uint64_t kByNumber = 1, kByProfile = 2, kRgb = 16, kGrey = 17;
+        const std::uint64_t way = number_at(view_, at, 1);
+        if (way != kByNumber && way != kByProfile) return;
+        coloured_ = true;
+        const std::uint64_t number = number_at(view_, at + 3, 4),
+                            name = number_at(view_, at + 19, 4);
+        known_colours_ = way == kByNumber
+                             ? number == kRgb || number == kGrey
+                             : name == four_letters("RGB ") || name == four_letters("GRAY");
+    }
+
     FileView view_;
     std::uint64_t codestream_ = kNone;
     std::uint64_t end_ = 0;
-    std::uint32_t colours_ = 0;
-    int depth_ = 0;
+    std::uint64_t palette_columns_ = 0;
+    bool coloured_ = false;
+    bool known_colours_ = true;
     int boxes_ = 0;
 };
 
-int clamped(std::uint64_t side) {
-    return side > INT32_MAX ? INT32_MAX : static_cast<int>(side);
-}
+class Outline {
+  public:
+    explicit Outline(const SeekableFile& file)
+        : boxes_(file), codestream_(boxes_.view(), boxes_.codestream(), boxes_.end()) {}
+
+    const Jpeg2000Codestream& codestream() const { return codestream_; }
+    std::uint64_t end() const { return boxes_.end(); }
+    PagePlace page() const {
+        return {0, clamped(codestream_.width()), clamped(codestream_.height())};
+    }
+    // Those that are delivered.
+    std::uint64_t components() const {
+        return std::max(codestream_.components(), boxes_.palette_columns());
+    }
+
+    // What Leptonica does not read, or only at a price; empty when it does.
+    std::string unreadable() const {
+        if (!boxes_.known_colours())
+            return "colours that are neither greys nor red, green and blue";
+        const std::uint64_t count = components();
+        if (count != 1 && count != 3 && count != 4) {
+            return std::to_string(count) + " components per pixel";
+        }
+        if (!in_proportion(codestream_.overhead(count), page())) {
+            return "very many tiles, blocks or layers";
+        }
+        return codestream_.unusual_samples();
+    }
+
+  private:
+    static int clamped(std::uint64_t side) {
+        return side > INT32_MAX ? INT32_MAX : static_cast<int>(side);
+    }
+
+    Boxes boxes_;
+    Jpeg2000Codestream codestream_;
+};
 
 }  // namespace
 
 std::optional<PagePlace> jpeg2000_page(const SeekableFile& file) {
     const Outline found(file);
-    if (!found.whole()) return std::nullopt;
-    const std::string unreadable = found.unreadable();
-    if (!unreadable.empty()) {
-        throw FileError(file.name(), "JPEG 2000 with " + unreadable +
-                                         " is not read; make a PNG file of it first");
-    }
-    const std::uint64_t width = found.width(), height = found.height();
+    if (!found.codestream().whole()) return std::nullopt;
+    const std::uint64_t width = found.codestream().width(), height = found.codestream().height();
     if (height != 0 && width > kMostPixels / height) {
         throw FileError(file.name(), std::to_string(width) + " x " + std::to_string(height) +
                                          " pixels are too many, the limit for JPEG 2000 is " +
                                          std::to_string(kMostPixels / 1'000'000) + " million");
     }
-    return PagePlace{0, clamped(width), clamped(height)};
+    const std::string unreadable = found.unreadable();
+    if (!unreadable.empty()) {
+        throw FileError(file.name(), "JPEG 2000 with " + unreadable +
+                                         " is not read; make a PNG file of it first");
+    }
+    return found.page();
 }
 
 Decoded decode_jpeg2000(const SeekableFile& file) {
     constexpr l_uint32 kFullSize = 1;
     const Outline found(file);
-    const PagePlace page{0, clamped(found.width()), clamped(found.height())};
-    if (!in_proportion(found.end(), page)) return {nullptr, "more data than its picture can have"};
+    if (!in_proportion(found.end(), found.page())) {
+        return {nullptr, "more data than its picture can have"};
+    }
     const Stream stream = open_stream(file, {}, found.end());
     Decoded decoded{PixOwner(pixReadStreamJp2k(stream.get(), kFullSize, nullptr, 0, 0))};
     // Leptonica delivers alpha, but does not say so.

@@ -9,9 +9,9 @@
 
 namespace tool::files {
 
-// None when the file is damaged. Throws FileError for kinds that are not read, and for pages of
-// more pixels than this format is read with: its decoder needs 16 bytes for each, and many times
-// as much when a file asks for it.
+// None when the file is damaged. Throws FileError for kinds that are not read, and for files that
+// ask for too much: the decoder needs 16 bytes for each pixel in any case, and something for each
+// tile, block and layer.
 std::optional<PagePlace> jpeg2000_page(const SeekableFile& file);
 Decoded decode_jpeg2000(const SeekableFile& file);
 

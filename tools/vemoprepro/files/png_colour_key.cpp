@@ -1,17 +1,17 @@
-// Leptonica makes a grey page with a transparent grey white altogether, and takes no notice of a
-// transparent colour. So the chunk is kept from it, and the pixels are painted here. A PNG file is
-// a signature and a chain of chunks: length, type, that many bytes, check sum; the first one, IHDR,
-// has the depth and the type of colour, and tRNS lies in front of the pixels.
+// In the chain of chunks of a PNG file (see png_file.cpp) the first one, IHDR, has the depth and
+// the type of colour, and tRNS lies in front of the pixels, which are in IDAT.
 #include "files/png_colour_key.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+
+#include "files/file_view.h"
 
 namespace tool::files {
 namespace {
 
-constexpr long kSignature = 8;
-constexpr std::size_t kFrame = 12;  // length, type and check sum
+constexpr std::size_t kSignature = 8, kLengthAndType = 8, kCheckSum = 4;
 constexpr int kGrey = 0;
 constexpr int kRgb = 2;
 constexpr int kDeepest = 16;  // bits per sample of any PNG file
@@ -27,13 +27,15 @@ struct ChunkStart {
     std::array<std::uint8_t, 18> bytes{};
 
     std::size_t size() const { return big_endian(bytes.data(), 4); }
+    // How much of its contents is here.
+    std::size_t read() const { return std::min(size(), bytes.size() - kLengthAndType); }
     bool is(const char* type) const { return std::memcmp(bytes.data() + 4, type, 4) == 0; }
     const std::uint8_t* contents() const { return bytes.data() + 8; }
 };
 
-bool read_start(std::FILE* file, long at, ChunkStart& chunk) {
-    return std::fseek(file, at, SEEK_SET) == 0 &&
-           std::fread(chunk.bytes.data(), 1, chunk.bytes.size(), file) >= kFrame;
+bool read_start(std::FILE* file, ChunkStart& chunk) {
+    return std::fread(chunk.bytes.data(), 1, kLengthAndType, file) == kLengthAndType &&
+           std::fread(chunk.bytes.data() + kLengthAndType, 1, chunk.read(), file) == chunk.read();
 }
 
 // The sample of an image that the key's sample becomes when 16 bits per colour become 8.
@@ -68,8 +70,8 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
     PngColourKey key;
     ChunkStart chunk;
     int colours = -1;
-    for (long at = kSignature; read_start(file, at, chunk);
-         at += static_cast<long>(chunk.size() + kFrame)) {
+    for (skip(file, kSignature); read_start(file, chunk);
+         skip(file, chunk.size() - chunk.read() + kCheckSum)) {
         if (chunk.is("IDAT")) break;
         if (chunk.is("IHDR")) {
             key.depth = chunk.contents()[8];
@@ -77,17 +79,12 @@ std::optional<PngColourKey> find_colour_key(std::FILE* file) {
         }
         const std::size_t wanted = colours == kGrey ? 1 : colours == kRgb ? 3 : 0;
         if (!chunk.is("tRNS") || wanted == 0 || chunk.size() != 2 * wanted) continue;
-        key.chunk_at = static_cast<std::size_t>(at);
         for (std::size_t i = 0; i < wanted; ++i) {
             key.samples.push_back(big_endian(chunk.contents() + 2 * i, 2));
         }
         return key;
     }
     return std::nullopt;
-}
-
-Patch hidden(const PngColourKey& key) {
-    return {key.chunk_at + 4, "xXXX"};
 }
 
 void paint_colour_key(PIX* image, const PngColourKey& key) {

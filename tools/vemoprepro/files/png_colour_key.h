@@ -8,21 +8,16 @@
 #include <optional>
 #include <vector>
 
-#include "files/file_view.h"
-
 namespace tool::files {
 
 struct PngColourKey {
-    std::size_t chunk_at = 0;            // where its chunk starts in the file
     int depth = 0;                       // bits per sample, at most 16
     std::vector<std::uint32_t> samples;  // one or three
 };
 
-// None for a file without a key; the transparency of a palette is no key.
+// The stream is at its start. None for a file without a key; the transparency of a palette is no
+// key.
 std::optional<PngColourKey> find_colour_key(std::FILE* file);
-
-// Makes its chunk one that decoders pass over.
-Patch hidden(const PngColourKey& key);
 
 // Makes pixels of that colour white paper.
 void paint_colour_key(PIX* image, const PngColourKey& key);
