@@ -133,6 +133,39 @@ class FormatsIn(ToolCase):
         self.write("a.tif", raw_tiff(61, 45, 32, 1, [bytes(61 * 45 * 4)]))
         self.assertIn("32-bit samples", self.one_error("info", "a.tif"))
 
+    def test_extra_samples_of_tiffs(self):
+        """Alpha as it is stated; a sample that is not said to be alpha takes nothing off the page."""
+        grey, colour = grey_sample(), colour_sample()
+        alpha = np.random.default_rng(3).integers(0, 256, grey.shape, dtype=np.uint8)
+        def laid(pixels):
+            part = alpha.astype(int)[(...,) + (None,) * (pixels.ndim - 2)]
+            return np.minimum((pixels * part + 127) // 255 + 255 - part, 255)
+        for kind, grey_wanted, colour_wanted in ((2, laid(grey), laid(colour)), (0, grey, colour)):
+            for photometric, stored in ((1, grey), (0, 255 - grey)):
+                self.write("a.tif", raw_tiff(61, 45, 8, photometric, [np.dstack([stored, alpha]).tobytes()],
+                                             samples=2, others={338: [kind]}))
+                self.assertSamePixels(self.decoded("a.tif"), grey_wanted, (kind, photometric))
+            self.write("a.tif", raw_tiff(61, 45, 8, 2, [np.dstack([colour, alpha]).tobytes()], samples=4,
+                                         others={338: [kind]}))
+            self.assertLessEqual(abs(np.asarray(self.decoded("a.tif")).astype(int) - colour_wanted).max(), 1)
+
+    def test_a_tiff_of_thumbnails_alone(self):
+        self.write("a.tif", raw_tiff(61, 45, 8, 1, [grey_sample().tobytes()], others={254: [1]}))
+        self.assertSamePixels(self.decoded("a.tif"), grey_sample())
+
+    def test_kinds_that_are_not_read(self):
+        self.save("a.jp2", Image.fromarray(colour_sample()).convert("RGBA"))
+        whole = self.read("a.jp2")
+        numbered = whole.index(b"colr") - 4
+        profile = b"\2\0\0" + bytes(16) + b"CMYK" + bytes(200)
+        at = whole.index(b"jp2h") - 4
+        length = struct.unpack(">I", whole[at:at + 4])[0] + len(profile) - 7
+        self.write("a.jp2", whole[:at] + struct.pack(">I", length) + whole[at + 4:numbered] +
+                   struct.pack(">I", 8 + len(profile)) + b"colr" + profile + whole[numbered + 15:])
+        self.assertIn("neither greys nor red, green and blue is not read", self.one_error("info", "a.jp2"))
+        self.write("a.tif", raw_tiff(61, 45, 8, 1, [bytes(61 * 45)], others={339: [2]}))
+        self.assertIn("signed or floating-point samples is not read", self.one_error("info", "a.tif"))
+
     def test_transparent_colour_of_a_png(self):
         grey, colour = grey_sample(), colour_sample()
         bits = Image.fromarray(grey).point(lambda v: 255 * (v > 99)).convert("1")

@@ -49,7 +49,7 @@ def raw_tiff(width, height, bits, photometric, chunks, samples=1, tile=None, pla
     entries, values = b"", b""
     for tag in sorted(tags):
         # LONG throughout but for what is SHORT by definition
-        short = tag in (258, 259, 262, 274, 277, 284, 296, 320, 338)
+        short = tag in (258, 259, 262, 274, 277, 284, 296, 320, 338, 339)
         packed = struct.pack("<%d%s" % (len(tags[tag]), "H" if short else "I"), *tags[tag])
         entries += struct.pack("<HHI", tag, 3 if short else 4, len(tags[tag]))
         if len(packed) <= 4:

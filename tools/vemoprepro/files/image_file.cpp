@@ -125,6 +125,11 @@ std::optional<Page> ImageFile::read_raw_tiff_page(std::size_t index) const {
     if (!tiff) throw damage(index, errors.first());
     const std::string excess = excessive_blocks(tiff.get());
     if (!excess.empty()) throw FileError(name_, page_prefix(index) + excess);
+    const std::string kind = unread_kind(tiff.get());
+    if (!kind.empty()) {
+        throw FileError(name_, page_prefix(index) + "TIFF with " + kind +
+                                   " is not read; make a PNG file of it first");
+    }
     std::optional<Page> page = read_raw_tiff(file_, directory, tiff.get());
     if (page && !errors.first().empty()) throw damage(index, errors.first());
     return page;

@@ -62,13 +62,13 @@ void settle_bits(Page& page, bool inverted) {
 }  // namespace
 
 std::vector<PagePlace> list_tiff_pages(const SeekableFile& file) {
-    std::vector<PagePlace> places;
+    std::vector<PagePlace> pages, thumbnails;
     for (const std::size_t directory : list_directories(file)) {
         const TiffFile tiff = open_tiff(file, TiffAccess::kRead, directory);
         if (!tiff) return {};
-        if (!is_thumbnail(tiff.get())) places.push_back(place_of(tiff.get()));
+        (is_thumbnail(tiff.get()) ? thumbnails : pages).push_back(place_of(tiff.get()));
     }
-    return places;
+    return pages.empty() ? thumbnails : pages;
 }
 
 std::optional<Page> read_packed_tiff(TIFF* tiff) {

@@ -8,8 +8,8 @@
 
 namespace tool::files {
 
-// The directories and sizes of all pages, thumbnails left out. Empty when the chain of pages is
-// damaged. Errors are for TiffErrors to tell.
+// The directories and sizes of all pages. Thumbnails and masks are left out where there is anything
+// else. Empty when the chain of pages is damaged. Errors are for TiffErrors to tell.
 std::vector<PagePlace> list_tiff_pages(const SeekableFile& file);
 
 // Reads a page of packed rows straight into a Page: 8-bit greys or red, green, blue without the 4

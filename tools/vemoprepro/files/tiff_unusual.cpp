@@ -1,8 +1,9 @@
-// libtiff makes 32-bit words of nearly every shape. The one that it gets wrong, greys of 16 bits in
-// tiles, is read tile by tile.
+// libtiff makes 32-bit words of nearly every shape. Two it gets wrong, in tiles beside the right
+// edge: greys of 16 bits are read tile by tile, and transparent ones are not read.
 #include "files/tiff_unusual.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -28,13 +29,31 @@ bool has_narrow_palette(TIFF* tiff) {
     return true;
 }
 
+// What the file says of the first sample behind the colours.
+int extra_sample(TIFF* tiff) {
+    std::uint16_t count = 0, *kinds = nullptr;
+    const bool stated = TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) == 1 && count > 0;
+    return stated ? kinds[0] : EXTRASAMPLE_UNSPECIFIED;
+}
+
+// Decoders take a fourth sample for alpha whatever it is.
+bool has_unknown_sample(TIFF* tiff) {
+    return tag_of(tiff, TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_RGB &&
+           tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) > 3 &&
+           extra_sample(tiff) == EXTRASAMPLE_UNSPECIFIED;
+}
+
+bool is_in_planes(TIFF* tiff) {
+    return tag_of(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE &&
+           tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) > 1;
+}
+
 bool is_unusual(TIFF* tiff) {
     const int bits = tag_of(tiff, TIFFTAG_BITSPERSAMPLE);
-    const bool in_planes = tag_of(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE &&
-                           tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) > 1;
     const bool inverted = tag_of(tiff, TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_MINISWHITE;
-    return TIFFIsTiled(tiff) != 0 || in_planes || (inverted && bits != 1 && bits != 8) ||
-           bits > 16 || has_narrow_palette(tiff);
+    return TIFFIsTiled(tiff) != 0 || is_in_planes(tiff) || (inverted && bits != 1 && bits != 8) ||
+           tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 2 || has_unknown_sample(tiff) ||
+           has_narrow_palette(tiff);
 }
 
 // libtiff's words have red at the bottom, those of pack_colour() at the top.
@@ -49,11 +68,6 @@ void turn_words(unsigned char* words, std::size_t count) {
 
 // All pixels as words, in the order of the file; false when that fails.
 bool read_words(TIFF* tiff, Page& page) {
-    char reason[1024] = "";
-    if (TIFFRGBAImageOK(tiff, reason) == 0) {
-        TiffErrors::note(reason);
-        return false;
-    }
     const std::size_t count =
         static_cast<std::size_t>(page.width) * static_cast<std::size_t>(page.height);
     page.bytes = allocate_pixels(count * 4);
@@ -66,6 +80,13 @@ bool read_words(TIFF* tiff, Page& page) {
     }
     turn_words(page.bytes.get(), count);
     return true;
+}
+
+// libtiff multiplies colours by their alpha, but no greys.
+void pack_words(TIFF* tiff, Page& page) {
+    const int extra = extra_sample(tiff);
+    const bool grey = tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 2;
+    pack_colour(page, extra != EXTRASAMPLE_UNSPECIFIED, !grey || extra == EXTRASAMPLE_ASSOCALPHA);
 }
 
 // Greys of 16 bits in tiles: libtiff's words of them are wrong beside the right edge.
@@ -101,19 +122,33 @@ bool read_deep_grey_tiles(TIFF* tiff, Page& page) {
 
 }  // namespace
 
+std::string unread_kind(TIFF* tiff) {
+    const int bits = tag_of(tiff, TIFFTAG_BITSPERSAMPLE);
+    const int numbers = tag_of(tiff, TIFFTAG_SAMPLEFORMAT);
+    if (bits > 16 || !std::has_single_bit(static_cast<unsigned>(bits))) {
+        return std::to_string(bits) + "-bit samples";
+    }
+    if (bits >= 8 && numbers != SAMPLEFORMAT_UINT && numbers != SAMPLEFORMAT_VOID) {
+        return "signed or floating-point samples";
+    }
+    const bool plain = bits == 8 && !is_in_planes(tiff) && TIFFIsTiled(tiff) == 0;
+    if (tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 2 && !plain) {
+        return "transparent greys in tiles, in planes or of other than 8 bits";
+    }
+    char reason[1024] = "";
+    if (TIFFRGBAImageOK(tiff, reason) != 0) return {};
+    return "unusual pixels (" + std::string(reason) + ")";
+}
+
 std::optional<Page> read_unusual_tiff(TIFF* tiff) {
     if (!is_unusual(tiff)) return std::nullopt;
     Page page = frame_of(tiff);
-    if (tag_of(tiff, TIFFTAG_SAMPLESPERPIXEL) == 2) {
-        TiffErrors::note("transparent greys in tiles or planes are not supported");
-        return page;
-    }
     const bool deep = has_deep_grey_tiles(tiff);
     if (!(deep ? read_deep_grey_tiles(tiff, page) : read_words(tiff, page))) {
         TiffErrors::note("it cannot be decoded");
         return page;
     }
-    if (!deep) pack_colour(page, true, true);
+    if (!deep) pack_words(tiff, page);
     orient(page, tag_of(tiff, TIFFTAG_ORIENTATION));
     return page;
 }
