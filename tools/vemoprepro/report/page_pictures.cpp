@@ -67,7 +67,11 @@ void PagePainter::after(const steps::Step& step, const steps::PageWork& work) {
     }
     follow(step, work);
     Page now = light_page(work.page);
-    if (step.effect == steps::Effect::kTakesInk) {
+    // All that a change of tone can do to a bitonal page is to take specks off.
+    const bool takes_ink =
+        step.effect == steps::Effect::kTakesInk ||
+        (step.effect == steps::Effect::kChangesTone && now.kind == PageKind::kBitonal);
+    if (takes_ink) {
         if (const std::optional<Page> removed = removed_pixels(last_, now)) {
             mark(step.name, *removed, now);
         }

@@ -1,7 +1,7 @@
 // The pixels that a step took off a page, one by one.
 //
-// Use: a LightPage of the page before and of the page after; removed_pixels() of both; of these the
-// marks to lay over the small page, and the spots worth looking at.
+// Use: light_page() of the page before and of the page after; removed_pixels() of both; of these
+// the marks to lay over the small page, and the spots worth looking at.
 #pragma once
 
 #include <optional>
