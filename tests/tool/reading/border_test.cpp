@@ -29,6 +29,10 @@ void draw_print(Page& bits) {
     for (int x = 300; x < 390; x += 15) draw(bits, x, x + 6, 0, 30);
 }
 
+void erase_box(Page& bits, int x0, int x1, int y0, int y1) {
+    for (int y = y0; y < y1; ++y) tool::erase_inks(bits.row(y), x0, x1);
+}
+
 int black_in(const Page& mask, int x0, int x1, int y0, int y1) {
     int count = 0;
     for (int y = y0; y < y1; ++y) {
@@ -71,6 +75,23 @@ TEST(BorderPrint, IsFoundInTheShade) {
         });
         EXPECT_EQ(reading::covers_print(mask, grey), print);
         EXPECT_FALSE(reading::covers_print(tool::blank_bits(kWidth, kHeight), grey));
+    }
+}
+
+// A dark band at the upper edge with white letters, or a few holes, and a row of black rings.
+TEST(BorderPrint, IsFoundWhereItIsWhite) {
+    for (const int letters : {0, 4, 12}) {
+        Page bits = tool::blank_bits(kWidth, kHeight);
+        draw(bits, 0, kWidth, 0, 80);
+        for (int i = 0; i < 12; ++i) {
+            const int x = 20 + 30 * i;
+            draw(bits, x, x + 20, 150, 180);
+            erase_box(bits, x + 4, x + 16, 154, 176);
+            if (i < letters) erase_box(bits, x, x + 20, 30, 50);
+        }
+        const Page mask = reading::border_of_bits(bits);
+        EXPECT_GT(black_in(mask, 0, kWidth, 0, 30), 25 * kWidth);
+        EXPECT_EQ(reading::covers_white_print(mask, bits, 20), letters == 12) << letters;
     }
 }
 

@@ -2,12 +2,20 @@
 // noise is smoothed out. A block is in the border when it and the eight blocks around it are all
 // in the mask. The blocks around it are asked for because a border may reach a block's
 // width into the page's own edge, where print is no mistake.
+//
+// On a bitonal page the mask leaves white letters out, and the ink between them, which is no border
+// since it is thin. They are the pieces of white of a letter's size that have the border on both
+// sides, above and below or to the left and to the right, no farther away than they are large.
 #include "reading/border_print.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
+
+#include "page/ink.h"
+#include "reading/coarse_bits.h"
+#include "reading/components.h"
 
 namespace tool::reading {
 namespace {
@@ -16,6 +24,11 @@ constexpr int kBlock = 16;  // pixels a side
 constexpr int kCell = 4;    // pixels a side of what noise is smoothed over
 // Print lies in the border when more than one block with print in so many does.
 constexpr int kPrintedPerCovered = 50;
+// White letters, in heights of small letters: a border has holes of its own, few of that size.
+constexpr double kLeastLetter = 0.7, kLargestLetter = 8;
+constexpr int kFewLetters = 5;
+// From this height on half of the pixels a side show letters as well.
+constexpr double kLetterToHalve = 20;
 
 // Four neighbours at once, each two in halves of a word that hold their sums.
 int mean_of_cell(const Page& grey, int x0, int y0) {
@@ -83,6 +96,28 @@ void for_blocks(const Page& grey, Take take) {
     }
 }
 
+// Whether the mask is set on both sides of [low, high), no farther away than that is long; `at`
+// tells where it is set.
+template <typename At>
+bool lies_between(int low, int high, At at) {
+    const auto is_set = [&](int start, int step) {
+        for (int d = 0; d < high - low; ++d) {
+            if (at(start + d * step)) return true;
+        }
+        return false;
+    };
+    return is_set(low - 1, -1) && is_set(high, 1);
+}
+
+bool lies_in(const Page& mask, const Component& white) {
+    const auto at = [&](int x, int y) {
+        return x >= 0 && y >= 0 && x < mask.width && y < mask.height && is_ink(mask, x, y);
+    };
+    const int x = (white.x0 + white.x1) / 2, y = (white.y0 + white.y1) / 2;
+    return lies_between(white.y0, white.y1, [&](int v) { return at(x, v); }) ||
+           lies_between(white.x0, white.x1, [&](int u) { return at(u, y); });
+}
+
 }  // namespace
 
 bool covers_print(const Page& mask, const Page& grey) {
@@ -94,6 +129,19 @@ bool covers_print(const Page& mask, const Page& grey) {
     if (covered == 0) return false;
     for_blocks(grey, [&](int x, int y) { printed += is_printed(grey, x, y) ? 1 : 0; });
     return covered * kPrintedPerCovered > printed;
+}
+
+bool covers_white_print(const Page& mask, const Page& bits, double letter) {
+    const int halvings = letter >= kLetterToHalve ? 1 : 0;
+    const Page border = coarse_bits(mask, halvings);
+    const std::vector<Component> pieces = components_of(inverted(coarse_bits(bits, halvings)));
+    const double height = letter / (1 << halvings);
+    const auto is_letter = [&](const Component& piece) {
+        const int size = std::max(piece.width(), piece.height());
+        return size >= kLeastLetter * height && size <= kLargestLetter * height &&
+               lies_in(border, piece);
+    };
+    return std::count_if(pieces.begin(), pieces.end(), is_letter) > kFewLetters;
 }
 
 }  // namespace tool::reading

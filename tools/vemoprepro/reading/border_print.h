@@ -9,4 +9,7 @@ namespace tool::reading {
 // in the dark. Of the same size.
 bool covers_print(const Page& mask, const Page& grey);
 
+// The same of a bitonal page, on which such print is white. `letter`: the height of small letters.
+bool covers_white_print(const Page& mask, const Page& bits, double letter);
+
 }  // namespace tool::reading

@@ -11,11 +11,15 @@
 #include <utility>
 #include <vector>
 
+#include "page/paper_scale.h"
 #include "reading/coarse_bits.h"
 #include "reading/components.h"
 
 namespace tool::reading {
 namespace {
+
+// The small letters of a page that does not tell, at 300 dpi, and the thickness of its strokes.
+constexpr double kUsualLetter = 20, kUsualStroke = 3.5;
 
 // The page is looked at with at most so many pixels on its longer side, unless its letters turn out
 // to be too small for that.
@@ -286,6 +290,14 @@ LetterSurvey survey_letters(const Page& page) {
     LetterSurvey survey = survey_halved(page, halvings);
     const bool too_coarse = survey.height < kTooCoarse * (1 << halvings);
     return halvings > 0 && too_coarse ? survey_halved(page, halvings - 1) : survey;
+}
+
+double letter_height(const LetterSurvey& letters, const Page& page) {
+    return letters.clear() ? letters.height : scaled_length(page, kUsualLetter);
+}
+
+double stroke_thickness(const LetterSurvey& letters, const Page& page) {
+    return letters.clear() ? letters.stroke : scaled_length(page, kUsualStroke);
 }
 
 }  // namespace tool::reading

@@ -33,4 +33,8 @@ struct LetterSurvey {
 // Of a page of any kind, which stays as it is.
 LetterSurvey survey_letters(const Page& page);
 
+// Of small letters and of their strokes: the usual ones where the page does not tell.
+double letter_height(const LetterSurvey& letters, const Page& page);
+double stroke_thickness(const LetterSurvey& letters, const Page& page);
+
 }  // namespace tool::reading

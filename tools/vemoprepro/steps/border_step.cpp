@@ -13,6 +13,7 @@
 #include "page/ink.h"
 #include "reading/border_mask.h"
 #include "reading/border_print.h"
+#include "reading/letters.h"
 #include "reading/luminance.h"
 #include "steps/ink_removal.h"
 #include "steps/number_text.h"
@@ -25,6 +26,7 @@ constexpr reading::BorderGreys kBorder = {110, 190, 32};
 // Told from paper that lies in deep shade.
 constexpr reading::BorderGreys kDeepBorder = {40, 90, 16};
 constexpr int kShortestSide = 24;
+constexpr const char* kPrintInTheDark = "print lies in the dark at the edges";
 constexpr int kLongestCropped = kLongestSide - 18;  // a margin is put around
 
 std::string text_of(const Box& content) {
@@ -131,8 +133,7 @@ Outcome crop_greys(PageWork& work, bool force) {
             text_of(*content) + (much ? ", " + percent(dark) + " of the dark inside the page" : ""),
             dark, much};
     }
-    return {false,
-            covers_all ? "all of the page would be border" : "print lies in the dark at the edges"};
+    return {false, covers_all ? "all of the page would be border" : kPrintInTheDark};
 }
 
 // None without ink.
@@ -154,6 +155,11 @@ std::optional<Box> box_of_ink(const Page& page) {
 
 Outcome crop_bits(PageWork& work, bool force) {
     const Page mask = reading::border_of_bits(work.page);
+    if (!force && !is_empty(mask) &&
+        reading::covers_white_print(mask, work.page,
+                                    reading::letter_height(work.letters, work.page))) {
+        return {false, kPrintInTheDark, std::nullopt, true};
+    }
     Outcome outcome = remove_ink(work.page, force ? Excess::kAllowed : Excess::kHeldBack,
                                  inner_part(work.page), "border", [&](Page& changed) {
                                      for (std::size_t i = 0; i < changed.size(); ++i) {

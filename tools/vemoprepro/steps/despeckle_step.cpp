@@ -9,6 +9,7 @@
 
 #include "page/counted.h"
 #include "page/paper_scale.h"
+#include "reading/letters.h"
 #include "reading/specks.h"
 #include "steps/ink_removal.h"
 #include "steps/step.h"
@@ -31,8 +32,6 @@ constexpr double kNear = 0.75, kNearForReading = 0.4;
 constexpr double kApartInRow = 2.5;
 // The area of the smallest dot, in squares of strokes.
 constexpr double kLeastDot = 0.2;
-// The small letters of a page that does not tell, at 300 dpi, and the thickness of its strokes.
-constexpr double kUsualLetter = 20, kUsualStroke = 3.5;
 
 // Taking more than this share of the ink by the usual sizes is something to look at.
 constexpr double kMuch = 0.02;
@@ -49,9 +48,8 @@ void remove_specks(Page& page, int area, int keep_near) {
 
 reading::SpeckRule usual_rule(const PageWork& work, bool reading) {
     const Page& page = work.page;
-    const bool clear = work.letters.clear();
-    const double letter = clear ? work.letters.height : scaled_length(page, kUsualLetter);
-    const double stroke = clear ? work.letters.stroke : scaled_length(page, kUsualStroke);
+    const double letter = reading::letter_height(work.letters, page);
+    const double stroke = reading::stroke_thickness(work.letters, page);
     const auto letters = [=](double heights) {
         return std::max(1, static_cast<int>(std::lround(heights * letter)));
     };
