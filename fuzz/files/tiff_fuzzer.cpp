@@ -2,9 +2,6 @@
 // size that the list says, and have all of their pixels unless libtiff found an error.
 //
 // Input: the file.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <numeric>
 
 #include "files/tiff_bounds.h"
@@ -18,23 +15,7 @@ using fuzz::check;
 using tool::Page;
 using namespace tool::files;
 
-constexpr int kLongestSide = 300;
 constexpr std::size_t kMostPages = 8;
-
-class MemoryFile {
-  public:
-    MemoryFile(const std::uint8_t* data, std::size_t size) : file_(memfd_create("fuzz", 0)) {
-        check(file_ >= 0 && write(file_, data, size) == static_cast<ssize_t>(size));
-    }
-    ~MemoryFile() { close(file_); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string path() const { return "/proc/self/fd/" + std::to_string(file_); }
-
-  private:
-    int file_;
-};
 
 void check_page(const Page& page, const PagePlace& place, bool good) {
     check(page.width == place.width && page.height == place.height);
@@ -49,7 +30,7 @@ void read_page(const SeekableFile& file, const PagePlace& place, TiffAccess acce
     const TiffErrors errors;
     const TiffFile tiff = open_tiff(file, access, place.offset);
     if (!tiff) return;
-    if (!excessive_blocks(tiff.get()).empty()) return;
+    if (!excessive_blocks(tiff.get()).empty() || !unread_kind(tiff.get()).empty()) return;
     if (const auto page = read(tiff.get())) check_page(*page, place, errors.first().empty());
 }
 
@@ -58,15 +39,12 @@ void read_page(const SeekableFile& file, const PagePlace& place, TiffAccess acce
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool collected = (collect_tiff_errors(), true);
     static_cast<void>(collected);
-    const MemoryFile bytes(data, size);
+    const fuzz::MemoryFile bytes(data, size);
     const SeekableFile file(bytes.path());
     auto places = list_tiff_pages(file);
     if (places.size() > kMostPages) places.resize(kMostPages);
     for (const PagePlace& place : places) {
-        if (place.width < 1 || place.height < 1 || place.width > kLongestSide ||
-            place.height > kLongestSide) {
-            continue;
-        }
+        if (!fuzz::is_small(place)) continue;
         read_page(file, place, TiffAccess::kRead, read_packed_tiff);
         read_page(file, place, TiffAccess::kMapped, read_unusual_tiff);
     }
