@@ -128,6 +128,7 @@ class RowReader {
         FileView view(file);
         view.seek(static_cast<ssize_t>(shape.palette_at), SEEK_SET);
         view.read(entries.data(), entries.size());
+        palette_.fill(kBlack);
         for (std::size_t i = 0; i < shape.colours; ++i) {
             palette_[i] = opaque(entries.data() + i * shape.palette_entry);
         }
@@ -169,11 +170,14 @@ class RowReader {
         if (mask == 0) return is_alpha ? 255 : 0;
         const int shift = std::countr_zero(mask);
         const std::uint64_t largest = mask >> shift;
-        return static_cast<std::uint32_t>(((value & mask) >> shift) * std::uint64_t{255} / largest);
+        const std::uint64_t part = (value & mask) >> shift;
+        return static_cast<std::uint32_t>((part * 255 + largest / 2) / largest);
     }
 
+    static constexpr std::uint32_t kBlack = 255;  // and opaque
+
     const BmpShape& shape_;
-    std::array<std::uint32_t, 256> palette_{};
+    std::array<std::uint32_t, 256> palette_;
 };
 
 }  // namespace
