@@ -6,19 +6,19 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <ctime>
 #include <memory>
 #include <set>
-#include <utility>
+#include <string_view>
 
 namespace tool::files {
 namespace {
 
-bool is_ours(const std::string& name, const std::string& prefix) {
-    return name.size() == prefix.size() + std::strlen(kSixCharacters) &&
-           name.compare(0, prefix.size(), prefix) == 0 &&
-           std::all_of(name.begin() + static_cast<std::ptrdiff_t>(prefix.size()), name.end(),
+bool is_ours(std::string_view name) {
+    constexpr std::string_view kAside = kAsideName;
+    constexpr std::size_t kPrefix = kAside.find('X');
+    return name.size() == kAside.size() && name.substr(0, kPrefix) == kAside.substr(0, kPrefix) &&
+           std::all_of(name.begin() + kPrefix, name.end(),
                        [](unsigned char letter) { return std::isalnum(letter) != 0; });
 }
 
@@ -35,14 +35,15 @@ struct CloseFolder {
 
 }  // namespace
 
-void remove_leftovers(const std::string& folder, const char* prefix) {
-    static std::set<std::pair<std::string, std::string>> looked_through;
-    if (!looked_through.emplace(folder, prefix).second) return;
+void remove_leftovers(const std::string& folder) {
+    static std::set<std::string> looked_through;
+    if (!looked_through.insert(folder).second) return;
     const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
     if (!open) return;
     while (const dirent* entry = readdir(open.get())) {
+        if (!is_ours(entry->d_name)) continue;
         const std::string path = folder + "/" + entry->d_name;
-        if (is_ours(entry->d_name, prefix) && is_left_over(path)) unlink(path.c_str());
+        if (is_left_over(path)) unlink(path.c_str());
     }
 }
 

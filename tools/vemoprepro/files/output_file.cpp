@@ -87,9 +87,9 @@ OutputFile::OutputFile(std::string name, bool overwrite)
 
 void OutputFile::open_aside() {
     const std::string folder = target_.substr(0, target_.rfind('/') + 1);
-    std::string path = folder + kAsidePrefix + kSixCharacters;
+    std::string path = folder + kAsideName;
     const std::lock_guard guard(unfinished().lock);
-    remove_leftovers(folder.empty() ? "." : folder, kAsidePrefix);
+    remove_leftovers(folder.empty() ? "." : folder);
     file_ = mkostemp(path.data(), O_CLOEXEC);
     if (file_ < 0) throw system_error_of(name_);
     aside_ = path;

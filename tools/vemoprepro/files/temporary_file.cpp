@@ -7,7 +7,6 @@
 #include <mutex>
 
 #include "files/file_error.h"
-#include "files/leftovers.h"
 #include "files/unfinished.h"
 
 namespace tool::files {
@@ -19,15 +18,10 @@ std::string temporary_folder() {
     return given ? folder : "/tmp";
 }
 
-// A path for mkostemp().
-std::string temporary_template() {
-    return temporary_folder() + "/" + kTemporaryPrefix + kSixCharacters;
-}
-
 }  // namespace
 
 int open_nameless_file(const std::string& name) {
-    std::string path = temporary_template();
+    std::string path = temporary_folder() + "/vemoprepro.XXXXXX";
     const std::lock_guard guard(unfinished().lock);
     const int file = mkostemp(path.data(), O_CLOEXEC);
     if (file < 0) throw system_error_of(name);
