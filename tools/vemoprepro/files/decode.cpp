@@ -7,9 +7,7 @@
 #include <cstring>
 #include <utility>
 
-#include "files/file_error.h"
 #include "files/file_view.h"
-#include "files/jpeg_segments.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/tiff_chain.h"
@@ -18,18 +16,6 @@
 
 namespace tool::files {
 namespace {
-
-// Each scan of a progressive picture passes over all of it. Programs write about ten.
-constexpr int kMostScans = 100;
-
-bool has_too_many_scans(std::FILE* file) {
-    JpegSegments segments(file);
-    int scans = 0;
-    for (int marker; scans <= kMostScans && (marker = segments.next()) >= 0;) {
-        scans += marker == JpegSegments::kStartOfScan ? 1 : 0;
-    }
-    return scans > kMostScans;
-}
 
 // No colour map, and 1, 8 or 32 bits per pixel.
 PixOwner plain_image(PixOwner image) {
@@ -73,20 +59,6 @@ void take_bitonal(Page& page, PIX* image) {
 }
 
 }  // namespace
-
-Decoded decode_jpeg(const SeekableFile& file) {
-    const Stream stream = open_stream(file);
-    if (has_too_many_scans(stream.get())) {
-        throw FileError(file.name(), "a JPEG file of more than " + std::to_string(kMostScans) +
-                                         " scans; save it anew as a baseline one");
-    }
-    std::rewind(stream.get());
-    l_int32 warnings = 0;
-    Decoded decoded{
-        PixOwner(pixReadStreamJpeg(stream.get(), 0, 1, &warnings, L_JPEG_CONTINUE_WITH_BAD_DATA))};
-    if (warnings > 0) decoded.image.reset();
-    return decoded;
-}
 
 Decoded decode_pnm(const SeekableFile& file) {
     return {PixOwner(pixReadStreamPnm(open_stream(file).get()))};

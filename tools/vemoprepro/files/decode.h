@@ -17,8 +17,6 @@ struct Decoded {
     bool premultiplied = false;
 };
 
-// Throws FileError for a file of very many scans.
-Decoded decode_jpeg(const SeekableFile& file);
 // Plain (ASCII) PNM and PAM.
 Decoded decode_pnm(const SeekableFile& file);
 // Of the directory there.

@@ -17,6 +17,7 @@
 #include "files/file_view.h"
 #include "files/gif_file.h"
 #include "files/jpeg2000_file.h"
+#include "files/jpeg_file.h"
 #include "files/least_kind.h"
 #include "files/orientation.h"
 #include "files/png_file.h"
@@ -34,13 +35,6 @@ constexpr char kNoMemory[] = "not enough memory";
 std::vector<PagePlace> one_page(const std::optional<PagePlace>& place) {
     if (!place) return {};
     return {*place};
-}
-
-std::optional<PagePlace> jpeg_page(const SeekableFile& file) {
-    PagePlace page;
-    const l_ok failed = freadHeaderJpeg(open_stream(file).get(), &page.width, &page.height, nullptr,
-                                        nullptr, nullptr);
-    return failed == 0 ? std::optional(page) : std::nullopt;
 }
 
 // The two ways round Leptonica: a short one for the most common shapes, and one for shapes that it
