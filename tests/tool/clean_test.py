@@ -111,6 +111,7 @@ class Cleaning(ToolCase):
             page[100:120, x:x + 18] = 0
             page[104:116, x + 5:x + 13] = 255      # letters of strokes
         page[92:94, 70:72] = page[118:120, 292:294] = 0    # dots
+        page[92:94, 98:100] = page[92:94, 103:105] = page[88:90, 100:102] = 0    # three over one letter
         for x in range(320, 520, 12):
             page[117:119, x:x + 2] = 0
         page[400:402, 300:302] = page[405:407, 303:305] = page[500:502, 90:92] = 0

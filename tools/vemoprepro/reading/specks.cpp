@@ -153,6 +153,30 @@ std::vector<Component> turned(std::vector<Component> dots) {
     return dots;
 }
 
+// Puts down the dots that are kept.
+void put_down(Page& page, const std::vector<InkRun>& runs, const std::vector<std::size_t>& ends,
+              const std::vector<bool>& keep) {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < keep.size(); begin = ends[i++]) {
+        for (std::size_t j = begin; j < ends[i] && keep[i]; ++j) {
+            set_inks(page.row(runs[j].y), runs[j].begin, runs[j].end);
+        }
+    }
+}
+
+// Marks the dots that are no farther than their own size from those marked before, as three dots
+// over one letter are.
+void keep_beside_kept(Page& page, const std::vector<Component>& dots,
+                      const std::vector<InkRun>& runs, const std::vector<std::size_t>& ends,
+                      int least_dot, std::vector<bool>& keep) {
+    put_down(page, runs, ends, keep);
+    for (std::size_t i = 0; i < dots.size(); ++i) {
+        if (keep[i] || dots[i].area < least_dot) continue;
+        const int size = std::max(dots[i].width(), dots[i].height());
+        keep[i] = has_ink(page, around(dots[i], size + 1));
+    }
+}
+
 }  // namespace
 
 void remove_dirt(Page& page, const SpeckRule& rule) {
@@ -171,18 +195,16 @@ void remove_dirt(Page& page, const SpeckRule& rule) {
     std::vector<bool> keep(small.size());
     for (std::size_t i = 0; i < small.size(); ++i) {
         const Component& dot = small[i];
+        const int near = dot.area >= rule.full_dot ? rule.near_full : rule.near;
         keep[i] = dot.area > rule.max_area ||
-                  (dot.area >= rule.least_dot && has_ink(page, around(dot, rule.near)));
+                  (dot.area >= rule.least_dot && has_ink(page, around(dot, near)));
     }
     if (std::find(keep.begin(), keep.end(), false) != keep.end()) {
+        keep_beside_kept(page, small, runs, ends, rule.least_dot, keep);
         mark_rows(small, rule.row_distance, page.width, page.height, keep);
         mark_rows(turned(small), rule.row_distance, page.height, page.width, keep);
     }
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < small.size(); begin = ends[i++]) {
-        for (std::size_t j = begin; j < ends[i] && keep[i]; ++j)
-            set_inks(page.row(runs[j].y), runs[j].begin, runs[j].end);
-    }
+    put_down(page, runs, ends, keep);
 }
 
 }  // namespace tool::reading

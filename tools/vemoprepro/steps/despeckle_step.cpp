@@ -30,8 +30,9 @@ constexpr double kNearOfMany = 3;
 constexpr double kLetter = 0.5;
 constexpr double kNear = 0.75, kNearForReading = 0.4;
 constexpr double kApartInRow = 2.5;
-// The area of the smallest dot, in squares of strokes.
-constexpr double kLeastDot = 0.2;
+// The area of the smallest dot, and of a full stop at least, in squares of strokes. Of what is so
+// large near letters, little is dirt.
+constexpr double kLeastDot = 0.2, kFullDot = 0.6;
 
 // Taking more than this share of the ink by the usual sizes is something to look at.
 constexpr double kMuch = 0.02;
@@ -53,9 +54,16 @@ reading::SpeckRule usual_rule(const PageWork& work, bool reading) {
     const auto letters = [=](double heights) {
         return std::max(1, static_cast<int>(std::lround(heights * letter)));
     };
-    return {scaled_area(page, reading ? kSpeckForReading : kSpeck), std::max(3, letters(kLetter)),
+    const auto area = [=](double squares) {
+        return static_cast<int>(std::lround(squares * stroke * stroke));
+    };
+    return {scaled_area(page, reading ? kSpeckForReading : kSpeck),
+            std::max(3, letters(kLetter)),
             letters(reading ? kNearForReading : kNear),
-            static_cast<int>(std::lround(kLeastDot * stroke * stroke)), letters(kApartInRow)};
+            area(kLeastDot),
+            letters(kNear),
+            area(kFullDot),
+            letters(kApartInRow)};
 }
 
 std::string specks_words(int area) {

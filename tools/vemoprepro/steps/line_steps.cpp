@@ -10,6 +10,7 @@
 
 #include "page/paper_scale.h"
 #include "reading/faint_lines.h"
+#include "reading/letters.h"
 #include "reading/ruled_lines.h"
 #include "steps/ink_removal.h"
 #include "steps/step.h"
@@ -37,8 +38,6 @@ constexpr double kAround = 16;
 constexpr double kPitch = 26;
 // A line that is not quite level steps aside by this much.
 constexpr double kStep = 1;
-// Small letters of a page that does not tell.
-constexpr double kUsualLetter = 20;
 // Ink of up to this area beside a faint line is no letter.
 constexpr double kCrumb = 4;
 
@@ -52,7 +51,7 @@ reading::LineScale line_scale(const PageWork& work, const LineOptions& wanted) {
     scale.dash = std::max(kLeastDash, scaled_length(page, kDash));
     scale.around = scaled_length(page, kAround);
     scale.pitch = scaled_length(page, kPitch);
-    scale.letter = work.letters.clear() ? work.letters.height : scaled_length(page, kUsualLetter);
+    scale.letter = reading::letter_height(work.letters, page);
     return scale;
 }
 
