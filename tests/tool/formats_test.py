@@ -101,6 +101,18 @@ class FormatsIn(ToolCase):
         for name in ("a.png", "a.tif", "a.pgm"):
             self.assertSamePixels(self.decoded(name), grey_sample(), name)
 
+    def test_plain_pnms(self):
+        colour = colour_sample()
+        bits = colour[..., 0] > 99
+        for largest, factor in ((255, 1), (510, 2), (65535, 257)):
+            values = " ".join(map(str, (colour.astype(int) * factor).ravel()))
+            self.write("a.ppm", b"P3\n61 45\n%d\n" % largest + values.encode())
+            self.assertSamePixels(self.decoded("a.ppm"), colour, largest)
+        for space in ("", " "):
+            rows = "\n".join(space.join(map(str, row)) for row in 1 - bits)
+            self.write("a.pbm", b"P1 # bits\n61 45\n" + rows.encode())
+            self.assertSamePixels(self.decoded("a.pbm"), bits, space)
+
     def test_unusual_tiffs(self):
         grey, colour = grey_sample(), colour_sample()
         bits = grey > 99

@@ -17,7 +17,7 @@ struct Decoded {
     bool premultiplied = false;
 };
 
-// Plain (ASCII) PNM and PAM.
+// PAM; all others are read without a decoder.
 Decoded decode_pnm(const SeekableFile& file);
 // Of the directory there.
 Decoded decode_tiff(const SeekableFile& file, std::size_t directory);

@@ -134,7 +134,7 @@ std::optional<Page> ImageFile::read_raw_page(std::size_t index) const {
         case FileFormat::kTiff:
             return read_raw_tiff_page(index);
         case FileFormat::kPnm:
-            return read_raw_pnm(open_stream(file_).get(), places_[index]);
+            return read_pnm(open_stream(file_).get(), places_[index]);
         case FileFormat::kBmp:
             return read_bmp(file_);
         default:

@@ -1,5 +1,6 @@
-// A raw PNM image is a header of words (magic, width, height and, but for bitmaps, the largest
-// value), one white-space character, and rows of known length; the next image follows at once.
+// A PNM image is a header of words (magic, width, height and, but for bitmaps, the largest value),
+// one white-space character, and rows. Raw ones have rows of known length, and the next image
+// follows at once; plain ones have numbers as text, bits with or without white space between them.
 #include "files/pnm_pages.h"
 
 #include <leptonica/allheaders.h>
@@ -16,12 +17,12 @@ namespace {
 
 // Skips white space and comments, which run from # to the end of the line. Returns the next byte.
 int skip_space(std::FILE* file) {
-    int byte = std::getc(file);
+    int byte = getc_unlocked(file);
     while (byte == '#' || (byte >= 0 && (std::isspace(byte) != 0))) {
         if (byte == '#') {
-            while (byte >= 0 && byte != '\n') byte = std::getc(file);
+            while (byte >= 0 && byte != '\n') byte = getc_unlocked(file);
         }
-        if (byte >= 0) byte = std::getc(file);
+        if (byte >= 0) byte = getc_unlocked(file);
     }
     return byte;
 }
@@ -32,30 +33,33 @@ int read_number(std::FILE* file) {
     int byte = skip_space(file);
     if (byte < '0' || byte > '9') return -1;
     int value = 0;
-    for (; byte >= '0' && byte <= '9'; byte = std::getc(file)) {
+    for (; byte >= '0' && byte <= '9'; byte = getc_unlocked(file)) {
         if (value <= kLargest) value = value * 10 + (byte - '0');
     }
     return value > kLargest ? -1 : value;
 }
 
-// The header of a raw image; the file is then at its first row.
-struct RawHeader {
-    int type = 0;  // '4' bitmap, '5' grey, '6' colour; 0: not a raw image
+// The header of an image; the file is then at its first row.
+struct Header {
+    int type = 0;  // as a raw one: '4' bitmap, '5' grey, '6' colour; 0: neither raw nor plain
+    bool plain = false;
     int width = 0;
     int height = 0;
     int largest_value = 1;
 
+    std::size_t samples() const { return static_cast<std::size_t>(width) * (type == '6' ? 3 : 1); }
+    std::size_t sample_size() const { return largest_value > 255 ? 2 : 1; }
     std::size_t row_size() const {
-        const auto pixels = static_cast<std::size_t>(width);
-        if (type == '4') return bytes_of_bits(width);
-        return pixels * (type == '6' ? 3 : 1) * (largest_value > 255 ? 2 : 1);
+        return type == '4' ? bytes_of_bits(width) : samples() * sample_size();
     }
 };
 
 // Reads what follows the P.
-RawHeader read_header(std::FILE* file) {
-    RawHeader header;
-    const int type = std::getc(file);
+Header read_header(std::FILE* file) {
+    Header header;
+    int type = getc_unlocked(file);
+    header.plain = type >= '1' && type <= '3';
+    if (header.plain) type += '4' - '1';
     if (type < '4' || type > '6') return header;
     header.width = read_number(file);
     header.height = read_number(file);
@@ -68,11 +72,38 @@ RawHeader read_header(std::FILE* file) {
 }
 
 // Moves from the first row of an image behind its last one, if the file is that long.
-bool skip_rows(std::FILE* file, const RawHeader& header, std::size_t file_size) {
+bool skip_rows(std::FILE* file, const Header& header, std::size_t file_size) {
     const std::size_t start = static_cast<std::size_t>(std::ftell(file));
     const std::size_t size = header.row_size() * static_cast<std::size_t>(header.height);
     if (start > file_size || size > file_size - start) return false;
     return std::fseek(file, static_cast<long>(start + size), SEEK_SET) == 0;
+}
+
+// A row of a plain image as a raw one has it; false when there is something else.
+bool read_plain_row(std::FILE* file, const Header& header, unsigned char* row) {
+    const auto set = [row](std::size_t at, int bits) {
+        row[at] = static_cast<unsigned char>(row[at] | bits);
+    };
+    std::memset(row, 0, header.row_size());
+    for (std::size_t i = 0; i < header.samples(); ++i) {
+        if (header.type == '4') {
+            const int digit = skip_space(file);
+            if (digit != '0' && digit != '1') return false;
+            if (digit == '1') set(i / 8, 0x80 >> i % 8);
+            continue;
+        }
+        const int value = std::min(read_number(file), header.largest_value);
+        if (value < 0) return false;
+        const std::size_t last = header.sample_size() * (i + 1) - 1;
+        set(last, value & 255);
+        if (value > 255) set(last - 1, value >> 8);
+    }
+    return true;
+}
+
+bool read_row(std::FILE* file, const Header& header, unsigned char* row) {
+    if (header.plain) return read_plain_row(file, header, row);
+    return std::fread(row, 1, header.row_size(), file) == header.row_size();
 }
 
 // Bytes of 0 .. 255 from samples of one or two bytes; of 16 bits the upper 8 count.
@@ -100,22 +131,22 @@ std::vector<PagePlace> list_pnm_pages(std::FILE* file) {
     for (int byte = skip_space(file); byte == 'P'; byte = skip_space(file)) {
         PagePlace place;
         place.offset = static_cast<std::size_t>(std::ftell(file)) - 1;
-        const RawHeader header = read_header(file);
-        if (header.type == 0) {
-            if (places.empty() && list_other_page(file, place)) return {place};
-            return {};
-        }
-        if (!skip_rows(file, header, file_size)) return {};
+        const Header header = read_header(file);
         place.width = header.width;
         place.height = header.height;
+        if (header.type == 0 || header.plain) {
+            const bool alone = places.empty() && (header.type != 0 || list_other_page(file, place));
+            return alone ? std::vector{place} : std::vector<PagePlace>();
+        }
+        if (!skip_rows(file, header, file_size)) return {};
         places.push_back(place);
     }
     return places;
 }
 
-std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
+std::optional<Page> read_pnm(std::FILE* file, const PagePlace& place) {
     std::fseek(file, static_cast<long>(place.offset) + 1, SEEK_SET);
-    const RawHeader header = read_header(file);
+    const Header header = read_header(file);
     if (header.type == 0) return std::nullopt;
     Page page;
     page.kind = header.type == '4'   ? PageKind::kBitonal
@@ -126,9 +157,7 @@ std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place) {
     page.bytes = allocate_pixels(page.size());
     std::vector<unsigned char> row(std::max(header.row_size(), page.stride()));
     for (int y = 0; y < page.height; ++y) {
-        if (std::fread(row.data(), 1, header.row_size(), file) != header.row_size()) {
-            return std::nullopt;
-        }
+        if (!read_row(file, header, row.data())) return std::nullopt;
         if (header.type == '4') {
             std::memcpy(page.row(y), row.data(), page.stride());
             clear_padding(page.row(y), page.width);

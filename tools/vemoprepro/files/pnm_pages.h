@@ -14,8 +14,8 @@ namespace tool::files {
 // PAM file is listed: their length is not known without reading them.
 std::vector<PagePlace> list_pnm_pages(std::FILE* file);
 
-// Reads the raw image there, in whatever kind the file has it. None for the other types, or when
-// the file ends within the rows.
-std::optional<Page> read_raw_pnm(std::FILE* file, const PagePlace& place);
+// Reads the raw or plain image there, in whatever kind the file has it. None for PAM, or when the
+// file ends within the rows.
+std::optional<Page> read_pnm(std::FILE* file, const PagePlace& place);
 
 }  // namespace tool::files
