@@ -126,9 +126,12 @@ class Cleaning(ToolCase):
             page = specks(Image.new("L", (400, 400), 255), 30, side)
             self.assertFalse(self.clean("--force", image=page, dpi=(dpi, dpi))[2].any())
 
-    def test_faint_print_is_kept(self):
+    def test_faint_print_is_kept_or_missed_aloud(self):
         dark, faint = (self.clean("--no-deskew", image=text_page(ink=ink))[2] for ink in (20, 212))
         self.assertLess((dark ^ faint).sum(), 0.1 * dark.sum())
+        for ink, is_missed in ((212, False), (222, True), (235, False)):
+            _, steps, _ = self.clean(image=text_page(ink=ink))
+            self.assertEqual(steps["binarize"]["warning"], is_missed)
 
     def test_too_much_ink_is_not_taken(self):
         _, steps, ink = self.clean(image=specks(Image.new("L", (600, 800), 255), 200))

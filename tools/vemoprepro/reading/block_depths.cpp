@@ -144,6 +144,12 @@ PageDepths depths_of(const Page& grey) {
     return depths;
 }
 
+bool stands_out(const PageDepths& depths) {
+    const auto blocks = std::count_if(depths.blocks.begin(), depths.blocks.end(),
+                                      [](const BlockDepths& block) { return block.has_ink; });
+    return blocks * 100 >= static_cast<std::ptrdiff_t>(depths.blocks.size());
+}
+
 double depth_of_ink(const PageDepths& depths, int i, int j) {
     const BlockGrid& grid = depths.paper;
     double squares = 0, cubes = 0;

@@ -32,6 +32,9 @@ struct PageDepths {
 
 PageDepths depths_of(const Page& grey);
 
+// Whether something stands out of the paper over a hundredth of the page or more.
+bool stands_out(const PageDepths& depths);
+
 // How deep the ink of the block and of its neighbours is: the mean of their depths, each counted by
 // its square, so that the paper between letters hardly counts.
 double depth_of_ink(const PageDepths& depths, int i, int j);

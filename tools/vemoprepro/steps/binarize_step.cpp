@@ -10,9 +10,11 @@
 #include "page/ink.h"
 #include "page/row_reader.h"
 #include "reading/binarization_settings.h"
+#include "reading/block_depths.h"
 #include "reading/edge_bits.h"
 #include "reading/ink_contrast.h"
 #include "reading/paper_bits.h"
+#include "steps/ink_removal.h"
 #include "steps/step.h"
 
 namespace tool::steps {
@@ -94,47 +96,57 @@ int binarize_by_otsu(const Page& grey, Page& bits) {
     return greys.darkest_white + 1;
 }
 
-Outcome threshold_by(PageWork& work, int threshold, const char* source) {
-    work.page = threshold_bits(work.page, threshold);
+Outcome threshold_by(const Page& grey, PageWork& work, int threshold, const char* source) {
+    work.page = threshold_bits(grey, threshold);
     work.threshold = threshold;
     return {true, "threshold " + std::to_string(threshold) + source};
 }
 
-Outcome binarize_for_reading(PageWork& work, const StepOptions& options) {
+Outcome binarize_for_reading(const Page& grey, PageWork& work, const StepOptions& options) {
     if (options.lines.wanted()) {
-        work.with_faint_ink = reading::bits_with_faint_ink(work.page);
+        work.with_faint_ink = reading::bits_with_faint_ink(grey);
     }
     if (options.binarization == Binarization::kPaper) {
-        work.page = reading::bits_by_paper(work.page);
+        work.page = reading::bits_by_paper(grey);
         return {true, "thresholds by the paper"};
     }
-    work.page = reading::bits_for_reading(work.page);
+    work.page = reading::bits_for_reading(grey);
     return {true, "gradient thresholds for the contrast of the ink"};
 }
 
-Outcome binarize(PageWork& work, const StepOptions& options) {
-    if (work.page.kind == PageKind::kBitonal) return {false, "bitonal already"};
-    if (work.given.threshold) return threshold_by(work, *work.given.threshold, " (as recorded)");
+Outcome make_bits(const Page& grey, PageWork& work, const StepOptions& options) {
+    if (work.given.threshold)
+        return threshold_by(grey, work, *work.given.threshold, " (as recorded)");
     switch (options.binarization) {
         case Binarization::kFixed:
-            return threshold_by(work, options.threshold, " (as given)");
+            return threshold_by(grey, work, options.threshold, " (as given)");
         case Binarization::kPaper:
-            if (options.for_reading) return binarize_for_reading(work, options);
+            if (options.for_reading) return binarize_for_reading(grey, work, options);
             // Light print beside black ink, which recognition is spared, is what the reader may
             // look for.
-            work.page = reading::bits_by_paper_with_light_print(work.page);
+            work.page = reading::bits_by_paper_with_light_print(grey);
             return {true, "thresholds by the paper"};
         case Binarization::kGradient:
-            if (options.for_reading) return binarize_for_reading(work, options);
-            work.page = gradient_bits(work.page, edge_of(work.page));
+            if (options.for_reading) return binarize_for_reading(grey, work, options);
+            work.page = gradient_bits(grey, edge_of(grey));
             return {true, "gradient thresholds"};
         case Binarization::kOtsu:
             break;
     }
-    Page bits;
-    work.threshold = binarize_by_otsu(work.page, bits);
-    work.page = std::move(bits);
+    work.threshold = binarize_by_otsu(grey, work.page);
     return {true, "threshold " + std::to_string(*work.threshold) + " (Otsu's method)"};
+}
+
+// A page that is left nearly blank had nothing on it, or it was too pale.
+Outcome binarize(PageWork& work, const StepOptions& options) {
+    if (work.page.kind == PageKind::kBitonal) return {false, "bitonal already"};
+    const Page grey = std::move(work.page);
+    Outcome outcome = make_bits(grey, work, options);
+    if (is_nearly_blank(work.page) && reading::stands_out(reading::depths_of(grey))) {
+        outcome.why += "; what is on the page is too pale to show";
+        outcome.warning = true;
+    }
+    return outcome;
 }
 
 }  // namespace

@@ -39,19 +39,19 @@ InkCount count_ink(const Page& before, const Page& after, const Box& box) {
     return count;
 }
 
+}  // namespace
+
 // Looks no further than to the first ink that is enough.
-bool is_nearly_blank(const Page& page) {
-    const std::int64_t enough = (std::int64_t{page.width} * page.height - 1) / kNearlyBlank;
+bool is_nearly_blank(const Page& bits) {
+    const std::int64_t enough = (std::int64_t{bits.width} * bits.height - 1) / kNearlyBlank;
     std::int64_t ink = 0;
-    for (int y = 0; y < page.height && ink <= enough; ++y) {
-        for (int i = 0; i < static_cast<int>(page.stride() / 4); ++i) {
-            ink += count_bits(ink_word(page, y, i));
+    for (int y = 0; y < bits.height && ink <= enough; ++y) {
+        for (int i = 0; i < static_cast<int>(bits.stride() / 4); ++i) {
+            ink += count_bits(ink_word(bits, y, i));
         }
     }
     return ink <= enough;
 }
-
-}  // namespace
 
 Box inner_part(const Page& page) {
     const int side = page.width / 256 * 32;

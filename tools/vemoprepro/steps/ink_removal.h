@@ -22,6 +22,8 @@ enum class Excess { kHeldBack, kWarnedOf, kAllowed };
 // Only what is allowed may do that.
 constexpr int kNearlyBlank = 20000;
 
+bool is_nearly_blank(const Page& bits);
+
 // The page without an eighth on each side.
 Box inner_part(const Page& page);
 
