@@ -1,7 +1,6 @@
 """Files that ask for more time or memory than their pages are worth."""
 
 import io
-import resource
 import struct
 import time
 import unittest
@@ -9,7 +8,7 @@ import zlib
 
 from PIL import Image
 
-from tool_case import PROGRAM, ToolCase, raw_tiff
+from tool_case import ToolCase, memory_limit, raw_tiff
 
 
 def tiny_pages(count, back_to=None):
@@ -49,14 +48,6 @@ def saved(format):
     file = io.BytesIO()
     Image.new("L", (20, 20), 7).save(file, format)
     return file.getvalue()
-
-
-def memory_limit(megabytes):
-    """None for the address sanitizer, which needs more than any page."""
-    with open(PROGRAM, "rb") as file:
-        if b"__asan_init" in file.read():
-            return None
-    return lambda: resource.setrlimit(resource.RLIMIT_DATA, (megabytes << 20,) * 2)
 
 
 class HostileFiles(ToolCase):

@@ -332,26 +332,18 @@ class Report(ToolCase):
 
 
 class ReportFile(ToolCase):
-    def test_is_replaced_only_when_asked(self):
-        self.save("a.png", text_page())
-        arguments = ("clean", "a.png", "-o", "a.tif", "--report", "look")
-        self.good(*arguments)
-        first = self.read("look/index.html")
-        os.remove(self.path("a.tif"))
-        self.fails(*arguments,
-                   lines=["look/index.html: exists already (--overwrite replaces it)"])
-        self.assertEqual(self.read("look/index.html"), first)
-        self.save("b.png", text_page(2))
-        self.good("clean", "b.png", "-o", "a.tif", "--report", "look", "--overwrite")
-        self.assertNotEqual(self.read("look/index.html"), first)
-
-    def test_nothing_of_an_earlier_report_is_left(self):
+    def test_is_replaced_only_when_asked_and_as_a_whole(self):
         bits = text_page().convert("1")
         self.save("a.tif", bits, bits, compression="group4")
+        self.save("c.png", text_page())
         self.good("clean", "a.tif", "-o", "b.tif", "--report", "look")
         self.write("look/pages/notes.txt", b"mine")
-        self.save("c.png", text_page())
-        self.good("clean", "c.png", "-o", "c.tif", "--report", "look", "--overwrite")
+        first = self.read("look/index.html")
+        arguments = ("clean", "c.png", "-o", "c.tif", "--report", "look")
+        self.fails(*arguments, lines=["look/index.html: exists already (--overwrite replaces it)"])
+        self.assertEqual(self.read("look/index.html"), first)
+        self.good(*arguments, "--overwrite")
+        self.assertNotEqual(self.read("look/index.html"), first)
         stems = {name.partition(".")[0].partition("-")[0] for name in os.listdir(self.path("look/pages"))}
         self.assertEqual(stems, {"0001", "notes"})
         page = self.path("look/pages/0001-before.jpg")

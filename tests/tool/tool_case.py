@@ -4,6 +4,7 @@ angle, and a way to run the program."""
 import io
 import json
 import os
+import resource
 import struct
 import subprocess
 import tempfile
@@ -67,6 +68,14 @@ def tiles_of(pixels, width=32, height=16):
     full = np.pad(pixels, padding)
     return [full[y:y + height, x:x + width]
             for y in range(0, full.shape[0], height) for x in range(0, full.shape[1], width)]
+
+
+def memory_limit(megabytes, kind=resource.RLIMIT_DATA):
+    """For preexec_fn. None for the address sanitizer, which needs more than any page."""
+    with open(PROGRAM, "rb") as file:
+        if b"__asan_init" in file.read():
+            return None
+    return lambda: resource.setrlimit(kind, (megabytes << 20,) * 2)
 
 
 def as_array(image):
