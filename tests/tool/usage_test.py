@@ -30,9 +30,11 @@ class Usage(ToolCase):
     def test_options_that_are_not_there(self):
         for option, said in (("--despekle", "there is no option '--despekle'; did you mean '--despeckle'?"),
                              ("--skew", "--skew: the value is missing"),
+                             ("--skew=x", "--skew = x is no number"),
+                             ("-ob.tif", "--output: is given twice"),
                              ("-r", "-o OUT is missing: where is the result to go?"),
                              ("--outptu=a.tif", "there is no option '--outptu'; did you mean '--output'?")):
-            done = self.run_tool("clean", "a.png", *(("-o", "a.tif") if option[1:3] in ("-d", "-s") else ()), option)
+            done = self.run_tool("clean", "a.png", *(("-o", "a.tif") if option[1:3] in ("-d", "-s", "ob") else ()), option)
             self.assertEqual((done.returncode, done.errors),
                              (2, ["vemoprepro: " + said, "Try 'vemoprepro clean --help'."]))
 

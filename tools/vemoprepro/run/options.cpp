@@ -150,8 +150,12 @@ bool is_start(const CLI::App& app, const std::string& word) {
 std::string plain(const CLI::ParseError& error) {
     const std::string what = error.what();
     if (error.get_name() == "ArgumentMismatch") {
-        return what.substr(0, what.find(':')) + ": the value is missing";
+        const bool again = what.find("received") != std::string::npos;
+        return what.substr(0, what.find(':')) +
+               (again ? ": is given twice" : ": the value is missing");
     }
+    const std::string no_number = "Could not convert: ";
+    if (what.rfind(no_number, 0) == 0) return what.substr(no_number.size()) + " is no number";
     if (what.compare(0, 6, "ANGLE:") == 0) return "ANGLE comes before INPUT: 90, 180 or 270";
     if (what == "INPUT is required") return "INPUT is missing: which files or folders?";
     if (what == "--output is required") return "-o OUT is missing: where is the result to go?";
@@ -174,7 +178,8 @@ int answer(const CLI::App& app, const CLI::ParseError& error) {
         return flush_output() ? kExitDone : kExitFailed;
     }
     const std::vector<CLI::App*> commands = app.get_subcommands();
-    const std::vector<std::string> extras = app.remaining(true);
+    std::vector<std::string> extras = app.remaining(true);
+    std::erase(extras, "--");
     // A mistyped option is often why something else is missing.
     const bool mistyped = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) ||
                           error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
