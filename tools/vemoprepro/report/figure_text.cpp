@@ -35,14 +35,4 @@ std::string dpi_text(Resolution dpi) {
     return dpi.x == dpi.y ? std::to_string(dpi.x) : size_text(dpi.x, dpi.y);
 }
 
-std::vector<std::string> warnings_of(const PageRecord& record) {
-    std::vector<std::string> warnings;
-    for (const steps::StepNote& step : record.steps) {
-        if (!step.outcome.warning) continue;
-        warnings.push_back(step.name + (step.outcome.done ? ": " : " was skipped: ") +
-                           step.outcome.why);
-    }
-    return warnings;
-}
-
 }  // namespace tool::report

@@ -18,10 +18,4 @@ std::string size_text(int width, int height);
 // "300", "300 × 150"
 std::string dpi_text(Resolution dpi);
 
-// A share of the ink that is marked as much.
-constexpr double kMuchInk = 0.1;
-
-// What is to be warned about, a sentence for each step that warns; empty: nothing.
-std::vector<std::string> warnings_of(const PageRecord& record);
-
 }  // namespace tool::report

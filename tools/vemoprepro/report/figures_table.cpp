@@ -6,6 +6,7 @@
 
 #include "report/figure_text.h"
 #include "report/html_text.h"
+#include "steps/ink_removal.h"
 #include "steps/number_text.h"
 
 namespace tool::report {
@@ -41,7 +42,7 @@ std::string removed_cell(const PageRecord& record, const std::string& name) {
     for (const steps::StepNote& step : record.steps) {
         if (step.name != name || !step.outcome.done || !step.outcome.ink_removed) continue;
         const double share = *step.outcome.ink_removed;
-        if (share <= kMuchInk) return number_cell(share, share_text(share));
+        if (share <= steps::kMostInk) return number_cell(share, share_text(share));
         return "<td class=\"much\" data-value=\"" + steps::with_digits("%.17g", share) +
                "\"><strong title=\"more than a tenth of the ink\">" + escaped(share_text(share)) +
                "</strong></td>";

@@ -7,6 +7,7 @@
 #include "report/fan_plot.h"
 #include "report/figure_text.h"
 #include "report/html_text.h"
+#include "steps/ink_removal.h"
 #include "steps/number_text.h"
 
 namespace tool::report {
@@ -82,7 +83,7 @@ std::string outcome_text(const steps::Outcome& outcome) {
     if (text.find("of the ink") == std::string::npos) {
         text += ", " + escaped(share_text(*outcome.ink_removed)) + " of the ink";
     }
-    if (*outcome.ink_removed <= kMuchInk) return text;
+    if (*outcome.ink_removed <= steps::kMostInk) return text;
     return "<strong class=\"much\">" + text + "</strong>";
 }
 

@@ -9,6 +9,16 @@ bool has_warning(const PageRecord& record) {
                        [](const steps::StepNote& step) { return step.outcome.warning; });
 }
 
+std::vector<std::string> warnings_of(const PageRecord& record) {
+    std::vector<std::string> warnings;
+    for (const steps::StepNote& step : record.steps) {
+        if (!step.outcome.warning) continue;
+        warnings.push_back(step.name + (step.outcome.done ? ": " : " skipped: ") +
+                           step.outcome.why);
+    }
+    return warnings;
+}
+
 PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds) {
     PageRecord record;
     record.number = number;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "steps/page_work.h"
@@ -25,6 +26,8 @@ struct PageRecord {
 
 // Whether a step on the page has something to warn about.
 bool has_warning(const PageRecord& record);
+// For each step that warns: "despeckle skipped: would take 13 % of the ink"
+std::vector<std::string> warnings_of(const PageRecord& record);
 
 // Of a page that has gone through all of its steps.
 PageRecord record_of(std::size_t number, const steps::PageWork& work, double seconds);

@@ -58,7 +58,7 @@ void Console::start(const std::string& input, const std::string& format, std::si
 
 void Console::page(report::PageRecord record, const std::string& output) {
     const std::string label = page_label(input_, record, page_count_);
-    const std::vector<std::string> warnings = warning_lines(record);
+    const std::vector<std::string> warnings = report::warnings_of(record);
     ++pages_done_;
     if (!quiet_ && verbose_) {
         print_line(label + source_line(record), false);

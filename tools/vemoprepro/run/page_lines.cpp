@@ -42,13 +42,4 @@ std::vector<std::string> step_lines(const report::PageRecord& record) {
     return lines;
 }
 
-std::vector<std::string> warning_lines(const report::PageRecord& record) {
-    std::vector<std::string> lines;
-    for (const steps::StepNote& step : record.steps) {
-        if (!step.outcome.warning) continue;
-        lines.push_back(step.name + (step.outcome.done ? ": " : " skipped: ") + step.outcome.why);
-    }
-    return lines;
-}
-
 }  // namespace tool::run

@@ -17,7 +17,4 @@ std::string source_line(const report::PageRecord& record);
 // ... and what became of each step: "deskew: skipped: no clear skew (confidence 1.23)"
 std::vector<std::string> step_lines(const report::PageRecord& record);
 
-// What the user should look at: "despeckle skipped: would take 13 % of the ink"
-std::vector<std::string> warning_lines(const report::PageRecord& record);
-
 }  // namespace tool::run
