@@ -208,7 +208,7 @@ class FormatsIn(ToolCase):
         exif = Image.Exif()
         exif[0x0112] = 6
         self.save("a.jpg", text_page().rotate(90, expand=True), exif=exif.tobytes(), dpi=(100, 150))
-        file, = self.record("clean", "a.jpg", "-o", "a.tif")
+        file, = self.record("clean", "--no-doubling", "a.jpg", "-o", "a.tif")
         step = file["pages"][0]["steps"][0]
         self.assertEqual((step["name"], step["status"]), ("orientation", "done"))
         self.assertIn("90 degrees clockwise", step["why"])
@@ -248,11 +248,16 @@ class FormatsOut(ToolCase):
                 ("none.png", [], 150, "estimate"), ("none.png", ["--dpi", 300], 300, "option"),
                 ("a.png", ["--dpi", 600], 600, "option"), ("a.png", [], 240, "file"),
                 ("odd.tif", [], 150, "estimate"), ("blank.png", [], 75, "page-size")):
-            page = self.record("clean", name, "-o", "out.tif", "--overwrite", *options)[0]["pages"][0]
+            page = self.record("clean", "--no-doubling", name, "-o", "out.tif", "--overwrite", *options)[0]["pages"][0]
             self.assertEqual((page["dpi"], page["dpi_source"]), ([dpi, dpi], source))
             self.assertEqual(self.pages("out.tif")[0].info["dpi"], (dpi, dpi))
         words = self.good("clean", "none.png", "-o", "out.tif", "--overwrite", "-v").stdout.decode()
         self.assertIn("150 dpi (as its letters look, the file has none)", words)
+        self.save("small.png", text_page().resize((400, 533)), dpi=(75, 75))
+        words = self.good("clean", "small.png", "-o", "out.tif", "--overwrite").stdout.decode()
+        self.assertIn("resolution doubled for its small letters", words)
+        page = self.pages("out.tif")[0]
+        self.assertEqual((page.size, page.info["dpi"]), ((800, 1066), (150, 150)))
         # Letters far too small for what the file says are believed, and the file keeps its word.
         self.save("in.tif", text_page(), dpi=(1200, 1200))
         page = self.record("clean", "in.tif", "-o", "out.tif", "--overwrite")[0]["pages"][0]
@@ -281,9 +286,9 @@ class FormatsOut(ToolCase):
     def test_multi_page_to_every_format(self):
         sizes = [(320 + 8 * i, 400) for i in range(11)]
         self.save("many.tif", *[text_page(0, size) for size in sizes])
-        self.good("clean", "many.tif", "-o", "out.tif")
-        self.good("clean", "many.tif", "-o", ".", "--format", "png")
-        self.good("clean", "many.tif", "-o", "out.pbm")
+        self.good("clean", "--no-doubling", "many.tif", "-o", "out.tif")
+        self.good("clean", "--no-doubling", "many.tif", "-o", ".", "--format", "png")
+        self.good("clean", "--no-doubling", "many.tif", "-o", "out.pbm")
         self.assertEqual([p.size for p in self.pages("out.tif")], sizes)
         self.assertEqual([self.pages(f"many-{n:02}.png")[0].size for n in range(1, 12)], sizes)
         pages = self.info("out.pbm")[0]["pages"]

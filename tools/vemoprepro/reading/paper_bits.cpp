@@ -11,6 +11,7 @@
 #include "reading/light_print.h"
 #include "reading/limit_bits.h"
 #include "reading/paper_limits.h"
+#include "reading/resample.h"
 
 namespace tool::reading {
 namespace {
@@ -56,6 +57,16 @@ Page bits_by_paper_with_light_print(const Page& grey) {
     const PageDepths depths = depths_of(grey);
     Page bits = bits_of(grey, depths);
     add_light_print(bits, grey, depths);
+    return bits;
+}
+
+// Depths are the same at any resolution.
+Page doubled_bits_by_paper(const Page& grey) {
+    PageDepths depths = depths_of(grey);
+    depths.paper.side *= 2;
+    const Page large = doubled(grey);
+    Page bits = bits_of(large, depths);
+    add_light_print(bits, large, depths);
     return bits;
 }
 

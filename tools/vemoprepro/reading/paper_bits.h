@@ -13,4 +13,7 @@ Page bits_by_paper(const Page& grey);
 // The same with print that is much lighter than the rest of its page where it stands by itself.
 Page bits_by_paper_with_light_print(const Page& grey);
 
+// That at twice the resolution.
+Page doubled_bits_by_paper(const Page& grey);
+
 }  // namespace tool::reading

@@ -88,28 +88,69 @@ bool has_all_neighbours(const Page& grey, int x, int y) {
     return left >= 1 && top >= 1 && left + 2 < grey.width && top + 2 < grey.height;
 }
 
-// The weighted sums across row y at the places of a row of twice the width.
-std::vector<int> doubled_line(const Page& grey, int y) {
+// The weights a quarter of a pixel before and after a pixel's centre are multiples of this: without
+// it, sums across a row of greys, counted from the middle one, fit 16 bits, and sums of those are
+// exact as floating point numbers.
+constexpr int kCommon = 8;
+constexpr int kMiddle = 128;
+constexpr float kUnit = static_cast<float>(kOne / kCommon) * (kOne / kCommon);
+
+// Of a row of twice the width, by columns: first those to the left of each pixel's centre, then
+// those to the right.
+using HalfColumns = std::vector<std::int16_t>;
+
+void sum_across(const std::int16_t* __restrict greys, const Weights& weights, std::size_t width,
+                std::int16_t* __restrict sums) {
+    const auto w0 = static_cast<std::int16_t>(weights[0] / kCommon);
+    const auto w1 = static_cast<std::int16_t>(weights[1] / kCommon);
+    const auto w2 = static_cast<std::int16_t>(weights[2] / kCommon);
+    const auto w3 = static_cast<std::int16_t>(weights[3] / kCommon);
+    for (std::size_t x = 0; x < width; ++x) {
+        sums[x] = static_cast<std::int16_t>(w0 * greys[x] + w1 * greys[x + 1] + w2 * greys[x + 2] +
+                                            w3 * greys[x + 3]);
+    }
+}
+
+// The weighted sums across row y, or the nearest one. greys: room for a row and two pixels at
+// either side of it.
+void doubled_line(const Page& grey, int y, std::vector<std::int16_t>& greys, HalfColumns& line) {
     const unsigned char* row = grey.row(std::clamp(y, 0, grey.height - 1));
-    std::vector<unsigned char> wide(static_cast<std::size_t>(grey.width) + 4);
-    for (int x = -2; x < grey.width + 2; ++x) {
-        wide[static_cast<std::size_t>(x + 2)] = row[std::clamp(x, 0, grey.width - 1)];
+    const auto width = static_cast<std::size_t>(grey.width);
+    for (std::size_t x = 0; x < width; ++x) {
+        greys[x + 2] = static_cast<std::int16_t>(row[x] - kMiddle);
     }
-    const Weights& before = at_place(weights(), -kPlaces / 4);
-    const Weights& after = at_place(weights(), kPlaces / 4);
-    std::vector<int> line(static_cast<std::size_t>(grey.width) * 2);
-    for (std::size_t x = 0; x < line.size() / 2; ++x) {
-        line[2 * x] = weighted_line(before, &wide[x]);
-        line[2 * x + 1] = weighted_line(after, &wide[x + 1]);
-    }
-    return line;
+    greys[0] = greys[1] = greys[2];
+    greys[width + 2] = greys[width + 3] = greys[width + 1];
+    sum_across(greys.data(), at_place(weights(), -kPlaces / 4), width, line.data());
+    sum_across(greys.data() + 1, at_place(weights(), kPlaces / 4), width, line.data() + width);
 }
 
 // Four rows of sums across, around a place between the second and the third.
-using Lines = std::array<std::vector<int>, 4>;
+using Lines = std::array<HalfColumns, 4>;
 
-unsigned char down(const Weights& w, const Lines& lines, std::size_t x) {
-    return to_grey(weighted(w, lines[0][x], lines[1][x], lines[2][x], lines[3][x]));
+void sum_down(const Lines& lines, const Weights& weights, std::size_t from, std::size_t width,
+              unsigned char* __restrict row) {
+    const std::int16_t* __restrict a = lines[0].data() + from;
+    const std::int16_t* __restrict b = lines[1].data() + from;
+    const std::int16_t* __restrict c = lines[2].data() + from;
+    const std::int16_t* __restrict d = lines[3].data() + from;
+    const auto w0 = static_cast<float>(weights[0] / kCommon);
+    const auto w1 = static_cast<float>(weights[1] / kCommon);
+    const auto w2 = static_cast<float>(weights[2] / kCommon);
+    const auto w3 = static_cast<float>(weights[3] / kCommon);
+    for (std::size_t x = 0; x < width; ++x) {
+        const float sum = w0 * a[x] + w1 * b[x] + w2 * c[x] + w3 * d[x];
+        const float level = std::clamp(sum / kUnit + (kMiddle + 0.5F), 0.0F, 255.0F);
+        row[x] = static_cast<unsigned char>(static_cast<int>(level));
+    }
+}
+
+void interleave(const unsigned char* __restrict left, const unsigned char* __restrict right,
+                std::size_t width, unsigned char* __restrict row) {
+    for (std::size_t x = 0; x < width; ++x) {
+        row[2 * x] = left[x];
+        row[2 * x + 1] = right[x];
+    }
 }
 
 // Where the pixels of a level page lie on the page that it is made from, in 1/2^32 of a pixel,
@@ -169,22 +210,27 @@ Page doubled(const Page& grey) {
     Page large = make_page(PageKind::kGrey, grey.width * 2, grey.height * 2,
                            {grey.dpi.x * 2, grey.dpi.y * 2});
     large.scale = {grey.scale.x * 2, grey.scale.y * 2};
+    const auto width = static_cast<std::size_t>(std::max(grey.width, 1));
     Lines lines;
+    for (HalfColumns& line : lines) line.resize(2 * width);
+    std::vector<std::int16_t> greys(width + 4);
+    std::vector<unsigned char> left(width), right(width);
     for (int y = 0; y < large.height; ++y) {
         const int place = y * (kPlaces / 2) - kPlaces / 4;
         const int top = (place >> kPlaceBits) - 1;
         if (y == 0) {
             for (int j = 0; j < 4; ++j) {
-                lines[static_cast<std::size_t>(j)] = doubled_line(grey, top + j);
+                doubled_line(grey, top + j, greys, lines[static_cast<std::size_t>(j)]);
             }
         }
         if (y % 2 == 1) {
             std::rotate(lines.begin(), lines.begin() + 1, lines.end());
-            lines[3] = doubled_line(grey, top + 3);
+            doubled_line(grey, top + 3, greys, lines[3]);
         }
         const Weights& weights_down = at_place(weights(), place);
-        unsigned char* row = large.row(y);
-        for (std::size_t x = 0; x < lines[0].size(); ++x) row[x] = down(weights_down, lines, x);
+        sum_down(lines, weights_down, 0, width, left.data());
+        sum_down(lines, weights_down, width, width, right.data());
+        interleave(left.data(), right.data(), width, large.row(y));
     }
     return large;
 }

@@ -138,6 +138,8 @@ void add_cleaning_steps(CLI::App& command, Options& options, RawOptions& raw) {
         .add_flag("--no-prepare", raw.no_prepare,
                   "Leave light, resolution and strong specks alone, with --for ocr")
         ->needs("--for");
+    command.add_flag("--no-doubling", raw.no_doubling,
+                     "Keep the resolution of pages whose letters have few pixels");
     command.add_flag("--no-remove-lines", raw.no_remove_lines, "Keep lines, with --for ocr")
         ->excludes(lines);
     add_force(command, options);

@@ -23,6 +23,7 @@ struct RawOptions {
     bool no_crop_border = false;
     bool no_remove_lines = false;
     bool no_prepare = false;
+    bool no_doubling = false;
     int max_area = 0;
     int keep_near = 0;
     int min_length = 0;

@@ -78,6 +78,8 @@ void take_steps(const CLI::App& command, Options& options, const RawOptions& raw
     const bool reading = raw.purpose == "ocr";
     options.steps.for_reading = reading;
     options.steps.prepare = reading && !raw.no_prepare;
+    options.steps.double_small_letters =
+        options.steps.command == steps::Command::kClean && !reading && !raw.no_doubling;
     options.steps.crop_border |= reading && !raw.no_crop_border;
     options.steps.crop_border |= options.steps.command == steps::Command::kCrop;
 

@@ -30,6 +30,11 @@ constexpr unsigned char kLowestThreshold = 48;
 // contrast of 50 is whole.
 constexpr int kUsualEdge = 40;
 
+// The height of small letters, in pixels, that black and white need.
+constexpr double kSmallLetters = 9;
+constexpr int kCoarse = 200;
+constexpr int kLongestSideToDouble = 8192;
+
 Page threshold_bits(const Page& grey, int threshold) {
     Page bits = make_page_like(grey, PageKind::kBitonal);
     RowReader reader{grey};
@@ -102,6 +107,12 @@ Outcome threshold_by(const Page& grey, PageWork& work, int threshold, const char
     return {true, "threshold " + std::to_string(threshold) + source};
 }
 
+// Black and white cannot show the curves of letters of so few pixels.
+bool has_small_letters(const Page& page, const reading::LetterSurvey& letters) {
+    return letters.clear() && letters.height < kSmallLetters && page.scale.x < kCoarse &&
+           std::max(page.width, page.height) <= kLongestSideToDouble;
+}
+
 Outcome binarize_for_reading(const Page& grey, PageWork& work, const StepOptions& options) {
     if (options.lines.wanted()) {
         work.with_faint_ink = reading::bits_with_faint_ink(grey);
@@ -114,6 +125,17 @@ Outcome binarize_for_reading(const Page& grey, PageWork& work, const StepOptions
     return {true, "gradient thresholds for the contrast of the ink"};
 }
 
+// Light print beside black ink, which recognition is spared, is what the reader may look for.
+Outcome binarize_by_paper(const Page& grey, PageWork& work, const StepOptions& options) {
+    if (!options.double_small_letters || !has_small_letters(grey, work.letters)) {
+        work.page = reading::bits_by_paper_with_light_print(grey);
+        return {true, "thresholds by the paper"};
+    }
+    work.page = reading::doubled_bits_by_paper(grey);
+    work.letters.enlarge(2);
+    return {true, "thresholds by the paper, resolution doubled for its small letters"};
+}
+
 Outcome make_bits(const Page& grey, PageWork& work, const StepOptions& options) {
     if (work.given.threshold)
         return threshold_by(grey, work, *work.given.threshold, " (as recorded)");
@@ -122,10 +144,7 @@ Outcome make_bits(const Page& grey, PageWork& work, const StepOptions& options) 
             return threshold_by(grey, work, options.threshold, " (as given)");
         case Binarization::kPaper:
             if (options.for_reading) return binarize_for_reading(grey, work, options);
-            // Light print beside black ink, which recognition is spared, is what the reader may
-            // look for.
-            work.page = reading::bits_by_paper_with_light_print(grey);
-            return {true, "thresholds by the paper"};
+            return binarize_by_paper(grey, work, options);
         case Binarization::kGradient:
             if (options.for_reading) return binarize_for_reading(grey, work, options);
             work.page = gradient_bits(grey, edge_of(grey));

@@ -58,7 +58,8 @@ struct StepOptions {
     bool straighten = true;
     std::optional<Skew> skew;  // none: measured
     Binarization binarization = Binarization::kPaper;
-    int threshold = 0;         // of fixed binarization
+    int threshold = 0;  // of fixed binarization
+    bool double_small_letters = false;
     bool for_reading = false;  // --for ocr
     bool prepare = false;      // for reading
     bool crop_border = false;
