@@ -101,8 +101,16 @@ class FormatsIn(ToolCase):
         for name in ("a.png", "a.tif", "a.pgm"):
             self.assertSamePixels(self.decoded(name), grey_sample(), name)
 
-    def test_plain_pnms(self):
+    def test_plain_pnms_and_pams(self):
         colour = colour_sample()
+        alpha = np.full((45, 61, 1), 255)
+        for depth, kind, samples in ((1, "GRAYSCALE", colour[..., :1]), (3, "RGB", colour),
+                                     (2, "GRAYSCALE_ALPHA", np.dstack([colour[..., :1], alpha])),
+                                     (4, "RGB_ALPHA", np.dstack([colour, alpha]))):
+            for largest, factor, form in ((255, 1, "u1"), (510, 2, ">u2"), (65535, 257, ">u2")):
+                self.write("a.pam", b"P7\nWIDTH 61\nHEIGHT 45\nDEPTH %d\nMAXVAL %d\nTUPLTYPE %s\nENDHDR\n" %
+                           (depth, largest, kind.encode()) + (samples.astype(int) * factor).astype(form).tobytes())
+                self.assertSamePixels(self.decoded("a.pam"), colour if depth > 2 else colour[..., 0], (kind, largest))
         bits = colour[..., 0] > 99
         for largest, factor in ((255, 1), (510, 2), (65535, 257)):
             values = " ".join(map(str, (colour.astype(int) * factor).ravel()))

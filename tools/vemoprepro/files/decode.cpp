@@ -60,10 +60,6 @@ void take_bitonal(Page& page, PIX* image) {
 
 }  // namespace
 
-Decoded decode_pnm(const SeekableFile& file) {
-    return {PixOwner(pixReadStreamPnm(open_stream(file).get()))};
-}
-
 Decoded decode_tiff(const SeekableFile& file, std::size_t directory) {
     const TiffErrors errors;
     const Stream stream = open_stream(file, first_directory(file, directory));

@@ -13,12 +13,10 @@ namespace tool::files {
 struct Decoded {
     PixOwner image = nullptr;
     std::string reason = {};
-    // The colours are multiplied by the alpha channel already (TIFF) or not (PNG, PAM).
+    // The colours are multiplied by the alpha channel already (TIFF) or not.
     bool premultiplied = false;
 };
 
-// PAM; all others are read without a decoder.
-Decoded decode_pnm(const SeekableFile& file);
 // Of the directory there.
 Decoded decode_tiff(const SeekableFile& file, std::size_t directory);
 

@@ -157,11 +157,10 @@ Decoded ImageFile::decode(std::size_t index) const {
         case FileFormat::kGif:
             return decode_gif(file_);
         case FileFormat::kBmp:
-            return {};
         case FileFormat::kPnm:
             break;
     }
-    return decode_pnm(file_);
+    return {};
 }
 
 Page ImageFile::read_page(std::size_t index) const {

@@ -1,16 +1,20 @@
 // A PNM image is a header of words (magic, width, height and, but for bitmaps, the largest value),
 // one white-space character, and rows. Raw ones have rows of known length, and the next image
 // follows at once; plain ones have numbers as text, bits with or without white space between them.
+// PAM is raw, too, with a header of named numbers, up to four samples per pixel, and 0 for black in
+// bitmaps as elsewhere.
 #include "files/pnm_pages.h"
-
-#include <leptonica/allheaders.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstring>
+#include <string>
+#include <utility>
 
 #include "files/bit_rows.h"
 #include "files/file_view.h"
+#include "files/word_rows.h"
 
 namespace tool::files {
 namespace {
@@ -41,18 +45,54 @@ int read_number(std::FILE* file) {
 
 // The header of an image; the file is then at its first row.
 struct Header {
-    int type = 0;  // as a raw one: '4' bitmap, '5' grey, '6' colour; 0: neither raw nor plain
+    int type = 0;  // '4' bitmap, '5' grey, '6' colour, as those of raw ones; 0: damaged
     bool plain = false;
+    int channels = 1;  // with alpha 2 or 4
     int width = 0;
     int height = 0;
     int largest_value = 1;
 
-    std::size_t samples() const { return static_cast<std::size_t>(width) * (type == '6' ? 3 : 1); }
+    bool alpha() const { return channels % 2 == 0; }
+    std::size_t samples() const {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
+    }
     std::size_t sample_size() const { return largest_value > 255 ? 2 : 1; }
     std::size_t row_size() const {
         return type == '4' ? bytes_of_bits(width) : samples() * sample_size();
     }
 };
+
+// The word of capitals that comes next, and the one character behind it.
+std::string read_word(std::FILE* file) {
+    constexpr std::size_t kLongest = 100;
+    std::string word;
+    for (int byte = skip_space(file);
+         byte >= 0 && std::isspace(byte) == 0 && word.size() < kLongest;
+         byte = getc_unlocked(file)) {
+        word += static_cast<char>(byte);
+    }
+    return word;
+}
+
+// Returns the type; 0 for what is none of greys and colours, with or without alpha.
+int read_pam_header(std::FILE* file, Header& header) {
+    std::string kind;
+    for (std::string word = read_word(file); word != "ENDHDR"; word = read_word(file)) {
+        if (word == "TUPLTYPE") {
+            kind = read_word(file);
+            continue;
+        }
+        const int number = read_number(file);
+        if (number < 0) return 0;
+        if (word == "WIDTH") header.width = number;
+        if (word == "HEIGHT") header.height = number;
+        if (word == "DEPTH") header.channels = number;
+        if (word == "MAXVAL") header.largest_value = number;
+    }
+    if (header.channels < 1 || header.channels > 4) return 0;
+    if (header.alpha() && kind.find("ALPHA") == std::string::npos) return 0;
+    return header.channels < 3 ? '5' : '6';
+}
 
 // Reads what follows the P.
 Header read_header(std::FILE* file) {
@@ -60,10 +100,15 @@ Header read_header(std::FILE* file) {
     int type = getc_unlocked(file);
     header.plain = type >= '1' && type <= '3';
     if (header.plain) type += '4' - '1';
+    if (type == '7') {
+        type = read_pam_header(file, header);
+    } else {
+        header.width = read_number(file);
+        header.height = read_number(file);
+        if (type != '4') header.largest_value = read_number(file);
+        if (type == '6') header.channels = 3;
+    }
     if (type < '4' || type > '6') return header;
-    header.width = read_number(file);
-    header.height = read_number(file);
-    if (type != '4') header.largest_value = read_number(file);
     if (header.width > 0 && header.height > 0 && header.largest_value > 0 &&
         header.largest_value <= 65535) {
         header.type = type;
@@ -117,10 +162,27 @@ void scale_samples(const unsigned char* samples, std::size_t count, int largest,
     }
 }
 
-bool list_other_page(std::FILE* file, PagePlace& place) {
-    std::rewind(file);
-    return freadHeaderPnm(file, &place.width, &place.height, nullptr, nullptr, nullptr, nullptr) ==
-           0;
+// A row of samples as words, red, green, blue and alpha from the top.
+void to_words(const unsigned char* samples, const Header& header, unsigned char* words) {
+    for (int x = 0; x < header.width; ++x, samples += header.channels, words += 4) {
+        const unsigned char pair[] = {samples[0], samples[0], samples[0], samples[1]};
+        const std::uint32_t word = colour_word(header.channels == 2 ? pair : samples, 4);
+        std::memcpy(words, &word, 4);
+    }
+}
+
+// The rows, of which one is at hand at a time.
+std::optional<Page> read_transparent(std::FILE* file, const Header& header, Page page) {
+    const std::size_t stride = static_cast<std::size_t>(header.width) * 4;
+    page.bytes = allocate_pixels(stride * static_cast<std::size_t>(header.height));
+    std::vector<unsigned char> row(header.row_size()), samples(header.samples());
+    for (int y = 0; y < header.height; ++y) {
+        if (!read_row(file, header, row.data())) return std::nullopt;
+        scale_samples(row.data(), samples.size(), header.largest_value, samples.data());
+        to_words(samples.data(), header, page.bytes.get() + stride * static_cast<std::size_t>(y));
+    }
+    pack_colour(page, true, false);
+    return page;
 }
 
 }  // namespace
@@ -134,10 +196,8 @@ std::vector<PagePlace> list_pnm_pages(std::FILE* file) {
         const Header header = read_header(file);
         place.width = header.width;
         place.height = header.height;
-        if (header.type == 0 || header.plain) {
-            const bool alone = places.empty() && (header.type != 0 || list_other_page(file, place));
-            return alone ? std::vector{place} : std::vector<PagePlace>();
-        }
+        if (header.type == 0) return {};
+        if (header.plain) return places.empty() ? std::vector{place} : std::vector<PagePlace>();
         if (!skip_rows(file, header, file_size)) return {};
         places.push_back(place);
     }
@@ -154,6 +214,7 @@ std::optional<Page> read_pnm(std::FILE* file, const PagePlace& place) {
                                      : PageKind::kColour;
     page.width = header.width;
     page.height = header.height;
+    if (header.alpha()) return read_transparent(file, header, std::move(page));
     page.bytes = allocate_pixels(page.size());
     std::vector<unsigned char> row(std::max(header.row_size(), page.stride()));
     for (int y = 0; y < page.height; ++y) {

@@ -10,12 +10,10 @@
 
 namespace tool::files {
 
-// Empty when the file is damaged or ends within a page. Only the first image of a plain (ASCII) or
-// PAM file is listed: their length is not known without reading them.
+// Empty when the file is damaged or ends within a page. Plain (ASCII) files have one image.
 std::vector<PagePlace> list_pnm_pages(std::FILE* file);
 
-// Reads the raw or plain image there, in whatever kind the file has it. None for PAM, or when the
-// file ends within the rows.
+// Reads the image there, in whatever kind the file has it. None when the file ends within the rows.
 std::optional<Page> read_pnm(std::FILE* file, const PagePlace& place);
 
 }  // namespace tool::files
