@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <numeric>
 
 #include "reading/cells.h"
@@ -62,7 +61,7 @@ Groups lines_that_meet(const std::vector<LineBox>& lines, const Page& page, int 
 }
 
 struct Edges {
-    std::int64_t letters = 0, others = 0;
+    double letters = 0, others = 0;
 
     Edges& operator+=(const Edges& more) {
         letters += more.letters;
@@ -74,6 +73,7 @@ struct Edges {
         others -= less.others;
         return *this;
     }
+    Edges operator-() const { return {-letters, -others}; }
 };
 
 // The value of each cell becomes the sum of those above it and to its left, itself among them.
@@ -89,20 +89,34 @@ void sum_up(Cells<Value>& cells) {
     }
 }
 
-Cells<Edges> sums_of_edges(const Page& page, double letter_height) {
-    std::vector<ComponentRun> runs;
-    const std::vector<Component> components = components_of(page, runs);
+// What each cell of a box is to get more than the cell above and to the left; sum_up() adds it.
+template <class Value>
+void add_to_box(Cells<Value>& cells, const LineBox& box, const Value& value) {
+    const int left = cells.column(box.x0), right = cells.column(box.x1 - 1) + 1;
+    const int top = cells.row(box.y0), bottom = cells.row(box.y1 - 1) + 1;
+    const auto add = [&](int column, int row, const Value& to_add) {
+        if (column < cells.across() && row < cells.down()) cells.at(column, row) += to_add;
+    };
+    add(left, top, value);
+    add(right, top, -value);
+    add(left, bottom, -value);
+    add(right, bottom, value);
+}
+
+// The edges of each component count as if they lay evenly in its box.
+Cells<Edges> sums_of_edges(const Page& page, int side, double letter_height) {
+    const std::vector<Component> components = components_of(page);
     const std::vector<bool> in_row = find_letters_in_rows(components, page, letter_height);
-    std::vector<int> counts(components.size());
-    for (const ComponentRun& run : runs) ++counts[static_cast<std::size_t>(run.component)];
-    Cells<Edges> sums(page.width, page.height, std::max(2, static_cast<int>(letter_height)), {});
-    for (const auto& [run, component] : runs) {
-        const auto i = static_cast<std::size_t>(component);
-        for (const int x : {run.begin, run.end - 1}) {
-            Edges& edges = sums.at(sums.column(x), sums.row(run.y));
-            (in_row[i] ? edges.letters : edges.others) += components[i].perimeter / counts[i];
-        }
+    Cells<Edges> sums(page.width, page.height, side, {});
+    for (std::size_t i = 0; i < components.size(); ++i) {
+        const Component& component = components[i];
+        const LineBox box{component.x0, component.y0, component.x1, component.y1};
+        const int across = sums.column(box.x1 - 1) - sums.column(box.x0) + 1;
+        const int down = sums.row(box.y1 - 1) - sums.row(box.y0) + 1;
+        const double share = 1.0 * component.perimeter / across / down;
+        add_to_box(sums, box, in_row[i] ? Edges{share, 0} : Edges{0, share});
     }
+    sum_up(sums);
     sum_up(sums);
     return sums;
 }
@@ -128,35 +142,6 @@ std::vector<LineBox> boxes_of_groups(const std::vector<LineBox>& lines, Groups& 
     return boxes;
 }
 
-// Boxes that may overlap.
-class CoveredArea {
-  public:
-    CoveredArea(const Page& page, int side) : counts_(page.width, page.height, side, 0) {}
-
-    // All before finish().
-    void add(const LineBox& box) {
-        const int left = counts_.column(box.x0), right = counts_.column(box.x1) + 1;
-        const int top = counts_.row(box.y0), bottom = counts_.row(box.y1) + 1;
-        count(left, top, 1);
-        count(right, top, -1);
-        count(left, bottom, -1);
-        count(right, bottom, 1);
-    }
-    void finish() { sum_up(counts_); }
-
-    bool covers_middle_of(const LineBox& box) {
-        return counts_.at(counts_.column((box.x0 + box.x1) / 2),
-                          counts_.row((box.y0 + box.y1) / 2)) > 0;
-    }
-
-  private:
-    void count(int column, int row, int sign) {
-        if (column < counts_.across() && row < counts_.down()) counts_.at(column, row) += sign;
-    }
-
-    Cells<int> counts_;  // where boxes begin and end; in the end how many cover each cell
-};
-
 }  // namespace
 
 std::vector<bool> find_lines_of_text(const Page& without_lines, const std::vector<LineBox>& lines,
@@ -165,19 +150,23 @@ std::vector<bool> find_lines_of_text(const Page& without_lines, const std::vecto
     Groups groups =
         lines_that_meet(lines, without_lines, std::max(2, static_cast<int>(kMeet * letter_height)));
     const std::vector<LineBox> boxes = boxes_of_groups(lines, groups);
-    Cells<Edges> sums = sums_of_edges(without_lines, letter_height);
-    CoveredArea drawings(without_lines, side);
+    Cells<Edges> sums = sums_of_edges(without_lines, side, letter_height);
+    Cells<int> drawings(without_lines.width, without_lines.height, side, 0);
     std::vector<bool> of_text(lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (groups.find(i) != i) continue;
         const Edges edges = edges_around(sums, boxes[i], static_cast<int>(kAround * letter_height));
         of_text[i] = edges.letters > kLettersToOthers * edges.others;
-        if (!of_text[i]) drawings.add(boxes[i]);
+        if (!of_text[i]) add_to_box(drawings, boxes[i], 1);
     }
-    drawings.finish();
+    sum_up(drawings);
+    const auto lies_in_drawing = [&](const LineBox& box) {
+        return drawings.at(drawings.column((box.x0 + box.x1) / 2),
+                           drawings.row((box.y0 + box.y1) / 2)) > 0;
+    };
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::size_t group = groups.find(i);
-        of_text[i] = of_text[group] && !drawings.covers_middle_of(boxes[group]);
+        of_text[i] = of_text[group] && !lies_in_drawing(boxes[group]);
     }
     return of_text;
 }
