@@ -96,22 +96,36 @@ const bool evened =
     add_row("even the light of a grey page", "", 1, on_a_copy<reading::even_light>, nullptr);
 const bool contrast = add_row(
     "the contrast of a grey page's ink", "", 0,
-    [](const Page& page) { reading::ink_contrast(page); }, nullptr);
+    [](const Page& page) { reading::ink_contrast(reading::contrasts_of(page)); }, nullptr);
 
-const bool lines = bench::add(
-    {.name = "take ruled lines off a bitonal page",
-     .peer = "",
-     .required = 0,
-     .floor_bytes = 2 * bench::bitonal_page().data.size(),
-     .prepare = [] {
-         static const Page page = page_of(bench::bitonal_page(), PageKind::kBitonal);
-         return bench::Sides{.ours =
-                                 [] {
-                                     Page changed = copy_of(page);
-                                     reading::remove_level_lines(changed, {150, 10, 5, 16, 16});
-                                     reading::remove_upright_lines(changed, {150, 10, 5, 16, 16});
-                                 },
-                             .theirs = {}};
-     }});
+// Of a page at 300 dots per inch.
+reading::LineScale line_scale() {
+    reading::LineScale scale{};
+    scale.shortest = 150;
+    scale.shortest_alone = 240;
+    scale.thickest = 10;
+    scale.gap = 5;
+    scale.dash = 16;
+    scale.around = 16;
+    scale.pitch = 26;
+    return scale;
+}
+
+const bool lines =
+    bench::add({.name = "take ruled lines off a bitonal page",
+                .peer = "",
+                .required = 0,
+                .floor_bytes = 2 * bench::bitonal_page().data.size(),
+                .prepare = [] {
+                    static const Page page = page_of(bench::bitonal_page(), PageKind::kBitonal);
+                    return bench::Sides{.ours =
+                                            [] {
+                                                Page changed = copy_of(page);
+                                                reading::remove_ruled_lines(
+                                                    changed, line_scale(), {true, true},
+                                                    reading::Sureness::kSure);
+                                            },
+                                        .theirs = {}};
+                }});
 
 }  // namespace
