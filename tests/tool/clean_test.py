@@ -126,6 +126,17 @@ class Cleaning(ToolCase):
             page = specks(Image.new("L", (400, 400), 255), 30, side)
             self.assertFalse(self.clean("--force", image=page, dpi=(dpi, dpi))[2].any())
 
+    def test_negatives_are_cleaned_like_their_pages(self):
+        shade = np.linspace(1, 0.6, 600)
+        grey = Image.fromarray((np.asarray(text_page(1.5)) * shade).astype(np.uint8))
+        for page in (grey, specks(text_page(1.5)).convert("1")):
+            negative = Image.fromarray(~np.asarray(page))
+            for options in ((), ("--for", "ocr")):
+                _, _, ink = self.clean(*options, image=page)
+                _, steps, light = self.clean(*options, image=negative)
+                self.assertEqual(steps["negative"]["status"], "done")
+                self.assertTrue((light == ~ink).all(), (page.mode, options))
+
     def test_faint_print_is_kept_or_missed_aloud(self):
         dark, faint = (self.clean("--no-deskew", image=text_page(ink=ink))[2] for ink in (20, 212))
         self.assertLess((dark ^ faint).sum(), 0.1 * dark.sum())

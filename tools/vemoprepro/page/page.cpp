@@ -64,6 +64,15 @@ Page blank_page_like(const Page& page) {
     return blank;
 }
 
+void clear_padding(Page& bits) {
+    const auto last = static_cast<std::size_t>(bits.width) / 8;
+    for (int y = 0; y < bits.height && bits.width % 32 != 0; ++y) {
+        unsigned char* row = bits.row(y);
+        row[last] &= static_cast<unsigned char>(-256 >> bits.width % 8);
+        std::fill(row + last + 1, row + bits.stride(), static_cast<unsigned char>(0));
+    }
+}
+
 Page copy_of(const Page& page) {
     Page copy = make_page_like(page, page.kind);
     std::memcpy(copy.bytes.get(), page.bytes.get(), page.size());

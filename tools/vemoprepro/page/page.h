@@ -76,6 +76,9 @@ Page make_page_like(const Page& page, PageKind kind);
 Page blank_page_like(const Page& page);
 Page copy_of(const Page& page);
 
+// Makes the bits behind the rows of a bitonal page 0.
+void clear_padding(Page& bits);
+
 // An upright rectangle of a page, in pixels.
 struct Box {
     int x, y, width, height;

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "page/ink.h"
+#include "page/negative.h"
 #include "reading/coarse_bits.h"
 #include "reading/components.h"
 
@@ -133,8 +134,10 @@ bool covers_print(const Page& mask, const Page& grey) {
 
 bool covers_white_print(const Page& mask, const Page& bits, double letter) {
     const int halvings = letter >= kLetterToHalve ? 1 : 0;
-    const Page border = coarse_bits(mask, halvings);
-    const std::vector<Component> pieces = components_of(inverted(coarse_bits(bits, halvings)));
+    const Page border = coarse_bits(mask, halvings).bits;
+    Page white = coarse_bits(bits, halvings).bits;
+    complement(white);
+    const std::vector<Component> pieces = components_of(white);
     const double height = letter / (1 << halvings);
     const auto is_letter = [&](const Component& piece) {
         const int size = std::max(piece.width(), piece.height());

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "page/ink.h"
@@ -31,15 +32,6 @@ std::uint32_t every_other_bit(std::uint32_t word) {
 std::uint32_t halved(std::uint32_t top, std::uint32_t bottom) {
     const std::uint32_t one = top | bottom, both = top & bottom;
     return every_other_bit((one & one >> 1) | both | both >> 1);
-}
-
-void clear_padding(Page& bits) {
-    const auto last = static_cast<std::size_t>(bits.width) / 8;
-    for (int y = 0; y < bits.height && bits.width % 32 != 0; ++y) {
-        unsigned char* row = bits.row(y);
-        row[last] &= static_cast<unsigned char>(-256 >> bits.width % 8);
-        std::fill(row + last + 1, row + bits.stride(), static_cast<unsigned char>(0));
-    }
 }
 
 Page halved(const Page& bits) {
@@ -162,48 +154,60 @@ class Tiles {
     std::vector<unsigned char> darkest_, lightest_;  // of the columns of a row of tiles
 };
 
-Page bits_by_tiles(const Page& grey) {
-    Page bits = make_page_like(grey, PageKind::kBitonal);
+std::int64_t ink_of(const Page& bits) {
+    std::int64_t ink = 0;
+    for (int y = 0; y < bits.height; ++y) {
+        for (std::size_t i = 0; i < bits.stride() / 4; ++i)
+            ink += count_bits(pixels_at(bits.row(y), i));
+    }
+    return ink;
+}
+
+// The share of an area; none of no area.
+double share_of(std::int64_t part, std::int64_t area) {
+    return area == 0 ? 0 : static_cast<double>(part) / static_cast<double>(area);
+}
+
+CoarseBits bits_by_tiles(const Page& grey) {
+    CoarseBits coarse{make_page_like(grey, PageKind::kBitonal), 0};
     const Tiles tiles(grey);
     const auto width = static_cast<std::size_t>(grey.width);
     std::vector<unsigned char> thresholds(width);
-    std::vector<unsigned char> dark(8 * bits.stride());
+    std::vector<unsigned char> dark(8 * coarse.bits.stride());
+    std::int64_t printed = 0, printed_of_row = 0;
     for (int y = 0; y < grey.height; ++y) {
         if (y % kTile == 0) {
+            printed_of_row = 0;
             for (std::size_t x = 0; x < width; x += kTile) {
-                std::fill_n(thresholds.begin() + static_cast<std::ptrdiff_t>(x),
-                            std::min<std::size_t>(kTile, width - x),
-                            tiles.threshold(static_cast<int>(x) / kTile, y / kTile));
+                const std::size_t size = std::min<std::size_t>(kTile, width - x);
+                const unsigned char threshold =
+                    tiles.threshold(static_cast<int>(x) / kTile, y / kTile);
+                std::fill_n(thresholds.begin() + static_cast<std::ptrdiff_t>(x), size, threshold);
+                if (threshold != 0) printed_of_row += static_cast<std::int64_t>(size);
             }
         }
+        printed += printed_of_row;
         const unsigned char* row = grey.row(y);
         for (std::size_t x = 0; x < width; ++x) dark[x] = row[x] < thresholds[x] ? 1 : 0;
-        unsigned char* ink = bits.row(y);
+        unsigned char* ink = coarse.bits.row(y);
         for (std::size_t i = 0; i < dark.size() / 8; ++i) ink[i] = ink_byte(&dark[8 * i]);
     }
-    return bits;
+    coarse.ink_share = share_of(ink_of(coarse.bits), printed);
+    return coarse;
 }
 
 }  // namespace
 
-Page coarse_bits(const Page& page, int halvings) {
+CoarseBits coarse_bits(const Page& page, int halvings) {
     if (page.kind == PageKind::kBitonal) {
         Page bits = halvings > 0 ? halved(page) : copy_of(page);
         for (int i = 1; i < halvings; ++i) bits = halved(bits);
-        return bits;
+        const double ink_share = share_of(ink_of(bits), std::int64_t{bits.width} * bits.height);
+        return {std::move(bits), ink_share};
     }
     Page grey = halvings > 0 ? halved_greys(page) : greys_of(page);
     for (int i = 1; i < halvings; ++i) grey = halved_greys(grey);
     return bits_by_tiles(grey);
-}
-
-Page inverted(const Page& bits) {
-    Page other = copy_of(bits);
-    unsigned char* bytes = other.bytes.get();
-    const std::size_t size = other.size();
-    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(~bytes[i]);
-    clear_padding(other);
-    return other;
 }
 
 }  // namespace tool::reading

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <utility>
 #include <vector>
 
+#include "page/negative.h"
 #include "page/paper_scale.h"
 #include "reading/coarse_bits.h"
 #include "reading/components.h"
@@ -259,23 +259,20 @@ LetterSurvey survey_components(std::vector<Component> components, const Page& bi
     return survey_of(std::move(components), bits.height, bits.width);
 }
 
-bool mostly_black(const std::vector<Component>& components, const Page& bits) {
-    std::int64_t ink = 0;
-    for (const Component& component : components) ink += component.area;
-    return 2 * ink > std::int64_t{bits.width} * bits.height;
-}
+// Of print that is no picture letters take a third at most, what is around them more than this.
+constexpr double kMostlyInk = 0.6;
+// The holes of letters look like letters, too; they are fewer and not of one size.
+constexpr int kFarMoreLetters = 3;
 
 LetterSurvey survey_halved(const Page& page, int halvings) {
-    const Page bits = coarse_bits(page, halvings);
+    CoarseBits coarse = coarse_bits(page, halvings);
     const bool sideways = page.quarter_turns % 2 == 1;
-    std::vector<Component> components = components_of(bits);
-    const bool dark = mostly_black(components, bits);
-    LetterSurvey survey = survey_components(std::move(components), bits, sideways);
-    if (dark) {
-        const Page other = inverted(bits);
-        LetterSurvey light = survey_components(components_of(other), other, sideways);
+    LetterSurvey survey = survey_components(components_of(coarse.bits), coarse.bits, sideways);
+    if (coarse.ink_share > kMostlyInk) {
+        complement(coarse.bits);
+        LetterSurvey light = survey_components(components_of(coarse.bits), coarse.bits, sideways);
         light.light_on_dark = true;
-        if (light.letters > survey.letters) survey = light;
+        if (light.letters >= kFarMoreLetters * survey.letters) survey = light;
     }
     survey.enlarge(1 << halvings);
     return survey;

@@ -10,12 +10,12 @@ namespace tool::reading {
 
 // Lengths in pixels of the page.
 struct LetterSurvey {
-    int letters = 0;           // components of the sizes of letters of the most frequent type
-    double height = 0;         // of small letters without ascenders, such as x
-    double stroke = 0;         // the thickness of their strokes
-    double line_distance = 0;  // from one line of text to the next; 0 where none stands out
-    double sureness = 0;       // 0 .. 1: the share of what may be letters that has these sizes
-    bool light_on_dark = false;
+    int letters = 0;             // components of the sizes of letters of the most frequent type
+    double height = 0;           // of small letters without ascenders, such as x
+    double stroke = 0;           // the thickness of their strokes
+    double line_distance = 0;    // from one line of text to the next; 0 where none stands out
+    double sureness = 0;         // 0 .. 1: the share of what may be letters that has these sizes
+    bool light_on_dark = false;  // the page is a negative
     // All letters have about the same height. They are taken for capitals or digits, which are
     // higher than `height` by a factor of kCapitals; but may be small ones.
     bool one_height = false;

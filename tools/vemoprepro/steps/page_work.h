@@ -55,6 +55,7 @@ struct PageWork {
     Findings given;
 
     PageShape source;       // of the page before its first step
+    bool negative = false;  // light and dark are exchanged at the moment
     int quarter_turns = 0;  // clockwise, that the steps have made
 
     std::optional<reading::PageLie> lie;  // once it was looked at, before steps change the ink

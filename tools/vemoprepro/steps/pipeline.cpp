@@ -14,14 +14,20 @@ namespace {
 Pipeline cleaning_steps(const StepOptions& options) {
     if (options.for_reading) {
         return {orientation_step(options), grey_step(),
-                border_step(options),      prepare_step(options),
-                deskew_step(options),      binarize_step(options),
-                unline_step(options),      despeckle_step(options)};
+                negative_step(options),    border_step(options),
+                prepare_step(options),     deskew_step(options),
+                binarize_step(options),    unline_step(options),
+                despeckle_step(options),   positive_step()};
     }
-    return {orientation_step(options), grey_step(),
-            border_step(options),      binarize_step(options),
-            despeckle_step(options),   deskew_step(options),
-            unline_step(options)};
+    return {orientation_step(options),
+            grey_step(),
+            negative_step(options),
+            border_step(options),
+            binarize_step(options),
+            despeckle_step(options),
+            deskew_step(options),
+            unline_step(options),
+            positive_step()};
 }
 
 }  // namespace
@@ -31,15 +37,18 @@ Pipeline make_pipeline(const StepOptions& options) {
         case Command::kClean:
             break;
         case Command::kBinarize:
-            return {orientation_step(options), grey_step(), binarize_step(options)};
+            return {orientation_step(options), grey_step(), negative_step(options),
+                    binarize_step(options), positive_step()};
         case Command::kDeskew:
             return {orientation_step(options), deskew_step(options)};
         case Command::kRotate:
             return {orientation_step(options), rotate_step(options.quarter_turns)};
         case Command::kDespeckle:
-            return {orientation_step(options), despeckle_step(options)};
+            return {orientation_step(options), negative_step(options), despeckle_step(options),
+                    positive_step()};
         case Command::kUnline:
-            return {orientation_step(options), unline_step(options)};
+            return {orientation_step(options), negative_step(options), unline_step(options),
+                    positive_step()};
         case Command::kUnderlines:
             return {orientation_step(options), underlines_step(options)};
         case Command::kCrop:
@@ -56,7 +65,7 @@ void process(const Pipeline& pipeline, PageWork& work, PageWatcher* watcher) {
     for (const Step& step : pipeline) {
         const Stopwatch watch;
         const Outcome outcome = step.run(work);
-        if (step.name == nullptr) continue;
+        if (step.name == nullptr || outcome.why.empty()) continue;
         work.notes.push_back({step.name, outcome, watch.seconds()});
         if (watcher != nullptr && outcome.done) watcher->after(step, work);
     }

@@ -20,7 +20,8 @@ enum class Effect {
 };
 
 struct Step {
-    const char* name;  // in the page's notes; null when it leaves none
+    // In the page's notes; null when it leaves none. Neither does one that has nothing to say.
+    const char* name;
     Effect effect;
     std::function<Outcome(PageWork&)> run;
 };
@@ -35,6 +36,11 @@ Step rotate_step(int quarter_turns);
 // Makes a colour page grey, the one that the library binarizes it from: lets go of the colours
 // early and has the greys at hand for the steps in between. Leaves no note.
 Step grey_step();
+// Makes light letters on a dark page dark ones on a light page, for the steps in between; leaves no
+// note on others.
+Step negative_step(const StepOptions& options);
+// And back.
+Step positive_step();
 // Takes the dark border off.
 Step border_step(const StepOptions& options);
 // What --for ocr does to grey pages beforehand: strong specks, uneven light and low resolutions,

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "page/negative.h"
 #include "page/turn.h"
 #include "reading/page_lie.h"
 #include "steps/step.h"
@@ -29,11 +30,19 @@ Outcome turn_as_text_lies(PageWork& work) {
     return turn_by(work, *turns, ": the text lies so");
 }
 
+reading::PageLie look_at(PageWork& work) {
+    if (!work.letters.light_on_dark) return reading::look_how_it_lies(work.page);
+    complement(work.page);
+    const reading::PageLie lie = reading::look_how_it_lies(work.page);
+    complement(work.page);
+    return lie;
+}
+
 // What a file asks for is done whatever the text says.
 Outcome turn_as_file_asks(PageWork& work, int turns, bool looks) {
     Outcome outcome = turn_by(work, turns, ", as the file asks for");
     if (!looks) return outcome;
-    work.lie = reading::look_how_it_lies(work.page);
+    work.lie = look_at(work);
     if (work.lie->turns_to_upright.value_or(0) != 0) {
         outcome.why += "; the text now seems to need " +
                        std::to_string(*work.lie->turns_to_upright * 90) + " degrees more";
@@ -50,7 +59,7 @@ Step orientation_step(const StepOptions& options) {
                 const int turns = std::exchange(work.page.quarter_turns, 0);
                 if (turns != 0) return turn_as_file_asks(work, turns, looks);
                 if (!looks) return {false, "no orientation tag"};
-                work.lie = reading::look_how_it_lies(work.page);
+                work.lie = look_at(work);
                 return turn_as_text_lies(work);
             }};
 }
