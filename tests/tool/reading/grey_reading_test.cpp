@@ -35,22 +35,26 @@ TEST(Impulses, GetTheMedian) {
             return random() % 9 == 0 ? random() % 256 : 255 - random() % noise;
         });
         Page wanted = copy_of(grey), cleaned = copy_of(grey);
-        int sampled = 0;
+        int sampled = 0, free_rows = 0;  // a row is a single run
         for (int y = 1; y + 1 < grey.height; ++y) {
+            const int before = sampled;
             for (int x = 1; x + 1 < grey.width; ++x) {
                 const int median = median_at(grey, x, y);
                 if (std::abs(median - grey.row(y)[x]) <= 60) continue;
                 wanted.row(y)[x] = static_cast<unsigned char>(median);
                 sampled += y % 8 == 1;
             }
+            free_rows += y % 8 == 1 && sampled == before;
         }
         reading::remove_impulses(cleaned);
         EXPECT_TRUE(tool::same_pixels(cleaned, wanted)) << noise;
-        EXPECT_DOUBLE_EQ(reading::impulse_share(grey), sampled / (5 * 81.0));
+        const reading::ImpulseSample sample = reading::sample_impulses(grey);
+        EXPECT_DOUBLE_EQ(sample.share, sampled / (5 * 81.0));
+        EXPECT_DOUBLE_EQ(sample.free_runs, free_rows / 5.0);
     }
     Page narrow = tool::grey_page(2, 9, [](int x, int) { return 255 * x; });
     reading::remove_impulses(narrow);
-    EXPECT_EQ(reading::impulse_share(narrow), 0);
+    EXPECT_EQ(reading::sample_impulses(narrow).share, 0);
 }
 
 // Strokes that are darker than the paper by a share of it.

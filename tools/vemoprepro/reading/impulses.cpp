@@ -19,6 +19,7 @@ constexpr int kImpulse = 60;
 constexpr int kCompany = 4;
 // One row in so many is looked at for the share of impulses.
 constexpr int kSampledRows = 8;
+constexpr int kRun = 128;  // pixels
 
 using Counts = std::vector<unsigned char>;
 
@@ -69,15 +70,25 @@ void for_each_impulse(const Page& grey, int y, Counts& company, Found found) {
 
 }  // namespace
 
-double impulse_share(const Page& grey) {
-    if (grey.width < 3 || grey.height < 3) return 0;
-    std::int64_t impulses = 0, seen = 0;
+ImpulseSample sample_impulses(const Page& grey) {
+    if (grey.width < 3 || grey.height < 3) return {};
+    std::int64_t impulses = 0, seen = 0, runs = 0, free_runs = 0;
     Counts company(static_cast<std::size_t>(grey.width));
+    std::vector<bool> is_free;
     for (int y = 1; y + 1 < grey.height; y += kSampledRows) {
-        for_each_impulse(grey, y, company, [&](int, unsigned char) { ++impulses; });
+        is_free.assign(static_cast<std::size_t>(grey.width + kRun - 1) / kRun, true);
+        for_each_impulse(grey, y, company, [&](int x, unsigned char) {
+            ++impulses;
+            is_free[static_cast<std::size_t>(x / kRun)] = false;
+        });
         seen += grey.width - 2;
+        runs += static_cast<std::int64_t>(is_free.size());
+        free_runs += std::count(is_free.begin(), is_free.end(), true);
     }
-    return static_cast<double>(impulses) / static_cast<double>(seen);
+    const auto share = [](std::int64_t part, std::int64_t all) {
+        return static_cast<double>(part) / static_cast<double>(all);
+    };
+    return {share(impulses, seen), share(free_runs, runs)};
 }
 
 void remove_impulses(Page& grey) {
