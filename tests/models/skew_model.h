@@ -146,6 +146,28 @@ inline SkewEstimate skew_along(const Field& edges, Along along, std::ostream* tr
     return {fine.best, fine.best_power, confidence};
 }
 
+// The skew on rows, or that on columns the other way round, whichever is surer; 0 when neither is
+// sure.
+inline int surer_skew(const SkewEstimate& rows, const SkewEstimate& columns, double* confidence,
+                      std::ostream* trace) {
+    const bool on_rows = rows.confidence > columns.confidence;
+    const int skew = on_rows ? rows.skew : -columns.skew;
+    *confidence = on_rows ? rows.confidence : columns.confidence;
+    if (trace) {
+        *trace << "choose the skew associated with the best confidence\n\n";
+        *trace << "best yskew_rows: " << rows.skew << " with power: " << rows.power << "\n";
+        trace_angle(*trace, rows.skew);
+        *trace << "best yskew_cols: " << columns.skew << " with power: " << columns.power << "\n";
+        trace_angle(*trace, columns.skew);
+        *trace << "confidence on rows: " << rows.confidence
+               << "\nconfidence on cols: " << columns.confidence << "\n";
+        *trace << "best yskew is on " << (on_rows ? "rows: " : "columns: ") << skew << "\n";
+        trace_angle(*trace, skew);
+        if (*confidence < 1.5) *trace << "skew set to 0 because confidence < " << 1.5 << "\n";
+    }
+    return *confidence < 1.5 ? 0 : skew;
+}
+
 inline int estimate_skew_of_binary_image(std::ostream* trace, const unsigned char* src, int height,
                                          int width, int bytes_per_line, int* yskew, int* scale,
                                          double* confidence, int* out_height, int* out_width) {
@@ -160,22 +182,7 @@ inline int estimate_skew_of_binary_image(std::ostream* trace, const unsigned cha
     const Field tall_cells = count_cells(src, height, width, bytes_per_line, 16, 2);
     const SkewEstimate columns = skew_along(edges_from(tall_cells, 0, 1), Along::kColumns, trace);
 
-    const bool on_rows = rows.confidence > columns.confidence;
-    int skew = on_rows ? rows.skew : -columns.skew;
-    *confidence = on_rows ? rows.confidence : columns.confidence;
-    if (trace) {
-        *trace << "choose the skew associated with the best confidence\n\n";
-        *trace << "best yskew_rows: " << rows.skew << " with power: " << rows.power << "\n";
-        trace_angle(*trace, rows.skew);
-        *trace << "best yskew_cols: " << columns.skew << " with power: " << columns.power << "\n";
-        trace_angle(*trace, columns.skew);
-        *trace << "confidence on rows: " << rows.confidence
-               << "\nconfidence on cols: " << columns.confidence << "\n";
-        *trace << "best yskew is on " << (on_rows ? "rows: " : "columns: ") << skew << "\n";
-        trace_angle(*trace, skew);
-        if (*confidence < 1.5) *trace << "skew set to 0 because confidence < " << 1.5 << "\n";
-    }
-    if (*confidence < 1.5) skew = 0;
+    const int skew = surer_skew(rows, columns, confidence, trace);
     *yskew = skew;
 
     *out_width = width + static_cast<int>(std::llabs(static_cast<long long>(height) * skew / 512));
