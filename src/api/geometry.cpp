@@ -1,42 +1,14 @@
 // Turning whole pages by right angles.
 #include "vemoprepro/geometry.h"
 
-#include <cstdint>
-
+#include "api/bitonal_turns.h"
 #include "api/guard.h"
-#include "common/views.h"
-#include "geometry/right_angle.h"
 
 using api::guarded;
 using api::kFailure;
 using api::kSuccess;
+using api::turn_bitonal;
 using geometry::Turn;
-
-namespace {
-
-// Bytes that the caller must have at dst. The quarter turns ask for a result row for every bit of
-// a source row, padding included.
-std::int64_t demanded_size(Turn turn, std::int64_t height, std::int64_t bytes_per_line) {
-    if (turn == Turn::kHalf) return height * bytes_per_line;
-    return 8 * bytes_per_line * common::bitonal_stride(height);
-}
-
-int turn_bitonal(Turn turn, const unsigned char* src, int width, int height, int bytes_per_line,
-                 unsigned char* dst, int dst_size, unsigned int* out_bytes_per_line) {
-    if (src == nullptr || dst == nullptr || out_bytes_per_line == nullptr) return kFailure;
-    if (width < 1 || height < 1) return kFailure;
-    if (bytes_per_line % 4 != 0) return kFailure;
-    if (demanded_size(turn, height, bytes_per_line) > dst_size) return kFailure;
-    if (bytes_per_line < common::bitonal_bytes(width)) return kFailure;
-    return guarded([&] {
-        const common::BitonalView page{src, height, width, bytes_per_line};
-        geometry::turn_bitonal(turn, page, dst);
-        *out_bytes_per_line = static_cast<unsigned int>(geometry::turned_stride(turn, page));
-        return kSuccess;
-    });
-}
-
-}  // namespace
 
 int kyd_rotate_180(const unsigned char* src, int width, int height, int bytes_per_line,
                    unsigned char* dst, int dst_size, unsigned int* out_bytes_per_line) {
@@ -80,10 +52,12 @@ int kyd_rotate_color(int mode, int bytes_per_pixel, const unsigned char* src, in
     if (!empty && (src == nullptr || dst == nullptr || bytes_per_pixel < 1)) return kFailure;
     return guarded([&] {
         if (!empty) {
-            const geometry::PackedImage image{src, static_cast<std::size_t>(height),
-                                              static_cast<std::size_t>(width),
-                                              static_cast<std::size_t>(bytes_per_pixel)};
-            geometry::turn_packed(turn, image, dst);
+            const std::ptrdiff_t pixel_bytes = bytes_per_pixel;
+            const geometry::PixelImage image{src, static_cast<std::size_t>(height),
+                                             static_cast<std::size_t>(width), width * pixel_bytes,
+                                             static_cast<std::size_t>(pixel_bytes)};
+            const int turned_width = turn == Turn::kHalf ? width : height;
+            geometry::turn_pixels(turn, image, dst, turned_width * pixel_bytes);
         }
         *out_height = turn == Turn::kHalf ? height : width;
         *out_width = turn == Turn::kHalf ? width : height;
