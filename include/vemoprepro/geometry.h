@@ -1,7 +1,7 @@
-/* Turning whole pages by right angles.
+/* Turning whole pages, by right angles and by any angle.
  *
  * Use: size the destination as the function says, call it, read the result's stride or size back.
- * Angles count clockwise: 090 turns the page a quarter turn clockwise.
+ * Angles count clockwise: 090 turns the page a quarter turn clockwise, and so does an angle of 90.
  *
  * Keep true: source and destination do not overlap. Nothing is allocated; all functions are pure
  * and may run on any number of threads at once. */
@@ -102,6 +102,88 @@ VEMOPREPRO_API int kyd_rotate_bitmap(int mode, const unsigned char* src, int hei
 VEMOPREPRO_API int kyd_rotate_color(int mode, int bytes_per_pixel, const unsigned char* src,
                                     int height, int width, unsigned char* dst, int* out_height,
                                     int* out_width);
+
+/**
+ * Says how large the image is that holds all of a page turned about its centre.
+ *
+ * @param height rows of the page
+ * @param width pixels in its rows
+ * @param out_height receives the rows of the turned page
+ * @param out_width receives the pixels in its rows; parts of a pixel are cut off
+ * @param angle degrees clockwise, above -360 and below 360
+ * @return 0 the size is stored
+ * @return -1 angle out of range or not a number, null pointer, size beyond int; nothing is written
+ */
+VEMOPREPRO_API int rotate_image_dim(int height, int width, int* out_height, int* out_width,
+                                    double angle);
+
+/**
+ * Turns a bitonal page about its centre by any angle. Multiples of a right angle move pixels as
+ * kyd_rotate_* do. At other angles a pixel is black when more than half of it is: it is blended of
+ * the four pixels around the place that it comes from, which is found in steps of 1/16 pixel.
+ * Whatever comes from outside of the page, or from its last row or column, whose pixels have no
+ * neighbours, is white.
+ *
+ * Sides: with a width or height below 1 the page has no pixels, and the result is white; right
+ * angles but 0 refuse it. A destination without rows or bytes in its rows is left alone.
+ *
+ * @param src the page: `height` rows of `bytes_per_line` bytes
+ * @param height rows
+ * @param width pixels in a row
+ * @param bytes_per_line at least 4 * ceil(width / 32); at right angles but 0 a multiple of 4
+ * @param dst receives `dst_height` rows of `dst_bytes_per_line` bytes, padding included; it does
+ *            not overlap the page. At 90, -90, 270 and -270 the caller must have
+ *            8 * bytes_per_line * dst_bytes_per_line bytes there, the work area of kyd_rotate_090;
+ *            what lies behind the result is undefined afterwards
+ * @param dst_height rows of the result. Multiples of a right angle demand exactly the turned size;
+ *                   otherwise any size is accepted, rotate_image_dim() says which one holds the
+ *                   whole page, and the centre of the page, pixel (width / 2, height / 2), comes to
+ *                   pixel (dst_width / 2, dst_height / 2)
+ * @param dst_width pixels in a row of the result
+ * @param dst_bytes_per_line at least 4 * ceil(dst_width / 32); exactly that at 90, -90, 270 and
+ *                           -270, and the stride of the page at 0, 180 and -180
+ * @param angle degrees clockwise, above -360 and below 360
+ * @return 0 the page is turned. At an angle of 0 all its bytes are copied, padding included
+ * @return -1 angle out of range or not a number, stride too small, size or stride of the
+ *         destination other than a right angle demands, null pointer to a page that has pixels;
+ *         nothing is written
+ */
+VEMOPREPRO_API int rotate_bitonal(const unsigned char* src, int height, int width,
+                                  int bytes_per_line, unsigned char* dst, int dst_height,
+                                  int dst_width, int dst_bytes_per_line, double angle);
+
+/**
+ * Turns a page of whole bytes per pixel about its centre by any angle. Multiples of a right angle
+ * move pixels. At other angles every byte of a pixel is blended of those of the four pixels around
+ * the place that it comes from, which is found in steps of 1/16 pixel; whatever comes from outside
+ * of the page, or from its last row or column, whose pixels have no neighbours, is background.
+ *
+ * Sides: with a width or height below 1 the page has no pixels, and the result is background. A
+ * destination with such a side is left alone.
+ *
+ * @param bytes_per_pixel 1 grey, 3 colour, 4 colour and one more channel; at multiples of a right
+ *                        angle any number from 1 on
+ * @param background_pixel `bytes_per_pixel` bytes; not read at multiples of a right angle, where
+ *                         it may be null
+ * @param src the page: `height` rows of `bytes_per_line` bytes
+ * @param height rows
+ * @param width pixels in a row
+ * @param bytes_per_line at least width * bytes_per_pixel
+ * @param dst receives `dst_height` rows of `dst_width` pixels, `dst_bytes_per_line` bytes apart;
+ *            bytes between the rows are not written, except at an angle of 0, which copies all
+ *            bytes of the page. It does not overlap the page
+ * @param dst_height rows of the result, `dst_width` pixels in each: as for rotate_bitonal()
+ * @param dst_bytes_per_line at least dst_width * bytes_per_pixel; the stride of the page at 0
+ * @param angle degrees clockwise, above -360 and below 360
+ * @return 0 the page is turned
+ * @return -1 angle out of range or not a number, stride too small, size of the destination (at 0
+ *         also its stride) other than a right angle demands, bytes_per_pixel that the angle does
+ *         not take, null pointer to pixels; nothing is written
+ */
+VEMOPREPRO_API int rotate_color(int bytes_per_pixel, const unsigned char* background_pixel,
+                                const unsigned char* src, int height, int width, int bytes_per_line,
+                                unsigned char* dst, int dst_height, int dst_width,
+                                int dst_bytes_per_line, double angle);
 
 #ifdef __cplusplus
 }

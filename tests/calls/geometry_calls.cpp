@@ -33,6 +33,36 @@ auto packed(int mode, bool colour) {
     };
 }
 
+// Into an image of the turned size.
+int any_angle(Desk& desk, double angle) {
+    const int status =
+        rotate_image_dim(desk.height, desk.width, &desk.numbers[0], &desk.numbers[1], angle);
+    if (status < 0) return status;
+    const int rows = desk.numbers[0];
+    const int pixels = desk.numbers[1];
+    return desk.wrote_bits(
+        rotate_bitonal(desk.bitonal.data(), desk.height, desk.width, desk.stride, desk.out.data(),
+                       rows, pixels, (pixels + 31) / 32 * 4, angle),
+        rows, pixels);
+}
+
+auto bitonal(double angle) {
+    return [=](Desk& desk) { return any_angle(desk, angle); };
+}
+
+// Into an image of the size of the page, whose corners are cut off and filled.
+auto within_page(int pixel_bytes, double angle) {
+    return [=](Desk& desk) {
+        constexpr unsigned char kBackground[] = {20, 130, 240};
+        const Bytes& source = pixel_bytes == 3 ? desk.colour : desk.grey;
+        const int stride = pixel_bytes * desk.width;
+        return desk.wrote(
+            rotate_color(pixel_bytes, kBackground, source.data(), desk.height, desk.width, stride,
+                         desk.out.data(), desk.height, desk.width, stride, angle),
+            desk.out.data(), source.size());
+    };
+}
+
 const bool added = add_calls({
     {"kyd_rotate_180", Allocates::kNo, turned(kyd_rotate_180, false)},
     {"kyd_rotate_270", Allocates::kNo, turned(kyd_rotate_270, true)},
@@ -41,6 +71,13 @@ const bool added = add_calls({
     {"kyd_rotate_color, grey", Allocates::kNo, packed(PREPRO_TURN_CLOCKWISE, false)},
     {"kyd_rotate_color, colour", Allocates::kNo, packed(PREPRO_TURN_COUNTER_CLOCKWISE, true)},
     {"kyd_rotate_color, half", Allocates::kNo, packed(PREPRO_TURN_HALF, true)},
+    {"rotate_bitonal, 3.7 degrees", Allocates::kNo, bitonal(3.7)},
+    {"rotate_bitonal, -122 degrees", Allocates::kNo, bitonal(-122)},
+    {"rotate_bitonal, a quarter turn", Allocates::kNo, bitonal(-90)},
+    {"rotate_color, grey", Allocates::kNo, within_page(1, -3.7)},
+    {"rotate_color, grey, steep", Allocates::kNo, within_page(1, 74)},
+    {"rotate_color, colour", Allocates::kNo, within_page(3, 211)},
+    {"rotate_color, half", Allocates::kNo, within_page(3, 180)},
 });
 
 }  // namespace
