@@ -1,9 +1,10 @@
 /* Measuring the skew of a page and straightening it.
  *
  * Use: estimate_skew_of_binary_image() finds the skew and the size of the straight page; allocate a
- * destination of that size (stride 4 * ceil(out_width / 32)) and call skrotbmp_mem(). To line up
- * with a page turned by the grey and colour rotation, take the size from skrotdim() and call
- * skew_binary_image_aligned_with_skrotimg_mem().
+ * destination of that size (stride 4 * ceil(out_width / 32)) and call skrotbmp_mem(). For grey and
+ * colour pages, estimate_skew_of_color_image() finds the skew, skrotdim() the size, and
+ * skrotimg_mem() turns the page in its own buffer. A mask lines up with such a page when it is
+ * turned by skew_binary_image_aligned_with_skrotimg_mem() to the same size.
  *
  * The skew unit: a skew s with scale 512 is a drift of s pixels over 512 pixels of width, positive
  * when text lines rise to the right. Rotations take any numerator and denominator; only |s * 512 /
@@ -15,6 +16,7 @@
 #define VEMOPREPRO_DESKEW_H_
 
 #include "vemoprepro/frame.h"
+#include "vemoprepro/source.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -186,6 +188,93 @@ VEMOPREPRO_API int skew_binary_image_aligned_with_skrotimg_mem_black_background(
     int skew, int scale, unsigned char* src, int height, int width, int bytes_per_line,
     unsigned char* dst, int out_height, int out_width, int out_bytes_per_line,
     prepro_progress progress);
+
+/**
+ * Measures the skew of a grey or colour page as estimate_skew_of_binary_image() measures that of a
+ * bitonal one, from sums of grey values, (299 red + 587 green + 114 blue) / 1000 of a colour.
+ *
+ * The reader delivers the page twice from the top: 2 * floor(height / 2) rows, then 16 *
+ * floor(height / 16). The page is never held whole: the working memory is one row and about
+ * height * width / 12 bytes. Columns beyond the last whole 16 take no part in the first reading, an
+ * odd last one not in the second.
+ *
+ * @param debug when its low byte is not 0, the search is traced into
+ *              debug_folder "/estimate_skew_of_color_image.log"
+ * @param debug_folder made when it is missing; null is the current folder
+ * @param read_row delivers the page; must fill the whole row in every call
+ * @param user handed to read_row
+ * @param format PREPRO_SOURCE_*
+ * @param height rows, at least 32
+ * @param width pixels in a row, at least 32
+ * @param yskew receives the skew, -96 .. 96; on failure 0
+ * @param scale receives 512, also on failure
+ * @param confidence receives the quotient of the best and the worst alignment; below 1.5 the skew
+ *                   is given as 0. Not a number for a uniform page; on failure 1.0
+ * @return 0 the skew was measured
+ * @return -1 size out of range, which leaves all outputs untouched; unknown format, null pointer,
+ *         no trace file, an allocation that failed
+ */
+VEMOPREPRO_API int estimate_skew_of_color_image(int debug, const char* debug_folder,
+                                                prepro_row_reader read_row, void* user, int format,
+                                                int height, int width, int* yskew, int* scale,
+                                                double* confidence);
+
+/**
+ * estimate_skew_of_color_image() without trace and confidence.
+ *
+ * @param read_row, user, format, height, width, yskew, scale as there
+ * @return 0 or -1 as there
+ */
+VEMOPREPRO_API int sk_color_mem(prepro_row_reader read_row, void* user, int format, int height,
+                                int width, int* yskew, int* scale);
+
+/**
+ * Straightens a grey or colour page in its own buffer, by two shears, or three for more than 25
+ * units of skew (Paeth 1986). A line moves by a fraction of a pixel, too: each pixel gives that
+ * fraction of itself to the next one, so that edges stay smooth.
+ *
+ * Rows are packed. Pixels have
+ *   - 1 byte: grey;
+ *   - 2 bytes, the high byte first: three channels of 5 bits, from bit 14 down; bit 15 becomes 0;
+ *   - 3 bytes: red, green, blue, or any other order;
+ *   - 4 bytes: any channels, all sheared alike.
+ *
+ * What the turned page does not cover within its size becomes background; pixels next to an end of
+ * a line are the mean of that end and the background, except with 2 bytes. What lies beyond the
+ * size that skrotdim() gives becomes 0. Without a skew, the page is laid out in the larger size;
+ * of equal size, it is left alone.
+ *
+ * @param skew numerator of the skew
+ * @param scale its denominator
+ * @param bytes_per_pixel 1 .. 4
+ * @param buffer the page, `height` rows of `width` pixels; receives out_height rows of out_width
+ *               pixels and has room for them. Refused arguments leave it alone, an allocation that
+ *               fails leaves it partly turned
+ * @param height rows, at least 1
+ * @param width pixels in a row, at least 1
+ * @param background one pixel; not in the buffer
+ * @param out_height rows of the result, at least what skrotdim() gives
+ * @param out_width pixels in a row of the result, at least what skrotdim() gives
+ * @param progress called with (0, 4) to (4, 4), after each step but a third shear, without a skew
+ *                 and with equal sizes only with these two; may be null
+ * @return 0 the page is straight
+ * @return -1 null buffer or background, bytes_per_pixel or size out of range, skew out of range,
+ *         buffer smaller than the turned page, an allocation that failed
+ */
+VEMOPREPRO_API int skrotimg_bg_mem(int skew, int scale, int bytes_per_pixel, unsigned char* buffer,
+                                   int height, int width, const unsigned char* background,
+                                   int out_height, int out_width, prepro_progress progress);
+
+/**
+ * skrotimg_bg_mem() with a white background.
+ *
+ * @param skew, scale, bytes_per_pixel, buffer, height, width, out_height, out_width, progress as
+ *              there
+ * @return 0 or -1 as there
+ */
+VEMOPREPRO_API int skrotimg_mem(int skew, int scale, int bytes_per_pixel, unsigned char* buffer,
+                                int height, int width, int out_height, int out_width,
+                                prepro_progress progress);
 
 #ifdef __cplusplus
 }

@@ -42,6 +42,49 @@ int estimate_briefly(Desk& desk) {
                            &desk.numbers[0], &desk.numbers[1], &desk.numbers[2], &desk.numbers[3]));
 }
 
+auto estimated_colour(prepro_row_reader reader, int format, int debug) {
+    return [=](Desk& desk) {
+        desk.numbers[2] = desk.numbers[3] = -7;
+        return estimated(
+            desk, estimate_skew_of_color_image(debug, trace_folder.path.c_str(), reader, &desk,
+                                               format, desk.height, desk.width, &desk.numbers[0],
+                                               &desk.numbers[1], &desk.confidence));
+    };
+}
+
+int estimate_colour_briefly(Desk& desk) {
+    desk.numbers[2] = desk.numbers[3] = -7;
+    desk.confidence = 1.0;
+    return estimated(desk, sk_color_mem(Desk::read, &desk, PREPRO_SOURCE_RGB, desk.height,
+                                        desk.width, &desk.numbers[0], &desk.numbers[1]));
+}
+
+// The first bytes of the colour page as a page of any number of bytes a pixel, turned with some
+// room beyond the result.
+auto turned_in_place(int pixel_bytes, int skew) {
+    return [=](Desk& desk) {
+        const int width = desk.width * 3 / 4;
+        int out_height = 0;
+        int out_width = 0;
+        skrotdim(skew, 512, desk.height, width, &out_height, &out_width);
+        out_height += 1;
+        out_width += 2;
+        const auto size = static_cast<std::size_t>(out_height) *
+                          static_cast<std::size_t>(out_width * pixel_bytes);
+        if (desk.out.size() < size) return -1;
+        const auto used =
+            static_cast<std::size_t>(desk.height) * static_cast<std::size_t>(width * pixel_bytes);
+        std::copy_n(desk.colour.begin(), used, desk.out.begin());
+        const unsigned char background[] = {200, 100, 50, 25};
+        const int status =
+            skew < 0 ? skrotimg_mem(skew, 512, pixel_bytes, desk.out.data(), desk.height, width,
+                                    out_height, out_width, nullptr)
+                     : skrotimg_bg_mem(skew, 512, pixel_bytes, desk.out.data(), desk.height, width,
+                                       background, out_height, out_width, nullptr);
+        return desk.wrote(status, desk.out.data(), size);
+    };
+}
+
 template <class Measure, class Rotate>
 auto rotated(Measure measure, Rotate rotate, int skew) {
     return [=](Desk& desk) {
@@ -71,6 +114,15 @@ const bool added = add_calls({
     {"skrotbmp_b_mem", Allocates::kYes, rotated(skrotbmp_dim, skrotbmp_b_mem, -20)},
     {"aligned, two shears", Allocates::kYes, rotated(skrotdim, kAligned, 15)},
     {"aligned, three shears", Allocates::kYes, rotated(skrotdim, kAligned, -40)},
+    {"estimate_skew_of_color_image, grey", Allocates::kYes,
+     estimated_colour(Desk::read_grey, PREPRO_SOURCE_GREY, 0)},
+    {"estimate_skew_of_color_image, traced", Allocates::kYes,
+     estimated_colour(Desk::read, PREPRO_SOURCE_BGR, 1)},
+    {"sk_color_mem", Allocates::kYes, estimate_colour_briefly},
+    {"skrotimg_bg_mem, grey", Allocates::kYes, turned_in_place(1, 13)},
+    {"skrotimg_bg_mem, half", Allocates::kYes, turned_in_place(2, 90)},
+    {"skrotimg_mem, colour", Allocates::kYes, turned_in_place(3, -40)},
+    {"skrotimg_mem, four bytes", Allocates::kYes, turned_in_place(4, -20)},
     {"aligned, black background", Allocates::kYes, rotated(skrotdim, kAlignedBlack, 20)},
 });
 
