@@ -59,6 +59,8 @@ inline Corners ordered(const Corners& p) {
         } else if (slope(i) > slope(high)) {
             if (low != high) middle = high;
             high = i;
+        } else if (low == high && middle >= 0) {
+            high = i;  // none is steeper than another: they keep their order
         } else {
             middle = i;
         }
