@@ -1,6 +1,7 @@
 // Two or three shears, each by fractions of a pixel: a pixel gives the fraction of its line to the
-// pixel behind it, so that edges stay smooth (Paeth 1986). Products are taken as they are, where a
-// table of all of them would give the same.
+// pixel behind it, so that edges stay smooth (Paeth 1986). The products of fractions and channels
+// are computed, which costs less than a table of them. Every shear is made in place and allocates
+// once, before it moves anything.
 #include "deskew/colour_rotation.h"
 
 #include <algorithm>
@@ -8,115 +9,41 @@
 
 #include "deskew/shear_angles.h"
 #include "frame/buffer.h"
+#include "simd/pixels/shear_pixels.h"
 
 namespace deskew {
 namespace {
 
-constexpr unsigned kSteps = 4;  // of the progress
+constexpr int kSteps = 4;  // of the progress
+
+// Fractions of this range become the least of it, for grey pixels and those of three bytes.
+constexpr std::uint8_t kLeastBelowHalf = 112;
+constexpr std::uint8_t kMostBelowHalf = 127;
 
 // How the pixels of a format are sheared.
-struct Mixing {
-    std::uint32_t unit = 256;       // fractions of a pixel
-    bool skips_below_half = false;  // fractions of 113 .. 127 become 112
-    bool blends_ends = true;        // of lines, with the background
-};
+struct Format {
+    simd::ShearFormat shear;
+    double unit = 256;  // fractions of a pixel
+    bool has_below_half = true;
 
-constexpr Mixing mixing_of(int pixel_bytes) {
-    switch (pixel_bytes) {
-        case 2:
-            return {32, false, false};
-        case 4:
-            return {256, false, true};
-        default:
-            return {256, true, true};
-    }
-}
-
-// Where a line goes: by whole pixels, and by a fraction in units of its format.
-struct LineMove {
-    std::int64_t whole;
-    std::uint32_t fraction;
-};
-
-LineMove move_of(const LineShifts& shifts, std::int64_t line, const Mixing& mixing) {
-    const double pixels = shifts.displacement(line);
-    auto fraction = static_cast<std::uint32_t>(mixing.unit * (pixels - std::floor(pixels)));
-    if (mixing.skips_below_half && fraction >= 113 && fraction <= 127) fraction = 112;
-    return {shifts(line), fraction};
-}
-
-// Fields of 5 bits.
-constexpr int kFieldShifts[] = {10, 5, 0};
-
-std::uint32_t load_fields(const std::uint8_t* pixel) {
-    return static_cast<std::uint32_t>(pixel[0]) << 8 | pixel[1];
-}
-
-void store_fields(std::uint32_t fields, std::uint8_t* pixel) {
-    pixel[0] = static_cast<std::uint8_t>(fields >> 8);
-    pixel[1] = static_cast<std::uint8_t>(fields);
-}
-
-// One line of pixels on its way to another place.
-class LineShear {
-  public:
-    LineShear(int pixel_bytes, const std::uint8_t* background)
-        : bytes_(static_cast<std::size_t>(pixel_bytes)),
-          mixing_(mixing_of(pixel_bytes)),
-          background_(background) {}
-
-    const Mixing& mixing() const { return mixing_; }
-
-    // `line` has `count` pixels `step` bytes apart and becomes `moved`, of `length` packed pixels.
-    void shear(const std::uint8_t* line, std::size_t step, std::size_t count, LineMove move,
-               std::uint8_t* moved, std::size_t length) const {
-        const auto first = static_cast<std::size_t>(move.whole);
-        for (std::size_t i = 0; i < length; ++i) {
-            std::uint8_t* to = moved + i * bytes_;
-            if (i + 1 == first) {
-                end_pixel(line, to);
-            } else if (i == first + count) {
-                end_pixel(line + (count - 1) * step, to);
-            } else if (i < first || i > first + count) {
-                mix(background_, background_, 0, to);
-            } else if (i == first) {
-                mix(line, line, 0, to);
-            } else {
-                const std::uint8_t* pixel = line + (i - first) * step;
-                mix(pixel, pixel - step, move.fraction, to);
-            }
-        }
+    explicit Format(int pixel_bytes) {
+        shear.pixel_bytes = static_cast<std::size_t>(pixel_bytes);
+        has_below_half = pixel_bytes == 4;
+        if (pixel_bytes != 2) return;
+        shear.channels = simd::ShearedChannels::kFiveBits;
+        unit = 32;
+        has_below_half = true;
     }
 
-  private:
-    // The pixel beside an end of the line.
-    void end_pixel(const std::uint8_t* end, std::uint8_t* to) const {
-        if (!mixing_.blends_ends) return mix(background_, background_, 0, to);
-        for (std::size_t i = 0; i < bytes_; ++i)
-            to[i] = static_cast<std::uint8_t>((background_[i] + end[i]) >> 1);
-    }
+    std::size_t pixel_bytes() const { return shear.pixel_bytes; }
+    bool of_fields() const { return shear.channels == simd::ShearedChannels::kFiveBits; }
 
-    // The pixel without the fraction that it gives away and with that of the one before it.
-    void mix(const std::uint8_t* pixel, const std::uint8_t* before, std::uint32_t fraction,
-             std::uint8_t* to) const {
-        const auto mixed = [&](std::uint32_t value, std::uint32_t other) {
-            return value + fraction * other / mixing_.unit - fraction * value / mixing_.unit;
-        };
-        if (bytes_ == 2) {
-            std::uint32_t fields = 0;
-            for (const int shift : kFieldShifts)
-                fields |= mixed(load_fields(pixel) >> shift & 31, load_fields(before) >> shift & 31)
-                          << shift;
-            store_fields(fields, to);
-            return;
-        }
-        for (std::size_t i = 0; i < bytes_; ++i)
-            to[i] = static_cast<std::uint8_t>(mixed(pixel[i], before[i]));
+    // The fraction of a pixel by which a line moves beyond whole pixels, in units.
+    std::uint8_t fraction(double pixels) const {
+        const auto parts = static_cast<std::uint8_t>(unit * (pixels - std::floor(pixels)));
+        const bool skipped = parts > kLeastBelowHalf && parts <= kMostBelowHalf && !has_below_half;
+        return skipped ? kLeastBelowHalf : parts;
     }
-
-    std::size_t bytes_;
-    Mixing mixing_;
-    const std::uint8_t* background_;
 };
 
 // The page in its buffer, whose rows have room for the rotated page.
@@ -124,54 +51,104 @@ class Canvas {
   public:
     Canvas(const PixelPage& page, Size room, const std::uint8_t* background)
         : data_(page.data),
-          pixel_(static_cast<std::size_t>(page.pixel_bytes)),
-          stride_(static_cast<std::size_t>(room.width) * pixel_),
-          shear_(page.pixel_bytes, background) {}
+          format_(page.pixel_bytes),
+          pixel_(format_.pixel_bytes()),
+          stride_(static_cast<std::size_t>(room.width) * pixel_) {
+        std::copy_n(background, pixel_, background_);
+        if (format_.of_fields()) background_[0] &= 0x7F;
+    }
 
     // Moves the rows of the page apart and clears what it does not cover.
     void lay_out(Size page, Size room) {
         const std::size_t used = static_cast<std::size_t>(page.width) * pixel_;
-        for (auto y = static_cast<std::size_t>(page.height); y-- > 0;) {
-            std::memmove(data_ + y * stride_, data_ + y * used, used);
-            std::memset(data_ + y * stride_ + used, 0, stride_ - used);
+        for (std::int64_t y = page.height; y-- > 0;) {
+            std::memmove(row(y), data_ + static_cast<std::size_t>(y) * used, used);
+            std::memset(row(y) + used, 0, stride_ - used);
         }
-        std::memset(data_ + static_cast<std::size_t>(page.height) * stride_, 0,
+        std::memset(row(page.height), 0,
                     static_cast<std::size_t>(room.height - page.height) * stride_);
     }
 
     // `rows` rows of `width` pixels, which become longer.
     void shear_rows(std::int64_t rows, std::int64_t width, double factor) {
-        shear_lines(LineShifts(rows, factor), rows, width, {stride_, pixel_});
+        const LineShifts shifts(rows, factor);
+        const auto count = static_cast<std::size_t>(width);
+        const std::size_t length = count + static_cast<std::size_t>(shifts.growth());
+        frame::Buffer<std::uint8_t> background(length * pixel_);
+        fill_background(background.data(), length);
+        for (std::int64_t y = 0; y < rows; ++y)
+            shear_row(row(y), count, length, static_cast<std::size_t>(shifts(y)),
+                      format_.fraction(shifts.displacement(y)), background.data());
     }
 
     // `columns` columns of `height` pixels.
     void shear_columns(std::int64_t columns, std::int64_t height, double factor) {
-        shear_lines(LineShifts(columns, factor), columns, height, {pixel_, stride_});
+        const LineShifts shifts(columns, factor);
+        const std::size_t row_bytes = static_cast<std::size_t>(columns) * pixel_;
+        constexpr std::size_t kBlock = simd::ColumnMoves::kBlock;
+        const std::size_t blocks = (row_bytes + kBlock - 1) / kBlock;
+        // The shifts of blocks, and behind them three rows of bytes.
+        frame::Buffer<std::int32_t> table(blocks + (3 * row_bytes + 3) / 4);
+        std::int32_t* block_shifts = table.data();
+        auto* low_shifts = reinterpret_cast<std::uint8_t*>(block_shifts + blocks);
+        std::uint8_t* fractions = low_shifts + row_bytes;
+        std::uint8_t* background = fractions + row_bytes;
+        for (std::size_t x = 0; x < row_bytes; x += pixel_) {
+            const auto column = static_cast<std::int64_t>(x / pixel_);
+            const std::int64_t shift = shifts(column);
+            const std::uint8_t fraction = format_.fraction(shifts.displacement(column));
+            for (std::size_t byte = x; byte < x + pixel_; ++byte) {
+                low_shifts[byte] = static_cast<std::uint8_t>(shift);
+                fractions[byte] = fraction;
+                if (byte % kBlock == 0)
+                    block_shifts[byte / kBlock] = static_cast<std::int32_t>(shift);
+            }
+        }
+        fill_background(background, static_cast<std::size_t>(columns));
+        const auto rows = static_cast<std::size_t>(height);
+        simd::shear_columns(format_.shear.channels,
+                            {data_, static_cast<std::ptrdiff_t>(stride_), row_bytes, rows,
+                             rows + static_cast<std::size_t>(shifts.growth())},
+                            {block_shifts, low_shifts, fractions, background});
     }
 
   private:
-    struct Steps {
-        std::size_t line;   // bytes from line to line
-        std::size_t pixel;  // bytes from pixel to pixel of a line
-    };
+    std::uint8_t* row(std::int64_t y) const {
+        return data_ + static_cast<std::size_t>(y) * stride_;
+    }
 
-    void shear_lines(const LineShifts& shifts, std::int64_t lines, std::int64_t count,
-                     Steps steps) {
-        const auto length = static_cast<std::size_t>(count + shifts.growth());
-        frame::Buffer<std::uint8_t> moved(length * pixel_);
-        for (std::int64_t i = 0; i < lines; ++i) {
-            std::uint8_t* line = data_ + static_cast<std::size_t>(i) * steps.line;
-            shear_.shear(line, steps.pixel, static_cast<std::size_t>(count),
-                         move_of(shifts, i, shear_.mixing()), moved.data(), length);
-            for (std::size_t k = 0; k < length; ++k)
-                std::memcpy(line + k * steps.pixel, moved.data() + k * pixel_, pixel_);
-        }
+    void fill_background(std::uint8_t* pixels, std::size_t count) const {
+        for (std::size_t i = 0; i < count; ++i)
+            std::memcpy(pixels + i * pixel_, background_, pixel_);
+    }
+
+    // A row of `count` pixels becomes one of `length`.
+    void shear_row(std::uint8_t* row, std::size_t count, std::size_t length, std::size_t shift,
+                   std::uint8_t fraction, const std::uint8_t* background) const {
+        std::uint8_t first[4];
+        std::uint8_t last[4];
+        std::memcpy(first, row, pixel_);
+        std::memcpy(last, row + (count - 1) * pixel_, pixel_);
+        simd::shear_row(format_.shear, row, count, shift, fraction);
+        std::memcpy(row, background, shift * pixel_);
+        if (shift > 0) blend_end(first, row + (shift - 1) * pixel_);
+        const std::size_t behind = shift + count;
+        std::memcpy(row + behind * pixel_, background, (length - behind) * pixel_);
+        if (behind < length) blend_end(last, row + behind * pixel_);
+    }
+
+    // Makes the background beside an end of a line the mean of both.
+    void blend_end(const std::uint8_t* end, std::uint8_t* beside) const {
+        if (format_.of_fields()) return;
+        for (std::size_t i = 0; i < pixel_; ++i)
+            beside[i] = static_cast<std::uint8_t>((beside[i] + end[i]) >> 1);
     }
 
     std::uint8_t* data_;
+    Format format_;
     std::size_t pixel_;   // bytes
     std::size_t stride_;  // bytes
-    LineShear shear_;
+    std::uint8_t background_[4];
 };
 
 }  // namespace

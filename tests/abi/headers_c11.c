@@ -5,7 +5,6 @@
 #include "vemoprepro/frame.h"
 #include "vemoprepro/geometry.h"
 #include "vemoprepro/prepro.h"
-#include "vemoprepro/scaling.h"
 #include "vemoprepro/source.h"
 
 const char* version_through_c(void) {
