@@ -28,8 +28,8 @@ void measure(const std::uint8_t* data, std::size_t size) {
     const int format = data[1] % 4 + (data[1] == 7 ? 2 : 0);
     const int height = data[2] + 28;
     const int width = (data[3] | (data[4] & 1) << 8) + 28;
-    const model::PackedPage page = page_of(format == 1 ? 1 : 3, height, width, data + kArguments,
-                                           size - kArguments);
+    const model::PackedPage page =
+        page_of(format == 1 ? 1 : 3, height, width, data + kArguments, size - kArguments);
     check(model::estimated_colour_skew(page, format) == model::modelled_colour_skew(page, format));
 }
 
