@@ -55,7 +55,7 @@ int turn_bits(Turn turn, const Source& src, const Destination& dst) {
     const bool half = turn == Turn::kHalf;
     const std::int64_t stride = half ? src.bytes_per_line : common::bitonal_stride(dst.width);
     if (!fits_turned(turn, src, dst) || dst.bytes_per_line != stride) return kFailure;
-    const std::int64_t size = half ? dst.bytes() : 8 * src.bytes_per_line * stride;
+    const std::int64_t size = half ? dst.bytes() : 8 * stride * src.bytes_per_line;
     unsigned int result_stride = 0;
     return api::turn_bitonal(turn, src.data, src.width, src.height, src.bytes_per_line, dst.data,
                              size, &result_stride);
