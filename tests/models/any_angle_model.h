@@ -105,7 +105,8 @@ inline int rotate_bitonal(const unsigned char* src, int height, int width, int b
                             8 * bytes_per_line * dst_bytes_per_line, &stride);
     }
     const AngleGeometry geometry{height, width, dst_height, dst_width, angle};
-    if (dst_height > 0) std::memset(dst, 0, offset(dst_height, dst_bytes_per_line, 0));
+    if (dst_height > 0 && dst_bytes_per_line > 0)
+        std::memset(dst, 0, offset(dst_height, dst_bytes_per_line, 0));
     for (int v = 0; v < dst_height; ++v)
         for (int u = 0; u < dst_width; ++u) {
             const SourcePoint p = geometry.source_of(u, v);
