@@ -1,4 +1,4 @@
-/* Turning whole pages, by right angles and by any angle.
+/* Turning whole pages, by right angles and by any angle, and straightening photographed ones.
  *
  * Use: size the destination as the function says, call it, read the result's stride or size back.
  * Angles count clockwise: 090 turns the page a quarter turn clockwise, and so does an angle of 90.
@@ -184,6 +184,65 @@ VEMOPREPRO_API int rotate_color(int bytes_per_pixel, const unsigned char* backgr
                                 const unsigned char* src, int height, int width, int bytes_per_line,
                                 unsigned char* dst, int dst_height, int dst_width,
                                 int dst_bytes_per_line, double angle);
+
+/**
+ * Puts the four corners of a page on a photograph into the order that the next two functions take:
+ * clockwise from the upper left one, y growing downwards.
+ *
+ * The upper left corner is the higher of the two leftmost ones (at one height the one less far to
+ * the left); the others follow by the slopes of the lines to them, where a corner below it and to
+ * its left comes last. Corners of one slope, which make no page, stay in the order they were in.
+ *
+ * @param x0 ... y3 the corners, in any order; receive them in theirs
+ * @return 0 the corners are in order
+ * @return -1 null pointer; nothing is written
+ */
+VEMOPREPRO_API int check_points_order(int* x0, int* y0, int* x1, int* y1, int* x2, int* y2, int* x3,
+                                      int* y3);
+
+/**
+ * Says how large a photographed page is: each side the mean of the two opposite sides of the
+ * corners, lengths cut off to whole pixels.
+ *
+ * @param x0 ... y3 the corners, in the order of check_points_order()
+ * @param out_height receives the rows of the straightened page
+ * @param out_width receives the pixels in its rows
+ * @return 0 the size is stored; it may be 0
+ * @return -1 null pointer, and nothing is written; or a side so long that its square does not fit
+ *         in 32 bits (46,340 pixels do), and the size that it belongs to is stored as -1
+ */
+VEMOPREPRO_API int give_appropriate_height_and_width(int x0, int y0, int x1, int y1, int x2, int y2,
+                                                     int x3, int y3, int* out_height,
+                                                     int* out_width);
+
+/**
+ * Straightens a photographed colour page: the part of the image between four corners becomes a
+ * rectangle, by a projective mapping. Lightness is interpolated cubically, colour linearly. Pixel
+ * (0, 0) of the result is the first corner; the other corners lie just behind the last pixels.
+ *
+ * The source is changed: it is left with the luma, red difference and blue difference (128 for
+ * none) of every pixel in place of red, green and blue.
+ *
+ * Places in the two last rows and columns of the image, or in the first ones, take the pixel there
+ * as it is. Corners may lie outside of the image: places there take the nearest pixel of its
+ * border. Corners that make no page (three of them on a line, or crossing sides) give a result
+ * without meaning, of pixels of the image.
+ *
+ * @param src three bytes a pixel, red first, rows without padding: 3 * width * height bytes
+ * @param dst receives 3 * dst_width * dst_height bytes, red first; does not overlap the source
+ * @param width pixels in a row of the source; below 1 (or height below 1) nothing is done
+ * @param height rows of the source
+ * @param dst_width pixels in a row of the result, as give_appropriate_height_and_width() says or
+ *                  any other size; below 1 (or dst_height below 1) only the source is changed
+ * @param dst_height rows of the result
+ * @param x0 ... y3 the corners, in pixels of the source, in the order of check_points_order()
+ * @return 0 the page is straightened
+ * @return -1 null pointer to pixels; nothing is written
+ */
+VEMOPREPRO_API int perspective_transformation_color(unsigned char* src, unsigned char* dst,
+                                                    int width, int height, int dst_width,
+                                                    int dst_height, int x0, int y0, int x1, int y1,
+                                                    int x2, int y2, int x3, int y3);
 
 #ifdef __cplusplus
 }

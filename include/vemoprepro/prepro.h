@@ -7,6 +7,7 @@
 #include "vemoprepro/deskew.h"
 #include "vemoprepro/frame.h"
 #include "vemoprepro/geometry.h"
+#include "vemoprepro/scaling.h"
 #include "vemoprepro/source.h"
 
 #endif /* VEMOPREPRO_PREPRO_H_ */

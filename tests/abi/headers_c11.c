@@ -5,6 +5,7 @@
 #include "vemoprepro/frame.h"
 #include "vemoprepro/geometry.h"
 #include "vemoprepro/prepro.h"
+#include "vemoprepro/scaling.h"
 #include "vemoprepro/source.h"
 
 const char* version_through_c(void) {

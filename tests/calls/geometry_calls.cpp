@@ -63,6 +63,30 @@ auto within_page(int pixel_bytes, double angle) {
     };
 }
 
+// The corners of a page that was photographed from the lower left, in no order.
+int perspective(Desk& desk) {
+    const auto x = [&](double part) { return static_cast<int>(part * desk.width); };
+    const auto y = [&](double part) { return static_cast<int>(part * desk.height); };
+    int c[] = {x(0.99), y(0.71), x(0.02), y(0.97), x(0.93), y(0.06), x(0.11), y(0)};
+    int status = check_points_order(&c[0], &c[1], &c[2], &c[3], &c[4], &c[5], &c[6], &c[7]);
+    if (status < 0) return status;
+    status = give_appropriate_height_and_width(c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7],
+                                               &desk.numbers[0], &desk.numbers[1]);
+    if (status < 0) return status;
+    const int rows = desk.numbers[0];
+    const int pixels = desk.numbers[1];
+    return desk.wrote(perspective_transformation_color(desk.copy(desk.colour), desk.out.data(),
+                                                       desk.width, desk.height, pixels, rows, c[0],
+                                                       c[1], c[2], c[3], c[4], c[5], c[6], c[7]),
+                      desk.out.data(), std::size_t{3} * static_cast<std::size_t>(rows * pixels));
+}
+
+// What is left of the source.
+int luma_and_chroma(Desk& desk) {
+    return desk.wrote_page(perspective_transformation_color(
+        desk.copy(desk.colour), nullptr, desk.width, desk.height, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+}
+
 const bool added = add_calls({
     {"kyd_rotate_180", Allocates::kNo, turned(kyd_rotate_180, false)},
     {"kyd_rotate_270", Allocates::kNo, turned(kyd_rotate_270, true)},
@@ -78,6 +102,8 @@ const bool added = add_calls({
     {"rotate_color, grey, steep", Allocates::kNo, within_page(1, 74)},
     {"rotate_color, colour", Allocates::kNo, within_page(3, 211)},
     {"rotate_color, half", Allocates::kNo, within_page(3, 180)},
+    {"perspective_transformation_color", Allocates::kNo, perspective},
+    {"perspective_transformation_color, source", Allocates::kNo, luma_and_chroma},
 });
 
 }  // namespace

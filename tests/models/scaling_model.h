@@ -3,8 +3,8 @@
 //
 // The arguments and results are those of the exported functions with a number of threads, which is
 // of no account. Grey and colour rows are written up to their width, bitonal rows whole. Sizes
-// below 1 are the callers' affair. Since the exact ratios are told by integer divisions, a side of
-// two pixels that is to remain two counts as one of 4 : 3.
+// below 1 are refused. Since the exact ratios are told by integer divisions, a side of two pixels
+// that is to remain two counts as one of 4 : 3.
 #pragma once
 
 #include <algorithm>
@@ -115,11 +115,17 @@ inline Rgb rgb_of_luma(LumaChroma p) {
     return {std::clamp(r, 0, 255), std::clamp(g, 0, 255), std::clamp(b, 0, 255)};
 }
 
+inline bool sizes_fit(int height, int width, int dst_height, int dst_width) {
+    return height >= 1 && width >= 1 && dst_height >= 1 && dst_width >= 1;
+}
+
 template <Filter filter>
 int scale_grey(const unsigned char* src, int height, int width, int bytes_per_line,
                unsigned char* dst, int dst_height, int dst_width, int dst_bytes_per_line,
                int /*nb_threads*/) {
-    if (bytes_per_line < width || dst_bytes_per_line < dst_width) return -1;
+    if (!sizes_fit(height, width, dst_height, dst_width) || bytes_per_line < width ||
+        dst_bytes_per_line < dst_width)
+        return -1;
     Field grey(height, width);
     for_each_cell(grey, [&](int y, int x) { grey.at(y, x) = src[offset(y, bytes_per_line, x)]; });
     const Field to = scaled(grey, dst_height, dst_width, filter);
@@ -133,7 +139,9 @@ template <Filter of_luma, Filter of_chroma>
 int scale_rgb(const unsigned char* src, int height, int width, int bytes_per_line,
               unsigned char* dst, int dst_height, int dst_width, int dst_bytes_per_line,
               int /*nb_threads*/) {
-    if (bytes_per_line / 3 < width || dst_bytes_per_line / 3 < dst_width) return -1;
+    if (!sizes_fit(height, width, dst_height, dst_width) || bytes_per_line / 3 < width ||
+        dst_bytes_per_line / 3 < dst_width)
+        return -1;
     Field luma(height, width);
     Field red(height, width);
     Field blue(height, width);
@@ -161,7 +169,8 @@ template <Filter filter>
 int scale_bitonal(const unsigned char* src, int height, int width, int bytes_per_line,
                   unsigned char* dst, int dst_height, int dst_width, int dst_bytes_per_line,
                   int /*nb_threads*/) {
-    if (bytes_per_line < word_stride(width) || dst_bytes_per_line < word_stride(dst_width))
+    if (!sizes_fit(height, width, dst_height, dst_width) || bytes_per_line < word_stride(width) ||
+        dst_bytes_per_line < word_stride(dst_width))
         return -1;
     Field grey(height, width);
     for_each_cell(

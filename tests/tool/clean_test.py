@@ -199,11 +199,13 @@ class ForReading(ToolCase):
             shaded = (page * (1.0 - slope * np.linspace(0, 1, page.shape[1]))).astype(np.uint8)
             for grey in (0, 255):
                 shaded[rng.random(page.shape) < noise] = grey
-            ink, steps = self.read(shaded)
-            self.assertEqual("specks" in steps["prepare"]["why"], noise > 0)
-            self.assertEqual(steps["prepare"]["ink_removed"] is not None, noise > 0)
-            self.assertLess((ink ^ plain).sum(), (0.25 if noise else 0.05) * plain.sum(), slope)
-            self.assertLess(ink[:50].mean(), 0.001)
+            for method in ("paper", "gradient"):
+                ink, steps = self.read(shaded, "--binarize", method)
+                self.assertEqual("specks over" in steps["prepare"]["why"], noise > 0)
+                self.assertEqual(steps["prepare"]["ink_removed"] is not None, noise > 0)
+                self.assertEqual("light" in steps["prepare"]["why"], method == "gradient")
+                self.assertLess((ink ^ plain).sum(), (0.25 if noise else 0.06) * plain.sum(), slope)
+                self.assertLess(ink[:50].mean(), 0.001)
 
     def test_doubles_coarse_pages(self):
         for dpi, factor in ((150, 2), (199, 2), (200, 1)):

@@ -61,36 +61,49 @@ Outcome prepare_bits(PageWork& work) {
                       reading::remove_strewn_pixels);
 }
 
-Outcome prepare(PageWork& work) {
+void add_words(std::string& all, const std::string& words) {
+    all += (all.empty() ? "" : ", ") + words;
+}
+
+// What thresholds do that are not those of the paper around each place: shade, stains and the blur
+// that makes fine strokes paler than thick ones are not theirs.
+void help_thresholds(Page& page, std::string& words) {
+    reading::even_light(page);
+    add_words(words, "light evened out");
+    if (!is_coarse(page)) return;
+    reading::sharpen(page);
+    add_words(words, "sharpened");
+}
+
+Outcome prepare(PageWork& work, Binarization binarization) {
     Page& page = work.page;
     if (page.kind == PageKind::kBitonal) return prepare_bits(work);
-    Outcome outcome{true, "light evened out"};
+    Outcome outcome{true, ""};
     const reading::ImpulseSample impulses = reading::sample_impulses(page);
     work.heavily_specked =
         impulses.share > kHeavilySpecked && impulses.free_runs < kMostFreeRuns && !is_coarse(page);
     if (work.heavily_specked) {
         outcome.ink_removed = remove_specks(work);
         outcome.warning = *outcome.ink_removed > kMostInk;
-        outcome.why += ", specks over " + percent(impulses.share) + " of the page removed, " +
-                       percent(*outcome.ink_removed) + " of the ink";
+        outcome.why = "specks over " + percent(impulses.share) + " of the page removed, " +
+                      percent(*outcome.ink_removed) + " of the ink";
     }
-    reading::even_light(page);
+    if (binarization != Binarization::kPaper) help_thresholds(page, outcome.why);
     if (is_coarse(page)) {
-        reading::sharpen(page);
         page = reading::doubled(page);
         work.letters.enlarge(2);
-        outcome.why += ", sharpened, resolution doubled";
+        add_words(outcome.why, "resolution doubled");
     }
+    if (outcome.why.empty()) return {false, "not coarse, no salt and pepper"};
     return outcome;
 }
 
 }  // namespace
 
 Step prepare_step(const StepOptions& options) {
-    const bool wanted = options.prepare;
-    return {"prepare", Effect::kChangesTone, [wanted](PageWork& work) -> Outcome {
-                if (!wanted) return {false, kSwitchedOff};
-                return prepare(work);
+    return {"prepare", Effect::kChangesTone, [options](PageWork& work) -> Outcome {
+                if (!options.prepare) return {false, kSwitchedOff};
+                return prepare(work, options.binarization);
             }};
 }
 
