@@ -191,7 +191,8 @@ VEMOPREPRO_API int rotate_color(int bytes_per_pixel, const unsigned char* backgr
  *
  * The upper left corner is the higher of the two leftmost ones (at one height the one less far to
  * the left); the others follow by the slopes of the lines to them, where a corner below it and to
- * its left comes last. Corners of one slope, which make no page, stay in the order they were in.
+ * its left comes last. Three corners on one line with the first, which make no page, keep their
+ * order.
  *
  * @param x0 ... y3 the corners, in any order; receive them in theirs
  * @return 0 the corners are in order

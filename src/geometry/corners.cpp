@@ -65,7 +65,7 @@ Corners ordered(const Corners& corners) {
             most = i;
         }
     }
-    // Corners of one slope, or at one place with the first, keep their order.
+    // All on one line: they keep their order, so that none is lost.
     if (least == most) most = 2;
     return {corners[first], others[least], others[3 - least - most], others[most]};
 }

@@ -34,7 +34,7 @@ inline bool angle_sizes_agree(int height, int width, double angle) {
 inline bool bitonal_angles_agree(const std::vector<std::uint8_t>& src, const AngleSizes& s,
                                  double angle) {
     std::size_t size = s.dst_bytes();
-    if (quarter_turns(angle) % 2 != 0 && s.stride > 0 && s.dst_stride > 0)
+    if (quarter_turns(angle) % 2 == 1 && s.stride > 0 && s.dst_stride > 0)
         size = std::max(size, offset(8 * s.stride, s.dst_stride, 0));
     support::GuardedBuffer dst(size);
     std::vector<std::uint8_t> expected = dst.contents();
