@@ -6,13 +6,13 @@
 #include "deskew/colour_skew.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <ostream>
 
-#include "common/luminance.h"
 #include "diag/debug_file.h"
 #include "frame/buffer.h"
+#include "simd/pixels/cell_sums.h"
+#include "simd/pixels/grey_rows.h"
 
 namespace deskew {
 
@@ -30,42 +30,34 @@ using Sums = frame::Buffer<std::uint16_t>;
 class GreyRows {
   public:
     explicit GreyRows(const grey::Source& source)
-        : source_(source), stream_(source, 0), buffer_(source.row_bytes()) {}
+        : source_(source),
+          order_(source.type == grey::SourceType::kRgb ? simd::ChannelOrder::kRedFirst
+                                                       : simd::ChannelOrder::kBlueFirst),
+          stream_(source, 0),
+          buffer_(source.row_bytes()) {}
 
     // The row stays until the next call. The grey values of a colour row take the place of its
     // first bytes.
     const std::uint8_t* next() {
         std::uint8_t* row = buffer_.data();
         stream_.next(row);
-        if (source_.colour()) {
-            const int red = source_.type == grey::SourceType::kRgb ? 0 : 2;
-            for (int x = 0; x < source_.width; ++x) {
-                const std::uint8_t* pixel = row + std::ptrdiff_t{3} * x;
-                row[x] = common::luminance_in_thousandths(pixel[red], pixel[1], pixel[2 - red]);
-            }
-        }
+        if (source_.colour())
+            simd::luminance_in_place(row, static_cast<std::size_t>(source_.width), order_);
         return row;
     }
 
   private:
     const grey::Source& source_;
+    simd::ChannelOrder order_;
     grey::RowStream stream_;
     grey::RowBuffer buffer_;
 };
 
-// Adds the grey values of `rows` more rows in groups of `pixels` pixels to sums of zero.
-void sum_rows(GreyRows& page, int rows, std::size_t pixels, Sums& sums) {
+// The sums of the cells that the next `rows` rows make up. `add` is the kernel for their width.
+template <class Add>
+void sum_rows(GreyRows& page, int rows, Add add, Sums& sums) {
     std::fill(sums.begin(), sums.end(), std::uint16_t{0});
-    for (int i = 0; i < rows; ++i) {
-        const std::uint8_t* row = page.next();
-        for (std::size_t cell = 0; cell < sums.size(); ++cell)
-            for (std::size_t x = 0; x < pixels; ++x)
-                sums[cell] = static_cast<std::uint16_t>(sums[cell] + row[cell * pixels + x]);
-    }
-}
-
-std::uint16_t difference(std::uint16_t a, std::uint16_t b) {
-    return static_cast<std::uint16_t>(std::abs(a - b));
+    for (int i = 0; i < rows; ++i) add(page.next(), sums.size(), sums.data());
 }
 
 // Edges between cells above each other: text lines begin and end there.
@@ -74,10 +66,10 @@ void fill_text_edges(const grey::Source& source, Edges& edges) {
     Sums above(edges.lines());
     Sums sums(edges.lines());
     for (std::size_t y = 0; y < edges.length(); ++y) {
-        sum_rows(page, kCellThickness, kCellLength, sums);
+        sum_rows(page, kCellThickness, simd::add_sixteens, sums);
         if (y == 0) std::copy(sums.begin(), sums.end(), above.begin());
-        for (std::size_t cell = 0; cell < edges.lines(); ++cell)
-            edges.line(cell)[y] = difference(sums[cell], above[cell]);
+        simd::absolute_differences(sums.data(), above.data(), sums.size(), above.data());
+        for (std::size_t cell = 0; cell < edges.lines(); ++cell) edges.line(cell)[y] = above[cell];
         std::swap(sums, above);
     }
     edges.close_margins();
@@ -88,11 +80,10 @@ void fill_stem_edges(const grey::Source& source, Edges& edges) {
     GreyRows page(source);
     Sums sums(edges.length());
     for (std::size_t y = 0; y < edges.lines(); ++y) {
-        sum_rows(page, kCellLength, kCellThickness, sums);
+        sum_rows(page, kCellLength, simd::add_pairs, sums);
         std::uint16_t* line = edges.line(y);
         line[0] = 0;
-        for (std::size_t cell = 1; cell < edges.length(); ++cell)
-            line[cell] = difference(sums[cell], sums[cell - 1]);
+        simd::absolute_differences(sums.data() + 1, sums.data(), sums.size() - 1, line + 1);
     }
     edges.close_margins();
 }

@@ -47,6 +47,18 @@ HWY_INLINE VecU16 one_two_one(VecU16 first, VecU16 middle, VecU16 last) {
     return hn::Add(hn::Add(first, last), hn::Add(middle, middle));
 }
 
+// Blocks of 16 bytes that start `step` bytes apart, the first in the lowest lanes.
+template <class D>
+HWY_INLINE hn::Vec<D> load_blocks_apart(D d, const std::uint8_t* from, std::size_t step) {
+    if constexpr (hn::MaxLanes(d) == 16) {
+        return hn::LoadU(d, from);
+    } else {
+        const hn::Half<D> half;
+        return hn::Combine(d, load_blocks_apart(half, from + hn::MaxLanes(half) / 16 * step, step),
+                           load_blocks_apart(half, from, step));
+    }
+}
+
 // A bit per lane, lane 0 in the least significant one.
 template <class Mask>
 HWY_INLINE std::uint64_t bits_of(Mask mask) {

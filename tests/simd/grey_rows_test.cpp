@@ -11,6 +11,11 @@ TEST(GreyRows, LuminanceOfEveryColour) {
         luminance_row(colours.data(), grey.size(), order, grey.data());
         plain::luminance_row(colours.data(), grey.size(), order, expected.data());
         ASSERT_EQ(grey, expected) << "red " << int{colours[0]};
+        Bytes in_place = colours;
+        luminance_in_place(in_place.data(), grey.size(), order);
+        plain::luminance_in_thousandths(colours.data(), grey.size(), order, expected.data());
+        in_place.resize(grey.size());
+        ASSERT_EQ(in_place, expected) << "red " << int{colours[0]};
     });
 }
 

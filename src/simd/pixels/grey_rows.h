@@ -4,7 +4,7 @@
 //
 // Use: one call per row of `width` pixels; a colour row has three bytes per pixel.
 //
-// Keep true: input and output rows do not overlap, except that clamp_saturated() works in place.
+// Keep true: input and output rows do not overlap, except where a function works in place.
 // Nothing is read or written beyond the pixels of a row.
 #pragma once
 
@@ -27,7 +27,11 @@ using NeighbourWeight = std::int16_t;
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey);
 
-// Grey values above kSaturatedMaximum become kSaturatedMaximum where the pixel's colour is strong.
+// Replaces the first `width` bytes of a row by the luminances of its pixels in weights of 1/1000.
+void luminance_in_place(std::uint8_t* row, std::size_t width, ChannelOrder order);
+
+// In place: grey values above kSaturatedMaximum become kSaturatedMaximum where the pixel's colour
+// is strong.
 void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey);
 
 // Whether |first[x] - second[x]| > limit anywhere.

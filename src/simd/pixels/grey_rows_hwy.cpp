@@ -56,6 +56,11 @@ struct ChannelShuffle {
     }
 };
 
+// Weights for products of pairs of 16 bits: of a channel and of green.
+HWY_INLINE hn::Vec<I16> weight_pair(std::uint32_t channel, std::uint32_t green) {
+    return hn::BitCast(kI16, hn::Set(kI32, static_cast<std::int32_t>(green << 16 | channel)));
+}
+
 // Half of the weight of green goes to each of the two sums.
 static_assert(common::kGreenWeight % 2 == 0);
 
@@ -64,34 +69,45 @@ struct LuminanceWeights {
     hn::Vec<I16> last_and_green;
 
     HWY_INLINE explicit LuminanceWeights(ChannelOrder order) {
-        const auto pair = [](std::uint32_t channel) HWY_ATTR {
-            const auto both = static_cast<std::int32_t>((common::kGreenWeight / 2) << 16 | channel);
-            return hn::BitCast(kI16, hn::Set(kI32, both));
-        };
         const bool red_first = order == ChannelOrder::kRedFirst;
-        first_and_green = pair(red_first ? common::kRedWeight : common::kBlueWeight);
-        last_and_green = pair(red_first ? common::kBlueWeight : common::kRedWeight);
+        const std::uint32_t half = common::kGreenWeight / 2;
+        first_and_green = weight_pair(red_first ? common::kRedWeight : common::kBlueWeight, half);
+        last_and_green = weight_pair(red_first ? common::kBlueWeight : common::kRedWeight, half);
+    }
+
+    // The luminances of the first sums in the lower halves of all lanes, of the second in the upper
+    // ones.
+    static HWY_INLINE hn::Vec<I16> two(hn::Vec<I32> first, hn::Vec<I32> second) {
+        return hn::OddEven(hn::BitCast(kI16, second), hn::BitCast(kI16, hn::ShiftRight<16>(first)));
     }
 };
 
-// Four pixels, and four bytes of no use, into each block: those of the next block stand 16 pixels
-// behind those of this one.
-template <class D>
-HWY_INLINE hn::Vec<D> load_four_of_sixteen(D d, const std::uint8_t* colour) {
-    if constexpr (hn::MaxLanes(d) == 16) {
-        return hn::LoadU(d, colour);
-    } else {
-        const hn::Half<D> half;
-        return hn::Combine(d, load_four_of_sixteen(half, colour + 3 * hn::MaxLanes(half)),
-                           load_four_of_sixteen(half, colour));
-    }
-}
+// In weights of 1/1000. An eighth of the sum, rounded down, is at most 31,875, and a 125th of that
+// is its product with 33555 >> 22: 33555 = 2^22 / 125 + 0.568, and 31875 * 0.568 / 2^22 < 1 / 125.
+struct ThousandthWeights {
+    hn::Vec<I16> first_and_green;
+    hn::Vec<I16> last_and_green;
 
-// The sums of products of the pixels that load_four_of_sixteen() takes: the luminance is the upper
-// half of each.
+    HWY_INLINE explicit ThousandthWeights(ChannelOrder order) {
+        const bool red_first = order == ChannelOrder::kRedFirst;
+        first_and_green = weight_pair(red_first ? 299 : 114, 587);
+        last_and_green = weight_pair(red_first ? 114 : 299, 0);
+    }
+
+    static HWY_INLINE hn::Vec<I16> two(hn::Vec<I32> first, hn::Vec<I32> second) {
+        const auto eighths = hn::BitCast(
+            kU16, hn::Or(hn::ShiftRight<3>(first), hn::ShiftLeft<16>(hn::ShiftRight<3>(second))));
+        const VecU16 products = hn::MulHigh(eighths, hn::Set(kU16, std::uint16_t{33555}));
+        return hn::BitCast(kI16, hn::ShiftRight<6>(products));
+    }
+};
+
+// The sums of products of four of every 16 pixels, one block for each; four bytes of the block are
+// of no use.
+template <class Weights>
 HWY_INLINE hn::Vec<I32> weighted_sums(const std::uint8_t* colour, const ChannelShuffle& shuffle,
-                                      const LuminanceWeights& weights) {
-    const VecU8 pixels = load_four_of_sixteen(kU8, colour);
+                                      const Weights& weights) {
+    const VecU8 pixels = load_blocks_apart(kU8, colour, 3 * 16);
     const auto pairs = [&](const std::uint8_t* table) HWY_ATTR {
         return hn::BitCast(kI16, hn::TableLookupBytesOr0(pixels, hn::LoadDup128(kU8, table)));
     };
@@ -105,33 +121,47 @@ HWY_INLINE hn::Vec<I32> weighted_sums(const std::uint8_t* colour, const ChannelS
 
 // A vector of pixels, from the sums of pixels 0 .. 3 of every 16, of pixels 4 .. 7, and so on.
 // Reads 4 bytes behind the pixels.
-HWY_INLINE void luminance_vector(const std::uint8_t* colour, const LuminanceWeights& weights,
+template <class Weights>
+HWY_INLINE void luminance_vector(const std::uint8_t* colour, const Weights& weights,
                                  std::uint8_t* grey) {
     static constexpr ChannelShuffle kShuffle;
     const auto sums = [&](std::size_t i)
                           HWY_ATTR { return weighted_sums(colour + 12 * i, kShuffle, weights); };
-    // Two luminances in the halves of every lane.
-    const auto two = [](auto first, auto second) HWY_ATTR {
-        return hn::OddEven(hn::BitCast(kI16, second), hn::BitCast(kI16, hn::ShiftRight<16>(first)));
-    };
-    const auto all =
-        hn::BitCast(kU8, hn::Or(two(sums(0), sums(1)), hn::ShiftLeft<8>(two(sums(2), sums(3)))));
+    const auto all = hn::BitCast(kU8, hn::Or(Weights::two(sums(0), sums(1)),
+                                             hn::ShiftLeft<8>(Weights::two(sums(2), sums(3)))));
     hn::StoreU(hn::TableLookupBytes(all, hn::LoadDup128(kU8, kShuffle.in_order)), kU8, grey);
 }
 
-void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
-                   std::uint8_t* grey) {
+// All pixels of a row but the last, which are as many as are returned: too near the end to load
+// vectors from. In place, a vector of greys ends before the next colours to be read; the last
+// vector, which overlaps the one before it, has to begin far enough from the start for that.
+template <class Weights>
+HWY_INLINE std::size_t luminance_vectors(const std::uint8_t* colour, std::size_t width,
+                                         ChannelOrder order, std::uint8_t* grey) {
     const std::size_t lanes = hn::Lanes(kU8);
     constexpr std::size_t kReadAhead = 2;  // pixels
-    if (width < lanes + kReadAhead) return plain::luminance_row(colour, width, order, grey);
-    const LuminanceWeights weights(order);
+    const std::size_t least = colour == grey ? 2 * lanes : lanes + kReadAhead;
+    if (width < least) return width;
+    const Weights weights(order);
     const std::size_t last = width - kReadAhead - lanes;
     for (std::size_t x = 0; x < last; x += lanes) {
         luminance_vector(colour + 3 * x, weights, grey + x);
     }
     luminance_vector(colour + 3 * last, weights, grey + last);
-    const std::size_t end = width - kReadAhead;
-    plain::luminance_row(colour + 3 * end, kReadAhead, order, grey + end);
+    return kReadAhead;
+}
+
+void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
+                   std::uint8_t* grey) {
+    const std::size_t rest = luminance_vectors<LuminanceWeights>(colour, width, order, grey);
+    const std::size_t done = width - rest;
+    plain::luminance_row(colour + 3 * done, rest, order, grey + done);
+}
+
+void luminance_in_place(std::uint8_t* row, std::size_t width, ChannelOrder order) {
+    const std::size_t rest = luminance_vectors<ThousandthWeights>(row, width, order, row);
+    const std::size_t done = width - rest;
+    plain::luminance_in_thousandths(row + 3 * done, rest, order, row + done);
 }
 
 HWY_INLINE void clamp_vector(const std::uint8_t* colour, std::uint8_t* grey) {
@@ -295,6 +325,7 @@ HWY_AFTER_NAMESPACE();
 namespace simd {
 
 HWY_EXPORT(luminance_row);
+HWY_EXPORT(luminance_in_place);
 HWY_EXPORT(clamp_saturated);
 HWY_EXPORT(differs_above);
 HWY_EXPORT(smooth_row);
@@ -303,6 +334,10 @@ HWY_EXPORT(gaussian_row);
 void luminance_row(const std::uint8_t* colour, std::size_t width, ChannelOrder order,
                    std::uint8_t* grey) {
     HWY_DYNAMIC_DISPATCH(luminance_row)(colour, width, order, grey);
+}
+
+void luminance_in_place(std::uint8_t* row, std::size_t width, ChannelOrder order) {
+    HWY_DYNAMIC_DISPATCH(luminance_in_place)(row, width, order);
 }
 
 void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {

@@ -17,6 +17,18 @@ inline void luminance_row(const std::uint8_t* colour, std::size_t width, Channel
     }
 }
 
+inline void luminance_in_thousandths(const std::uint8_t* colour, std::size_t width,
+                                     ChannelOrder order, std::uint8_t* grey) {
+    const std::size_t red = order == ChannelOrder::kRedFirst ? 0 : 2;
+    for (std::size_t x = 0; x < width; ++x, colour += 3) {
+        grey[x] = common::luminance_in_thousandths(colour[red], colour[1], colour[2 - red]);
+    }
+}
+
+inline void luminance_in_place(std::uint8_t* row, std::size_t width, ChannelOrder order) {
+    luminance_in_thousandths(row, width, order, row);
+}
+
 inline void clamp_saturated(const std::uint8_t* colour, std::size_t width, std::uint8_t* grey) {
     for (std::size_t x = 0; x < width; ++x, colour += 3) {
         const auto [least, most] = std::minmax({colour[0], colour[1], colour[2]});
