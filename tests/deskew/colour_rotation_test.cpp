@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "models/colour_deskew_comparison.h"
+#include "support/allocation_limit.h"
 #include "support/every_target.h"
 #include "support/random_page.h"
 #include "vemoprepro/deskew.h"
@@ -98,6 +99,17 @@ TEST(ColourRotation, EqualsTheModelOnEveryInstructionSet) {
     }
 }
 
+// Lines that move by more than 256 pixels.
+TEST(ColourRotation, VeryWideAndVeryTallPages) {
+    for (const int skew : {-20, 20}) {
+        for (const auto& [height, width] : {std::pair{3, 8000}, {8000, 3}}) {
+            model::Turn turn{skew, 512, 0, 0, {}};
+            skrotdim(skew, 512, height, width, &turn.out_height, &turn.out_width);
+            expect_models_turn({1, height, width, support::random_bytes(24000, 5)}, turn);
+        }
+    }
+}
+
 // Less than half a unit is no skew, but the page is sheared all the same: by nothing.
 TEST(ColourRotation, WithoutASkewThePageIsLaidOutAnew) {
     for (int pixel_bytes = 1; pixel_bytes <= 4; ++pixel_bytes) {
@@ -143,6 +155,27 @@ TEST(ColourRotation, RefusalsLeaveThePageAlone) {
     EXPECT_EQ(buffer, page);
     EXPECT_EQ(turn(40, 512, 4, height, width), 0);
     EXPECT_EQ(reports, 7);
+}
+
+// Every shear allocates once, before it moves anything.
+TEST(ColourRotation, FailedAllocationEndsItBeforeAShear) {
+    Bytes buffer(80 * 80);
+    const auto turn = [&] {
+        reports = 0;
+        return skrotimg_mem(40, 512, 1, buffer.data(), 50, 60, 80, 80,
+                            [](unsigned, unsigned) { ++reports; });
+    };
+    prepro_redefine_malloc(support::failing_malloc);
+    for (int failing = 0; failing < 3; ++failing) {
+        support::allocations_until_failure = failing;
+        EXPECT_EQ(turn(), -1);
+        EXPECT_EQ(reports, 2 + failing);
+    }
+    support::allocations_until_failure = 3;
+    EXPECT_EQ(turn(), 0);
+    EXPECT_EQ(reports, 5);
+    support::allocations_until_failure = -1;
+    prepro_redefine_malloc(nullptr);
 }
 
 }  // namespace
