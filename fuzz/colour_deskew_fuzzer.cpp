@@ -26,8 +26,8 @@ model::PackedPage page_of(int pixel_bytes, int height, int width, const std::uin
 
 void measure(const std::uint8_t* data, std::size_t size) {
     const int format = data[1] % 4 + (data[1] == 7 ? 2 : 0);
-    const int height = data[2] + 28;
-    const int width = (data[3] | (data[4] & 1) << 8) + 28;
+    const int height = data[2] % 90 + 28;
+    const int width = data[3] % 150 + 28;
     const model::PackedPage page =
         page_of(format == 1 ? 1 : 3, height, width, data + kArguments, size - kArguments);
     check(model::estimated_colour_skew(page, format) == model::modelled_colour_skew(page, format));
@@ -35,8 +35,8 @@ void measure(const std::uint8_t* data, std::size_t size) {
 
 void turn(const std::uint8_t* data, std::size_t size) {
     const int pixel_bytes = 1 + data[1] % 4;
-    const int height = 1 + data[2];
-    const int width = 1 + data[3];
+    const int height = 1 + data[2] % 128;
+    const int width = 1 + data[3] % 160;
     const model::PackedPage page =
         page_of(pixel_bytes, height, width, data + kArguments, size - kArguments);
     model::Turn turn;
