@@ -18,8 +18,7 @@ using threads::Band;
 // Rows that are scaled in width at a time: a strip and its result stay in the second-level cache.
 constexpr std::int32_t kStripRows = 64;
 
-void scale_width(Filter filter, GreyView src, const Band& band, MutableGreyView dst) {
-    const Axis axis(filter, src.width, dst.width);
+void scale_width(const Axis& axis, GreyView src, const Band& band, MutableGreyView dst) {
     const auto strip = static_cast<std::size_t>(std::min(kStripRows, band.last - band.first));
     const auto stride = static_cast<std::ptrdiff_t>(strip);
     const auto columns = static_cast<std::size_t>(src.width);
@@ -36,8 +35,7 @@ void scale_width(Filter filter, GreyView src, const Band& band, MutableGreyView 
     }
 }
 
-void scale_height(Filter filter, GreyView src, const Band& band, MutableGreyView dst) {
-    const Axis axis(filter, src.height, dst.height);
+void scale_height(const Axis& axis, GreyView src, const Band& band, MutableGreyView dst) {
     const auto width = static_cast<std::size_t>(dst.width);
     const auto row = [&](std::int32_t i) { return src.row(i); };
     for (std::int32_t j = band.first; j < band.last; ++j) axis.make(j, row, width, dst.row(j));
@@ -47,13 +45,15 @@ void scale_height(Filter filter, GreyView src, const Band& band, MutableGreyView
 
 void scale_plane(Filter filter, GreyView src, MutableGreyView dst, std::int32_t threads) {
     const std::int32_t n = threads::effective_threads(threads, src.height);
+    const Axis columns(filter, src.width, dst.width);
+    const Axis rows(filter, src.height, dst.height);
     frame::Buffer<std::uint8_t> memory(static_cast<std::size_t>(src.height) *
                                        static_cast<std::size_t>(dst.width));
     const MutableGreyView widened{memory.data(), src.height, dst.width, dst.width};
     threads::run_in_bands(threads::open_bands(src.height, n), n,
-                          [&](const Band& band) { scale_width(filter, src, band, widened); });
+                          [&](const Band& band) { scale_width(columns, src, band, widened); });
     threads::run_in_bands(threads::open_bands(dst.height, n), n,
-                          [&](const Band& band) { scale_height(filter, widened, band, dst); });
+                          [&](const Band& band) { scale_height(rows, widened, band, dst); });
 }
 
 }  // namespace geometry

@@ -32,10 +32,13 @@ constexpr Ratio ratio_of(std::int64_t source, std::int64_t target) {
     return Ratio::kOther;
 }
 
-// Target pixels in a cycle: `phases` of them cover phases - 1 source pixels, or 1 when there are
-// two.
+// A cycle of positions: phases() target pixels over source_pixels() of the source.
 constexpr std::int32_t phases(Ratio ratio) {
     return ratio == Ratio::kTwo ? 2 : ratio == Ratio::kThreeHalves ? 3 : 4;
+}
+
+constexpr std::int32_t source_pixels(Ratio ratio) {
+    return phases(ratio) - 1;
 }
 
 // Where a target pixel lies: `fraction` behind source pixel `index`, 0 <= fraction < 1.

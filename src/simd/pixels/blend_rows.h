@@ -2,7 +2,8 @@
 // cubically in double precision. plain/blend_rows.h says what each function computes.
 //
 // Use: for the pixels of a row between two others, or, after an exchange of rows and columns, for
-// those of a column.
+// those of a column. What a position needs is prepared once with linear_weights() or
+// cubic_weights() and serves all rows.
 //
 // Keep true: out overlaps no row. Nothing is read or written beyond the `width` pixels. Values are
 // cut off towards zero, then clamped to 0 .. 255.
@@ -21,8 +22,8 @@ struct Neighbours {
     const std::uint8_t* p3;
 };
 
-// (-outer0 * p0 + inner1 * p1 + inner2 * p2 - outer3 * p3) / divisor. The inner weights add up to
-// at most 257, the outer ones too, and divisor is 1, 2, 3, 4, 16, 27, 54 or 128.
+// (-outer0 * p0 + inner1 * p1 + inner2 * p2 - outer3 * p3) / divisor. The divisor is 2, 3, 4, 16,
+// 27, 54 or 128; the inner weights add up to at most 9 / 8 of it, and 257, the outer ones too.
 struct WholeWeights {
     std::uint8_t outer0;
     std::uint8_t inner1;
@@ -35,7 +36,24 @@ void weigh_rows(const Neighbours& rows, const WholeWeights& weights, std::size_t
                 std::uint8_t* out);
 
 // At `t` between p1 and p2, 0 <= t < 1.
-void linear_rows(const Neighbours& rows, double t, std::size_t width, std::uint8_t* out);
-void cubic_rows(const Neighbours& rows, double t, std::size_t width, std::uint8_t* out);
+struct LinearWeights {
+    double t;
+    // floor(multiplier * d / 65536) is floor(t * d) for every difference d of two pixels; 0: not
+    // known, because sums of products with t are rounded.
+    std::uint16_t multiplier;
+};
+
+struct CubicWeights {
+    double t;
+    float rest[3];  // the weights of p0, p2 and p3; that of p1 makes them add up to 1
+};
+
+LinearWeights linear_weights(double t);
+CubicWeights cubic_weights(double t);
+
+void linear_rows(const Neighbours& rows, const LinearWeights& weights, std::size_t width,
+                 std::uint8_t* out);
+void cubic_rows(const Neighbours& rows, const CubicWeights& weights, std::size_t width,
+                std::uint8_t* out);
 
 }  // namespace simd

@@ -38,13 +38,15 @@ inline void weigh_rows(const Neighbours& rows, const WholeWeights& weights, std:
     }
 }
 
-inline void linear_rows(const Neighbours& rows, double t, std::size_t width, std::uint8_t* out) {
-    for (std::size_t x = 0; x < width; ++x) out[x] = linear(rows.p1[x], rows.p2[x], t);
+inline void linear_rows(const Neighbours& rows, const LinearWeights& weights, std::size_t width,
+                        std::uint8_t* out) {
+    for (std::size_t x = 0; x < width; ++x) out[x] = linear(rows.p1[x], rows.p2[x], weights.t);
 }
 
-inline void cubic_rows(const Neighbours& rows, double t, std::size_t width, std::uint8_t* out) {
+inline void cubic_rows(const Neighbours& rows, const CubicWeights& weights, std::size_t width,
+                       std::uint8_t* out) {
     for (std::size_t x = 0; x < width; ++x)
-        out[x] = cubic(rows.p0[x], rows.p1[x], rows.p2[x], rows.p3[x], t);
+        out[x] = cubic(rows.p0[x], rows.p1[x], rows.p2[x], rows.p3[x], weights.t);
 }
 
 }  // namespace simd::plain
