@@ -1,8 +1,8 @@
 #include "geometry/colour_scaling.h"
 
 #include "frame/buffer.h"
-#include "geometry/luma_chroma.h"
 #include "geometry/plane_scaling.h"
+#include "simd/pixels/luma_chroma_rows.h"
 
 namespace geometry {
 namespace {
@@ -22,6 +22,9 @@ class Planes {
     MutableGreyView plane(std::size_t i) {
         return {memory_.data() + i * (memory_.size() / 3), height_, width_, width_};
     }
+    simd::LumaChromaRows rows(std::int32_t y) {
+        return {plane(0).row(y), plane(1).row(y), plane(2).row(y)};
+    }
 
   private:
     std::int32_t height_;
@@ -29,44 +32,20 @@ class Planes {
     frame::Buffer<std::uint8_t> memory_;
 };
 
-void separate(ColourView src, Planes& planes) {
-    const MutableGreyView luma = planes.plane(0), red = planes.plane(1), blue = planes.plane(2);
-    for (std::int32_t y = 0; y < src.height; ++y) {
-        const std::uint8_t* pixel = src.row(y);
-        for (std::int32_t x = 0; x < src.width; ++x, pixel += 3) {
-            const LumaChroma value = to_luma_chroma(pixel[0], pixel[1], pixel[2]);
-            luma.row(y)[x] = value.y;
-            red.row(y)[x] = value.cr;
-            blue.row(y)[x] = value.cb;
-        }
-    }
-}
-
-void join(Planes& planes, MutableColourView dst) {
-    const MutableGreyView luma = planes.plane(0), red = planes.plane(1), blue = planes.plane(2);
-    for (std::int32_t y = 0; y < dst.height; ++y) {
-        std::uint8_t* pixel = dst.row(y);
-        for (std::int32_t x = 0; x < dst.width; ++x, pixel += 3) {
-            const Colour value = to_colour({luma.row(y)[x], red.row(y)[x], blue.row(y)[x]});
-            pixel[0] = value.red;
-            pixel[1] = value.green;
-            pixel[2] = value.blue;
-        }
-    }
-}
-
 }  // namespace
 
 void scale_colour(const ColourFilters& filters, ColourView src, MutableColourView dst,
                   std::int32_t threads) {
     Planes from(src.height, src.width);
     Planes to(dst.height, dst.width);
-    separate(src, from);
+    for (std::int32_t y = 0; y < src.height; ++y)
+        simd::separate_row(src.row(y), static_cast<std::size_t>(src.width), from.rows(y));
     for (std::size_t i = 0; i < 3; ++i) {
         const Filter filter = i == 0 ? filters.luma : filters.chroma;
         scale_plane(filter, from.plane(i), to.plane(i), filter == Filter::kBicubic ? threads : 1);
     }
-    join(to, dst);
+    for (std::int32_t y = 0; y < dst.height; ++y)
+        simd::join_row(to.rows(y), static_cast<std::size_t>(dst.width), dst.row(y));
 }
 
 }  // namespace geometry

@@ -3,11 +3,16 @@
 #include <cmath>
 #include <cstring>
 
-#include "geometry/luma_chroma.h"
+#include "common/luma_chroma.h"
 #include "geometry/sampling.h"
 
 namespace geometry {
 namespace {
+
+using common::Colour;
+using common::LumaChroma;
+using common::to_colour_directly;
+using common::to_luma_chroma;
 
 // Three linear forms of the place in the unit square: x / w and y / w is the place in the source.
 struct Forms {

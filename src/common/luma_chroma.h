@@ -13,7 +13,7 @@
 
 #include "common/luminance.h"
 
-namespace geometry {
+namespace common {
 
 struct LumaChroma {
     std::uint8_t y;
@@ -41,19 +41,18 @@ constexpr std::uint8_t clamped_to_byte(std::int32_t value) {
 constexpr LumaChroma to_luma_chroma(std::int32_t red, std::int32_t green, std::int32_t blue) {
     const std::int32_t cr = (32768 * red - 27440 * green - 5328 * blue) / kChromaUnit + 128;
     const std::int32_t cb = (-11056 * red - 21712 * green + 32768 * blue) / kChromaUnit + 128;
-    return {common::luminance(static_cast<std::uint32_t>(red), static_cast<std::uint32_t>(green),
-                              static_cast<std::uint32_t>(blue)),
+    return {luminance(static_cast<std::uint32_t>(red), static_cast<std::uint32_t>(green),
+                      static_cast<std::uint32_t>(blue)),
             static_cast<std::uint8_t>(cr), static_cast<std::uint8_t>(cb)};
 }
 
 // Green is what the luma leaves after red and blue, which count before they are clamped.
 constexpr Colour to_colour(LumaChroma from) {
-    constexpr std::int32_t kGreen = common::kGreenWeight;
+    constexpr std::int32_t kGreen = kGreenWeight;
     const std::int32_t red = from.y + (from.cr - 128) * kRedFromCr / kChromaUnit;
     const std::int32_t blue = from.y + (from.cb - 128) * kBlueFromCb / kChromaUnit;
-    const std::int32_t rest = kChromaUnit * from.y -
-                              static_cast<std::int32_t>(common::kRedWeight) * red -
-                              static_cast<std::int32_t>(common::kBlueWeight) * blue;
+    const std::int32_t rest = kChromaUnit * from.y - static_cast<std::int32_t>(kRedWeight) * red -
+                              static_cast<std::int32_t>(kBlueWeight) * blue;
     return {clamped_to_byte(red), clamped_to_byte(rest / kGreen), clamped_to_byte(blue)};
 }
 
@@ -65,4 +64,4 @@ constexpr Colour to_colour_directly(LumaChroma from) {
             clamped_to_byte(from.y + cb * kBlueFromCb / kChromaUnit)};
 }
 
-}  // namespace geometry
+}  // namespace common
