@@ -5,7 +5,9 @@
 #include <cstring>
 #include <numbers>
 
+#include "geometry/bitonal_tiles.h"
 #include "geometry/source_line.h"
+#include "simd/pixels/blend_line.h"
 
 namespace geometry {
 namespace {
@@ -23,46 +25,6 @@ SourceLines lines_of(std::int32_t src_height, std::int32_t src_width, std::int32
             static_cast<std::int64_t>(kOnePixel * std::sin(theta))};
 }
 
-// The weights of the four pixels around a place, which sum up to 256.
-struct Weights {
-    int upper_left, upper_right, lower_left, lower_right;
-};
-
-Weights weights_at(std::int64_t x, std::int64_t y) {
-    const int right = static_cast<int>(x >> (kFractionBits - 4) & 15);
-    const int lower = static_cast<int>(y >> (kFractionBits - 4) & 15);
-    return {(16 - right) * (16 - lower), right * (16 - lower), (16 - right) * lower, right * lower};
-}
-
-int bit(const std::uint8_t* row, std::int64_t x) {
-    return row[x / 8] >> (7 - x % 8) & 1;
-}
-
-bool black_at(common::BitonalView src, std::int64_t x, std::int64_t y) {
-    const Weights weights = weights_at(x, y);
-    const std::int64_t column = x >> kFractionBits;
-    const std::uint8_t* const upper = src.row(y >> kFractionBits);
-    const std::uint8_t* const lower = upper + src.stride;
-    return weights.upper_left * bit(upper, column) + weights.upper_right * bit(upper, column + 1) +
-               weights.lower_left * bit(lower, column) +
-               weights.lower_right * bit(lower, column + 1) >
-           128;
-}
-
-template <int kPixelBytes>
-void blend(ChannelView<const std::uint8_t> src, std::int64_t x, std::int64_t y, std::uint8_t* out) {
-    const Weights weights = weights_at(x, y);
-    const std::uint8_t* const upper =
-        src.row(y >> kFractionBits) + (x >> kFractionBits) * kPixelBytes;
-    const std::uint8_t* const lower = upper + src.stride;
-    for (int i = 0; i < kPixelBytes; ++i) {
-        const int sum =
-            weights.upper_left * upper[i] + weights.upper_right * upper[i + kPixelBytes] +
-            weights.lower_left * lower[i] + weights.lower_right * lower[i + kPixelBytes];
-        out[i] = static_cast<std::uint8_t>((sum + 128) >> 8);
-    }
-}
-
 template <int kPixelBytes>
 void fill(std::uint8_t* row, std::int64_t first, std::int64_t end, const std::uint8_t* pixel) {
     if constexpr (kPixelBytes == 1) {
@@ -74,20 +36,23 @@ void fill(std::uint8_t* row, std::int64_t first, std::int64_t end, const std::ui
     }
 }
 
+simd::SlantedLine slanted(const std::uint8_t* src, std::ptrdiff_t stride, std::int64_t height,
+                          std::int64_t width, const SourceLines& lines, const SourceLine& line) {
+    return {src, stride, height, width, line.x, line.y, lines.cosine(), -lines.sine()};
+}
+
 template <int kPixelBytes>
 void rotate(ChannelView<const std::uint8_t> src, ChannelView<std::uint8_t> dst,
             const std::uint8_t* background, const SourceLines& lines) {
+    constexpr auto kBlend = kPixelBytes == 1   ? simd::blend_line
+                            : kPixelBytes == 3 ? simd::blend_line_of_3
+                                               : simd::blend_line_of_4;
     for (std::int32_t v = 0; v < dst.height; ++v) {
         const SourceLine line = lines.of_row(v);
         std::uint8_t* const row = dst.row(v);
         fill<kPixelBytes>(row, 0, line.first, background);
-        std::int64_t x = line.x;
-        std::int64_t y = line.y;
-        for (std::int64_t u = line.first; u < line.end; ++u) {
-            blend<kPixelBytes>(src, x, y, row + u * kPixelBytes);
-            x += lines.cosine();
-            y -= lines.sine();
-        }
+        kBlend(slanted(src.data, src.stride, src.height, src.width, lines, line),
+               static_cast<std::size_t>(line.end - line.first), row + line.first * kPixelBytes);
         fill<kPixelBytes>(row, line.end, dst.width, background);
     }
 }
@@ -120,17 +85,7 @@ void rotate_bitonal(common::BitonalView src, common::MutableBitonalView dst, dou
     std::memset(dst.data, 0, dst.size());
     if (dst.width < 1) return;
     const SourceLines lines = lines_of(src.height, src.width, dst.height, dst.width, angle);
-    for (std::int32_t v = 0; v < dst.height; ++v) {
-        const SourceLine line = lines.of_row(v);
-        std::uint8_t* const row = dst.row(v);
-        std::int64_t x = line.x;
-        std::int64_t y = line.y;
-        for (std::int64_t u = line.first; u < line.end; ++u) {
-            if (black_at(src, x, y)) row[u / 8] |= static_cast<std::uint8_t>(0x80 >> (u % 8));
-            x += lines.cosine();
-            y -= lines.sine();
-        }
-    }
+    rotate_tiles(src, dst, lines);
 }
 
 void rotate_pixels(int pixel_bytes, ChannelView<const std::uint8_t> src,
