@@ -1,10 +1,9 @@
 #include "geometry/perspective.h"
 
-#include <cmath>
-#include <cstring>
+#include <algorithm>
 
 #include "common/luma_chroma.h"
-#include "geometry/sampling.h"
+#include "simd/pixels/sample_places.h"
 
 namespace geometry {
 namespace {
@@ -61,51 +60,39 @@ Forms divided(const Forms& forms, std::int32_t by) {
     return {forms.x / by, forms.y / by, forms.w / by};
 }
 
-// The pixel at a place that may be outside, or no number.
-std::int32_t nearest(double place, std::int32_t size) {
-    if (!(place > 0)) return 0;
-    return place < size ? static_cast<std::int32_t>(place) : size - 1;
-}
-
-// Values of one of the three bytes of the pixels around a place.
-class Channel {
+// A piece of a row of the destination, and what it is made of.
+class Piece {
   public:
-    Channel(const std::uint8_t* pixel, std::ptrdiff_t stride) : pixel_(pixel), stride_(stride) {}
+    static constexpr std::int32_t kPixels = 64;
 
-    std::uint8_t cubic(double x, double y) const {
-        return geometry::cubic(cubic_in_row(-1, x), cubic_in_row(0, x), cubic_in_row(1, x),
-                               cubic_in_row(2, x), y);
+    // Walks on to the place behind the last pixel. The sums are part of the result: they are made
+    // pixel by pixel.
+    void walk(Forms& at, const Forms& step, std::size_t pixels) {
+        for (std::size_t i = 0; i < pixels; ++i, at += step) {
+            x_[i] = at.x;
+            y_[i] = at.y;
+            w_[i] = at.w;
+        }
     }
-    std::uint8_t linear(double x, double y) const {
-        return geometry::linear(linear_in_row(0, x), linear_in_row(1, x), y);
+
+    void sample(common::ColourView src, std::size_t pixels) {
+        simd::sample_places({src.data, src.stride, src.height, src.width}, {x_, y_, w_}, pixels,
+                            {luma_, red_, blue_});
+    }
+
+    void store(std::uint8_t* out, std::size_t pixels) const {
+        for (std::size_t i = 0; i < pixels; ++i, out += 3) {
+            const Colour colour = to_colour_directly({luma_[i], red_[i], blue_[i]});
+            out[0] = colour.red;
+            out[1] = colour.green;
+            out[2] = colour.blue;
+        }
     }
 
   private:
-    std::uint8_t cubic_in_row(std::ptrdiff_t row, double x) const {
-        const std::uint8_t* const at = pixel_ + row * stride_;
-        return geometry::cubic(at[-3], at[0], at[3], at[6], x);
-    }
-    std::uint8_t linear_in_row(std::ptrdiff_t row, double x) const {
-        const std::uint8_t* const at = pixel_ + row * stride_;
-        return geometry::linear(at[0], at[3], x);
-    }
-
-    const std::uint8_t* pixel_;
-    std::ptrdiff_t stride_;
+    double x_[kPixels], y_[kPixels], w_[kPixels];
+    std::uint8_t luma_[kPixels], red_[kPixels], blue_[kPixels];
 };
-
-LumaChroma sample(common::ColourView src, double x, double y) {
-    const double column = std::floor(x);
-    const double row = std::floor(y);
-    // Not true of places that are no numbers.
-    const bool inside = column >= 1 && column + 2 < src.width && row >= 1 && row + 2 < src.height;
-    const std::uint8_t* const pixel =
-        src.row(nearest(row, src.height)) + std::ptrdiff_t{3} * nearest(column, src.width);
-    if (!inside) return {pixel[0], pixel[1], pixel[2]};
-    return {Channel(pixel, src.stride).cubic(x - column, y - row),
-            Channel(pixel + 1, src.stride).linear(x - column, y - row),
-            Channel(pixel + 2, src.stride).linear(x - column, y - row)};
-}
 
 }  // namespace
 
@@ -126,14 +113,14 @@ void rectify(common::ColourView src, const Corners& corners, common::MutableColo
     const Forms pixel_step = divided(mapping.to_right, dst.width);
     const Forms row_step = divided(mapping.downwards, dst.height);
     Forms row_start = mapping.upper_left;
+    Piece piece;
     for (std::int32_t v = 0; v < dst.height; ++v, row_start += row_step) {
         Forms at = row_start;
-        std::uint8_t* pixel = dst.row(v);
-        for (std::int32_t u = 0; u < dst.width; ++u, pixel += 3, at += pixel_step) {
-            const Colour colour = to_colour_directly(sample(src, at.x / at.w, at.y / at.w));
-            pixel[0] = colour.red;
-            pixel[1] = colour.green;
-            pixel[2] = colour.blue;
+        for (std::int32_t u = 0; u < dst.width; u += Piece::kPixels) {
+            const auto pixels = static_cast<std::size_t>(std::min(Piece::kPixels, dst.width - u));
+            piece.walk(at, pixel_step, pixels);
+            piece.sample(src, pixels);
+            piece.store(dst.row(v) + std::ptrdiff_t{3} * u, pixels);
         }
     }
 }
