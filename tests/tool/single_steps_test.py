@@ -69,7 +69,7 @@ class SingleSteps(ToolCase):
             found = tuple(int(ink[part].mean() > 0.5) for part in (line, letter, speck, border))
             self.assertEqual(found, kept, (command, options))
         self.save("grey.tif", text_page().point(lambda v: 255 * (v > 99)), text_page())
-        for command in ("deskew", "despeckle", "unline", "underlines", "textmask"):
+        for command in ("despeckle", "unline", "underlines", "textmask"):
             self.fails(command, "grey.tif", "-o", "x.tif",
                        lines=[f"grey.tif: page 2: {command} takes bitonal pages, this one is grey "
                               "(clean binarizes first)"])
@@ -99,8 +99,8 @@ class Words(ToolCase):
     def test_help_and_version(self):
         self.assertIn(b"vemoprepro 16.", self.good("--version").stdout)
         self.assertIn(b"Examples:", self.good("--help").stdout)
-        for command in ("clean", "binarize", "deskew", "rotate", "despeckle", "unline", "underlines",
-                        "crop", "textmask", "info"):
+        for command in ("clean", "binarize", "deskew", "rotate", "scale", "perspective", "despeckle",
+                        "unline", "underlines", "crop", "textmask", "info"):
             self.assertIn(b"INPUT", self.good(command, "--help").stdout)
 
     def test_inputs_may_follow_a_list(self):
@@ -111,7 +111,7 @@ class Words(ToolCase):
     def test_wrong_usage(self):
         for arguments in (["clean"], ["clean", "a.png"], ["clean", "a.png", "-o", "b.xyz"], ["clean", "a.png", "-o", ""],
                           ["clean", "a", "b", "-o", "-"], ["clean", "-", "-", "-o", "."],
-                          ["rotate", "45", "a", "-o", "b.tif"], ["deskew", "a", "--threshold", "9"]):
+                          ["rotate", "x", "a", "-o", "b.tif"], ["deskew", "a", "--threshold", "9"]):
             self.usage(*arguments)
         for options in ("--skew 10.7", "--skew -90", "--skew nan", "--skew ", "--apply ", "--report ",
                         "--skew 1 --no-deskew", "--threshold 256", "--threshold dark",

@@ -3,7 +3,7 @@
 # room by themselves.
 if(TARGET vemoprepro)
     find_program(VEMOPREPRO_TEST_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH)
-    foreach(subject formats clean single_steps errors hostile_files folders interrupt messages usage report)
+    foreach(subject formats clean single_steps geometry_commands errors hostile_files folders interrupt messages usage report)
         add_test(NAME tool.${subject}
                  COMMAND ${VEMOPREPRO_TEST_PYTHON} ${CMAKE_CURRENT_LIST_DIR}/${subject}_test.py)
         set_tests_properties(tool.${subject} PROPERTIES

@@ -89,7 +89,7 @@ void PagePainter::follow(const steps::Step& step, const steps::PageWork& work) {
         move(turned(90 * quarter_turns, size_of(last_), size_of(page)));
     } else if (step.effect == steps::Effect::kTurnsPage) {
         const double skew = work.skew ? work.skew->degrees() : 0;
-        move(turned(skew, size_of(last_), size_of(page)));
+        move(turned(skew + work.turned_degrees, size_of(last_), size_of(page)));
     } else if (page.width != last_.width || page.height != last_.height) {
         move(scaled_to(size_of(last_), size_of(page)));
     }

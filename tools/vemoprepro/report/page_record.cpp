@@ -29,6 +29,7 @@ PageRecord record_of(std::size_t number, const steps::PageWork& work, double sec
     record.confidence = work.confidence;
     record.threshold = work.threshold;
     record.content = work.content;
+    record.corners = work.corners;
     record.steps = work.notes;
     record.output = shape_of(work.page);
     record.seconds = seconds;

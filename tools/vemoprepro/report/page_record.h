@@ -19,6 +19,7 @@ struct PageRecord {
     std::optional<double> confidence;  // none when the skew was not measured
     std::optional<int> threshold;
     std::optional<Box> content;
+    std::optional<Corners> corners;  // of the page on its photograph
     std::vector<steps::StepNote> steps;
     PageShape output;
     double seconds = 0;

@@ -34,9 +34,21 @@ const std::map<std::string, const char*>& examples() {
          "  vemoprepro clean a.tif -o b.tif --json >a.json   with a record of what was found\n"
          "  vemoprepro clean c.tif -o d.tif --apply a.json   the same skews and thresholds again"},
         {"binarize", "Example: vemoprepro binarize scan.jpg -o page.png --threshold 120"},
-        {"deskew", "Example: vemoprepro deskew fax.tif -o straight.tif"},
+        {"deskew", "Example: vemoprepro deskew scan.png -o straight.png"},
         {"crop", "Example: vemoprepro crop scan.png -o framed.png"},
-        {"rotate", "Example: vemoprepro rotate 90 scan.png -o turned.png"},
+        {"rotate",
+         "Examples:\n"
+         "  vemoprepro rotate 90 scan.png -o turned.png                     a quarter turn\n"
+         "  vemoprepro rotate -2.5 scan.png -o turned.png --background border"},
+        {"perspective",
+         "Examples:\n"
+         "  vemoprepro perspective photo.jpg -o page.png\n"
+         "  vemoprepro perspective photo.jpg -o page.png --corners 40,60 980,20 1010,1390 25,1350"},
+        {"scale",
+         "Examples:\n"
+         "  vemoprepro scale scan.png -o half.png --factor 0.5\n"
+         "  vemoprepro scale scan.png -o page.png --dpi 300\n"
+         "  vemoprepro scale scan.png -o thumb.png --size 170x240 --filter bilinear"},
         {"despeckle", "Example: vemoprepro despeckle fax.tif -o quiet.tif --keep-near 4"},
         {"unline", "Example: vemoprepro unline form.tif -o words.tif --lines horizontal"},
         {"underlines", "Example: vemoprepro underlines form.tif -o lines.tif"},

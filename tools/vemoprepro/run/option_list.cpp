@@ -28,7 +28,7 @@ void add_words(CLI::App& command, Options& options) {
         ->excludes(quiet);
 }
 
-void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
+void add_files(CLI::App& command, Options& options, RawOptions& raw) {
     command
         .add_option("-o,--output", options.output,
                     "A file for one input, a folder for several (made if its parent exists); - is "
@@ -47,11 +47,6 @@ void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
     command
         .add_option("-j,--jobs", options.jobs, "Pages worked on side by side (default: all cores)")
         ->check(CLI::Range(1, 1024));
-    command
-        .add_option(
-            "--dpi", raw.dpi,
-            "Resolution in place of the file's (default: the file's, or as the letters look)")
-        ->check(CLI::Range(1, 100000));
     command.add_flag("--json", options.json, "Print a record of what was found as JSON");
     command
         .add_option("--report", options.report_folder,
@@ -59,6 +54,15 @@ void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
         ->type_name("DIR")
         ->check(not_empty());
     add_words(command, options);
+}
+
+void add_outputs(CLI::App& command, Options& options, RawOptions& raw) {
+    add_files(command, options, raw);
+    command
+        .add_option(
+            "--dpi", raw.dpi,
+            "Resolution in place of the file's (default: the file's, or as the letters look)")
+        ->check(CLI::Range(1, 100000));
 }
 
 CLI::Option* add_threshold(CLI::App& command, RawOptions& raw) {
@@ -203,23 +207,69 @@ void add_single_steps(CLI::App& app, Options& options, RawOptions& raw) {
     add_outputs(*binarize, options, raw);
     add_threshold(*binarize, raw);
 
-    CLI::App* deskew = app.add_subcommand("deskew", "Straighten bitonal pages, nothing else");
-    add_inputs(*deskew, options);
-    add_outputs(*deskew, options, raw);
-    add_skew(*deskew, raw);
-
     CLI::App* crop = app.add_subcommand(
         "crop", "Paint dark borders over, nothing else; the kind and the size are kept");
     add_inputs(*crop, options);
     add_outputs(*crop, options, raw);
     add_force(*crop, options);
+}
 
-    CLI::App* rotate = app.add_subcommand("rotate", "Turn pages by right angles; the kind is kept");
-    rotate->add_option("ANGLE", raw.angle, "Degrees clockwise: 90, 180 or 270")
-        ->required()
-        ->check(CLI::IsMember({90, 180, 270}));
+void add_background(CLI::App& command, RawOptions& raw, const std::string& preset) {
+    command
+        .add_option("--background", raw.background,
+                    "What the page does not cover: white, border (as its edge is), a grey 0 .. 255 "
+                    "or a colour R,G,B (default: " +
+                        preset + ")")
+        ->type_name("COLOUR");
+}
+
+void add_scale(CLI::App& app, Options& options, RawOptions& raw) {
+    CLI::App* scale = app.add_subcommand("scale", "Bring pages to another size; the kind is kept");
+    add_inputs(*scale, options);
+    add_files(*scale, options, raw);
+    auto* size = scale->add_option("--size", raw.size, "The size of the result, in pixels");
+    size->type_name("WxH");
+    auto* factor = scale->add_option("--factor", raw.factor, "So many times as wide and high");
+    factor->type_name("F")->excludes(size);
+    scale->add_option("--dpi", raw.dpi, "To this resolution, from the one that the file states")
+        ->check(CLI::Range(1, 100000))
+        ->excludes(size)
+        ->excludes(factor);
+    scale->add_option("--from-dpi", raw.from_dpi, "Resolution of the page in place of the file's")
+        ->check(CLI::Range(1, 100000));
+    scale->add_option("--filter", raw.filter, "bicubic (default) or bilinear")
+        ->check(CLI::IsMember({"bilinear", "bicubic"}));
+}
+
+void add_geometry(CLI::App& app, Options& options, RawOptions& raw) {
+    CLI::App* deskew =
+        app.add_subcommand("deskew", "Straighten pages, nothing else; the kind is kept");
+    add_inputs(*deskew, options);
+    add_outputs(*deskew, options, raw);
+    add_skew(*deskew, raw);
+    add_background(*deskew, raw, "border, on bitonal pages white");
+
+    CLI::App* rotate = app.add_subcommand("rotate", "Turn pages by any angle; the kind is kept");
+    rotate
+        ->add_option("ANGLE", raw.angle,
+                     "Degrees clockwise, between -360 and 360; right angles move pixels only")
+        ->required();
     add_inputs(*rotate, options);
     add_outputs(*rotate, options, raw);
+    add_background(*rotate, raw, "white");
+
+    CLI::App* perspective = app.add_subcommand(
+        "perspective", "Make photographed pages upright and rectangular; the kind is kept");
+    add_inputs(*perspective, options);
+    add_outputs(*perspective, options, raw);
+    perspective
+        ->add_option("--corners", raw.corners,
+                     "The page's corners in pixels of the upright picture, in any order (default: "
+                     "found where they are clear)")
+        ->expected(4)
+        ->type_name("x,y x,y x,y x,y");
+
+    add_scale(app, options, raw);
 }
 
 void add_info(CLI::App& app, Options& options) {
@@ -236,6 +286,7 @@ void describe_options(CLI::App& app, Options& options, RawOptions& raw) {
     app.require_subcommand(1);
     add_clean(app, options, raw);
     add_single_steps(app, options, raw);
+    add_geometry(app, options, raw);
     add_bitonal_steps(app, options, raw);
     add_info(app, options);
     for (CLI::App* command : app.get_subcommands({})) add_examples(*command);

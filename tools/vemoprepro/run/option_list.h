@@ -31,7 +31,13 @@ struct RawOptions {
     int max_height = 0;
     double skew_degrees = 0;
     int dpi = 0;
-    int angle = 0;
+    int from_dpi = 0;
+    std::string angle;
+    std::string background;
+    std::string size;
+    std::string factor;
+    std::string filter;
+    std::vector<std::string> corners;
     bool no_deskew = false;
     bool no_turn = false;
 };

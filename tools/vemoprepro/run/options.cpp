@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "run/file_names.h"
+#include "run/geometry_options.h"
 #include "run/messages.h"
 #include "run/option_list.h"
 #include "run/usage.h"
@@ -40,11 +41,17 @@ steps::Skew skew_from(double degrees) {
 
 steps::Command command_named(const std::string& name) {
     static const std::map<std::string, steps::Command> kCommands = {
-        {"clean", steps::Command::kClean},           {"binarize", steps::Command::kBinarize},
-        {"deskew", steps::Command::kDeskew},         {"rotate", steps::Command::kRotate},
-        {"despeckle", steps::Command::kDespeckle},   {"unline", steps::Command::kUnline},
-        {"underlines", steps::Command::kUnderlines}, {"crop", steps::Command::kCrop},
-        {"textmask", steps::Command::kTextmask}};
+        {"clean", steps::Command::kClean},
+        {"binarize", steps::Command::kBinarize},
+        {"deskew", steps::Command::kDeskew},
+        {"rotate", steps::Command::kRotate},
+        {"despeckle", steps::Command::kDespeckle},
+        {"unline", steps::Command::kUnline},
+        {"underlines", steps::Command::kUnderlines},
+        {"crop", steps::Command::kCrop},
+        {"textmask", steps::Command::kTextmask},
+        {"scale", steps::Command::kScale},
+        {"perspective", steps::Command::kPerspective}};
     return kCommands.at(name);
 }
 
@@ -120,13 +127,18 @@ Options options_from(const CLI::App& command, Options options, const RawOptions&
     options.steps.command = command_named(options.command);
     if (!raw.format.empty()) options.format = format_named(raw.format);
     options.format_name = raw.format;
-    if (command.count("--dpi") != 0) options.steps.dpi = raw.dpi;
+    // What --dpi asks scale for is the result's.
+    if (options.steps.command == steps::Command::kScale) {
+        if (given(command, "--from-dpi")) options.steps.dpi = raw.from_dpi;
+    } else if (given(command, "--dpi")) {
+        options.steps.dpi = raw.dpi;
+    }
     take_binarization(command, options, raw);
     take_steps(command, options, raw);
     options.steps.straighten = !raw.no_deskew;
     options.steps.turn_by_text = !raw.no_turn;
     if (given(command, "--skew")) options.steps.skew = skew_from(raw.skew_degrees);
-    options.steps.quarter_turns = raw.angle / 90;
+    take_geometry(command, options.steps, raw);
     return options;
 }
 
@@ -158,7 +170,7 @@ std::string plain(const CLI::ParseError& error) {
     }
     const std::string no_number = "Could not convert: ";
     if (what.rfind(no_number, 0) == 0) return what.substr(no_number.size()) + " is no number";
-    if (what.compare(0, 6, "ANGLE:") == 0) return "ANGLE comes before INPUT: 90, 180 or 270";
+    if (what == "ANGLE is required") return "ANGLE is missing: how many degrees clockwise?";
     if (what == "INPUT is required") return "INPUT is missing: which files or folders?";
     if (what == "--output is required") return "-o OUT is missing: where is the result to go?";
     return what;

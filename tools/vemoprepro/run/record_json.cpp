@@ -47,6 +47,12 @@ Json box_json(const std::optional<Box>& box) {
     return {{"x", box->x}, {"y", box->y}, {"width", box->width}, {"height", box->height}};
 }
 
+Json corners_json(const Corners& corners) {
+    Json json = Json::array();
+    for (const Corner& corner : corners) json.push_back({corner.x, corner.y});
+    return json;
+}
+
 Json share_json(const std::optional<double>& share) {
     if (!share) return nullptr;
     return std::round(*share * 1e5) / 1e5;
@@ -77,6 +83,7 @@ Json to_json(const report::PageRecord& record) {
     json["skew"] = skew_json(record);
     json["threshold"] = record.threshold ? Json(*record.threshold) : Json(nullptr);
     json["content"] = box_json(record.content);
+    if (record.corners) json["corners"] = corners_json(*record.corners);
     json["steps"] = Json::array();
     for (const steps::StepNote& step : record.steps) json["steps"].push_back(step_json(step));
     json["output"] = size_json(record.output);

@@ -1,18 +1,11 @@
-// Straightening. A bitonal page is turned by the library's shears, a grey one is resampled.
-#include <vemoprepro/deskew.h>
-
+// Straightening, of pages of every kind.
 #include <cmath>
-#include <cstdlib>
-#include <new>
-#include <optional>
 #include <string>
-#include <utility>
 
-#include "reading/resample.h"
-#include "steps/ink_removal.h"
 #include "steps/number_text.h"
 #include "steps/skew_measure.h"
 #include "steps/step.h"
+#include "steps/straighten.h"
 
 namespace tool::steps {
 namespace {
@@ -22,44 +15,31 @@ constexpr double kStraightDegrees = 0.06;
 
 constexpr int kShortestSide = 32;  // of a page with room for lines
 
-// The straight page without its pixels.
-Page straight_frame(const Page& page, Skew skew) {
-    Page straight;
-    straight.dpi = page.dpi;
-    straight.scale = page.scale;
-    if (skrotbmp_dim(skew.numerator, skew.denominator, page.height, page.width, &straight.height,
-                     &straight.width) != 0) {
-        throw PageError("the skew is out of range");
-    }
-    return straight;
+// With --for ocr greys are resampled: one interpolation keeps the letters' edges best.
+Straightening way_of(const Page& page, bool for_reading) {
+    if (page.kind == PageKind::kBitonal) return Straightening::kPieces;
+    return for_reading ? Straightening::kResampled : Straightening::kPixels;
 }
 
-void straighten(Page& page, Skew skew, Page straight) {
-    if (page.kind == PageKind::kGrey) {
-        page = reading::levelled(page, skew.numerator, skew.denominator, straight.width,
-                                 straight.height);
-        return;
-    }
-    straight.bytes = allocate_pixels(straight.size());
-    if (skrotbmp_mem(skew.numerator, skew.denominator, page.bytes.get(), page.height, page.width,
-                     static_cast<int>(page.stride()), straight.bytes.get(), straight.height,
-                     straight.width, static_cast<int>(straight.stride()), nullptr) != 0) {
-        throw std::bad_alloc();
-    }
-    page = std::move(straight);
+// Unless asked otherwise, greys and colours go on as they are at the page's border.
+Background background_for(const Page& page, const StepOptions& options) {
+    return options.background.value_or(Background{page.kind != PageKind::kBitonal, kWhite});
 }
 
-Outcome straighten_by(Page& page, Skew skew, const std::string& source) {
+Outcome straighten_by(PageWork& work, Skew skew, const std::string& source,
+                      const StepOptions& options) {
+    Page& page = work.page;
     if (std::abs(skew.degrees()) < kStraightDegrees) return {false, "already straight" + source};
-    Page straight = straight_frame(page, skew);
-    if (straight.width > kLongestSide || straight.height > kLongestSide) {
+    const Straightening way = way_of(page, options.for_reading);
+    const StraightSize size = straight_size(page, skew, way);
+    if (size.width > kLongestSide || size.height > kLongestSide) {
         return {false, "straight it would be larger than 32767 pixels a side" + source};
     }
-    straighten(page, skew, std::move(straight));
+    straighten(page, skew, way, background_for(page, options));
     return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
 }
 
-Outcome measure_and_straighten(PageWork& work) {
+Outcome measure_and_straighten(PageWork& work, const StepOptions& options) {
     if (work.page.height < kShortestSide || work.page.width < kShortestSide) {
         return {false, "smaller than 32 pixels a side"};
     }
@@ -72,22 +52,18 @@ Outcome measure_and_straighten(PageWork& work) {
     if (!measured.skew) {
         return {false, measured.doubt + (measured.confidence > 0 ? confidence : "")};
     }
-    return straighten_by(work.page, *measured.skew, confidence);
+    return straighten_by(work, *measured.skew, confidence, options);
 }
 
 }  // namespace
 
 Step deskew_step(const StepOptions& options) {
-    const bool wanted = options.straighten;
-    const bool greys = options.for_reading;
-    const std::optional<Skew> given = options.skew;
     return {"deskew", Effect::kTurnsPage, [=](PageWork& work) -> Outcome {
-                if (!wanted) return {false, kSwitchedOff};
-                if (!greys) require_bitonal(work.page, "deskew");
-                if (!given && !work.given.skew) return measure_and_straighten(work);
-                work.skew = given ? given : work.given.skew;
-                return straighten_by(work.page, *work.skew,
-                                     given ? " (as given)" : " (as recorded)");
+                if (!options.straighten) return {false, kSwitchedOff};
+                if (!options.skew && !work.given.skew) return measure_and_straighten(work, options);
+                work.skew = options.skew ? options.skew : work.given.skew;
+                return straighten_by(work, *work.skew,
+                                     options.skew ? " (as given)" : " (as recorded)", options);
             }};
 }
 

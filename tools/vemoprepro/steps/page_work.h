@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "page/page.h"
+#include "page/perspective.h"
 #include "reading/letters.h"
 #include "reading/page_lie.h"
 #include "steps/skew.h"
@@ -54,9 +55,11 @@ struct PageWork {
     reading::LetterSurvey letters;  // of the page before its first step, in pixels of `page`
     Findings given;
 
-    PageShape source;       // of the page before its first step
-    bool negative = false;  // light and dark are exchanged at the moment
-    int quarter_turns = 0;  // clockwise, that the steps have made
+    PageShape source;                // of the page before its first step
+    bool negative = false;           // light and dark are exchanged at the moment
+    int quarter_turns = 0;           // clockwise, that the steps have made
+    double turned_degrees = 0;       // clockwise, by the rotate step, when it was no right angle
+    std::optional<Corners> corners;  // of the page on its photograph, when it was made upright
 
     std::optional<reading::PageLie> lie;  // once it was looked at, before steps change the ink
 

@@ -42,7 +42,11 @@ Pipeline make_pipeline(const StepOptions& options) {
         case Command::kDeskew:
             return {orientation_step(options), deskew_step(options)};
         case Command::kRotate:
-            return {orientation_step(options), rotate_step(options.quarter_turns)};
+            return {orientation_step(options), rotate_step(options)};
+        case Command::kScale:
+            return {orientation_step(options), scale_step(options)};
+        case Command::kPerspective:
+            return {orientation_step(options), perspective_step(options)};
         case Command::kDespeckle:
             return {orientation_step(options), negative_step(options), despeckle_step(options),
                     positive_step()};

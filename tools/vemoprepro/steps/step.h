@@ -15,6 +15,7 @@ namespace tool::steps {
 enum class Effect {
     kBringsUpright,  // the page is now as it was meant to lie before the work
     kTurnsPage,      // its pixels lie elsewhere
+    kScalesPage,     // it has another number of pixels
     kTakesInk,       // what is lighter afterwards was taken off
     kChangesTone     // paper and ink have other greys
 };
@@ -31,8 +32,12 @@ constexpr const char* kSwitchedOff = "switched off";
 
 // Turns the page as its file asks for.
 Step orientation_step(const StepOptions& options);
-// Turns the page clockwise.
-Step rotate_step(int quarter_turns);
+// Turns the page by the given angle.
+Step rotate_step(const StepOptions& options);
+// Brings the page to the wanted size.
+Step scale_step(const StepOptions& options);
+// Makes a page that was photographed at an angle upright and rectangular.
+Step perspective_step(const StepOptions& options);
 // Makes a colour page grey, the one that the library binarizes it from: lets go of the colours
 // early and has the greys at hand for the steps in between. Leaves no note.
 Step grey_step();
@@ -48,8 +53,7 @@ Step border_step(const StepOptions& options);
 Step prepare_step(const StepOptions& options);
 // Makes a grey page bitonal.
 Step binarize_step(const StepOptions& options);
-// Measures the skew of a page (or takes the given one) and turns a bitonal page straight; with
-// --for ocr a grey one, too.
+// Measures the skew of a page (or takes the given one) and turns it straight.
 Step deskew_step(const StepOptions& options);
 
 // Steps on bitonal pages.

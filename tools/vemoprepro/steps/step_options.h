@@ -3,6 +3,9 @@
 
 #include <optional>
 
+#include "page/background.h"
+#include "page/perspective.h"
+#include "page/scale.h"
 #include "steps/skew.h"
 
 namespace tool::steps {
@@ -13,6 +16,8 @@ enum class Command {
     kBinarize,
     kDeskew,
     kRotate,
+    kScale,
+    kPerspective,
     kDespeckle,
     kUnline,
     kUnderlines,
@@ -22,7 +27,9 @@ enum class Command {
 
 // The results are of the pages' own kinds; else they are bitonal.
 constexpr bool keeps_kind(Command command) {
-    return command == Command::kRotate || command == Command::kCrop;
+    return command == Command::kDeskew || command == Command::kRotate ||
+           command == Command::kScale || command == Command::kPerspective ||
+           command == Command::kCrop;
 }
 
 enum class Binarization { kPaper, kGradient, kOtsu, kFixed };
@@ -51,6 +58,17 @@ struct TextOptions {
     int min_density = 1;
 };
 
+// One of the first three says how far.
+struct ScaleOptions {
+    struct Size {
+        int width, height;
+    };
+    std::optional<Size> size;
+    std::optional<double> factor;
+    std::optional<int> dpi;  // of the result
+    Filter filter = Filter::kBicubic;
+};
+
 struct StepOptions {
     Command command = Command::kClean;
     std::optional<int> dpi;  // none: the file's, or the default
@@ -65,9 +83,13 @@ struct StepOptions {
     bool crop_border = false;
     DespeckleOptions despeckle;
     LineOptions lines;
-    TextOptions text;       // of the textmask command
-    bool force = false;     // steps may take more than a tenth of the ink
-    int quarter_turns = 0;  // clockwise, of the rotate command
+    TextOptions text;    // of the textmask command
+    bool force = false;  // steps may take more than a tenth of the ink
+    double angle = 0;    // of the rotate command, in degrees clockwise
+    // Where a turned page does not cover the result. None: the step's default.
+    std::optional<Background> background;
+    ScaleOptions scale;              // of the scale command
+    std::optional<Corners> corners;  // of the perspective command, in their order; none: found
 };
 
 }  // namespace tool::steps

@@ -1,4 +1,5 @@
-// Right-angle turns.
+// Turns: as the file or the text asks for, and by an angle that was asked for.
+#include <cmath>
 #include <optional>
 #include <string>
 #include <utility>
@@ -6,6 +7,7 @@
 #include "page/negative.h"
 #include "page/turn.h"
 #include "reading/page_lie.h"
+#include "steps/number_text.h"
 #include "steps/step.h"
 
 namespace tool::steps {
@@ -64,9 +66,20 @@ Step orientation_step(const StepOptions& options) {
             }};
 }
 
-Step rotate_step(int quarter_turns) {
-    return {"rotate", Effect::kTurnsPage,
-            [quarter_turns](PageWork& work) { return turn_by(work, quarter_turns, ""); }};
+Step rotate_step(const StepOptions& options) {
+    const double angle = options.angle;
+    const Background background = options.background.value_or(Background{});
+    return {"rotate", Effect::kTurnsPage, [=](PageWork& work) -> Outcome {
+                const double quarters = angle / 90;
+                if (std::floor(quarters) == quarters) {
+                    const int turns = (static_cast<int>(quarters) + 4) % 4;
+                    if (turns == 0) return {false, "no angle"};
+                    return turn_by(work, turns, "");
+                }
+                turn_by_degrees(work.page, angle, background_of(work.page, background));
+                work.turned_degrees = angle;
+                return {true, with_digits("turned %g degrees clockwise", angle)};
+            }};
 }
 
 }  // namespace tool::steps
