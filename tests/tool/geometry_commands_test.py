@@ -171,6 +171,55 @@ class Deskew(GeometryCase):
             self.assertEqual(out.getpixel((0, 0)), colour, options)
 
 
+class KeepColour(GeometryCase):
+    def test_the_kept_page_lies_under_the_ink(self):
+        colour = three_kinds(np.array(text_page(3)))[2]
+        for name, image in (("in.png", colour), ("grey.png", text_page(2)), ("bits.png", text_page(2).point(lambda grey: 255 * (grey > 128)).convert("1"))):
+            for options in ((), ("--for", "ocr"), ("--crop-border",), ("--no-deskew",)):
+                for dpi in (300, 100):  # coarse pages are doubled
+                    self.save(name, image, dpi=(dpi, dpi))
+                    file, = self.record("clean", name, "-o", "out.tif", "--overwrite", "--keep-colour", *options)
+                    self.assertEqual(file["outputs"], ["out.tif", "out-colour.tif"])
+                    page, = file["pages"]
+                    bits, = self.pages("out.tif")
+                    kept, = self.pages("out-colour.tif")
+                    self.assertEqual((bits.mode, kept.mode, bits.size), ("1", image.mode, kept.size))
+                    self.assertEqual(page["kept"], {"kind": {"1": "bitonal", "L": "grey", "RGB": "colour"}[image.mode],
+                                                    "width": bits.width, "height": bits.height, "file": "out-colour.tif",
+                                                    "dpi": page["output"]["dpi"]})
+                    grey, ink = np.asarray(kept.convert("L")).astype(int), ~as_array(bits)
+                    inside = np.s_[200:-200, 200:-200]
+                    least = [np.corrcoef(-grey[inside].ravel(), np.roll(ink, shift, (0, 1))[inside].ravel())[0, 1]
+                             for shift in ((0, 0), (2, 0), (-2, 0), (0, 2), (0, -2))]
+                    self.assertEqual(np.argmax(least), 0, (name, options, dpi, least))
+                    self.assertGreater(least[0], 0.6)
+
+    def test_both_files_or_none(self):
+        self.save("in.png", text_page(1).convert("RGB"))
+        self.save("two.tif", text_page(1), text_page(2))
+        keep = ("--keep-colour", "-o")
+        self.good("clean", "two.tif", *keep, "out/", "--format", "png")
+        self.assertEqual(sorted(os.listdir(self.path("out"))),
+                         ["two-1-colour.png", "two-1.png", "two-2-colour.png", "two-2.png"])
+        self.good("clean", "two.tif", *keep, "out/a.pbm")
+        self.assertEqual([page.mode for page in self.pages("out/a-colour.pnm")], ["L"])
+        self.write("out/in-colour.tif", b"here")
+        self.fails("clean", "in.png", *keep, "out/in.tif",
+                   lines=["out/in-colour.tif: exists already (--overwrite replaces it)"])
+        self.assertFalse(os.path.exists(self.path("out/in.tif")))
+        self.good("clean", "in.png", *keep, "out/in.tif", "--overwrite")
+        self.assertIn(b"skipped: out/in.tif exists",
+                      self.good("clean", "in.png", *keep, "out/in.tif", "--skip-existing").stdout)
+        os.remove(self.path("out/in-colour.tif"))
+        self.fails("clean", "in.png", *keep, "out/in.tif", "--skip-existing",
+                   lines=["out/in.tif: exists already (--overwrite replaces it)"])
+        self.save("in-colour.png", text_page(1))
+        done = self.run_tool("clean", "in.png", "in-colour.png", *keep, "new/")
+        self.assertEqual((done.returncode, os.path.exists(self.path("new"))), (2, False))
+        self.assertIn("would both become new/in-colour.tif", done.errors[0])
+        self.usage("clean", "in.png", *keep, "-")
+
+
 class Perspective(GeometryCase):
     def test_an_upright_rectangle(self):
         for image in three_kinds(np.random.default_rng(5).integers(0, 256, (80, 90), dtype=np.uint8)):

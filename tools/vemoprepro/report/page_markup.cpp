@@ -49,6 +49,7 @@ std::string figures_markup(const PageRecord& record) {
                                    std::to_string(record.content->y));
     }
     text += row("Result", shape_text(record.output) + ", " + dpi_text(record.output.dpi) + " dpi");
+    if (record.kept) text += row("Kept", shape_text(record.kept->shape) + ", " + record.kept->file);
     return text + row("Time", seconds_text(record.seconds) + " s") + "</dl>\n";
 }
 

@@ -11,6 +11,12 @@
 
 namespace tool::report {
 
+// The page in its own kind that lies beside the result.
+struct KeptRecord {
+    PageShape shape;
+    std::string file;
+};
+
 struct PageRecord {
     std::size_t number = 1;
     PageShape source;
@@ -22,6 +28,7 @@ struct PageRecord {
     std::optional<Corners> corners;  // of the page on its photograph
     std::vector<steps::StepNote> steps;
     PageShape output;
+    std::optional<KeptRecord> kept;
     double seconds = 0;
 };
 

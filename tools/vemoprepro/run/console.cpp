@@ -83,6 +83,10 @@ void Console::print_line(const std::string& line, bool as_progress) {
 
 void Console::print_steps(const report::PageRecord& record, const std::string& output) {
     for (const std::string& line : step_lines(record)) print_line("  " + line, false);
+    if (record.kept) {
+        print_line("  kept: " + describe_size(record.kept->shape) + ", to " + record.kept->file,
+                   false);
+    }
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, " (%.2f s)", record.seconds);
     print_line("  written: " + describe_size(record.output) + ", to " + output + seconds, false);

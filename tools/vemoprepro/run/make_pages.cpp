@@ -30,7 +30,11 @@ void work_on(const Options& options, const steps::Pipeline& pipeline, const Page
     steps::process(pipeline, work, pictured ? &painter : nullptr);
     if (pictured) result.pictures = painter.take(work.page, work.fan);
     result.record = report::record_of(task.page + 1, work, watch.seconds() - painter.seconds());
+    if (work.kept) {
+        result.record.kept = {shape_of(*work.kept), task.input->outputs.kept_of_page(task.page)};
+    }
     result.data = std::move(work.page);
+    result.kept = std::move(work.kept);
 }
 
 PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
@@ -52,6 +56,7 @@ PageResult result_of(const Options& options, const steps::Pipeline& pipeline,
             task.input->name, task.input->file->page_prefix(task.page) + what_failed(error));
     }
     result.data = {};
+    result.kept.reset();
     result.pictures.reset();
     task.input->fail_from(task.page);
     return result;
@@ -76,8 +81,8 @@ int make_pages(const Options& options) {
         pictures.emplace(options.report_folder, paths_of(inputs), options.overwrite);
     }
     OutputCollector collector(options, console, pictures ? &*pictures : nullptr);
-    const std::size_t window =
-        steps::keeps_kind(options.steps.command) ? options.jobs : 2 * options.jobs;
+    const bool large = steps::keeps_kind(options.steps.command) || options.steps.keep_colour;
+    const std::size_t window = large ? options.jobs : 2 * options.jobs;
     OrderedQueue<PageTask, PageResult> queue(
         window, [&] { return feeder.next(); },
         [&](PageTask& task) { return result_of(options, pipeline, task); });

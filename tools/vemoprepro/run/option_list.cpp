@@ -146,6 +146,8 @@ void add_cleaning_steps(CLI::App& command, Options& options, RawOptions& raw) {
                      "Keep the resolution of pages whose letters have few pixels");
     command.add_flag("--no-remove-lines", raw.no_remove_lines, "Keep lines, with --for ocr")
         ->excludes(lines);
+    command.add_flag("--keep-colour", options.steps.keep_colour,
+                     "Write the straightened page in its own kind, too: NAME-colour beside NAME");
     add_force(command, options);
 }
 

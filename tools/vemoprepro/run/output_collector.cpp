@@ -19,35 +19,39 @@ void check_fit(const std::string& name, const Page& page) {
 
 }  // namespace
 
-void OutputSet::open(const std::string& name) {
-    files_.push_back(std::make_unique<files::OutputFile>(name, overwrite_));
-    writer_ = files::make_page_writer(names_.format, *files_.back());
+void OutputSeries::append(const std::string& name, Page page) {
+    check_fit(name, page);
+    if (!writer_ || files_.back()->name() != name) {
+        finish();
+        files_.push_back(std::make_unique<files::OutputFile>(name, overwrite_));
+        writer_ = files::make_page_writer(format_, *files_.back());
+    }
+    writer_->append(std::move(page));
 }
 
-void OutputSet::finish_file() {
+void OutputSeries::finish() {
     if (!writer_) return;
     writer_->finish();
     writer_.reset();
     files_.back()->close();
 }
 
-void OutputSet::append(std::size_t index, Page page) {
-    const std::string& name = names_.of_page(index);
-    check_fit(name, page);
-    if (!writer_ || names_.files.size() > 1) {
-        finish_file();
-        open(name);
-    }
-    writer_->append(std::move(page));
+void OutputSet::append(std::size_t index, Page page, std::optional<Page> kept) {
+    pages_.append(names_.of_page(index), std::move(page));
+    if (kept) kept_.append(names_.kept_of_page(index), std::move(*kept));
 }
 
 void OutputSet::publish() {
-    finish_file();
+    std::vector<files::OutputFile*> files;
+    for (OutputSeries* series : {&pages_, &kept_}) {
+        series->finish();
+        for (const auto& file : series->files()) files.push_back(file.get());
+    }
     std::size_t published = 0;
     try {
-        for (; published < files_.size(); ++published) files_[published]->publish();
+        for (; published < files.size(); ++published) files[published]->publish();
     } catch (const files::FileError&) {
-        while (published > 0) files_[--published]->withdraw();
+        while (published > 0) files[--published]->withdraw();
         throw;
     }
 }
@@ -72,7 +76,7 @@ void OutputCollector::write(PageResult& result) {
         current_ = result.input;
         console_.start(input.name, name_of(input.file->format()), input.page_count());
     }
-    outputs_->append(result.page, std::move(result.data));
+    outputs_->append(result.page, std::move(result.data), std::move(result.kept));
     if (pictures_ != nullptr && result.pictures) {
         reported_ = true;
         pictures_->page(input.name, input.page_count(), result.record, *result.pictures);
@@ -82,7 +86,7 @@ void OutputCollector::write(PageResult& result) {
     outputs_->publish();
     outputs_.reset();
     current_.reset();
-    console_.finish_input(input.outputs.files);
+    console_.finish_input(input.outputs.all());
 }
 
 void OutputCollector::fail(PageResult& result, const files::FileError& error) {

@@ -19,28 +19,44 @@ struct PageResult {
     std::shared_ptr<Input> input;
     std::size_t page = 0;
     Page data;
+    std::optional<Page> kept;
     report::PageRecord record;
     std::optional<report::PagePictures> pictures;  // for the report to look at
     std::optional<files::FileError> error;
     std::string existing;  // as in PageTask
 };
 
-// The output files of one input: all of them appear, or none. Use: append* publish.
-class OutputSet {
+// Pages that go into one file, or into a file each. Use: append* finish, then publish the files.
+class OutputSeries {
   public:
-    OutputSet(const OutputNames& names, bool overwrite) : names_(names), overwrite_(overwrite) {}
+    OutputSeries(files::OutputFormat format, bool overwrite)
+        : format_(format), overwrite_(overwrite) {}
 
-    void append(std::size_t index, Page page);
-    void publish();
+    // name: of the file; the same one again goes on with it.
+    void append(const std::string& name, Page page);
+    void finish();
+    const std::vector<std::unique_ptr<files::OutputFile>>& files() const { return files_; }
 
   private:
-    void open(const std::string& name);
-    void finish_file();
-
-    const OutputNames& names_;
+    files::OutputFormat format_;
     bool overwrite_;
     std::vector<std::unique_ptr<files::OutputFile>> files_;
     std::unique_ptr<files::PageWriter> writer_;  // of the last file
+};
+
+// The output files of one input: all of them appear, or none. Use: append* publish.
+class OutputSet {
+  public:
+    OutputSet(const OutputNames& names, bool overwrite)
+        : names_(names), pages_(names.format, overwrite), kept_(names.format, overwrite) {}
+
+    void append(std::size_t index, Page page, std::optional<Page> kept);
+    void publish();
+
+  private:
+    const OutputNames& names_;
+    OutputSeries pages_;
+    OutputSeries kept_;
 };
 
 class OutputCollector {

@@ -35,6 +35,14 @@ const char* ending_of(files::OutputFormat format, bool keeps_kind) {
     return keeps_kind ? ".pnm" : ".pbm";
 }
 
+// "page.tif" becomes "page-colour.tif". A bitmap's name would promise too little.
+std::string kept_name(const std::string& name) {
+    const std::string extension = extension_of(name);
+    if (extension.empty()) return name + "-colour";
+    const std::size_t dot = name.size() - extension.size() - 1;
+    return name.substr(0, dot) + "-colour" + (extension == "pbm" ? ".pnm" : name.substr(dot));
+}
+
 std::string stem_of(const std::string& input) {
     if (input == "-") return "stdin";
     return std::filesystem::path(input).stem().string();
@@ -85,11 +93,22 @@ std::size_t pages_in(const std::string& input) {
 
 }  // namespace
 
+std::vector<std::string> OutputNames::all() const {
+    std::vector<std::string> names = files;
+    names.insert(names.end(), kept.begin(), kept.end());
+    return names;
+}
+
 OutputPlan::OutputPlan(const Options& options, const InputList& inputs)
     : output_(options.output),
       overwrite_(options.overwrite),
-      keeps_kind_(steps::keeps_kind(options.steps.command)) {
+      keeps_kind_(steps::keeps_kind(options.steps.command)),
+      keeps_colour_(options.steps.keep_colour) {
     if (output_.empty()) throw UsageError("-o: the name is empty");
+    if (keeps_colour_ && (output_ == "-" || files::is_stream(output_))) {
+        throw UsageError("--keep-colour writes two files, and -o " + output_ +
+                         " is no place for them");
+    }
     check_place(inputs);
     format_ = format_of(options, folder_);
     check_unique(inputs);
@@ -131,8 +150,8 @@ void OutputPlan::check_unique(const InputList& inputs) const {
     std::size_t clashes = 0;
     for (const InputName& input : inputs.files) {
         if (!input.error.empty()) continue;
-        for (const std::string& output :
-             names_in_folder(input, numbers_pages() ? pages_in(input.path) : 1)) {
+        const std::size_t pages = numbers_pages() ? pages_in(input.path) : 1;
+        for (const std::string& output : all_names(names_in_folder(input, pages)).all()) {
             const auto [other, is_new] = taken.emplace(output, input.path);
             if (is_new) continue;
             if (first.empty()) {
@@ -196,12 +215,19 @@ std::vector<std::string> OutputPlan::names_of(const InputName& input,
     return {output_};
 }
 
+OutputNames OutputPlan::all_names(std::vector<std::string> files) const {
+    OutputNames names{format_, std::move(files), {}};
+    if (!keeps_colour_) return names;
+    for (const std::string& name : names.files) names.kept.push_back(kept_name(name));
+    return names;
+}
+
 std::string OutputPlan::first_name(const InputName& input, std::size_t page_count) const {
     return names_of(input, page_count).front();
 }
 
 bool OutputPlan::all_exist(const InputName& input, std::size_t page_count) const {
-    for (const std::string& output : names_of(input, page_count)) {
+    for (const std::string& output : all_names(names_of(input, page_count)).all()) {
         struct stat status {};
         const bool is_file = output != "-" && stat(output.c_str(), &status) == 0;
         if (!is_file || !S_ISREG(status.st_mode)) return false;
@@ -235,8 +261,8 @@ OutputNames OutputPlan::names_for(const InputName& input, std::size_t page_count
                                                " and a PNG file only one; name a folder, or a "
                                                "TIFF file");
     }
-    OutputNames names{format_, names_of(input, page_count)};
-    for (const std::string& output : names.files) claim(output, input.path);
+    OutputNames names = all_names(names_of(input, page_count));
+    for (const std::string& output : names.all()) claim(output, input.path);
     if (folder_) make_folders(input.below);
     return names;
 }

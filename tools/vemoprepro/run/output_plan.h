@@ -24,10 +24,16 @@ struct OutputNames {
     files::OutputFormat format = files::OutputFormat::kTiff;
     // One name for all pages, or one per page.
     std::vector<std::string> files;
+    // As many, of the pages in their own kinds; empty unless they are kept.
+    std::vector<std::string> kept;
 
     const std::string& of_page(std::size_t index) const {
         return files.size() == 1 ? files.front() : files[index];
     }
+    const std::string& kept_of_page(std::size_t index) const {
+        return kept.size() == 1 ? kept.front() : kept[index];
+    }
+    std::vector<std::string> all() const;
 };
 
 class OutputPlan {
@@ -50,6 +56,7 @@ class OutputPlan {
     std::string first_name(const InputName& input, std::size_t page_count) const;
 
   private:
+    OutputNames all_names(std::vector<std::string> files) const;
     std::vector<std::string> names_of(const InputName& input, std::size_t page_count) const;
     std::vector<std::string> names_in_folder(const InputName& input, std::size_t page_count) const;
     void check_place(const InputList& inputs);
@@ -63,6 +70,7 @@ class OutputPlan {
     bool folder_ = false;
     bool overwrite_ = false;
     bool keeps_kind_ = false;
+    bool keeps_colour_ = false;
     files::OutputFormat format_ = files::OutputFormat::kTiff;
     std::set<FileIdentity> inputs_;
     std::map<std::string, std::string> taken_;  // output: input

@@ -63,6 +63,13 @@ double rounded(double seconds) {
     return std::round(seconds * 1e4) / 1e4;
 }
 
+Json kept_json(const report::KeptRecord& kept) {
+    Json json = size_json(kept.shape);
+    json["dpi"] = dpi_json(kept.shape.dpi);
+    json["file"] = kept.file;
+    return json;
+}
+
 Json step_json(const steps::StepNote& step) {
     const steps::Outcome& outcome = step.outcome;
     return {{"name", step.name},          {"status", outcome.done ? "done" : "skipped"},
@@ -88,6 +95,7 @@ Json to_json(const report::PageRecord& record) {
     for (const steps::StepNote& step : record.steps) json["steps"].push_back(step_json(step));
     json["output"] = size_json(record.output);
     json["output"]["dpi"] = dpi_json(record.output.dpi);
+    if (record.kept) json["kept"] = kept_json(*record.kept);
     json["seconds"] = rounded(record.seconds);
     return json;
 }

@@ -15,6 +15,7 @@
 #include "reading/ink_contrast.h"
 #include "reading/paper_bits.h"
 #include "steps/ink_removal.h"
+#include "steps/kept_page.h"
 #include "steps/step.h"
 
 namespace tool::steps {
@@ -132,6 +133,7 @@ Outcome binarize_by_paper(const Page& grey, PageWork& work, const StepOptions& o
         return {true, "thresholds by the paper"};
     }
     work.page = reading::doubled_bits_by_paper(grey);
+    double_kept(work);
     work.letters.enlarge(2);
     return {true, "thresholds by the paper, resolution doubled for its small letters"};
 }

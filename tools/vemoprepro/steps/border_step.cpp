@@ -126,6 +126,7 @@ Outcome crop_greys(PageWork& work, bool force) {
         if (covers_all || (!force && reading::covers_print(mask, grey))) continue;
         const double dark = dark_covered(grey, mask);
         paint_as_paper(work.page, mask);
+        if (work.kept) paint_as_paper(*work.kept, mask);
         work.content = content;
         const bool much = dark > kMostInk;
         return {
@@ -153,6 +154,14 @@ std::optional<Box> box_of_ink(const Page& page) {
     return box_between(x0, x1, y0, y1);
 }
 
+// The border becomes paper: black on a page whose ink is white.
+void paint_bits(Page& bits, const Page& mask, bool negative) {
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+        const int border = mask.bytes[i], byte = bits.bytes[i];
+        bits.bytes[i] = static_cast<unsigned char>(negative ? byte | border : byte & ~border);
+    }
+}
+
 Outcome crop_bits(PageWork& work, bool force) {
     const Page mask = reading::border_of_bits(work.page);
     if (!force && !is_empty(mask) &&
@@ -160,14 +169,11 @@ Outcome crop_bits(PageWork& work, bool force) {
                                     reading::letter_height(work.letters, work.page))) {
         return {false, kPrintInTheDark, std::nullopt, true};
     }
-    Outcome outcome = remove_ink(work.page, force ? Excess::kAllowed : Excess::kHeldBack,
-                                 inner_part(work.page), "border", [&](Page& changed) {
-                                     for (std::size_t i = 0; i < changed.size(); ++i) {
-                                         changed.bytes[i] &=
-                                             static_cast<unsigned char>(~mask.bytes[i]);
-                                     }
-                                 });
+    Outcome outcome =
+        remove_ink(work.page, force ? Excess::kAllowed : Excess::kHeldBack, inner_part(work.page),
+                   "border", [&](Page& changed) { paint_bits(changed, mask, false); });
     if (!outcome.done) return outcome;
+    if (work.kept) paint_bits(*work.kept, mask, work.negative);
     const std::optional<Box> content = box_of_ink(work.page);
     if (!content) return {true, "no ink left inside the border"};
     work.content = content;

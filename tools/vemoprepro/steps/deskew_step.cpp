@@ -2,6 +2,7 @@
 #include <cmath>
 #include <string>
 
+#include "steps/kept_page.h"
 #include "steps/number_text.h"
 #include "steps/skew_measure.h"
 #include "steps/step.h"
@@ -15,10 +16,12 @@ constexpr double kStraightDegrees = 0.06;
 
 constexpr int kShortestSide = 32;  // of a page with room for lines
 
-// With --for ocr greys are resampled: one interpolation keeps the letters' edges best.
-Straightening way_of(const Page& page, bool for_reading) {
-    if (page.kind == PageKind::kBitonal) return Straightening::kPieces;
-    return for_reading ? Straightening::kResampled : Straightening::kPixels;
+// With --for ocr greys are resampled: one interpolation keeps the letters' edges best. Ink beside a
+// page that is kept in its own kind goes where that page's pixels go.
+Straightening way_of(const PageWork& work, bool for_reading) {
+    if (work.page.kind != PageKind::kBitonal && for_reading) return Straightening::kResampled;
+    const bool alone = work.page.kind == PageKind::kBitonal && !work.kept;
+    return alone ? Straightening::kPieces : Straightening::kPixels;
 }
 
 // Unless asked otherwise, greys and colours go on as they are at the page's border.
@@ -30,12 +33,13 @@ Outcome straighten_by(PageWork& work, Skew skew, const std::string& source,
                       const StepOptions& options) {
     Page& page = work.page;
     if (std::abs(skew.degrees()) < kStraightDegrees) return {false, "already straight" + source};
-    const Straightening way = way_of(page, options.for_reading);
+    const Straightening way = way_of(work, options.for_reading);
     const StraightSize size = straight_size(page, skew, way);
     if (size.width > kLongestSide || size.height > kLongestSide) {
         return {false, "straight it would be larger than 32767 pixels a side" + source};
     }
     straighten(page, skew, way, background_for(page, options));
+    straighten_kept(work, skew, way);
     return {true, with_digits("skew %.2f degrees", skew.degrees()) + source};
 }
 

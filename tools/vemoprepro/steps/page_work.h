@@ -71,6 +71,8 @@ struct PageWork {
     bool heavily_specked = false;
     // Dark specks that went with the greys of such a page: a bitonal page, as large as it was then.
     std::optional<Page> grey_specks;
+    // The page in its own kind, straightened along (steps/kept_page.h).
+    std::optional<Page> kept;
     // The page with ink that is faint beside the rest of it as well, from binarizing it for reading
     // until its ruled lines are removed.
     std::optional<Page> with_faint_ink;

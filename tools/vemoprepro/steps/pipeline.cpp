@@ -13,21 +13,15 @@ namespace {
 // are, and specks go last, so that crumbs of ruled lines are among them.
 Pipeline cleaning_steps(const StepOptions& options) {
     if (options.for_reading) {
-        return {orientation_step(options), grey_step(),
+        return {orientation_step(options), grey_step(options),
                 negative_step(options),    border_step(options),
                 prepare_step(options),     deskew_step(options),
                 binarize_step(options),    unline_step(options),
                 despeckle_step(options),   positive_step()};
     }
-    return {orientation_step(options),
-            grey_step(),
-            negative_step(options),
-            border_step(options),
-            binarize_step(options),
-            despeckle_step(options),
-            deskew_step(options),
-            unline_step(options),
-            positive_step()};
+    return {orientation_step(options), grey_step(options),     negative_step(options),
+            border_step(options),      binarize_step(options), despeckle_step(options),
+            deskew_step(options),      unline_step(options),   positive_step()};
 }
 
 }  // namespace
@@ -37,7 +31,7 @@ Pipeline make_pipeline(const StepOptions& options) {
         case Command::kClean:
             break;
         case Command::kBinarize:
-            return {orientation_step(options), grey_step(), negative_step(options),
+            return {orientation_step(options), grey_step(options), negative_step(options),
                     binarize_step(options), positive_step()};
         case Command::kDeskew:
             return {orientation_step(options), deskew_step(options)};

@@ -9,6 +9,7 @@
 #include "reading/sharpen.h"
 #include "reading/strewn_bits.h"
 #include "steps/ink_removal.h"
+#include "steps/kept_page.h"
 #include "steps/number_text.h"
 #include "steps/step.h"
 
@@ -91,6 +92,7 @@ Outcome prepare(PageWork& work, Binarization binarization) {
     if (binarization != Binarization::kPaper) help_thresholds(page, outcome.why);
     if (is_coarse(page)) {
         page = reading::doubled(page);
+        double_kept(work);
         work.letters.enlarge(2);
         add_words(outcome.why, "resolution doubled");
     }

@@ -39,8 +39,9 @@ Step scale_step(const StepOptions& options);
 // Makes a page that was photographed at an angle upright and rectangular.
 Step perspective_step(const StepOptions& options);
 // Makes a colour page grey, the one that the library binarizes it from: lets go of the colours
-// early and has the greys at hand for the steps in between. Leaves no note.
-Step grey_step();
+// early and has the greys at hand for the steps in between. With --keep-colour the page is kept in
+// its own kind, too. Leaves no note.
+Step grey_step(const StepOptions& options);
 // Makes light letters on a dark page dark ones on a light page, for the steps in between; leaves no
 // note on others.
 Step negative_step(const StepOptions& options);

@@ -81,6 +81,7 @@ struct StepOptions {
     bool for_reading = false;  // --for ocr
     bool prepare = false;      // for reading
     bool crop_border = false;
+    bool keep_colour = false;  // a page of its own kind is straightened along
     DespeckleOptions despeckle;
     LineOptions lines;
     TextOptions text;    // of the textmask command
