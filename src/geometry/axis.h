@@ -35,6 +35,11 @@ class Axis {
 
     std::int32_t target() const { return static_cast<std::int32_t>(taps_.size()); }
 
+    // The last source row that target row j may ask for, with either filter.
+    std::int32_t last(std::int32_t j) const {
+        return clamped(std::int64_t{taps_[static_cast<std::size_t>(j)].index} + 2, source_);
+    }
+
     template <class RowAt>
     void make(std::int32_t j, const RowAt& row_at, std::size_t width, std::uint8_t* out) const {
         const Tap& tap = taps_[static_cast<std::size_t>(j)];
