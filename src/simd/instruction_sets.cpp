@@ -1,13 +1,17 @@
 // What Highway asks at run time: which of the instruction sets that the kernels are compiled for
 // this machine has. Its shared library answers it, too, but measures the machine's timer for
 // several milliseconds whenever a process loads it, which is longer than a small page takes. Only
-// its headers are used, so both functions stand here.
+// its headers are used, so both functions stand here; and the one that its own checks end the
+// process by, which builds with sanitizers make.
 //
 // Sets that a newer Highway knows and this file does not are left out; the next lower one is taken.
 #include <hwy/highway.h>
 #include <hwy/targets.h>
 
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 
 #if HWY_ARCH_X86
 #include <cpuid.h>
@@ -75,6 +79,15 @@ namespace hwy {
 std::int64_t SupportedTargets() {
     static const std::int64_t sets = find_sets();
     return sets;
+}
+
+void Abort(const char* file, int line, const char* format, ...) {
+    std::fprintf(stderr, "%s:%d: ", file, line);
+    std::va_list values;
+    va_start(values, format);
+    std::vfprintf(stderr, format, values);
+    va_end(values);
+    std::abort();
 }
 
 ChosenTarget& GetChosenTarget() {
