@@ -2,35 +2,16 @@
 // input, on buffers of exactly the size that the functions ask for.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <vector>
 
+#include "input.h"
 #include "models/rotation_comparison.h"
 #include "vemoprepro/geometry.h"
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
-struct Input {
-    const std::uint8_t* data;
-    std::size_t size;
-
-    int next() {
-        if (size == 0) return 0;
-        --size;
-        return *data++;
-    }
-    Bytes image(std::size_t bytes) {
-        Bytes result(bytes);
-        for (auto& value : result) value = static_cast<std::uint8_t>(next());
-        return result;
-    }
-};
-
-void check(bool holds) {
-    if (!holds) std::abort();
-}
+using fuzz::Bytes;
+using fuzz::check;
+using fuzz::Input;
 
 void turn_bitonal(Input& input) {
     const int mode = input.next() % 6;
@@ -42,7 +23,7 @@ void turn_bitonal(Input& input) {
     const int row_bytes = stride > 0 ? stride : 0;
     const int size =
         mode == PREPRO_TURN_HALF ? rows * row_bytes : row_bytes / 4 * ((rows + 31) / 32) * 128;
-    const Bytes src = input.image(static_cast<std::size_t>(rows * row_bytes));
+    const Bytes src = input.take(static_cast<std::size_t>(rows * row_bytes));
     const int dst_size = size > shortage ? size - shortage : 0;
     check(model::bitonal_turns_agree(mode, src, height, width, stride, dst_size));
 }
@@ -54,7 +35,7 @@ void turn_packed(Input& input) {
     const int width = input.next() - 2;
     const bool empty = height < 1 || width < 1;
     const Bytes src =
-        input.image(empty ? 0 : static_cast<std::size_t>(height * width * pixel_bytes));
+        input.take(empty ? 0 : static_cast<std::size_t>(height * width * pixel_bytes));
     check(model::packed_turns_agree(mode, pixel_bytes, src, height, width));
 }
 

@@ -2,39 +2,20 @@
 // with corners that make no page, for which there is no model, that it does no harm.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <vector>
 
+#include "input.h"
 #include "models/perspective_comparison.h"
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using fuzz::Bytes;
+using fuzz::check;
+using fuzz::Input;
 
-struct Input {
-    const std::uint8_t* data;
-    std::size_t size;
-
-    int next() {
-        if (size == 0) return 0;
-        --size;
-        return *data++;
-    }
-    int any() {
-        unsigned value = 0;
-        for (int i = 0; i < 4; ++i) value = value << 8 | static_cast<unsigned>(next());
-        return static_cast<int>(value);
-    }
-    // Repeats what is left of the input.
-    Bytes image(std::size_t bytes) const {
-        Bytes result(bytes, 0xA6);
-        for (std::size_t i = 0; size > 0 && i < bytes; ++i) result[i] = data[i % size];
-        return result;
-    }
-};
-
-void check(bool holds) {
-    if (!holds) std::abort();
+int any_from(Input& input) {
+    unsigned value = 0;
+    for (int i = 0; i < 4; ++i) value = value << 8 | static_cast<unsigned>(input.next());
+    return static_cast<int>(value);
 }
 
 void straighten(const Bytes& page, int width, int height, int dst_width, int dst_height,
@@ -68,10 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int dst_width = input.next() % 80;
     model::Corners corners;
     for (auto& [x, y] : corners.at) {
-        x = kind % 8 == 0 ? input.any() : input.next() % (width + kind % 2 * 3) - kind % 2;
-        y = kind % 8 == 0 ? input.any() : input.next() % (height + kind % 2 * 3) - kind % 2;
+        x = kind % 8 == 0 ? any_from(input) : input.next() % (width + kind % 2 * 3) - kind % 2;
+        y = kind % 8 == 0 ? any_from(input) : input.next() % (height + kind % 2 * 3) - kind % 2;
     }
-    const Bytes page = input.image(static_cast<std::size_t>(3 * width * height));
+    const Bytes page = input.repeat(static_cast<std::size_t>(3 * width * height));
     if (kind % 8 == 0) {
         int out_height = 0;
         int out_width = 0;

@@ -3,25 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <iterator>
-#include <vector>
 
+#include "input.h"
 #include "models/scaling_comparison.h"
 
 namespace {
 
-struct Input {
-    const std::uint8_t* data;
-    std::size_t size;
-
-    int next() {
-        if (size == 0) return 0;
-        --size;
-        return *data++;
-    }
-    int next_below(int limit) { return next() % limit; }
-};
+using fuzz::Input;
 
 int target_of(int source, Input& input) {
     switch (input.next_below(5)) {
@@ -54,13 +43,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     sizes.stride = kind.row_bytes(sizes.width) + input.next_below(8) - 1;
     sizes.dst_stride = kind.row_bytes(sizes.dst_width) + input.next_below(8) - 1;
     const int threads = input.next_below(9);
-    // Pixels of the input over and over, so that short inputs are pages, too; sources end with
-    // their last pixel.
+    // Sources end with their last pixel.
     const auto rows = static_cast<std::size_t>(sizes.height - 1);
-    std::vector<std::uint8_t> src(rows * static_cast<std::size_t>(std::max(sizes.stride, 0)) +
-                                  static_cast<std::size_t>(kind.row_bytes(sizes.width)));
-    for (std::size_t i = 0; i < src.size() && input.size > 0; ++i)
-        src[i] = input.data[i % input.size];
-    if (!model::scalings_agree(kind, src, sizes, threads)) std::abort();
+    const fuzz::Bytes src =
+        input.repeat(rows * static_cast<std::size_t>(std::max(sizes.stride, 0)) +
+                     static_cast<std::size_t>(kind.row_bytes(sizes.width)));
+    fuzz::check(model::scalings_agree(kind, src, sizes, threads));
     return 0;
 }

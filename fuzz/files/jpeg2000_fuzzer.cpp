@@ -3,23 +3,9 @@
 // Input: the file.
 #include "files/jpeg2000_file.h"
 
-#include "files/file_error.h"
-#include "memory_file.h"
-
-using namespace tool::files;
+#include "outlined_picture.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    setMsgSeverity(L_SEVERITY_NONE);
-    const fuzz::MemoryFile bytes(data, size);
-    const SeekableFile file(bytes.path());
-    try {
-        const auto place = jpeg2000_page(file);
-        if (!place || !fuzz::is_small(*place)) return 0;
-        const Decoded decoded = decode_jpeg2000(file);
-        if (!decoded.image) return 0;
-        fuzz::check(pixGetWidth(decoded.image.get()) == place->width &&
-                    pixGetHeight(decoded.image.get()) == place->height);
-    } catch (const FileError&) {
-    }
+    fuzz::check_outline(data, size, tool::files::jpeg2000_page, tool::files::decode_jpeg2000);
     return 0;
 }

@@ -116,11 +116,13 @@ void rectify(common::ColourView src, const Corners& corners, common::MutableColo
     Piece piece;
     for (std::int32_t v = 0; v < dst.height; ++v, row_start += row_step) {
         Forms at = row_start;
-        for (std::int32_t u = 0; u < dst.width; u += Piece::kPixels) {
-            const auto pixels = static_cast<std::size_t>(std::min(Piece::kPixels, dst.width - u));
+        // In 64 bits: the last step may go beyond the widest row.
+        for (std::int64_t u = 0; u < dst.width; u += Piece::kPixels) {
+            const auto pixels =
+                static_cast<std::size_t>(std::min<std::int64_t>(Piece::kPixels, dst.width - u));
             piece.walk(at, pixel_step, pixels);
             piece.sample(src, pixels);
-            piece.store(dst.row(v) + std::ptrdiff_t{3} * u, pixels);
+            piece.store(dst.row(v) + 3 * u, pixels);
         }
     }
 }

@@ -1,5 +1,4 @@
-// Where the pixels of a target lie in its source, along one axis; linear() and cubic() are the
-// values between source pixels.
+// Where the pixels of a target lie in its source, along one axis.
 //
 // Target pixel j of an axis lies at j * (source / target) in the source, without an offset of half
 // a pixel: target pixel 0 is source pixel 0. Three ratios are kept exact by whole phases instead.
@@ -9,16 +8,11 @@
 #include <cmath>
 #include <cstdint>
 
-#include "simd/pixels/plain/blend_rows.h"
-
 namespace geometry {
 
 constexpr std::int32_t clamped(std::int64_t index, std::int32_t size) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(index, 0, size - 1));
 }
-
-using simd::plain::cubic;
-using simd::plain::linear;
 
 // A ratio of target to source with a short cycle of positions.
 enum class Ratio { kTwo, kThreeHalves, kFourThirds, kOther };
